@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace velloway {
+
+/// One value of a parsed message. Valid until the reader that made it parses again or goes.
+class JsonValue {
+public:
+    bool isNull() const;
+    bool isObject() const;
+    bool isArray() const;
+
+    // Absent when the value is of another type; there are no conversions.
+    /// May hold NUL characters. UTF-8.
+    std::optional<std::string_view> text() const;
+    /// A number without a fractional part within signed 64 bits, however it is written (12, 12.0, 1e3).
+    std::optional<std::int64_t> integer() const;
+    /// Any number; one beyond the range of a double reads as infinite.
+    std::optional<double> real() const;
+    std::optional<bool> boolean() const;
+
+    /// The member under `key`; of several equal keys the last one. Absent when there is none or this is no
+    /// object.
+    std::optional<JsonValue> member(std::string_view key) const;
+
+    /// Walks the elements of an array in order until `visit` returns false. Returns false if this is no array
+    /// or the walk was cut short.
+    bool forEachElement(const std::function<bool(const JsonValue&)>& visit) const;
+
+private:
+    friend class JsonReader;
+    enum class Backend { simdjson, boost };
+    JsonValue(Backend backend, const void* document, std::size_t index)
+        : backend_(backend), document_(document), index_(index) {}
+
+    Backend backend_;
+    const void* document_;
+    std::size_t index_;
+};
+
+/// Parses JSON texts; keeps its memory from one text to the next. One thread at a time.
+///
+/// A text is one object or array with nothing but white space around it; a UTF-8 byte order mark before it is
+/// passed over. Refused: anything else at top level, invalid UTF-8, lone surrogates, raw control characters,
+/// bytes after the value, and nesting deeper than 512.
+class JsonReader {
+public:
+    JsonReader();
+    ~JsonReader();
+
+    /// Absent on failure, with `error` filled. Works in place if at least 64 bytes after `text` may be read.
+    std::optional<JsonValue> parse(std::string_view text, std::size_t readableAfter, std::string& error);
+
+    static constexpr std::size_t maxDepth = 512;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace velloway

@@ -1,0 +1,17 @@
+#include "platform/Fatal.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace velloway {
+
+void fatal(std::string_view message) {
+    std::string line = "Fatal error: ";
+    line.append(message).push_back('\n');
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    std::fflush(stderr);
+    std::abort();
+}
+
+} // namespace velloway

@@ -1,0 +1,113 @@
+#pragma once
+
+#include "platform/DispatchQueue.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace velloway {
+
+struct NetworkError {
+    /// What a user may read, as in a status line.
+    std::string localizedDescription;
+    /// What a log line shows; may name the system's error code.
+    std::string description;
+};
+
+enum class ListenerState { setup, waiting, ready, failed, cancelled };
+enum class ConnectionState { setup, waiting, preparing, ready, failed, cancelled };
+
+/// The far end of a connection.
+struct Endpoint {
+    /// Present when the endpoint has the form host and port. IPv4 peers of a dual-stack listener are shown as
+    /// IPv4.
+    std::optional<std::string> host;
+    /// The platform's own text for the whole endpoint, for log lines.
+    std::string description;
+};
+
+/// A text handed to several connections without copying it.
+using SharedText = std::shared_ptr<const std::string>;
+
+/// What one receive brought.
+struct ReceivedContent {
+    /// The bytes of this block, absent when the receive brought none. They belong to the connection and are
+    /// valid only until the completion returns.
+    std::optional<std::string_view> bytes;
+    /// How many bytes after `bytes` may be read (their values mean nothing). Lets a parser that reads in wide
+    /// steps work in place.
+    std::size_t readableAfter = 0;
+    /// Whether a content context came that carries WebSocket metadata.
+    bool hasWebSocketMetadata = false;
+    bool isComplete = false;
+    std::optional<NetworkError> error;
+};
+
+/// One accepted WebSocket. Operations are called on the queue it was started on, and all callbacks come there.
+class NetworkConnection {
+public:
+    using StateHandler = std::function<void(ConnectionState, const std::optional<NetworkError>&)>;
+    using ReceiveCompletion = std::function<void(const ReceivedContent&)>;
+    using SendCompletion = std::function<void(const std::optional<NetworkError>&)>;
+
+    /// Destroying a connection drops it without a closing handshake and without further callbacks.
+    virtual ~NetworkConnection() = default;
+
+    /// Must be set before `start`. Every state is reported once, in order; `failed` and `cancelled` are final.
+    virtual void setStateHandler(StateHandler handler) = 0;
+    /// Runs the handshake; `ready` follows when it has succeeded.
+    virtual void start(DispatchQueue& queue) = 0;
+    /// May be called in any state, on any thread; ends in the state `cancelled`.
+    virtual void cancel() = 0;
+
+    virtual Endpoint endpoint() const = 0;
+
+    /// Asks for one more block. At most one receive is outstanding at a time.
+    virtual void receiveMessage(ReceiveCompletion completion) = 0;
+
+    /// Sends one complete text frame; frames leave in the order of the calls. `identifier` names the content
+    /// in diagnostics. The completion tells when the text was handed to the system, not that it arrived.
+    virtual void send(SharedText text, std::string_view identifier, SendCompletion completion) = 0;
+};
+
+/// Callbacks come on the queue given to `start`.
+class NetworkListener {
+public:
+    using StateHandler = std::function<void(ListenerState, const std::optional<NetworkError>&)>;
+    using NewConnectionHandler = std::function<void(std::shared_ptr<NetworkConnection>)>;
+
+    virtual ~NetworkListener() = default;
+
+    virtual void setStateHandler(StateHandler handler) = 0;
+    virtual void setNewConnectionHandler(NewConnectionHandler handler) = 0;
+    virtual void start(DispatchQueue& queue) = 0;
+    /// May be called on any thread; ends in the state `cancelled`. Accepted connections live on.
+    virtual void cancel() = 0;
+};
+
+struct ListenerParameters {
+    std::uint16_t port = 0;
+    bool allowLocalEndpointReuse = false;
+    int webSocketVersion = 13;
+    bool autoReplyPing = false;
+};
+
+class Network {
+public:
+    virtual ~Network() = default;
+
+    /// Whether the platform takes this number as the port of an endpoint.
+    virtual bool acceptsPort(std::uint16_t port) const = 0;
+
+    /// Makes a listener on all local interfaces. On failure returns null and fills `error`. A port that is in
+    /// use is no failure here: the started listener then reports `failed`.
+    virtual std::shared_ptr<NetworkListener> makeListener(const ListenerParameters& parameters,
+                                                          NetworkError& error) = 0;
+};
+
+} // namespace velloway

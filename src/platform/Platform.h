@@ -1,0 +1,42 @@
+#pragma once
+
+namespace velloway {
+
+class Accessibility;
+class Application;
+class DispatchQueue;
+class Host;
+class InputEvents;
+class Log;
+class LoginItem;
+class Network;
+class Pasteboard;
+class Scripts;
+class StatusItem;
+class UserDefaults;
+class UserNotificationCenter;
+class Windows;
+class Workspace;
+
+/// One host, whole: every port, ready for use. Only the composition of the program sees it; each object is
+/// given the few ports that it needs. Everything named here outlives the program's objects.
+struct Platform {
+    DispatchQueue& mainQueue;
+    DispatchQueue& serverQueue;
+    Network& network;
+    UserDefaults& userDefaults;
+    UserNotificationCenter& notificationCenter;
+    Pasteboard& pasteboard;
+    InputEvents& inputEvents;
+    Scripts& scripts;
+    Accessibility& accessibility;
+    LoginItem& loginItem;
+    StatusItem& statusItem;
+    Application& application;
+    Windows& windows;
+    Workspace& workspace;
+    Host& host;
+    Log& log;
+};
+
+} // namespace velloway

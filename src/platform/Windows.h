@@ -1,0 +1,107 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velloway {
+
+/// Origin at the bottom left of the screen, y growing upwards, in points.
+struct Rect {
+    double x = 0;
+    double y = 0;
+    double width = 0;
+    double height = 0;
+
+    double maxX() const { return x + width; }
+    double maxY() const { return y + height; }
+    bool operator==(const Rect&) const = default;
+};
+
+/// The numbers are the platform's style mask bits.
+namespace windowStyle {
+inline constexpr unsigned titled = 1;
+inline constexpr unsigned closable = 2;
+inline constexpr unsigned miniaturizable = 4;
+inline constexpr unsigned resizable = 8;
+inline constexpr unsigned nonactivatingPanel = 0x80;
+inline constexpr unsigned fullSizeContentView = 0x8000;
+} // namespace windowStyle
+
+struct MainWindowProperties {
+    Rect contentRect;
+    unsigned styleMask = 0;
+    std::string title;
+    double minWidth = 0;
+    double minHeight = 0;
+    bool isReleasedWhenClosed = false;
+};
+
+/// Main thread only.
+class Window {
+public:
+    /// Takes the window off the screen.
+    virtual ~Window() = default;
+
+    virtual bool isVisible() const = 0;
+    virtual void center() = 0;
+    virtual void makeKeyAndOrderFront() = 0;
+    virtual void orderFrontRegardless() = 0;
+    virtual void orderOut() = 0;
+    virtual void setIsVisible(bool visible) = 0;
+    virtual void setFrameOrigin(double x, double y) = 0;
+};
+
+/// Every property of a floating panel that is not the platform's own default; absent ones are left alone.
+struct PanelProperties {
+    Rect contentRect;
+    unsigned styleMask = 0;
+    bool isFloatingPanel = false;
+    int level = 0;
+    std::optional<bool> becomesKeyOnlyIfNeeded;
+    unsigned collectionBehavior = 0;
+    bool isMovableByWindowBackground = false;
+    bool hasShadow = false;
+    bool hasClearBackground = false;
+    bool isOpaque = true;
+    bool titlebarAppearsTransparent = false;
+    bool titleIsHidden = false;
+    bool isReleasedWhenClosed = false;
+    std::optional<bool> hidesOnDeactivate;
+
+    bool operator==(const PanelProperties&) const = default;
+};
+
+/// Which view a panel shows; the values that it shows are bound by the view itself.
+enum class PanelContent { incomingCall, activeCall };
+
+struct OpenPanelOptions {
+    bool allowsMultipleSelection = false;
+    bool canChooseDirectories = false;
+};
+
+/// Main thread only; so are all callbacks.
+class Windows {
+public:
+    virtual ~Windows() = default;
+
+    /// Builds the main window with the settings view as its content, not yet on screen. `onClose` runs each
+    /// time that the user closes it; the window itself is kept.
+    virtual std::shared_ptr<Window> makeMainWindow(const MainWindowProperties& properties,
+                                                   std::function<void()> onClose) = 0;
+    virtual std::shared_ptr<Window> makePanel(const PanelProperties& properties, PanelContent content) = 0;
+
+    /// The usable part of the screen that the platform calls main; absent when there is none.
+    virtual std::optional<Rect> mainScreenVisibleFrame() const = 0;
+
+    /// Opens without blocking. The callback gets the chosen files in the panel's order, or nothing when the
+    /// user cancelled.
+    virtual void
+    beginOpenPanel(const OpenPanelOptions& options,
+                   std::function<void(std::optional<std::vector<std::filesystem::path>>)> done) = 0;
+};
+
+} // namespace velloway

@@ -1,0 +1,137 @@
+#pragma once
+
+#include "features/BatteryAlerts.h"
+#include "features/CallEvents.h"
+#include "features/ClipboardSync.h"
+#include "features/IncomingFiles.h"
+#include "features/OutgoingFiles.h"
+#include "platform/Network.h"
+#include "platform/UserDefaults.h"
+#include "remote/CommandRouter.h"
+#include "state/AppNotificationCenter.h"
+#include "state/StoreLink.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace velloway {
+
+class MessageDispatch;
+
+/// The one object that owns the link to the phone: it listens, keeps every connection, assembles what comes in
+/// and sends to all of them.
+///
+/// There are no locks: the connections belong to the server queue, the store and the callers of the outbound
+/// operations to the main thread.
+class WebSocketServer : public std::enable_shared_from_this<WebSocketServer> {
+public:
+    /// Everything that the server and its features ask of the desktop; all of it must outlive the server.
+    struct Dependencies {
+        DispatchQueue& main;
+        DispatchQueue& queue;
+        Network& network;
+        UserDefaults& userDefaults;
+        Pasteboard& pasteboard;
+        InputEvents& input;
+        Scripts& scripts;
+        Accessibility& accessibility;
+        Host& host;
+        Log& log;
+        NotificationManager& notificationManager;
+        AppNotificationCenter& notifications;
+    };
+
+    using StatusCallback = std::function<void(const std::string& status)>;
+
+    static std::shared_ptr<WebSocketServer> make(const Dependencies& dependencies);
+    ~WebSocketServer();
+
+    /// The instance of this process; the composition installs it, and everything else takes a reference.
+    static WebSocketServer& shared();
+    static void setShared(std::shared_ptr<WebSocketServer> server);
+
+    /// Held weakly. Main thread.
+    void setHistoryStore(const std::shared_ptr<HistoryStore>& store);
+
+    /// Receives each status text: on the server queue for the states of the listener, on the caller's thread
+    /// of `start` for what `start` itself finds. Must be set before `start`.
+    void setOnStatusChange(StatusCallback callback) { onStatusChange_ = std::move(callback); }
+
+    /// The stored port, or 8765 when none above 0 is stored. A stored port above 65535 is fatal.
+    std::uint16_t port() const;
+
+    /// Stops what is running, then listens. Main thread.
+    void start();
+    /// Ends the listener and every connection. Main thread.
+    void stop();
+
+    /// Sends to every connection, in the order of the calls. Returns at once; nobody learns when there is no
+    /// connection. Any thread.
+    void send(std::string text);
+
+    // The operations below build one message each and send it. Main thread.
+    void findDevice();
+    void sendMediaCommand(std::string_view command);
+    void sendNavCommand(std::string_view command);
+    void requestSmsHistory();
+    void requestCallHistory();
+    void sendClipboard(std::string_view text);
+    void makeCall(std::string_view number, std::int64_t simSlot);
+    void answerCall();
+    void hangupCall();
+    void toggleSpeaker(bool enabled);
+    void toggleMute(bool enabled);
+    /// Any thread.
+    void sendReply(std::string_view key, std::string_view text);
+    void sendSms(std::string_view number, std::string_view body, std::int64_t simSlot);
+
+    /// Any thread.
+    void sendFile(const std::filesystem::path& url);
+
+private:
+    explicit WebSocketServer(const Dependencies& dependencies);
+
+    using ConnectionPointer = std::shared_ptr<NetworkConnection>;
+
+    void listenerChanged(ListenerState state, const std::optional<NetworkError>& error);
+    void accept(ConnectionPointer connection);
+    void connectionChanged(const ConnectionPointer& connection, ConnectionState state,
+                           const std::optional<NetworkError>& error);
+    void connectionReady(const ConnectionPointer& connection);
+    void receive(const ConnectionPointer& connection);
+    void received(const ConnectionPointer& connection, const ReceivedContent& content);
+    void handle(std::string_view data, std::size_t readableAfter);
+    void remove(const ConnectionPointer& connection);
+    void report(const std::string& status);
+
+    DispatchQueue& main_;
+    DispatchQueue& queue_;
+    Network& network_;
+    UserDefaults& userDefaults_;
+    Host& host_;
+    Log& log_;
+
+    std::shared_ptr<StoreLink> link_;
+    StatusCallback onStatusChange_;
+    std::shared_ptr<NetworkListener> listener_;
+    /// In order of arrival.
+    std::vector<ConnectionPointer> connections_;
+    /// The bytes of a message that arrives in several blocks, by connection.
+    std::unordered_map<const NetworkConnection*, std::string> connectionBuffers_;
+
+    CallEvents callEvents_;
+    IncomingFiles incomingFiles_;
+    OutgoingFiles outgoingFiles_;
+    ClipboardSync clipboardSync_;
+    BatteryAlerts batteryAlerts_;
+    CommandRouter commandRouter_;
+    std::unique_ptr<MessageDispatch> dispatch_;
+};
+
+} // namespace velloway

@@ -1,0 +1,290 @@
+#pragma once
+
+#include "fakes/Journal.h"
+#include "platform/Accessibility.h"
+#include "platform/Application.h"
+#include "platform/Host.h"
+#include "platform/LoginItem.h"
+#include "platform/Pasteboard.h"
+#include "platform/StatusItem.h"
+#include "platform/Windows.h"
+#include "platform/Workspace.h"
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velloway::test {
+
+/// A host whose clock only the test moves.
+class FakeHost : public Host {
+public:
+    std::optional<std::string> localizedName() const override { return name; }
+    std::optional<std::filesystem::path> downloadsDirectory() const override { return downloads; }
+    Instant now() const override { return time; }
+    std::string locale() const override { return "en_GB"; }
+    std::string timeZone() const override { return "Europe/London"; }
+    std::optional<std::vector<NetworkInterface>> networkInterfaces() const override { return interfaces; }
+    std::vector<std::string> interfacePrefixes() const override { return {"en"}; }
+
+    std::optional<std::string> name = "Desk";
+    std::optional<std::filesystem::path> downloads;
+    Instant time = Instant(std::chrono::seconds(1'700'000'000));
+    std::optional<std::vector<NetworkInterface>> interfaces = std::vector<NetworkInterface>{};
+};
+
+class FakePasteboard : public Pasteboard {
+public:
+    explicit FakePasteboard(Journal* journal = nullptr) : journal_(journal) {}
+
+    void clearContents() override {
+        note("pasteboard clear");
+        content.reset();
+    }
+    void setString(std::string_view text) override {
+        note("pasteboard set " + std::string(text));
+        content = std::string(text);
+    }
+    std::optional<std::string> string() const override { return content; }
+
+    std::optional<std::string> content;
+
+private:
+    void note(std::string entry) {
+        if (journal_) {
+            journal_->note(std::move(entry));
+        }
+    }
+
+    Journal* journal_;
+};
+
+class FakeAccessibility : public Accessibility {
+public:
+    explicit FakeAccessibility(Journal* journal = nullptr) : journal_(journal) {}
+
+    bool isTrusted() override {
+        ++checks;
+        return trusted;
+    }
+    bool isTrustedWithPrompt() override {
+        ++prompts;
+        if (journal_) {
+            journal_->note("accessibility prompt");
+        }
+        return trusted;
+    }
+
+    bool trusted = true;
+    int checks = 0;
+    int prompts = 0;
+
+private:
+    Journal* journal_;
+};
+
+class FakeLoginItem : public LoginItem {
+public:
+    LoginItemStatus status() const override { return current; }
+    std::optional<std::string> registerItem() override {
+        if (!error) {
+            current = LoginItemStatus::enabled;
+        }
+        return error;
+    }
+    std::optional<std::string> unregisterItem() override {
+        if (!error) {
+            current = LoginItemStatus::notRegistered;
+        }
+        return error;
+    }
+
+    LoginItemStatus current = LoginItemStatus::notRegistered;
+    std::optional<std::string> error;
+};
+
+class FakeStatusItem : public StatusItem {
+public:
+    explicit FakeStatusItem(Journal* journal = nullptr) : journal_(journal) {}
+
+    void create() override { note("status item"); }
+    bool hasButton() const override { return button; }
+    bool hasImage(const StatusImage& candidate) const override {
+        return availableImages.find(candidate.name) != availableImages.end();
+    }
+    void setImage(const StatusImage& newImage) override { image = newImage; }
+    void setMenu(const std::vector<MenuItem>& items) override {
+        note("menu");
+        menu = items;
+    }
+    void setItemTitle(int tag, const std::string& title) override {
+        for (MenuItem& item : menu) {
+            if (item.tag == tag) {
+                item.title = title;
+                return;
+            }
+        }
+    }
+
+    /// Chooses the entry with this title, as a user would.
+    void choose(std::string_view title) {
+        for (const MenuItem& item : menu) {
+            if (item.title == title && item.isEnabled && item.onChosen) {
+                const auto chosen = item.onChosen;
+                chosen();
+                return;
+            }
+        }
+    }
+
+    bool button = true;
+    std::set<std::string> availableImages{"StatusIcon", "antenna.radiowaves.left.and.right"};
+    std::optional<StatusImage> image;
+    std::vector<MenuItem> menu;
+
+private:
+    void note(std::string entry) {
+        if (journal_) {
+            journal_->note(std::move(entry));
+        }
+    }
+
+    Journal* journal_;
+};
+
+class FakeApplication : public Application {
+public:
+    explicit FakeApplication(Journal* journal = nullptr) : journal_(journal) {}
+
+    void setServicesProvider(ServicesProvider* newProvider) override {
+        note("services provider");
+        provider = newProvider;
+    }
+    void setActivationPolicy(ActivationPolicy newPolicy) override {
+        note(newPolicy == ActivationPolicy::regular ? "policy regular" : "policy accessory");
+        policy = newPolicy;
+    }
+    void activate(bool ignoringOtherApps) override {
+        note(ignoringOtherApps ? "activate" : "activate politely");
+    }
+    int runModal(const Alert& alert) override {
+        note("alert " + alert.messageText);
+        alerts.push_back(alert);
+        return alertAnswer;
+    }
+
+    ServicesProvider* provider = nullptr;
+    std::optional<ActivationPolicy> policy;
+    std::vector<Alert> alerts;
+    int alertAnswer = Application::alertFirstButtonReturn + 1;
+
+private:
+    void note(std::string entry) {
+        if (journal_) {
+            journal_->note(std::move(entry));
+        }
+    }
+
+    Journal* journal_;
+};
+
+class FakeWindow : public Window {
+public:
+    FakeWindow(std::string name, Journal* journal) : name_(std::move(name)), journal_(journal) {}
+
+    bool isVisible() const override { return visible; }
+    void center() override { note("center"); }
+    void makeKeyAndOrderFront() override {
+        visible = true;
+        note("makeKeyAndOrderFront");
+    }
+    void orderFrontRegardless() override {
+        visible = true;
+        note("orderFrontRegardless");
+    }
+    void orderOut() override {
+        visible = false;
+        note("orderOut");
+    }
+    void setIsVisible(bool newVisible) override {
+        visible = newVisible;
+        note(newVisible ? "setIsVisible true" : "setIsVisible false");
+    }
+    void setFrameOrigin(double x, double y) override {
+        origin = {x, y};
+        note("setFrameOrigin");
+    }
+
+    bool visible = false;
+    std::pair<double, double> origin{0, 0};
+    std::function<void()> onClose;
+
+private:
+    void note(const char* what) {
+        if (journal_) {
+            journal_->note(name_ + " " + what);
+        }
+    }
+
+    std::string name_;
+    Journal* journal_;
+};
+
+class FakeWindows : public Windows {
+public:
+    explicit FakeWindows(Journal* journal = nullptr) : journal_(journal) {}
+
+    std::shared_ptr<Window> makeMainWindow(const MainWindowProperties& properties,
+                                           std::function<void()> onClose) override {
+        mainProperties.push_back(properties);
+        mainWindow = std::make_shared<FakeWindow>("main window", journal_);
+        mainWindow->onClose = std::move(onClose);
+        return mainWindow;
+    }
+    std::shared_ptr<Window> makePanel(const PanelProperties& properties, PanelContent content) override {
+        const bool isIncoming = content == PanelContent::incomingCall;
+        panelProperties.push_back({properties, content});
+        auto panel = std::make_shared<FakeWindow>(isIncoming ? "ringing panel" : "in-call panel", journal_);
+        panels.push_back(panel);
+        return panel;
+    }
+    std::optional<Rect> mainScreenVisibleFrame() const override { return visibleFrame; }
+    void beginOpenPanel(const OpenPanelOptions& options,
+                        std::function<void(std::optional<std::vector<std::filesystem::path>>)> done) override {
+        openPanelOptions = options;
+        openPanelDone = std::move(done);
+    }
+
+    /// As when the user closes the main window.
+    void closeMainWindow() {
+        mainWindow->visible = false;
+        mainWindow->onClose();
+    }
+
+    std::vector<MainWindowProperties> mainProperties;
+    std::shared_ptr<FakeWindow> mainWindow;
+    std::vector<std::pair<PanelProperties, PanelContent>> panelProperties;
+    std::vector<std::shared_ptr<FakeWindow>> panels;
+    std::optional<Rect> visibleFrame = Rect{0, 0, 1440, 875};
+    std::optional<OpenPanelOptions> openPanelOptions;
+    std::function<void(std::optional<std::vector<std::filesystem::path>>)> openPanelDone;
+
+private:
+    Journal* journal_;
+};
+
+class FakeWorkspace : public Workspace {
+public:
+    void open(std::string_view address) override { opened.emplace_back(address); }
+    void openSettings(SettingsPane pane) override { panes.push_back(pane); }
+    void activateFileViewerSelecting(const std::filesystem::path& file) override { revealed.push_back(file); }
+
+    std::vector<std::string> opened;
+    std::vector<SettingsPane> panes;
+    std::vector<std::filesystem::path> revealed;
+};
+
+} // namespace velloway::test

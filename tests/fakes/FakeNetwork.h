@@ -1,0 +1,152 @@
+#pragma once
+
+#include "fakes/Journal.h"
+#include "platform/Network.h"
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velloway::test {
+
+/// A connection that the test plays: it reports states and delivers blocks when told to, on the queue that it
+/// was started on.
+class FakeConnection : public NetworkConnection {
+public:
+    explicit FakeConnection(Endpoint endpoint, Journal* journal = nullptr)
+        : endpoint_(std::move(endpoint)), journal_(journal) {}
+
+    void setStateHandler(StateHandler handler) override { stateHandler_ = std::move(handler); }
+    void start(DispatchQueue& queue) override { queue_ = &queue; }
+    void cancel() override {
+        note("cancel");
+        isCancelled = true;
+    }
+    Endpoint endpoint() const override { return endpoint_; }
+    void receiveMessage(ReceiveCompletion completion) override {
+        ++receivesArmed;
+        completion_ = std::move(completion);
+    }
+    void send(SharedText text, std::string_view identifier, SendCompletion completion) override {
+        note("send");
+        sent.push_back({*text, std::string(identifier)});
+        sharedTexts.push_back(text);
+        completions.push_back(std::move(completion));
+    }
+
+    // What the test does.
+    void report(ConnectionState state, std::optional<NetworkError> error = {}) {
+        auto handler = stateHandler_;
+        handler(state, error);
+    }
+    void deliver(ReceivedContent content) {
+        auto completion = std::exchange(completion_, nullptr);
+        completion(content);
+    }
+    /// One whole text message.
+    void deliver(std::string_view message) {
+        deliver({.bytes = message, .hasWebSocketMetadata = true, .isComplete = true});
+    }
+
+    bool isStarted() const { return queue_ != nullptr; }
+    DispatchQueue* queue() const { return queue_; }
+    bool hasStateHandler() const { return static_cast<bool>(stateHandler_); }
+    bool isReceiving() const { return static_cast<bool>(completion_); }
+
+    struct Sent {
+        std::string text;
+        std::string identifier;
+        bool operator==(const Sent&) const = default;
+    };
+    std::vector<Sent> sent;
+    /// What was handed over, to see that one text serves all connections.
+    std::vector<SharedText> sharedTexts;
+    std::deque<SendCompletion> completions;
+    int receivesArmed = 0;
+    bool isCancelled = false;
+
+private:
+    void note(const char* what) {
+        if (journal_) {
+            journal_->note(endpoint_.description + " " + what);
+        }
+    }
+
+    Endpoint endpoint_;
+    Journal* journal_;
+    DispatchQueue* queue_ = nullptr;
+    StateHandler stateHandler_;
+    ReceiveCompletion completion_;
+};
+
+class FakeListener : public NetworkListener {
+public:
+    FakeListener(ListenerParameters made, Journal* journal) : parameters(made), journal_(journal) {}
+
+    void setStateHandler(StateHandler handler) override { stateHandler_ = std::move(handler); }
+    void setNewConnectionHandler(NewConnectionHandler handler) override { newConnection_ = std::move(handler); }
+    void start(DispatchQueue& queue) override {
+        queue_ = &queue;
+        note("listener start");
+    }
+    void cancel() override {
+        isCancelled = true;
+        note("listener cancel");
+    }
+
+    void report(ListenerState state, std::optional<NetworkError> error = {}) {
+        auto handler = stateHandler_;
+        handler(state, error);
+    }
+    void connect(std::shared_ptr<NetworkConnection> connection) { newConnection_(std::move(connection)); }
+
+    bool isStarted() const { return queue_ != nullptr; }
+    DispatchQueue* queue() const { return queue_; }
+
+    ListenerParameters parameters;
+    bool isCancelled = false;
+
+private:
+    void note(const char* what) {
+        if (journal_) {
+            journal_->note(what);
+        }
+    }
+
+    Journal* journal_;
+    DispatchQueue* queue_ = nullptr;
+    StateHandler stateHandler_;
+    NewConnectionHandler newConnection_;
+};
+
+class FakeNetwork : public Network {
+public:
+    explicit FakeNetwork(Journal* journal = nullptr) : journal_(journal) {}
+
+    bool acceptsPort(std::uint16_t) const override { return acceptsPorts; }
+    std::shared_ptr<NetworkListener> makeListener(const ListenerParameters& parameters,
+                                                  NetworkError& error) override {
+        if (journal_) {
+            journal_->note("listener make " + std::to_string(parameters.port));
+        }
+        if (makeError) {
+            error = *makeError;
+            return nullptr;
+        }
+        listeners.push_back(std::make_shared<FakeListener>(parameters, journal_));
+        return listeners.back();
+    }
+
+    FakeListener& listener() { return *listeners.back(); }
+
+    bool acceptsPorts = true;
+    std::optional<NetworkError> makeError;
+    std::vector<std::shared_ptr<FakeListener>> listeners;
+
+private:
+    Journal* journal_;
+};
+
+} // namespace velloway::test
