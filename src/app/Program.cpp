@@ -38,6 +38,7 @@ Program::Program(const Platform& on, std::function<void()> terminate)
           .server = *server_,
           .notifications = notifications_,
           .historyStore = historyStore_,
+          .makeSettingsView = [] { return nullptr; },
           .terminate = std::move(terminate),
       })) {}
 

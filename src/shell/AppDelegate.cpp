@@ -219,7 +219,7 @@ void AppDelegate::buildSettingsWindow() {
         .minHeight = 500,
         .isReleasedWhenClosed = false,
     };
-    auto window = on_.windows.makeMainWindow(properties, [weak = weak_from_this()] {
+    auto window = on_.windows.makeMainWindow(properties, on_.makeSettingsView(), [weak = weak_from_this()] {
         if (auto self = weak.lock()) {
             self->windowWillClose();
         }
