@@ -393,10 +393,6 @@ bool SettingsBridge::pressRemoteShortcut(int key, int modifiers) {
                           .control = (modifiers & Qt::ControlModifier) != 0,
                           .option = (modifiers & Qt::AltModifier) != 0,
                           .command = (modifiers & Qt::MetaModifier) != 0};
-#ifdef Q_OS_MACOS
-    // There the toolkit calls the Command key Control, and the other way round.
-    std::swap(pressed.control, pressed.command);
-#endif
     return pressed.key != KeyEquivalent::Key::none && view_->pressRemoteShortcut(pressed);
 }
 
