@@ -1,0 +1,18 @@
+import QtQuick
+import QtQuick.Window
+import Velloway
+
+/// A symbol of the set, in one colour.
+Image {
+    property string name
+    property color tint: Theme.primary
+    property real size: 16
+
+    width: size
+    height: size
+    implicitWidth: size
+    implicitHeight: size
+    sourceSize: Qt.size(Math.ceil(size * Screen.devicePixelRatio), Math.ceil(size * Screen.devicePixelRatio))
+    source: name ? "image://symbol/" + name + "/" + tint.toString().slice(1) : ""
+    Accessible.ignored: true
+}
