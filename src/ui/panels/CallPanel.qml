@@ -1,0 +1,93 @@
+import QtQuick
+import QtQuick.Layouts
+import Velloway
+
+/// The floating panel of a ringing or a running call.
+Item {
+    id: root
+
+    required property var bridge
+    readonly property bool ringing: bridge.kind === "incomingCall"
+    readonly property color accent: ringing ? Theme.green : Theme.blue
+    /// Set by the window: without a compositor nothing can shine through.
+    property bool translucent: true
+
+    width: 350
+    height: 80
+
+    Rectangle {
+        anchors.fill: parent
+        radius: root.translucent ? 12 : 0
+        antialiasing: true
+        color: root.translucent ? Theme.panel : Theme.panelOpaque
+        border.width: 1
+        border.color: Theme.outline
+    }
+
+    RowLayout {
+        anchors { fill: parent; leftMargin: 16; rightMargin: 16 }
+        spacing: 15
+
+        Rectangle {
+            implicitWidth: 45
+            implicitHeight: 45
+            radius: 22.5
+            antialiasing: true
+            color: Theme.faded(root.accent, 0.2)
+            Symbol {
+                anchors.centerIn: parent
+                name: root.bridge.iconSymbol
+                size: 22
+                tint: root.accent
+            }
+        }
+        Column {
+            Layout.fillWidth: true
+            spacing: 2
+            Label {
+                objectName: "firstLine"
+                width: parent.width
+                text: root.bridge.firstLine
+                font.pixelSize: 14
+                font.bold: true
+                elide: Text.ElideRight
+                maximumLineCount: 1
+            }
+            Label {
+                objectName: "secondLine"
+                visible: root.bridge.secondLine !== ""
+                width: parent.width
+                text: root.bridge.secondLine
+                color: Theme.secondary
+                font.pixelSize: 11
+                elide: Text.ElideRight
+            }
+            Label {
+                objectName: "lastLine"
+                text: root.bridge.lastLine
+                color: Theme.tertiary
+                font.pixelSize: 10
+            }
+        }
+        Row {
+            spacing: 12
+            CircleButton {
+                objectName: "left"
+                fill: root.bridge.leftIsMute ? (root.bridge.isMuted ? Theme.blue : Theme.faded(Theme.gray, 0.3)) : Theme.red
+                tint: root.bridge.leftIsMute && !root.bridge.isMuted ? Theme.primary : Theme.white
+                symbol: root.bridge.leftSymbol
+                tip: root.bridge.leftTooltip
+                name: root.bridge.leftName
+                onClicked: root.bridge.pressLeft()
+            }
+            CircleButton {
+                objectName: "right"
+                fill: root.ringing ? Theme.green : Theme.red
+                symbol: root.bridge.rightSymbol
+                tip: root.bridge.rightTooltip
+                name: root.bridge.rightName
+                onClicked: root.bridge.pressRight()
+            }
+        }
+    }
+}

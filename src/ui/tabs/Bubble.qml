@@ -1,0 +1,49 @@
+import QtQuick
+import Velloway
+
+/// One message of a chat.
+Item {
+    id: bubble
+
+    required property string body
+    required property string time
+    required property bool isOutgoing
+
+    height: ground.height + stamp.height + 12
+    Accessible.role: Accessible.ListItem
+    Accessible.name: body + ", " + time
+
+    Rectangle {
+        id: ground
+
+        x: bubble.isOutgoing ? bubble.width - width - 14 : 14
+        y: 4
+        width: Math.min(content.implicitWidth + 26, bubble.width * 0.72)
+        height: content.contentHeight + 16
+        radius: 16
+        antialiasing: true
+        color: bubble.isOutgoing ? Theme.blue : Theme.controlBackground
+        border.width: bubble.isOutgoing ? 0 : 1
+        border.color: Theme.faded(Theme.secondary, 0.15)
+        SelectableText {
+            id: content
+
+            x: 12
+            y: 8
+            width: parent.width - 24
+            text: bubble.body
+            color: bubble.isOutgoing ? Theme.white : Theme.primary
+            selectionColor: bubble.isOutgoing ? "#66ffffff" : Theme.faded(Theme.blue, 0.35)
+        }
+    }
+    Text {
+        id: stamp
+
+        anchors { top: ground.bottom; topMargin: 2 }
+        x: bubble.isOutgoing ? bubble.width - width - 18 : 18
+        text: bubble.time
+        color: Theme.secondary
+        font.pixelSize: 8
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,255 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Velloway
+
+FocusScope {
+    id: tab
+
+    required property var bridge
+    readonly property var pad: bridge.shown.dialPad
+    readonly property var texts: bridge.texts.calls
+
+    focus: true
+
+    RowLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        FocusScope {
+            id: dialer
+
+            objectName: "dialer"
+            Layout.preferredWidth: 320
+            Layout.minimumWidth: 320
+            Layout.maximumWidth: 320
+            Layout.fillHeight: true
+            focus: true
+            activeFocusOnTab: true
+            Accessible.role: Accessible.Grouping
+            Accessible.name: "Dial pad"
+            Keys.onPressed: event => {
+                if (event.modifiers === Qt.NoModifier || event.modifiers === Qt.KeypadModifier || event.modifiers === Qt.ShiftModifier)
+                    event.accepted = tab.bridge.pressKey(event.key, event.text, event.isAutoRepeat)
+            }
+            TapHandler { onTapped: dialer.forceActiveFocus() }
+
+            Column {
+                anchors.centerIn: parent
+                spacing: 20
+
+                Item {
+                    width: 320
+                    height: 60
+                    Label {
+                        objectName: "number"
+                        anchors.fill: parent
+                        anchors.leftMargin: 20
+                        anchors.rightMargin: 20
+                        text: tab.pad.numberText
+                        font.pixelSize: 38
+                        font.weight: Font.Light
+                        fontSizeMode: Text.HorizontalFit
+                        minimumPixelSize: 16
+                        elide: Text.ElideLeft
+                        horizontalAlignment: Text.AlignHCenter
+                        verticalAlignment: Text.AlignVCenter
+                    }
+                }
+
+                Grid {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    columns: 3
+                    columnSpacing: 22
+                    rowSpacing: 15
+                    Repeater {
+                        model: tab.bridge.dialButtons
+                        AbstractButton {
+                            id: cell
+
+                            required property var modelData
+                            required property int index
+
+                            objectName: "dial" + modelData.digit
+                            width: 70
+                            height: tab.height < 590 ? 58 : 70
+                            focusPolicy: Qt.NoFocus
+                            Accessible.role: Accessible.Button
+                            Accessible.name: modelData.digit
+                            Accessible.onPressAction: click()
+                            onClicked: tab.bridge.pressDialButton(index)
+                            background: Rectangle {
+                                radius: height / 2
+                                color: cell.down ? Theme.pressed : cell.hovered ? Qt.darker(Theme.controlBackground, 1.04) : Theme.controlBackground
+                                border.width: 1
+                                border.color: Theme.separator
+                            }
+                            contentItem: Item {
+                                Column {
+                                    anchors.centerIn: parent
+                                    spacing: -1
+                                    Text {
+                                        anchors.horizontalCenter: parent.horizontalCenter
+                                        text: cell.modelData.digit
+                                        color: Theme.primary
+                                        font.pixelSize: 28
+                                        Accessible.ignored: true
+                                    }
+                                    Text {
+                                        visible: text
+                                        anchors.horizontalCenter: parent.horizontalCenter
+                                        text: cell.modelData.letters
+                                        color: Theme.secondary
+                                        font.pixelSize: 8
+                                        Accessible.ignored: true
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+
+                RowLayout {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    spacing: 20
+                    Item {
+                        implicitWidth: 55
+                        implicitHeight: 20
+                        SegmentedPicker {
+                            objectName: "simSegments"
+                            visible: tab.pad.showsSimPicker
+                            name: "SIM"
+                            segments: tab.bridge.simSegments.map(entry => ({ title: entry.title, value: entry.slot }))
+                            selected: tab.bridge.fields.selectedSimSlot
+                            onPicked: value => tab.bridge.fields.selectedSimSlot = value
+                        }
+                    }
+                    CircleButton {
+                        objectName: "call"
+                        diameter: tab.height < 590 ? 60 : 72
+                        symbolSize: 28
+                        symbol: tab.texts.callSymbol
+                        name: "Call"
+                        fill: Theme.green
+                        enabled: tab.pad.canCall
+                        onClicked: tab.bridge.startCall()
+                    }
+                    Item {
+                        implicitWidth: 55
+                        implicitHeight: 30
+                        PlainButton {
+                            objectName: "delete"
+                            anchors.centerIn: parent
+                            width: 50
+                            leftPadding: 14
+                            symbol: tab.texts.deleteSymbol
+                            symbolSize: 22
+                            tint: Theme.secondary
+                            opacity: tab.pad.showsDelete ? 1 : 0
+                            focusPolicy: Qt.NoFocus
+                            Accessible.name: "Delete"
+                            onClicked: tab.bridge.deleteLastDigit()
+                        }
+                    }
+                }
+            }
+        }
+
+        Separator { vertical: true; Layout.fillHeight: true }
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            spacing: 0
+            Label {
+                text: tab.texts.recentCalls
+                font.weight: Font.DemiBold
+                Layout.margins: 20
+                Layout.bottomMargin: 10
+                Accessible.role: Accessible.Heading
+            }
+            ListView {
+                id: list
+
+                objectName: "recentCalls"
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                clip: true
+                model: tab.bridge.recentCalls
+                reuseItems: true
+                activeFocusOnTab: true
+                boundsBehavior: Flickable.StopAtBounds
+                leftMargin: 10
+                rightMargin: 10
+                ScrollBar.vertical: ThinScrollBar {}
+                Accessible.role: Accessible.List
+                Accessible.name: tab.texts.recentCalls
+                Keys.onReturnPressed: if (currentItem) currentItem.press()
+                delegate: Rectangle {
+                    id: row
+
+                    required property int index
+                    required property string number
+                    required property string name
+                    required property string date
+                    required property string symbol
+                    required property string colorRole
+
+                    width: list.width - 20
+                    height: 48
+                    radius: Theme.radius
+                    color: tap.pressed ? Theme.pressed : hover.hovered || (list.activeFocus && ListView.isCurrentItem) ? Theme.hover : "transparent"
+                    Accessible.role: Accessible.Button
+                    Accessible.name: name + ", " + number + ", " + date
+                    Accessible.onPressAction: press()
+
+                    function press() { tab.bridge.callBack(number) }
+
+                    Symbol {
+                        id: direction
+
+                        x: 10
+                        anchors.verticalCenter: parent.verticalCenter
+                        name: row.symbol
+                        tint: Theme.named(row.colorRole)
+                        size: 17
+                    }
+                    Column {
+                        anchors { left: direction.right; leftMargin: 12; right: when.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
+                        spacing: 2
+                        Label {
+                            width: parent.width
+                            text: row.name
+                            font.weight: Font.Medium
+                            elide: Text.ElideRight
+                        }
+                        Label {
+                            width: parent.width
+                            text: row.number
+                            color: Theme.secondary
+                            font.pixelSize: 11
+                            elide: Text.ElideRight
+                        }
+                    }
+                    Label {
+                        id: when
+
+                        anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
+                        text: row.date
+                        color: Theme.secondary
+                        font.pixelSize: 10
+                    }
+                    HoverHandler { id: hover }
+                    TapHandler { id: tap; onTapped: row.press() }
+                }
+                Label {
+                    visible: list.count === 0
+                    x: 10
+                    y: 4
+                    text: tab.texts.noRecentCalls
+                    color: Theme.secondary
+                }
+            }
+        }
+    }
+}

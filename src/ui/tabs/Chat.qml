@@ -1,0 +1,171 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Velloway
+
+/// The right column of the SMS tab while a chat is open.
+ColumnLayout {
+    id: chat
+
+    required property var bridge
+    required property var header
+    readonly property var texts: bridge.texts.sms
+
+    spacing: 0
+
+    RowLayout {
+        Layout.leftMargin: 14
+        Layout.rightMargin: 14
+        Layout.minimumHeight: 56
+        spacing: 10
+        Column {
+            Layout.fillWidth: true
+            spacing: 1
+            Label {
+                objectName: "chatName"
+                width: parent.width
+                text: chat.header ? chat.header.name : ""
+                font.pixelSize: Theme.title3
+                font.weight: Font.DemiBold
+                elide: Text.ElideRight
+            }
+            Label {
+                objectName: "chatAddress"
+                visible: chat.header && chat.header.address ? true : false
+                width: parent.width
+                text: chat.header && chat.header.address ? chat.header.address : ""
+                color: Theme.secondary
+                font.pixelSize: Theme.caption
+                elide: Text.ElideRight
+            }
+        }
+        Label {
+            objectName: "noSim"
+            visible: !chat.header || chat.header.sims.length === 0
+            text: chat.texts.noSim
+            color: Theme.secondary
+            font.pixelSize: Theme.caption
+        }
+        Row {
+            visible: chat.header && chat.header.sims.length > 0 ? true : false
+            spacing: 7
+            Label {
+                anchors.verticalCenter: parent.verticalCenter
+                text: chat.texts.simLabel
+                color: Theme.secondary
+                font.pixelSize: Theme.caption
+            }
+            MenuPicker {
+                objectName: "simPicker"
+                width: 120
+                name: "SIM"
+                entries: chat.header ? chat.header.sims.map(sim => ({ title: sim.carrier, value: sim.slot })) : []
+                selected: chat.bridge.fields.selectedSimSlot
+                onPicked: value => chat.bridge.fields.selectedSimSlot = value
+            }
+        }
+    }
+
+    Separator { Layout.fillWidth: true }
+
+    Rectangle {
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        color: Theme.underPage
+
+        Label {
+            objectName: "newConversation"
+            visible: list.count === 0
+            anchors.centerIn: parent
+            text: chat.texts.newConversation
+            color: Theme.secondary
+        }
+        ListView {
+            id: list
+
+            property int lastCount: -1
+            property string shownFor: chat.bridge.fields.activeRecipient || ""
+
+            objectName: "messages"
+            anchors.fill: parent
+            clip: true
+            reuseItems: true
+            cacheBuffer: 400
+            boundsBehavior: Flickable.StopAtBounds
+            topMargin: 8
+            bottomMargin: 8
+            activeFocusOnTab: true
+            model: chat.bridge.bubbles
+            ScrollBar.vertical: ThinScrollBar {}
+            Accessible.role: Accessible.List
+            Accessible.name: chat.header ? chat.header.name : ""
+            Keys.onUpPressed: flick(0, 600)
+            Keys.onDownPressed: flick(0, -600)
+            delegate: Bubble { width: list.width }
+
+            onShownForChanged: {
+                lastCount = -1
+                Qt.callLater(toEnd)
+            }
+            onCountChanged: Qt.callLater(toEnd)
+            Component.onCompleted: Qt.callLater(toEnd)
+
+            /// At once for another chat, animated when messages came or went.
+            function toEnd() {
+                const animated = lastCount >= 0 && lastCount !== count
+                lastCount = count
+                scroll.stop()
+                if (!animated) {
+                    positionViewAtEnd()
+                    return
+                }
+                const from = contentY
+                positionViewAtEnd()
+                scroll.from = Math.max(from, contentY - height)
+                scroll.to = contentY
+                contentY = scroll.from
+                scroll.start()
+            }
+            NumberAnimation {
+                id: scroll
+
+                target: list
+                property: "contentY"
+                duration: 220
+                easing.type: Easing.OutCubic
+                onFinished: list.positionViewAtEnd()
+            }
+        }
+    }
+
+    Separator { Layout.fillWidth: true }
+
+    RowLayout {
+        Layout.margins: 10
+        spacing: 8
+        Field {
+            objectName: "composer"
+            Layout.fillWidth: true
+            implicitHeight: 36
+            corner: 18
+            leftPadding: 14
+            rightPadding: 14
+            focus: true
+            placeholderText: chat.texts.composerPlaceholder
+            text: chat.bridge.fields.chatText
+            onTextEdited: chat.bridge.fields.chatText = text
+            onAccepted: chat.bridge.sendChatMessage()
+        }
+        PlainButton {
+            objectName: "send"
+            enabled: chat.bridge.shown.canSend
+            opacity: 1
+            padding: 2
+            symbol: chat.texts.sendSymbol
+            symbolSize: 30
+            tint: enabled ? Theme.blue : Theme.secondary
+            Accessible.name: "Send"
+            onClicked: chat.bridge.sendChatMessage()
+        }
+    }
+}

@@ -1,0 +1,122 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Velloway
+
+FocusScope {
+    id: tab
+
+    required property var bridge
+    readonly property var texts: bridge.texts.clipboard
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        ListHeader {
+            Layout.fillWidth: true
+            title: tab.texts.title
+            description: tab.texts.description
+            clearTitle: tab.texts.clearHistory
+            showsClear: tab.bridge.shown.showsClearClipboard
+            actionTitle: tab.texts.send
+            actionSymbol: tab.texts.sendSymbol
+            onClear: tab.bridge.clearClipboard()
+            onAction: tab.bridge.sendCurrentClipboard()
+        }
+        Separator { Layout.fillWidth: true }
+        Item {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+
+            EmptyState {
+                objectName: "empty"
+                visible: list.count === 0
+                anchors.centerIn: parent
+                width: parent.width - 40
+                symbol: tab.texts.emptySymbol
+                title: tab.texts.empty
+            }
+            ListView {
+                id: list
+
+                objectName: "clipboardTexts"
+                anchors.fill: parent
+                clip: true
+                activeFocusOnTab: true
+                boundsBehavior: Flickable.StopAtBounds
+                topMargin: 8
+                bottomMargin: 8
+                model: tab.bridge.clipboard
+                ScrollBar.vertical: ThinScrollBar {}
+                Accessible.role: Accessible.List
+                Accessible.name: tab.texts.title
+                delegate: Item {
+                    id: row
+
+                    required property string rowId
+                    required property string text
+                    required property string date
+
+                    objectName: "clipboardRow"
+                    width: list.width
+                    height: column.height + 22
+                    Accessible.role: Accessible.ListItem
+                    Accessible.name: text
+
+                    Symbol {
+                        id: lines
+
+                        x: 22
+                        y: 13
+                        name: tab.texts.rowSymbol
+                        size: 17
+                        tint: Theme.blue
+                    }
+                    Column {
+                        id: column
+
+                        anchors { left: lines.right; leftMargin: 14; right: copy.left; rightMargin: 12 }
+                        y: 11
+                        spacing: 4
+                        // The text is whole, so that selecting and copying reach all of it; ten lines of it show.
+                        Item {
+                            width: parent.width
+                            height: Math.min(content.contentHeight, Math.ceil(metrics.lineSpacing) * 10)
+                            clip: true
+                            FontMetrics { id: metrics; font: content.font }
+                            SelectableText {
+                                id: content
+
+                                objectName: "clipboardText"
+                                width: parent.width
+                                text: row.text
+                            }
+                        }
+                        Label {
+                            text: row.date
+                            color: Theme.secondary
+                            font.pixelSize: 10
+                        }
+                    }
+                    PlainButton {
+                        id: copy
+
+                        objectName: "copy"
+                        anchors { right: parent.right; rightMargin: 20 }
+                        y: 8
+                        symbol: tab.texts.copySymbol
+                        tip: tab.texts.copyTooltip
+                        tint: Theme.secondary
+                        onClicked: tab.bridge.copyToClipboard(row.rowId)
+                    }
+                    Separator {
+                        x: 22
+                        width: parent.width - 44
+                        anchors.bottom: parent.bottom
+                    }
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,138 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Velloway
+
+FocusScope {
+    id: tab
+
+    required property var bridge
+    readonly property var texts: bridge.texts.fileDrop
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        ListHeader {
+            Layout.fillWidth: true
+            title: tab.texts.title
+            description: tab.texts.description
+            clearTitle: tab.texts.clearHistory
+            showsClear: tab.bridge.shown.showsClearFileTransfers
+            actionTitle: tab.texts.send
+            actionSymbol: tab.texts.sendSymbol
+            onClear: tab.bridge.clearFileTransfers()
+            onAction: tab.bridge.selectFileAndSend()
+        }
+        Separator { Layout.fillWidth: true }
+        ListView {
+            id: list
+
+            objectName: "transfers"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            clip: true
+            reuseItems: true
+            activeFocusOnTab: true
+            boundsBehavior: Flickable.StopAtBounds
+            topMargin: 8
+            bottomMargin: 8
+            model: tab.bridge.transfers
+            ScrollBar.vertical: ThinScrollBar {}
+            Accessible.role: Accessible.List
+            Accessible.name: tab.texts.title
+            delegate: Item {
+                id: row
+
+                required property string rowId
+                required property string symbol
+                required property string colorRole
+                required property string fileName
+                required property bool isCompleted
+                required property real progress
+                required property string percentage
+                required property string detail
+                required property bool showsReveal
+
+                objectName: "transfer"
+                width: list.width
+                height: 54
+                Accessible.role: Accessible.ListItem
+                Accessible.name: fileName + ", " + (isCompleted ? detail : percentage)
+
+                Rectangle {
+                    anchors { fill: parent; leftMargin: 10; rightMargin: 10 }
+                    radius: Theme.radius
+                    color: hover.hovered ? Theme.hover : "transparent"
+                }
+                Symbol {
+                    id: direction
+
+                    x: 22
+                    anchors.verticalCenter: parent.verticalCenter
+                    name: row.symbol
+                    size: 21
+                    tint: Theme.named(row.colorRole)
+                }
+                Column {
+                    anchors { left: direction.right; leftMargin: 14; right: reveal.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
+                    spacing: 4
+                    Label {
+                        width: parent.width
+                        text: row.fileName
+                        font.weight: Font.Medium
+                        elide: Text.ElideMiddle
+                    }
+                    Label {
+                        visible: row.isCompleted
+                        width: parent.width
+                        text: row.detail
+                        color: Theme.secondary
+                        font.pixelSize: 11
+                        elide: Text.ElideRight
+                    }
+                    Row {
+                        visible: !row.isCompleted
+                        spacing: 8
+                        height: 12
+                        Rectangle {
+                            objectName: "progress"
+                            width: 100
+                            height: 3
+                            radius: 1.5
+                            anchors.verticalCenter: parent.verticalCenter
+                            color: Theme.pressed
+                            Accessible.role: Accessible.ProgressBar
+                            Accessible.name: row.percentage
+                            Rectangle {
+                                width: parent.width * Math.max(0, Math.min(1, row.progress))
+                                height: parent.height
+                                radius: 1.5
+                                color: Theme.blue
+                            }
+                        }
+                        Label {
+                            anchors.verticalCenter: parent.verticalCenter
+                            text: row.percentage
+                            color: Theme.secondary
+                            font.pixelSize: 9
+                        }
+                    }
+                }
+                PlainButton {
+                    id: reveal
+
+                    objectName: "reveal"
+                    visible: row.showsReveal
+                    width: visible ? implicitWidth : 0
+                    anchors { right: parent.right; rightMargin: 20; verticalCenter: parent.verticalCenter }
+                    symbol: tab.texts.revealSymbol
+                    tip: tab.texts.revealTooltip
+                    tint: Theme.secondary
+                    onClicked: tab.bridge.revealFile(row.rowId)
+                }
+                HoverHandler { id: hover }
+            }
+        }
+    }
+}

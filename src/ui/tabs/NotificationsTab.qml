@@ -1,0 +1,198 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Velloway
+
+FocusScope {
+    id: tab
+
+    required property var bridge
+    readonly property var texts: bridge.texts.notifications
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        Item {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+
+            EmptyState {
+                objectName: "empty"
+                visible: list.count === 0
+                anchors.centerIn: parent
+                width: parent.width - 40
+                symbol: tab.texts.emptySymbol
+                symbolOpacity: 0.6
+                headline: true
+                title: tab.texts.emptyTitle
+                description: tab.texts.emptyDescription
+            }
+            ListView {
+                id: list
+
+                objectName: "notifications"
+                anchors.fill: parent
+                clip: true
+                activeFocusOnTab: true
+                boundsBehavior: Flickable.StopAtBounds
+                topMargin: 8
+                bottomMargin: 8
+                model: tab.bridge.notifications
+                ScrollBar.vertical: ThinScrollBar {}
+                Accessible.role: Accessible.List
+                Accessible.name: "Notifications"
+                delegate: Item {
+                    id: row
+
+                    required property string rowId
+                    required property string letter
+                    required property string app
+                    required property string time
+                    required property var title
+                    required property var body
+                    required property bool isReplying
+
+                    objectName: "notification"
+                    width: list.width
+                    height: column.height + 22
+                    Accessible.role: Accessible.ListItem
+                    Accessible.name: app + (title ? ", " + title : "") + (body ? ", " + body : "")
+
+                    Rectangle {
+                        id: icon
+
+                        x: 20
+                        y: 11
+                        width: 32
+                        height: 32
+                        radius: 6
+                        color: Theme.faded(Theme.tint, 0.12)
+                        Text {
+                            anchors.centerIn: parent
+                            text: row.letter
+                            color: Theme.tint
+                            font.pixelSize: 14
+                            font.weight: Font.DemiBold
+                            Accessible.ignored: true
+                        }
+                    }
+                    Column {
+                        id: column
+
+                        anchors { left: icon.right; leftMargin: 12; right: parent.right; rightMargin: 20 }
+                        y: 10
+                        spacing: 3
+                        Item {
+                            width: parent.width
+                            height: 15
+                            Label {
+                                anchors { left: parent.left; right: when.left; rightMargin: 8 }
+                                text: row.app
+                                color: Theme.secondary
+                                font.pixelSize: Theme.caption
+                                font.weight: Font.DemiBold
+                                elide: Text.ElideRight
+                            }
+                            Label {
+                                id: when
+
+                                anchors.right: parent.right
+                                text: row.time
+                                color: Theme.tertiary
+                                font.pixelSize: Theme.caption2
+                            }
+                        }
+                        Label {
+                            visible: row.title !== null
+                            width: parent.width
+                            text: row.title || ""
+                            font.pixelSize: Theme.body
+                            font.weight: Font.Medium
+                            elide: Text.ElideRight
+                            maximumLineCount: 1
+                        }
+                        Label {
+                            visible: row.body !== null
+                            width: parent.width
+                            text: row.body || ""
+                            color: Theme.secondary
+                            font.pixelSize: Theme.callout
+                            wrapMode: Text.Wrap
+                            elide: Text.ElideRight
+                            maximumLineCount: 2
+                            horizontalAlignment: Text.AlignLeft
+                        }
+                        PlainButton {
+                            objectName: "reply"
+                            visible: !row.isReplying
+                            x: -4
+                            text: tab.texts.reply
+                            tint: Theme.tint
+                            onClicked: {
+                                tab.bridge.openReply(row.rowId)
+                            }
+                        }
+                        Loader {
+                            active: row.isReplying
+                            visible: active
+                            width: parent.width
+                            sourceComponent: RowLayout {
+                                spacing: 8
+                                Field {
+                                    objectName: "replyField"
+                                    Layout.fillWidth: true
+                                    implicitHeight: 24
+                                    placeholderText: tab.texts.replyPlaceholder
+                                    text: tab.bridge.fields.replyText
+                                    onTextEdited: tab.bridge.fields.replyText = text
+                                    onAccepted: tab.bridge.sendReply(row.rowId)
+                                    Keys.onEscapePressed: tab.bridge.cancelReply()
+                                    Component.onCompleted: forceActiveFocus()
+                                }
+                                PushButton {
+                                    objectName: "sendReply"
+                                    prominent: true
+                                    controlSize: "small"
+                                    text: tab.texts.send
+                                    onClicked: tab.bridge.sendReply(row.rowId)
+                                }
+                                PlainButton {
+                                    objectName: "cancelReply"
+                                    text: tab.texts.cancel
+                                    tint: Theme.secondary
+                                    onClicked: tab.bridge.cancelReply()
+                                }
+                            }
+                        }
+                    }
+                    Separator {
+                        anchors { left: column.left; right: column.right; bottom: parent.bottom }
+                    }
+                }
+            }
+        }
+
+        Separator { Layout.fillWidth: true }
+        RowLayout {
+            Layout.leftMargin: 16
+            Layout.rightMargin: 12
+            Layout.minimumHeight: 34
+            Layout.maximumHeight: 34
+            Label {
+                objectName: "count"
+                text: tab.bridge.shown.notificationsCount
+                color: Theme.secondary
+                font.pixelSize: Theme.caption
+                Layout.fillWidth: true
+            }
+            PlainButton {
+                objectName: "clearAll"
+                text: tab.texts.clearAll
+                tint: Theme.red
+                enabled: tab.bridge.shown.canClearNotifications
+                onClicked: tab.bridge.clearNotifications()
+            }
+        }
+    }
+}

@@ -1,0 +1,221 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Velloway
+
+/// The list column of the SMS tab: search, new message, threads.
+Item {
+    id: column
+
+    required property var bridge
+    readonly property var texts: bridge.texts.sms
+    readonly property var shown: bridge.shown
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 8
+
+        RowLayout {
+            Layout.margins: 12
+            Layout.bottomMargin: 0
+            Label {
+                text: column.texts.title
+                font.pixelSize: Theme.title2
+                font.bold: true
+                Layout.fillWidth: true
+                Accessible.role: Accessible.Heading
+            }
+            PlainButton {
+                objectName: "refresh"
+                symbol: column.texts.refreshSymbol
+                Accessible.name: "Refresh"
+                onClicked: column.bridge.refreshSmsHistory()
+            }
+        }
+
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.leftMargin: 12
+            Layout.rightMargin: 12
+            implicitHeight: 30
+            radius: Theme.radius
+            color: Theme.fieldBackground
+            border.width: search.activeFocus ? 2 : 0
+            border.color: Theme.faded(Theme.blue, 0.7)
+            Symbol {
+                x: 9
+                anchors.verticalCenter: parent.verticalCenter
+                name: column.texts.searchSymbol
+                size: 14
+                tint: Theme.secondary
+            }
+            TextField {
+                id: search
+
+                objectName: "search"
+                anchors { fill: parent; leftMargin: 26; rightMargin: 26 }
+                background: null
+                padding: 4
+                color: Theme.primary
+                font.pixelSize: Theme.body
+                placeholderText: column.texts.searchPlaceholder
+                placeholderTextColor: Theme.tertiary
+                selectByMouse: true
+                selectionColor: Theme.faded(Theme.blue, 0.35)
+                selectedTextColor: Theme.primary
+                text: column.bridge.fields.contactQuery
+                onTextEdited: column.bridge.fields.contactQuery = text
+                Accessible.name: placeholderText
+            }
+            PlainButton {
+                objectName: "clearSearch"
+                visible: column.shown.showsClearSearch
+                anchors { right: parent.right; rightMargin: 4; verticalCenter: parent.verticalCenter }
+                symbol: column.texts.clearSymbol
+                symbolSize: 14
+                tint: Theme.secondary
+                Accessible.name: "Clear search"
+                onClicked: column.bridge.clearSearch()
+            }
+        }
+
+        Item {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+
+            EmptyState {
+                objectName: "noMessages"
+                visible: column.shown.smsIsEmpty
+                anchors.centerIn: parent
+                width: parent.width - 20
+                symbol: column.texts.emptySymbol
+                symbolSize: 32
+                symbolOpacity: 0.4
+                title: column.texts.empty
+            }
+
+            ListView {
+                id: list
+
+                objectName: "threads"
+                visible: !column.shown.smsIsEmpty
+                anchors.fill: parent
+                clip: true
+                leftMargin: 8
+                rightMargin: 8
+                reuseItems: true
+                activeFocusOnTab: true
+                boundsBehavior: Flickable.StopAtBounds
+                model: column.bridge.threads
+                ScrollBar.vertical: ThinScrollBar {}
+                Accessible.role: Accessible.List
+                Accessible.name: column.texts.title
+                Keys.onReturnPressed: if (currentItem) currentItem.press()
+
+                header: AbstractButton {
+                    id: fresh
+
+                    objectName: "newMessage"
+                    visible: column.shown.newMessageTo !== null
+                    width: list.width - 16
+                    height: visible ? 52 : 0
+                    Accessible.role: Accessible.Button
+                    Accessible.name: column.texts.newMessageCaption + " " + (column.shown.newMessageTo || "")
+                    Accessible.onPressAction: click()
+                    onClicked: column.bridge.startNewMessage()
+                    background: Rectangle {
+                        radius: Theme.radius
+                        color: fresh.down ? Theme.pressed : fresh.hovered ? Theme.hover : "transparent"
+                    }
+                    contentItem: Item {
+                        Symbol {
+                            id: plane
+
+                            x: 3
+                            anchors.verticalCenter: parent.verticalCenter
+                            name: column.texts.newMessageSymbol
+                            size: 34
+                            tint: Theme.blue
+                        }
+                        Column {
+                            anchors { left: plane.right; leftMargin: 11; right: parent.right; verticalCenter: parent.verticalCenter }
+                            Label {
+                                text: column.texts.newMessageCaption
+                                color: Theme.secondary
+                                font.pixelSize: Theme.caption
+                            }
+                            Label {
+                                width: parent.width
+                                text: column.shown.newMessageTo || ""
+                                font.weight: Font.Medium
+                                elide: Text.ElideRight
+                            }
+                        }
+                    }
+                }
+
+                delegate: Rectangle {
+                    id: row
+
+                    required property int index
+                    required property string address
+                    required property string initials
+                    required property string name
+                    required property var date
+                    required property var preview
+                    required property bool isActive
+
+                    objectName: "thread"
+                    width: list.width - 16
+                    height: 52
+                    radius: Theme.radius
+                    color: isActive ? Theme.faded(Theme.blue, 0.15) : hover.hovered || (list.activeFocus && ListView.isCurrentItem) ? Theme.hover : "transparent"
+                    Accessible.role: Accessible.ListItem
+                    Accessible.name: name + (preview ? ", " + preview : "")
+                    Accessible.selectable: true
+                    Accessible.selected: isActive
+                    Accessible.onPressAction: press()
+
+                    function press() { column.bridge.openConversation(address) }
+
+                    Avatar {
+                        id: avatar
+
+                        x: 8
+                        anchors.verticalCenter: parent.verticalCenter
+                        initials: row.initials
+                    }
+                    Label {
+                        anchors { left: avatar.right; leftMargin: 10; right: when.left; rightMargin: 6 }
+                        y: 9
+                        text: row.name
+                        font.weight: Font.DemiBold
+                        elide: Text.ElideRight
+                        maximumLineCount: 1
+                    }
+                    Label {
+                        id: when
+
+                        anchors { right: parent.right; rightMargin: 8 }
+                        y: 12
+                        text: row.date || ""
+                        color: Theme.secondary
+                        font.pixelSize: 10
+                    }
+                    Label {
+                        anchors { left: avatar.right; leftMargin: 10; right: parent.right; rightMargin: 8 }
+                        y: 28
+                        text: (row.preview || "").replace(/\s+/g, " ")
+                        color: Theme.secondary
+                        font.pixelSize: 11
+                        elide: Text.ElideRight
+                        maximumLineCount: 1
+                        horizontalAlignment: Text.AlignLeft
+                    }
+                    HoverHandler { id: hover }
+                    TapHandler { onTapped: row.press() }
+                }
+            }
+        }
+    }
+}
