@@ -406,10 +406,21 @@ TEST_F(MessageDispatchTest, readsTheBatteryLoosely) {
 }
 
 TEST_F(MessageDispatchTest, handsARemoteCommandOverWhole) {
-    deliver(R"({"action":"remote_control","command":"move","type":"mouse","dx":3.5,"dy":-2})");
+    deliver(R"({"action":"remote_control","command":"move","type":"mouse_move","dx":3.5,"dy":-2})");
     ASSERT_EQ(bench.fakes.input.posted.size(), 1U);
     EXPECT_EQ(bench.fakes.input.posted[0].position.x, 103.5);
     EXPECT_EQ(bench.fakes.input.posted[0].position.y, 198);
+}
+
+TEST_F(MessageDispatchTest, readsEachKeyOfARemoteCommandByItself) {
+    deliver(R"({"action":"remote_control","command":"t","type":"keyboard_text","text":"h\u00e9"})");
+    EXPECT_THAT(log(), ElementsAre("[WebSocketServer] Command received: t [Type: keyboard_text]",
+                                   "[WebSocketServer] Typing unicode text: h\u00e9"));
+    deliver(R"({"action":"remote_control","command":"c","type":5,"text":6,"dx":"1","button":[]})");
+    EXPECT_THAT(log(), ElementsAre("[WebSocketServer] Command received: c [Type: remote]"));
+    bench.fakes.input.posted.clear();
+    expectNoEffect(R"({"action":"remote_control","type":"mouse_move","dx":1,"dy":1})");
+    expectNoEffect(R"({"action":"remote_control","command":5,"type":"mouse_move","dx":1,"dy":1})");
 }
 
 class IncomingFileDispatchTest : public MessageDispatchTest {
