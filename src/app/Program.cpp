@@ -7,7 +7,8 @@
 namespace velloway {
 
 Program::Program(const Platform& on, std::function<void()> terminate)
-    : notificationManager_(on.notificationCenter, on.host, on.log), launchAtLogin_(on.loginItem, on.log),
+    : notificationManager_(on.notificationCenter, on.host, on.log),
+      launchAtLogin_(on.loginItem, on.log),
       server_(WebSocketServer::make({
           .main = on.mainQueue,
           .queue = on.serverQueue,
@@ -37,6 +38,7 @@ Program::Program(const Platform& on, std::function<void()> terminate)
           .server = *server_,
           .notifications = notifications_,
           .historyStore = historyStore_,
+          .makeSettingsView = [] { return nullptr; },
           .terminate = std::move(terminate),
       })) {}
 

@@ -58,7 +58,8 @@ public:
     /// Destroying a connection drops it without a closing handshake and without further callbacks.
     virtual ~NetworkConnection() = default;
 
-    /// Must be set before `start`. Every state is reported once, in order; `failed` and `cancelled` are final.
+    /// Must be set before `start`. Every state is reported once, in order; `failed` and `cancelled` are final,
+    /// and the handler is dropped after them, so it may hold the connection itself.
     virtual void setStateHandler(StateHandler handler) = 0;
     /// Runs the handshake; `ready` follows when it has succeeded.
     virtual void start(DispatchQueue& queue) = 0;
@@ -67,7 +68,8 @@ public:
 
     virtual Endpoint endpoint() const = 0;
 
-    /// Asks for one more block. At most one receive is outstanding at a time.
+    /// Asks for one more block. At most one receive is outstanding at a time. The completion never runs inside
+    /// this call, and is dropped unrun when the connection ends without an error.
     virtual void receiveMessage(ReceiveCompletion completion) = 0;
 
     /// Sends one complete text frame; frames leave in the order of the calls. `identifier` names the content

@@ -106,7 +106,8 @@ void AppDelegate::setupStatusItem() {
     }
     StatusImage image{.kind = StatusImage::Kind::asset, .name = "StatusIcon"};
     if (!on_.statusItem.hasImage(image)) {
-        image = {.kind = StatusImage::Kind::symbol, .name = "antenna.radiowaves.left.and.right", .pointSize = 16};
+        image = {
+            .kind = StatusImage::Kind::symbol, .name = "antenna.radiowaves.left.and.right", .pointSize = 16};
         if (!on_.statusItem.hasImage(image)) {
             return;
         }
@@ -211,14 +212,14 @@ void AppDelegate::showSettings(int tab) {
 void AppDelegate::buildSettingsWindow() {
     const MainWindowProperties properties{
         .contentRect = {0, 0, 850, 550},
-        .styleMask = windowStyle::titled | windowStyle::closable | windowStyle::miniaturizable |
-                     windowStyle::resizable,
+        .styleMask =
+            windowStyle::titled | windowStyle::closable | windowStyle::miniaturizable | windowStyle::resizable,
         .title = "Velloway Settings",
         .minWidth = 800,
         .minHeight = 500,
         .isReleasedWhenClosed = false,
     };
-    auto window = on_.windows.makeMainWindow(properties, [weak = weak_from_this()] {
+    auto window = on_.windows.makeMainWindow(properties, on_.makeSettingsView(), [weak = weak_from_this()] {
         if (auto self = weak.lock()) {
             self->windowWillClose();
         }
@@ -249,24 +250,24 @@ void AppDelegate::checkAccessibilityPermission() {
 }
 
 void AppDelegate::requestNotificationPermission() {
-    on_.notificationCenter.getAuthorizationStatus([weak = weak_from_this(),
-                                                   &main = on_.main](AuthorizationStatus status) {
-        hop(main, weak, [status](AppDelegate& self) {
-            if (status == AuthorizationStatus::denied) {
-                self.showNotificationDeniedAlert();
-            } else if (status == AuthorizationStatus::notDetermined) {
-                self.askForNotificationPermission();
-            }
+    on_.notificationCenter.getAuthorizationStatus(
+        [weak = weak_from_this(), &main = on_.main](AuthorizationStatus status) {
+            hop(main, weak, [status](AppDelegate& self) {
+                if (status == AuthorizationStatus::denied) {
+                    self.showNotificationDeniedAlert();
+                } else if (status == AuthorizationStatus::notDetermined) {
+                    self.askForNotificationPermission();
+                }
+            });
         });
-    });
 }
 
 void AppDelegate::askForNotificationPermission() {
     constexpr unsigned options =
         authorizationOptions::alert | authorizationOptions::sound | authorizationOptions::badge;
     on_.notificationCenter.requestAuthorization(
-        options, [weak = weak_from_this(), &main = on_.main, &log = on_.log](
-                     bool granted, const std::optional<std::string>& error) {
+        options, [weak = weak_from_this(), &main = on_.main,
+                  &log = on_.log](bool granted, const std::optional<std::string>& error) {
             if (error) {
                 log.line({"[Notifications] Authorization error: ", *error});
             }

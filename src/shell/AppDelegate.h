@@ -44,6 +44,8 @@ public:
         WebSocketServer& server;
         AppNotificationCenter& notifications;
         std::shared_ptr<HistoryStore> historyStore;
+        /// Makes what the main window shows.
+        std::function<std::shared_ptr<WindowContent>()> makeSettingsView;
         /// Ends the process through the platform's own way out.
         std::function<void()> terminate;
     };

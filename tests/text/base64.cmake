@@ -1,0 +1,1 @@
+velloway_test(base64_test Base64Test.cpp)
