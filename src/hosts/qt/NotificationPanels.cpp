@@ -65,7 +65,7 @@ NotificationBanner* NotificationPanels::makeBanner(const std::string& identifier
 bool NotificationPanels::showBanner(const std::string& identifier, const NotificationBanner::Content& content,
                                     BannerEvents events) {
     if (const auto shown = withIdentifier(banners_, identifier); shown != banners_.end()) {
-        discard(std::exchange(shown->panel, makeBanner(identifier, content, std::move(events))));
+        discard(std::exchange(shown->panel, makeBanner(content, std::move(events))));
         arrange();
         return true;
     }
@@ -121,7 +121,7 @@ void NotificationPanels::showWaiting() {
     while (!waiting_.empty() && banners_.size() < maxBanners) {
         Waiting next = std::move(waiting_.front());
         waiting_.pop_front();
-        auto* banner = makeBanner(next.identifier, next.content, std::move(next.events));
+        auto* banner = makeBanner(next.content, std::move(next.events));
         banners_.push_back({std::move(next.identifier), banner});
     }
     arrange();

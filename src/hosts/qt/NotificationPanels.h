@@ -51,8 +51,7 @@ private:
         BannerEvents events;
     };
 
-    NotificationBanner* makeBanner(const std::string& identifier, const NotificationBanner::Content& content,
-                                   BannerEvents events);
+    NotificationBanner* makeBanner(const NotificationBanner::Content& content, BannerEvents events);
     void take(FloatingPanel* panel);
     void showWaiting();
     void arrange();
