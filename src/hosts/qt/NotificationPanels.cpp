@@ -41,8 +41,7 @@ bool NotificationPanels::canShow() {
     return qobject_cast<QApplication*>(QCoreApplication::instance()) && QGuiApplication::primaryScreen();
 }
 
-NotificationBanner* NotificationPanels::makeBanner(const std::string& identifier,
-                                                   const NotificationBanner::Content& content,
+NotificationBanner* NotificationPanels::makeBanner(const NotificationBanner::Content& content,
                                                    BannerEvents events) {
     auto* banner = new NotificationBanner(content);
     const auto end = [this, banner, gone = std::move(events.gone)](const auto& report) {
