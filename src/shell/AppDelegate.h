@@ -87,6 +87,7 @@ private:
     void buildMenu();
     MenuItem makeItem(const struct MenuEntry& entry);
     void requestNotificationPermission();
+    void askForNotificationPermission();
     void showNotificationDeniedAlert();
     void registerNotificationCategories();
     void checkAccessibilityPermission();
