@@ -1,0 +1,2 @@
+include(VellowayDesktopTest)
+velloway_desktop_test(test_dispatch_queue_contract DispatchQueueContract.cpp)
