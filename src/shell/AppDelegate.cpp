@@ -2,7 +2,7 @@
 
 #include "features/ClipboardSync.h"
 #include "shell/StatusMenu.h"
-#include "shell/Tabs.h"
+#include "tabs/TabIndex.h"
 
 #include <chrono>
 #include <utility>
