@@ -1,0 +1,250 @@
+#include "hosts/qt/QtWindows.h"
+
+#include "bridge/Views.h"
+#include "hosts/qt/Compositing.h"
+#include "hosts/qt/WindowSpaces.h"
+
+#include <QEvent>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QPainterPath>
+#include <QPalette>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickStyle>
+#include <QScreen>
+
+#include <utility>
+
+namespace velloway {
+
+namespace {
+
+constexpr double cornerRadius = 12;
+
+bool desktopIsDark() {
+    return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+}
+
+/// Positions of the port count from the bottom of the main screen, those of Qt from its top.
+int flipped(double y, int height) {
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    return screen.y() + screen.height() - static_cast<int>(y) - height;
+}
+
+/// The main window: closing it only hides it.
+class MainView : public ContentView {
+public:
+    MainView(QQmlEngine& engine, std::shared_ptr<WindowContent> content, std::function<void()> onClose)
+        : ContentView(engine, std::move(content)), onClose_(std::move(onClose)) {}
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::Close) {
+            event->ignore();
+            hide();
+            onClose_();
+            return true;
+        }
+        return ContentView::event(event);
+    }
+
+private:
+    std::function<void()> onClose_;
+};
+
+/// A panel: what no control of it takes drags it.
+class PanelView : public ContentView {
+public:
+    using ContentView::ContentView;
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override {
+        event->ignore();
+        ContentView::mousePressEvent(event);
+        if (!event->isAccepted() && event->button() == Qt::LeftButton) {
+            grip_ = event->globalPosition().toPoint() - position();
+        }
+    }
+    void mouseMoveEvent(QMouseEvent* event) override {
+        if (!grip_) {
+            ContentView::mouseMoveEvent(event);
+            return;
+        }
+        if (!std::exchange(isMoving_, true) && startSystemMove()) {
+            grip_.reset();
+            isMoving_ = false;
+            return;
+        }
+        setPosition(event->globalPosition().toPoint() - *grip_);
+    }
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        isMoving_ = false;
+        if (!std::exchange(grip_, std::nullopt)) {
+            ContentView::mouseReleaseEvent(event);
+        }
+    }
+
+private:
+    std::optional<QPoint> grip_;
+    bool isMoving_ = false;
+};
+
+} // namespace
+
+/// The engine of the views, which follows the colours of the desktop. It lives as long as any window.
+class QtWindows::Engine : public QObject {
+public:
+    Engine() {
+        QQuickStyle::setStyle(QStringLiteral("Basic"));
+        prepareEngine(qml);
+        setDarkTheme(qml, desktopIsDark());
+        qApp->installEventFilter(this);
+    }
+
+    QQmlEngine qml;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange) {
+            setDarkTheme(qml, desktopIsDark());
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+namespace {
+
+/// One window of the port over one view. The engine is held so that it outlives the view.
+template <class Engine> class QtWindow : public Window {
+public:
+    QtWindow(std::shared_ptr<Engine> engine, std::unique_ptr<ContentView> view)
+        : engine_(std::move(engine)), view_(std::move(view)) {}
+    ~QtWindow() override {
+        // A press on one of its own buttons can end a window; its view must outlive the handling of the press.
+        view_->hide();
+        view_.release()->deleteLater();
+        QMetaObject::invokeMethod(
+            qApp, [engine = engine_] {}, Qt::QueuedConnection);
+    }
+
+    bool isVisible() const override { return view_->isVisible(); }
+    void center() override {
+        const QRect usable = QGuiApplication::primaryScreen()->availableGeometry();
+        view_->setPosition(usable.center() - QPoint(view_->width() / 2, view_->height() / 2));
+    }
+    void makeKeyAndOrderFront() override {
+        if (view_->windowStates() & Qt::WindowMinimized) {
+            view_->setWindowStates(view_->windowStates() & ~Qt::WindowMinimized);
+        }
+        show();
+        if (!(view_->flags() & Qt::WindowDoesNotAcceptFocus)) {
+            view_->requestActivate();
+        }
+    }
+    void orderFrontRegardless() override { show(); }
+    void orderOut() override { view_->hide(); }
+    void setIsVisible(bool visible) override { view_->setVisible(visible); }
+    void setFrameOrigin(double x, double y) override {
+        view_->setPosition(static_cast<int>(x), flipped(y, view_->height()));
+    }
+    void setContent(std::shared_ptr<WindowContent> content) override { view_->setContent(std::move(content)); }
+
+private:
+    void show() {
+        view_->show();
+        view_->raise();
+    }
+
+    std::shared_ptr<Engine> engine_;
+    std::unique_ptr<ContentView> view_;
+};
+
+/// Rounded corners: by what shines through where windows can be see-through, by a mask elsewhere.
+void roundCorners(ContentView& view) {
+    const bool translucent = isCompositing();
+    if (auto* root = view.rootObject()) {
+        root->setProperty("translucent", translucent);
+    }
+    if (translucent) {
+        view.setColor(Qt::transparent);
+        return;
+    }
+    QPainterPath outline;
+    outline.addRoundedRect(QRectF(QPointF(), QSizeF(view.size())), cornerRadius, cornerRadius);
+    view.setMask(QRegion(outline.toFillPolygon().toPolygon()));
+}
+
+} // namespace
+
+QtWindows::QtWindows() = default;
+
+QtWindows::~QtWindows() = default;
+
+const std::shared_ptr<QtWindows::Engine>& QtWindows::engine() {
+    if (!engine_) {
+        engine_ = std::make_shared<Engine>();
+    }
+    return engine_;
+}
+
+std::shared_ptr<Window> QtWindows::makeMainWindow(const MainWindowProperties& properties,
+                                                  std::shared_ptr<WindowContent> content,
+                                                  std::function<void()> onClose) {
+    auto view = std::make_unique<MainView>(engine()->qml, std::move(content), std::move(onClose));
+    view->setTitle(QString::fromStdString(properties.title));
+    view->setFlags(Qt::Window);
+    view->setMinimumSize({static_cast<int>(properties.minWidth), static_cast<int>(properties.minHeight)});
+    view->resize(static_cast<int>(properties.contentRect.width),
+                 static_cast<int>(properties.contentRect.height));
+    return std::make_shared<QtWindow<Engine>>(engine(), std::move(view));
+}
+
+std::shared_ptr<Window> QtWindows::makePanel(const PanelProperties& properties,
+                                             std::shared_ptr<WindowContent> content) {
+    auto view = std::make_unique<PanelView>(engine()->qml, std::move(content));
+    view->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                   Qt::WindowDoesNotAcceptFocus);
+    view->setTitle(QStringLiteral("Velloway"));
+    const QSize size(static_cast<int>(properties.contentRect.width),
+                     static_cast<int>(properties.contentRect.height));
+    view->setMinimumSize(size);
+    view->setMaximumSize(size);
+    view->resize(size);
+    roundCorners(*view);
+    joinAllSpaces(*view);
+    return std::make_shared<QtWindow<Engine>>(engine(), std::move(view));
+}
+
+std::optional<Rect> QtWindows::mainScreenVisibleFrame() const {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen) {
+        return std::nullopt;
+    }
+    const QRect usable = screen->availableGeometry();
+    return Rect{static_cast<double>(usable.x()), static_cast<double>(flipped(usable.y() + usable.height(), 0)),
+                static_cast<double>(usable.width()), static_cast<double>(usable.height())};
+}
+
+void QtWindows::beginOpenPanel(const OpenPanelOptions& options,
+                               std::function<void(std::optional<std::vector<std::filesystem::path>>)> done) {
+    auto* dialog = new QFileDialog;
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(options.canChooseDirectories      ? QFileDialog::Directory
+                        : options.allowsMultipleSelection ? QFileDialog::ExistingFiles
+                                                          : QFileDialog::ExistingFile);
+    QObject::connect(dialog, &QFileDialog::finished, dialog, [dialog, done = std::move(done)](int result) {
+        if (result != QDialog::Accepted) {
+            done(std::nullopt);
+            return;
+        }
+        std::vector<std::filesystem::path> files;
+        for (const QString& file : dialog->selectedFiles()) {
+            files.emplace_back(file.toStdString());
+        }
+        done(std::move(files));
+    });
+    dialog->open();
+}
+
+} // namespace velloway

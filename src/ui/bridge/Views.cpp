@@ -1,0 +1,96 @@
+#include "bridge/Views.h"
+
+#include "bridge/CallPanelBridge.h"
+#include "bridge/SettingsBridge.h"
+#include "bridge/SymbolProvider.h"
+
+#include <QGuiApplication>
+#include <QIcon>
+#include <QQmlEngine>
+#include <QQuickImageProvider>
+
+namespace velloway {
+
+namespace {
+
+/// The application's icon, in any size.
+class ApplicationIconProvider : public QQuickImageProvider {
+public:
+    ApplicationIconProvider() : QQuickImageProvider(Pixmap) {}
+    QPixmap requestPixmap(const QString&, QSize* size, const QSize& requestedSize) override {
+        const QSize wanted = requestedSize.isEmpty() ? QSize(64, 64) : requestedSize;
+        if (size) {
+            *size = wanted;
+        }
+        return QGuiApplication::windowIcon().pixmap(wanted);
+    }
+};
+
+QUrl viewFile(const char* name) {
+    return QUrl(QStringLiteral("qrc:/qt/qml/Velloway/") + QString::fromLatin1(name) + QStringLiteral(".qml"));
+}
+
+} // namespace
+
+void prepareEngine(QQmlEngine& engine) {
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(QStringLiteral("symbol"), new SymbolProvider);
+    engine.addImageProvider(QStringLiteral("application-icon"), new ApplicationIconProvider);
+    QFont font = QGuiApplication::font();
+    font.setFamilies(
+        {QStringLiteral("Inter"), QStringLiteral("Noto Sans"), QStringLiteral("Noto Color Emoji")});
+    QGuiApplication::setFont(font);
+}
+
+void setDarkTheme(QQmlEngine& engine, bool isDark) {
+    const int type = qmlTypeId("Velloway", 1, 0, "Theme");
+    if (auto* theme = engine.singletonInstance<QObject*>(type)) {
+        theme->setProperty("dark", isDark);
+    }
+}
+
+struct ContentView::Bridges {
+    std::unique_ptr<SettingsBridge> settings;
+    std::unique_ptr<CallPanelBridge> callPanel;
+};
+
+ContentView::ContentView(QQmlEngine& engine, std::shared_ptr<WindowContent> content)
+    : QQuickView(&engine, nullptr), bridges_(std::make_unique<Bridges>()) {
+    setResizeMode(SizeRootObjectToView);
+    if (auto settings = std::dynamic_pointer_cast<SettingsView>(content)) {
+        bridges_->settings = std::make_unique<SettingsBridge>(std::move(settings));
+        setInitialProperties({{"bridge", QVariant::fromValue<QObject*>(bridges_->settings.get())}});
+        setSource(viewFile("MainView"));
+    } else {
+        bridges_->callPanel = std::make_unique<CallPanelBridge>(std::move(content));
+        setInitialProperties({{"bridge", QVariant::fromValue<QObject*>(bridges_->callPanel.get())}});
+        setSource(viewFile("panels/CallPanel"));
+    }
+}
+
+ContentView::~ContentView() {
+    // The view binds to the bridge until it has gone.
+    setSource({});
+}
+
+void ContentView::setContent(std::shared_ptr<WindowContent> content) {
+    if (bridges_->callPanel) {
+        bridges_->callPanel->setContent(std::move(content));
+    }
+}
+
+void ContentView::exposeEvent(QExposeEvent* event) {
+    QQuickView::exposeEvent(event);
+    if (bridges_->settings && isExposed()) {
+        bridges_->settings->setOnScreen(true);
+    }
+}
+
+void ContentView::hideEvent(QHideEvent* event) {
+    QQuickView::hideEvent(event);
+    if (bridges_->settings) {
+        bridges_->settings->setOnScreen(false);
+    }
+}
+
+} // namespace velloway

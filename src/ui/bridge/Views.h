@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/Windows.h"
+
+#include <QQuickView>
+
+#include <memory>
+
+class QQmlEngine;
+
+namespace velloway {
+
+/// Sets up an engine for the views: their images, and fonts that cover every script. Once per engine.
+void prepareEngine(QQmlEngine& engine);
+
+/// The form of the theme that every view of the engine shows.
+void setDarkTheme(QQmlEngine& engine, bool isDark);
+
+/// A window with the view of one of the core's values in it, not yet shown. The engine must outlive it.
+class ContentView : public QQuickView {
+    Q_OBJECT
+
+public:
+    ContentView(QQmlEngine& engine, std::shared_ptr<WindowContent> content);
+    ~ContentView() override;
+
+    void setContent(std::shared_ptr<WindowContent> content);
+
+protected:
+    void exposeEvent(QExposeEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    struct Bridges;
+    std::unique_ptr<Bridges> bridges_;
+};
+
+} // namespace velloway
