@@ -1,6 +1,7 @@
 #include "app/Program.h"
 
 #include "platform/Host.h"
+#include "shell/LocalIP.h"
 
 #include <utility>
 
@@ -38,10 +39,29 @@ Program::Program(const Platform& on, std::function<void()> terminate)
           .server = *server_,
           .notifications = notifications_,
           .historyStore = historyStore_,
-          .makeSettingsView = [] { return nullptr; },
+          .makeSettingsView = [this, on] { return makeSettingsView(on); },
           .terminate = std::move(terminate),
       })) {}
 
 Program::~Program() = default;
+
+std::shared_ptr<SettingsView> Program::makeSettingsView(const Platform& on) {
+    return SettingsView::make({
+        .history = historyStore_,
+        .server = *server_,
+        .userDefaults = on.userDefaults,
+        .notificationCenter = on.notificationCenter,
+        .accessibility = on.accessibility,
+        .pasteboard = on.pasteboard,
+        .workspace = on.workspace,
+        .windows = on.windows,
+        .host = on.host,
+        .notifications = notifications_,
+        .main = on.mainQueue,
+        .localIP = [&host = on.host] { return LocalIPAddress::current(host); },
+        .isLaunchAtLoginEnabled = [this] { return launchAtLogin_.isEnabled(); },
+        .setLaunchAtLogin = [this](bool enabled) { launchAtLogin_.setEnabled(enabled); },
+    });
+}
 
 } // namespace velloway

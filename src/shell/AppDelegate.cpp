@@ -62,7 +62,14 @@ void AppDelegate::setShared(std::shared_ptr<AppDelegate> delegate) {
     sharedInstance() = std::move(delegate);
 }
 
-AppDelegate::AppDelegate(const Dependencies& dependencies) : on_(dependencies) {}
+AppDelegate::AppDelegate(const Dependencies& dependencies)
+    : on_(dependencies),
+      callWindows_(CallWindows::make({.main = on_.main,
+                                      .historyStore = on_.historyStore,
+                                      .notifications = on_.notifications,
+                                      .server = on_.server,
+                                      .windows = on_.windows,
+                                      .log = on_.log})) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -95,7 +102,11 @@ bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
     return true;
 }
 
-void AppDelegate::applicationDidBecomeActive() {}
+void AppDelegate::applicationDidBecomeActive() {
+    if (const auto view = settingsView_.lock()) {
+        view->applicationDidBecomeActive();
+    }
+}
 
 // Status item and menu
 
@@ -219,7 +230,9 @@ void AppDelegate::buildSettingsWindow() {
         .minHeight = 500,
         .isReleasedWhenClosed = false,
     };
-    auto window = on_.windows.makeMainWindow(properties, on_.makeSettingsView(), [weak = weak_from_this()] {
+    const auto view = on_.makeSettingsView();
+    settingsView_ = view;
+    auto window = on_.windows.makeMainWindow(properties, view, [weak = weak_from_this()] {
         if (auto self = weak.lock()) {
             self->windowWillClose();
         }
@@ -321,10 +334,16 @@ void AppDelegate::willPresent(const NotificationRequest& /*request*/,
 
 // Call windows
 
-void AppDelegate::setupIncomingCallObservation() {}
+void AppDelegate::setupIncomingCallObservation() {
+    callWindows_->setupIncomingCallObservation();
+}
 
-void AppDelegate::setupActiveCallObservation() {}
+void AppDelegate::setupActiveCallObservation() {
+    callWindows_->setupActiveCallObservation();
+}
 
-void AppDelegate::setupCallEndObservation() {}
+void AppDelegate::setupCallEndObservation() {
+    callWindows_->setupCallEndObservation();
+}
 
 } // namespace velloway

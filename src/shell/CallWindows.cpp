@@ -125,13 +125,13 @@ void CallWindows::place(Window& panel) {
 }
 
 void CallWindows::showIncomingCallBanner(const IncomingCallInfo& info) {
-    incomingCallBanner.set(createBannerView(info));
     if (incomingCallWindow_) {
+        incomingCallWindow_->setContent(createBannerView(info));
         incomingCallWindow_->setIsVisible(true);
         incomingCallWindow_->orderFrontRegardless();
         return;
     }
-    const auto panel = on_.windows.makePanel(incomingCallPanelProperties(), PanelContent::incomingCall);
+    const auto panel = on_.windows.makePanel(incomingCallPanelProperties(), createBannerView(info));
     place(*panel);
     panel->setIsVisible(true);
     panel->makeKeyAndOrderFront();
@@ -139,23 +139,20 @@ void CallWindows::showIncomingCallBanner(const IncomingCallInfo& info) {
     incomingCallWindow_ = panel;
 }
 
-IncomingCallBanner CallWindows::createBannerView(const IncomingCallInfo& info) {
+std::shared_ptr<IncomingCallBanner> CallWindows::createBannerView(const IncomingCallInfo& info) {
     const auto self = shared_from_this();
-    return {
-        .info = info,
-        .onAnswer =
-            [self, info] {
-                self->on_.server.answerCall();
-                self->on_.notifications.post(AppNotification::prepareActiveCall,
-                                             TextMap{{"number", info.number}, {"name", info.name.value_or("")}});
-                self->on_.historyStore->incomingCallInfo.set(std::nullopt);
-            },
-        .onHangup =
-            [self] {
-                self->on_.server.hangupCall();
-                self->on_.historyStore->incomingCallInfo.set(std::nullopt);
-            },
-    };
+    return std::make_shared<IncomingCallBanner>(
+        info,
+        [self, info] {
+            self->on_.server.answerCall();
+            self->on_.notifications.post(AppNotification::prepareActiveCall,
+                                         TextMap{{"number", info.number}, {"name", info.name.value_or("")}});
+            self->on_.historyStore->incomingCallInfo.set(std::nullopt);
+        },
+        [self] {
+            self->on_.server.hangupCall();
+            self->on_.historyStore->incomingCallInfo.set(std::nullopt);
+        });
 }
 
 void CallWindows::closeIncomingCallBanner() {
@@ -163,7 +160,6 @@ void CallWindows::closeIncomingCallBanner() {
         incomingCallWindow_->setIsVisible(false);
         incomingCallWindow_->orderOut();
         incomingCallWindow_.reset();
-        incomingCallBanner.set(std::nullopt);
     }
 }
 
@@ -171,15 +167,9 @@ void CallWindows::showActiveCallWindow(const std::string& name, const std::strin
     if (activeCallWindow_) {
         return;
     }
-    activeCallBanner.set(ActiveCallBanner{.name = name, .number = number});
-    durationSubscription_ =
-        on_.notifications.observe(AppNotification::callDurationUpdated, [this](const auto& object) {
-            const auto* seconds = std::get_if<std::int64_t>(&object);
-            if (seconds && *seconds >= 0) {
-                activeCallBanner.modify([&](auto& banner) { banner->duration = *seconds; });
-            }
-        });
-    const auto panel = on_.windows.makePanel(activeCallPanelProperties(), PanelContent::activeCall);
+    const auto panel =
+        on_.windows.makePanel(activeCallPanelProperties(),
+                              std::make_shared<ActiveCallBanner>(name, number, on_.server, on_.notifications));
     place(*panel);
     panel->setIsVisible(true);
     panel->orderFrontRegardless();
@@ -190,21 +180,7 @@ void CallWindows::closeActiveCallWindow() {
     if (activeCallWindow_) {
         activeCallWindow_->orderOut();
         activeCallWindow_.reset();
-        durationSubscription_.reset();
-        activeCallBanner.set(std::nullopt);
     }
-}
-
-void CallWindows::toggleMute() {
-    if (!activeCallBanner.get()) {
-        return;
-    }
-    activeCallBanner.modify([](auto& banner) { banner->isMuted = !banner->isMuted; });
-    on_.server.toggleMute(activeCallBanner.get()->isMuted);
-}
-
-void CallWindows::hangup() {
-    on_.server.hangupCall();
 }
 
 } // namespace velloway

@@ -17,8 +17,7 @@
 namespace velloway {
 
 /// The two panels that float over everything during a call: one while it rings, one while it runs. They follow
-/// the store's ringing call and the application notifications; what they show is in the two banners, which a
-/// panel's view binds to.
+/// the store's ringing call and the application notifications.
 ///
 /// Main thread only. Changes are followed one turn of the main queue after they were made, in their order.
 class CallWindows : public std::enable_shared_from_this<CallWindows> {
@@ -42,24 +41,15 @@ public:
     void setupActiveCallObservation();
     void setupCallEndObservation();
 
-    /// Present while the panel is; set before the panel is made.
-    Observable<std::optional<IncomingCallBanner>> incomingCallBanner;
-    Observable<std::optional<ActiveCallBanner>> activeCallBanner;
-
     /// Updates the open panel in place, or opens one.
     void showIncomingCallBanner(const IncomingCallInfo& info);
     void closeIncomingCallBanner();
     /// The callbacks keep these windows alive.
-    IncomingCallBanner createBannerView(const IncomingCallInfo& info);
+    std::shared_ptr<IncomingCallBanner> createBannerView(const IncomingCallInfo& info);
 
     /// An open panel stays as it is.
     void showActiveCallWindow(const std::string& name, const std::string& number);
     void closeActiveCallWindow();
-
-    // The buttons of the in-call panel.
-    void toggleMute();
-    /// The panel stays until the phone tells that the call is over.
-    void hangup();
 
 private:
     explicit CallWindows(const Dependencies& dependencies) : on_(dependencies) {}
@@ -73,8 +63,6 @@ private:
     Dependencies on_;
     std::shared_ptr<Window> incomingCallWindow_;
     std::shared_ptr<Window> activeCallWindow_;
-    /// In place while the in-call panel is there.
-    Subscription durationSubscription_;
     std::vector<Subscription> cancellables_;
 };
 

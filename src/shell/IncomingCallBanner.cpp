@@ -14,7 +14,8 @@ bool isKnown(std::string_view text) {
 } // namespace
 
 BannerText IncomingCallBanner::text() const {
-    const std::string name(trimBlanksAndLineEnds(info.name ? std::string_view(*info.name) : std::string_view()));
+    const std::string name(
+        trimBlanksAndLineEnds(info.name ? std::string_view(*info.name) : std::string_view()));
     const std::string number(trimBlanksAndLineEnds(info.number));
     const bool hasName = isKnown(name);
     const bool hasNumber = isKnown(number);

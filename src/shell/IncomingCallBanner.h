@@ -1,11 +1,13 @@
 #pragma once
 
+#include "platform/Windows.h"
 #include "state/Records.h"
 
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace velloway {
 
@@ -18,11 +20,14 @@ struct BannerText {
     bool operator==(const BannerText&) const = default;
 };
 
-/// What the panel of a ringing call shows and does. Main thread.
-struct IncomingCallBanner {
-    IncomingCallInfo info;
-    std::function<void()> onAnswer;
-    std::function<void()> onHangup;
+/// What the panel of a ringing call shows and does. A value: another caller is another banner. Main thread.
+struct IncomingCallBanner : WindowContent {
+    IncomingCallBanner(IncomingCallInfo shownInfo, std::function<void()> answer, std::function<void()> hangup)
+        : info(std::move(shownInfo)), onAnswer(std::move(answer)), onHangup(std::move(hangup)) {}
+
+    const IncomingCallInfo info;
+    const std::function<void()> onAnswer;
+    const std::function<void()> onHangup;
 
     /// Takes blanks off, and takes "unknown" in any case of letters for nothing known.
     BannerText text() const;

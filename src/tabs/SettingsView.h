@@ -43,7 +43,7 @@ struct CallTimer {
 ///
 /// Main thread only. A view binds a control to the field of that name, both ways: assigning a field does all
 /// that follows from the change.
-class SettingsView : public std::enable_shared_from_this<SettingsView> {
+class SettingsView : public WindowContent, public std::enable_shared_from_this<SettingsView> {
 public:
     /// All of it must outlive the view.
     struct Dependencies {

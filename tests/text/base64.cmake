@@ -1,1 +1,1 @@
-velloway_test(base64_test Base64Test.cpp)
+velloway_test(test_base64 Base64Test.cpp)

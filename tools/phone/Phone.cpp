@@ -344,8 +344,9 @@ void Phone::beginExpecting(const Expect& expect) {
     }
     pause_ = loop_.after(expect.within, [this] {
         pause_.reset();
-        note("FAILED: nothing matched " + expecting_->pattern + " within " +
-             std::to_string(expecting_->within) + " s");
+        char limit[32];
+        std::snprintf(limit, sizeof limit, "%g", expecting_->within);
+        note("FAILED: nothing matched " + expecting_->pattern + " within " + limit + " s");
         expecting_.reset();
         leave(1);
     });

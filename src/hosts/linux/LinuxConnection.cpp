@@ -143,8 +143,9 @@ public:
     AsioQueue& queue;
     const Endpoint endpoint;
     StateHandler stateHandler;
-    /// The port object has gone: nobody is called any more.
+    /// The port object has gone without a cancel: nobody is called any more.
     std::atomic<bool> isAbandoned = false;
+    std::atomic<bool> isCancelRequested = false;
     std::atomic<bool> hasQueue = true;
 
 private:
@@ -563,7 +564,7 @@ LinuxConnection::LinuxConnection(AsioQueue& queue, const LinuxNetworkLimits& lim
                                          std::move(endpoint))) {}
 
 LinuxConnection::~LinuxConnection() {
-    session_->isAbandoned = true;
+    session_->isAbandoned = !session_->isCancelRequested;
     if (session_->hasQueue) {
         AsioQueue& queue = session_->queue;
         queue.async([session = std::move(session_)] { session->abandon(); });
@@ -582,6 +583,7 @@ void LinuxConnection::start(DispatchQueue& queue) {
 }
 
 void LinuxConnection::cancel() {
+    session_->isCancelRequested = true;
     if (session_->hasQueue) {
         session_->queue.async([session = session_] { session->cancel(); });
     }

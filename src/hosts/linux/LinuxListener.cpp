@@ -72,8 +72,9 @@ public:
     StateHandler stateHandler;
     NewConnectionHandler newConnectionHandler;
     std::atomic<std::uint16_t> boundPort = 0;
-    /// The port object has gone: nobody is called any more.
+    /// The port object has gone without a cancel: nobody is called any more.
     std::atomic<bool> isAbandoned = false;
+    std::atomic<bool> isCancelRequested = false;
     std::atomic<bool> hasQueue = true;
 
 private:
@@ -253,7 +254,7 @@ LinuxListener::LinuxListener(AsioQueue& queue, const LinuxNetworkLimits& limits,
     : core_(std::make_shared<Core>(queue, limits, parameters)) {}
 
 LinuxListener::~LinuxListener() {
-    core_->isAbandoned = true;
+    core_->isAbandoned = !core_->isCancelRequested;
     if (core_->hasQueue) {
         AsioQueue& queue = core_->queue;
         queue.async([core = std::move(core_)] { core->abandon(); });
@@ -276,6 +277,7 @@ void LinuxListener::start(DispatchQueue& queue) {
 }
 
 void LinuxListener::cancel() {
+    core_->isCancelRequested = true;
     if (core_->hasQueue) {
         core_->queue.async([core = core_] { core->cancel(); });
     }

@@ -18,7 +18,7 @@ constexpr int windowWidth = 300;
 constexpr int iconSize = 28;
 
 /// Written on the colours of the palette, so that it follows light and dark desktops.
-const char* const style = R"(
+const char* const sheet = R"(
     QLabel#header { font-size: 17px; font-weight: 600; }
     QLabel#line { color: palette(placeholder-text); }
     QFrame#separator { background: palette(midlight); border: none; }
@@ -39,7 +39,7 @@ QString buttonText(const MenuItem& item) {
 TraylessWindow::TraylessWindow(LinuxStatusItem& statusItem) : statusItem_(statusItem) {
     setWindowTitle(QGuiApplication::applicationDisplayName());
     setObjectName(QStringLiteral("traylessWindow"));
-    setStyleSheet(QLatin1String(style));
+    setStyleSheet(QLatin1String(sheet));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetFixedSize);

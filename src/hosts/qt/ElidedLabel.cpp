@@ -46,7 +46,7 @@ QStringList ElidedLabel::linesAt(int width) const {
     for (qsizetype i = 0; i < paragraphs.size() && lines.size() < maxLines_; ++i) {
         breakParagraph(paragraphs[i], font(), width, maxLines_, lines);
         if (lines.size() == maxLines_ && i + 1 < paragraphs.size()) {
-            lines.back() += u' ' + paragraphs[i + 1];
+            lines.back() += u' ' + paragraphs.mid(i + 1).join(u' ');
         }
     }
     for (QString& line : lines) {
@@ -70,13 +70,13 @@ QSize ElidedLabel::minimumSizeHint() const {
 void ElidedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    int top = 0;
+    int baseline = fontMetrics().ascent();
     for (const QString& line : linesAt(width())) {
-        const QRect place(0, top, width(), fontMetrics().lineSpacing());
-        const auto side = line.isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft;
-        painter.setLayoutDirection(line.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-        painter.drawText(place, int(side | Qt::AlignAbsolute | Qt::AlignVCenter) | Qt::TextSingleLine, line);
-        top += fontMetrics().lineSpacing();
+        const bool isRightToLeft = line.isRightToLeft();
+        painter.setLayoutDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+        // By the base line, as emoji would push the rest of a line that is placed by its height.
+        painter.drawText(isRightToLeft ? width() - fontMetrics().horizontalAdvance(line) : 0, baseline, line);
+        baseline += fontMetrics().lineSpacing();
     }
 }
 

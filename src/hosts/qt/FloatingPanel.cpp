@@ -47,17 +47,42 @@ protected:
     }
 };
 
-QString styleFor(const FloatingPanel::Colors& colors) {
-    return QStringLiteral("QLineEdit { background: %1; color: %2; border: 1px solid %3; border-radius: 8px;"
-                          " padding: 0 8px; min-height: 28px; selection-background-color: %4;"
-                          " selection-color: white; }"
-                          "QLineEdit:focus { border: 1px solid %4; }"
-                          "QPushButton { background: %4; color: white; border: 1px solid transparent;"
-                          " border-radius: 8px; padding: 0 14px; min-height: 28px; font-weight: 600; }"
-                          "QPushButton:hover, QPushButton:pressed { background: %5; }"
-                          "QPushButton:focus { border: 1px solid %2; }")
-        .arg(colors.field.name(QColor::HexArgb), colors.text.name(), colors.border.name(QColor::HexArgb),
-             colors.accent.name(), colors.accentPressed.name());
+struct Colors {
+    QColor background;
+    QColor border;
+    QColor text;
+    QColor secondaryText;
+    QColor field;
+    QColor accent;
+    QColor accentPressed;
+};
+
+Colors presentColors() {
+    const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
+    if (isDark) {
+        return {.background = QColor(42, 42, 44, 244),
+                .border = QColor(255, 255, 255, 40),
+                .text = QColor(245, 245, 247),
+                .secondaryText = QColor(174, 174, 180),
+                .field = QColor(255, 255, 255, 22),
+                .accent = QColor(10, 132, 255),
+                .accentPressed = QColor(8, 108, 210)};
+    }
+    return {.background = QColor(248, 248, 250, 246),
+            .border = QColor(0, 0, 0, 38),
+            .text = QColor(28, 28, 30),
+            .secondaryText = QColor(105, 105, 112),
+            .field = QColor(255, 255, 255),
+            .accent = QColor(0, 112, 240),
+            .accentPressed = QColor(0, 92, 200)};
+}
+
+/// Without the last family some emoji would come from a text font, in black and white.
+QFont panelFont() {
+    QFont font = QApplication::font();
+    font.setFamilies(font.families() + QStringList{QStringLiteral("Noto Color Emoji")});
+    font.setPixelSize(fontPixels);
+    return font;
 }
 
 } // namespace
@@ -72,32 +97,23 @@ FloatingPanel::FloatingPanel(QWidget* parent)
     content_->setContentsMargins(margin, margin, margin, margin);
     content_->setSpacing(4);
     setFixedWidth(panelWidth + 2 * shadow_);
-    QFont small = QApplication::font();
-    small.setPixelSize(fontPixels);
-    setFont(small);
+    setFont(panelFont());
     applyColors();
 }
 
-FloatingPanel::Colors FloatingPanel::presentColors() {
-    const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
-    if (isDark) {
-        return {QColor(42, 42, 44, 244), QColor(255, 255, 255, 40), QColor(245, 245, 247),
-                QColor(174, 174, 180),   QColor(255, 255, 255, 22), QColor(10, 132, 255),
-                QColor(8, 108, 210)};
-    }
-    return {QColor(248, 248, 250, 246), QColor(0, 0, 0, 38), QColor(28, 28, 30), QColor(105, 105, 112),
-            QColor(255, 255, 255),      QColor(0, 112, 240), QColor(0, 92, 200)};
-}
-
 void FloatingPanel::applyColors() {
-    colors_ = presentColors();
+    const Colors colors = presentColors();
     QPalette own = QApplication::palette();
-    own.setColor(QPalette::WindowText, colors_.text);
-    own.setColor(QPalette::Text, colors_.text);
-    own.setColor(QPalette::PlaceholderText, colors_.secondaryText);
+    own.setColor(QPalette::Window, colors.background);
+    own.setColor(QPalette::Mid, colors.border);
+    own.setColor(QPalette::WindowText, colors.text);
+    own.setColor(QPalette::Text, colors.text);
+    own.setColor(QPalette::PlaceholderText, colors.secondaryText);
+    own.setColor(QPalette::Base, colors.field);
+    own.setColor(QPalette::Highlight, colors.accent);
+    own.setColor(QPalette::HighlightedText, Qt::white);
+    own.setColor(QPalette::Dark, colors.accentPressed);
     setPalette(own);
-    setStyleSheet(styleFor(colors_));
-    update();
 }
 
 QRect FloatingPanel::panelRect() const {
@@ -177,7 +193,7 @@ void FloatingPanel::mouseReleaseEvent(QMouseEvent* event) {
 void FloatingPanel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    QColor background = colors_.background;
+    QColor background = palette().color(QPalette::Window);
     if (shadow_ > 0) {
         painter.setPen(Qt::NoPen);
         for (int reach = shadow_; reach > 0; --reach) {
@@ -194,7 +210,7 @@ void FloatingPanel::paintEvent(QPaintEvent*) {
         background.setAlpha(255);
         painter.fillRect(rect(), background);
     }
-    painter.setPen(QPen(colors_.border, 1));
+    painter.setPen(QPen(palette().color(QPalette::Mid), 1));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(panelRect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
 }

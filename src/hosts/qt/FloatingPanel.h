@@ -9,22 +9,14 @@ class QVBoxLayout;
 namespace velloway {
 
 /// A small rounded window above the others, without frame or taskbar entry, that can be dragged by its
-/// background. Follows the desktop's light or dark palette.
+/// background. Follows the desktop's light or dark palette; what stands on it takes its colours from the roles
+/// Window, WindowText, PlaceholderText (secondary text), Base (fields), Mid (borders), Highlight and Dark (the
+/// same, pressed).
 class FloatingPanel : public QWidget {
     Q_OBJECT
 
 public:
     static constexpr int panelWidth = 350;
-
-    struct Colors {
-        QColor background;
-        QColor border;
-        QColor text;
-        QColor secondaryText;
-        QColor field;
-        QColor accent;
-        QColor accentPressed;
-    };
 
     /// Where the visible panel is; the window may be larger by its shadow.
     QRect panelGeometry() const;
@@ -59,12 +51,10 @@ private:
         bool hasMoved = false;
     };
 
-    static Colors presentColors();
     void applyColors();
     QRect panelRect() const;
 
     QVBoxLayout* content_;
-    Colors colors_;
     int shadow_;
     std::optional<Drag> drag_;
     bool wasMovedByUser_ = false;
