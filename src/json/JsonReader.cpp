@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstring>
-#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -132,7 +130,7 @@ const char* JsonReader::State::copyPadded(std::string_view text) {
         paddedCapacity = parser.capacity() + simdjson::SIMDJSON_PADDING;
         padded = std::make_unique<char[]>(paddedCapacity);
     }
-    std::memcpy(padded.get(), text.data(), text.size());
+    text.copy(padded.get(), text.size());
     return padded.get();
 }
 

@@ -1,5 +1,6 @@
 #include "text/WholeNumber.h"
 
+#include "text/IcuLocale.h"
 #include "text/Trim.h"
 
 #include <unicode/decimfmt.h>
@@ -16,7 +17,7 @@ namespace {
 std::unique_ptr<icu::NumberFormat> makeFormat(const std::string& locale) {
     UErrorCode error = U_ZERO_ERROR;
     std::unique_ptr<icu::NumberFormat> format(
-        icu::NumberFormat::createInstance(icu::Locale::createCanonical(locale.c_str()), UNUM_DECIMAL, error));
+        icu::NumberFormat::createInstance(icuLocale(locale), UNUM_DECIMAL, error));
     if (U_FAILURE(error) || !format) {
         return nullptr;
     }
