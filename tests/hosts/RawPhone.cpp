@@ -65,7 +65,23 @@ int RawPhone::Frame::closeCode() const {
     return static_cast<unsigned char>(payload[0]) << 8 | static_cast<unsigned char>(payload[1]);
 }
 
+RawPhone::RawPhone() : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    if (socket_ < 0) {
+        throw std::system_error(errno, std::system_category(), "socket");
+    }
+}
+
 RawPhone::RawPhone(std::uint16_t port, const char* address) {
+    const bool isSix = std::strchr(address, ':') != nullptr;
+    socket_ = ::socket(isSix ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    connectTo(port, address);
+}
+
+void RawPhone::connect(std::uint16_t port) {
+    connectTo(port, "127.0.0.1");
+}
+
+void RawPhone::connectTo(std::uint16_t port, const char* address) {
     sockaddr_storage storage{};
     socklen_t size = 0;
     if (std::strchr(address, ':')) {
@@ -81,10 +97,9 @@ RawPhone::RawPhone(std::uint16_t port, const char* address) {
         inet_pton(AF_INET, address, &four.sin_addr);
         size = sizeof four;
     }
-    socket_ = ::socket(storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (socket_ < 0 || ::connect(socket_, reinterpret_cast<sockaddr*>(&storage), size) != 0) {
         const int code = errno;
-        ::close(socket_);
+        ::close(std::exchange(socket_, -1));
         throw std::system_error(code, std::system_category(), "connect");
     }
     const int on = 1;
@@ -122,6 +137,23 @@ bool RawPhone::write(std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
     return true;
+}
+
+std::size_t RawPhone::writeWithoutWaiting(std::string_view bytes) {
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+        pollfd poll{socket_, POLLOUT, 0};
+        if (::poll(&poll, 1, 300) <= 0) {
+            break;
+        }
+        const ssize_t count =
+            ::send(socket_, bytes.data() + written, bytes.size() - written, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (count < 0) {
+            break;
+        }
+        written += static_cast<std::size_t>(count);
+    }
+    return written;
 }
 
 std::string RawPhone::read() {

@@ -37,6 +37,9 @@ public:
 
     /// Connects to this computer; throws when that fails.
     explicit RawPhone(std::uint16_t port, const char* address = "127.0.0.1");
+    /// Takes a descriptor now, for a later `connect` over IPv4.
+    RawPhone();
+    void connect(std::uint16_t port);
     ~RawPhone();
     RawPhone(RawPhone&& other) noexcept;
     RawPhone& operator=(RawPhone&&) = delete;
@@ -48,6 +51,8 @@ public:
 
     /// False when the far end has gone.
     bool write(std::string_view bytes);
+    /// Writes until the far end takes no more; how many bytes that were.
+    std::size_t writeWithoutWaiting(std::string_view bytes);
     /// The next bytes; empty at the end of the connection, and when `patience` is over.
     std::string read();
     /// The head of the answer to a request, with the empty line.
@@ -68,6 +73,8 @@ public:
     std::string localDescription() const;
 
 private:
+    void connectTo(std::uint16_t port, const char* address);
+
     int socket_ = -1;
     std::string pending_;
 };

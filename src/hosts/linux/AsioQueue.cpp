@@ -78,7 +78,8 @@ public:
         bool isFirst = false;
         {
             std::lock_guard lock(mutex_);
-            isFirst = delayed_.emplace(due, std::move(job)) == delayed_.begin() && !isEnded_;
+            const auto place = delayed_.emplace(due, std::move(job));
+            isFirst = place == delayed_.begin() && !isEnded_;
         }
         if (isFirst) {
             net::post(*context, [this] { armTimer(); });

@@ -1,0 +1,4 @@
+velloway_test(test_asio_queue AsioQueueTest.cpp)
+target_link_libraries(test_asio_queue PRIVATE velloway_host_linux)
+velloway_test(test_linux_network_hostile LinuxNetworkHostileTest.cpp RawPhone.cpp)
+target_link_libraries(test_linux_network_hostile PRIVATE velloway_host_linux)
