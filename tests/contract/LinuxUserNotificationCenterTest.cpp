@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDBusConnectionInterface>
 #include <QKeyEvent>
 #include <QLineEdit>
 
@@ -276,6 +277,19 @@ TEST_F(LinuxUserNotificationCenterTest, SignalsAboutForeignNotificationsAreNotOu
     show(message("key"));
     service_->reply(lastCall().id + 500, "not for us");
     service_->close(lastCall().id + 500, dismissed);
+    settle();
+    EXPECT_TRUE(delegate_.responses.empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, OnlyTheServiceItselfIsBelieved) {
+    start({"body", "actions", "inline-reply"});
+    show(message("key"));
+    auto signal = QDBusMessage::createSignal("/org/freedesktop/Notifications", "org.freedesktop.Notifications",
+                                             "NotificationReplied");
+    signal << lastCall().id << QStringLiteral("from somebody else");
+    ASSERT_TRUE(QDBusConnection::sessionBus().send(signal));
+    // The bus answers in order, so the signal has been passed on by then.
+    QDBusConnection::sessionBus().interface()->isServiceRegistered("org.freedesktop.Notifications");
     settle();
     EXPECT_TRUE(delegate_.responses.empty());
 }

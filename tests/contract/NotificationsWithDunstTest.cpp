@@ -16,6 +16,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <vector>
 
 namespace velloway::test {
@@ -184,6 +185,27 @@ TEST_F(NotificationsWithDunst, AServiceThatIsKilledAndStartedAgainShowsWhatComes
     show("key", "after");
     EXPECT_TRUE(showsSoon(1));
     EXPECT_TRUE(visible<NotificationBanner>().empty());
+}
+
+TEST_F(NotificationsWithDunst, AServiceThatTheBusCanStartIsStarted) {
+    ASSERT_TRUE(dunst_.stop());
+    const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + "/dbus-1/services/";
+    QFile file(folder + serviceName + ".service");
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    file.write("[D-BUS Service]\nName=org.freedesktop.Notifications\nExec=/usr/bin/dunst\n");
+    file.close();
+    QDBusConnection::sessionBus().call(QDBusMessage::createMethodCall(
+        "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig"));
+    show("key", "wakes it up");
+    EXPECT_EQ(Dunst::shown(), 1);
+    EXPECT_TRUE(visible<NotificationBanner>().empty());
+
+    file.remove();
+    const qint64 started = QDBusConnection::sessionBus().interface()->servicePid(serviceName);
+    ASSERT_GT(started, 1);
+    ::kill(pid_t(started), SIGKILL);
+    EXPECT_TRUE(
+        waitFor([] { return !QDBusConnection::sessionBus().interface()->isServiceRegistered(serviceName); }));
 }
 
 TEST_F(NotificationsWithDunst, ABurstIsShownWhole) {
