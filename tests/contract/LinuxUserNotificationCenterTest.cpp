@@ -173,6 +173,21 @@ TEST_F(LinuxUserNotificationCenterTest, APendingRequestThatIsRemovedIsNeverShown
     EXPECT_EQ(service_->calls.size(), 1u);
 }
 
+TEST_F(LinuxUserNotificationCenterTest, ALateDecisionAboutADroppedRequestSaysNothingAboutTheNext) {
+    start({"body", "actions"});
+    delegate_.answersAtOnce = false;
+    add(message("key", "dropped"));
+    center_.removePending({"key"});
+    add(message("key", "next"));
+    ASSERT_TRUE(waitFor([&] { return delegate_.held.size() == 2; }));
+    delegate_.held[0](presentationOptions::banner);
+    delegate_.held[1](0);
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 2; }));
+    delegate_.answersAtOnce = true;
+    settle();
+    EXPECT_EQ(service_->calls.size(), 1u);
+}
+
 TEST_F(LinuxUserNotificationCenterTest, WhereTheServiceTakesTextTheReplyIsTypedIntoTheNotification) {
     start({"body", "actions", "inline-reply"});
     show(message("key"));
