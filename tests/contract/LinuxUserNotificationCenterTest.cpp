@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDBusConnectionInterface>
 #include <QKeyEvent>
 #include <QLineEdit>
 
@@ -172,6 +173,21 @@ TEST_F(LinuxUserNotificationCenterTest, APendingRequestThatIsRemovedIsNeverShown
     EXPECT_EQ(service_->calls.size(), 1u);
 }
 
+TEST_F(LinuxUserNotificationCenterTest, ALateDecisionAboutADroppedRequestSaysNothingAboutTheNext) {
+    start({"body", "actions"});
+    delegate_.answersAtOnce = false;
+    add(message("key", "dropped"));
+    center_.removePending({"key"});
+    add(message("key", "next"));
+    ASSERT_TRUE(waitFor([&] { return delegate_.held.size() == 2; }));
+    delegate_.held[0](presentationOptions::banner);
+    delegate_.held[1](0);
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 2; }));
+    delegate_.answersAtOnce = true;
+    settle();
+    EXPECT_EQ(service_->calls.size(), 1u);
+}
+
 TEST_F(LinuxUserNotificationCenterTest, WhereTheServiceTakesTextTheReplyIsTypedIntoTheNotification) {
     start({"body", "actions", "inline-reply"});
     show(message("key"));
@@ -276,6 +292,19 @@ TEST_F(LinuxUserNotificationCenterTest, SignalsAboutForeignNotificationsAreNotOu
     show(message("key"));
     service_->reply(lastCall().id + 500, "not for us");
     service_->close(lastCall().id + 500, dismissed);
+    settle();
+    EXPECT_TRUE(delegate_.responses.empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, OnlyTheServiceItselfIsBelieved) {
+    start({"body", "actions", "inline-reply"});
+    show(message("key"));
+    auto signal = QDBusMessage::createSignal("/org/freedesktop/Notifications", "org.freedesktop.Notifications",
+                                             "NotificationReplied");
+    signal << lastCall().id << QStringLiteral("from somebody else");
+    ASSERT_TRUE(QDBusConnection::sessionBus().send(signal));
+    // The bus answers in order, so the signal has been passed on by then.
+    QDBusConnection::sessionBus().interface()->isServiceRegistered("org.freedesktop.Notifications");
     settle();
     EXPECT_TRUE(delegate_.responses.empty());
 }

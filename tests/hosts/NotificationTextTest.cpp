@@ -24,7 +24,11 @@ constexpr NotificationCapabilities bare{};
 const TextCase textCases[] = {
     {"noSubtitle", {.title = "Ada", .body = "Hello"}, plain, "Ada", "Hello"},
     {"emptySubtitle", {.title = "Chat", .subtitle = "", .body = "Hello"}, plain, "Chat", "Hello"},
-    {"subtitleOnItsOwnLine", {.title = "Chat", .subtitle = "Ada", .body = "Hello"}, plain, "Chat", "Ada\nHello"},
+    {"subtitleOnItsOwnLine",
+     {.title = "Chat", .subtitle = "Ada", .body = "Hello"},
+     plain,
+     "Chat",
+     "Ada\nHello"},
     {"subtitleInBold", {.title = "Chat", .subtitle = "Ada", .body = "Hi"}, markup, "Chat", "<b>Ada</b>\nHi"},
     {"subtitleAlone", {.title = "Chat", .subtitle = "Ada", .body = ""}, plain, "Chat", "Ada"},
     {"markupEscaped",
@@ -69,7 +73,8 @@ TEST(DisplayableText, CutsWhatIsTooLongAndNeverSplitsACharacter) {
 }
 
 TEST(NotificationCapabilitiesTest, AreReadFromTheNamesOfTheService) {
-    const auto all = NotificationCapabilities::from({"actions", "body", "body-markup", "inline-reply", "x-other"});
+    const auto all =
+        NotificationCapabilities::from({"actions", "body", "body-markup", "inline-reply", "x-other"});
     EXPECT_TRUE(all.actions && all.body && all.bodyMarkup && all.inlineReply);
     const auto none = NotificationCapabilities::from({"action", "bodies"});
     EXPECT_FALSE(none.actions || none.body || none.bodyMarkup || none.inlineReply);

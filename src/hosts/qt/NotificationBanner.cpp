@@ -32,7 +32,7 @@ NotificationBanner::NotificationBanner(const Content& shown) {
     }
     fitHeight();
 
-    life_.setInterval(shown.reply ? toReadAndAnswer : toRead);
+    setLifetime(shown.reply ? toReadAndAnswer : toRead);
     connect(&life_, &QTimer::timeout, this, &NotificationBanner::timeOut);
 }
 

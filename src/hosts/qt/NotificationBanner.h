@@ -5,6 +5,7 @@
 
 #include <QTimer>
 
+#include <chrono>
 #include <optional>
 
 namespace velloway {
@@ -23,6 +24,9 @@ public:
     };
 
     explicit NotificationBanner(const Content& content);
+
+    /// How long it stays, from when it is shown, if nobody uses it.
+    void setLifetime(std::chrono::milliseconds lifetime) { life_.setInterval(lifetime); }
 
 signals:
     /// Exactly one of these comes, once; the banner does not close itself.
