@@ -1,7 +1,6 @@
 """Phone notifications on a real notification service, and the answers that go back."""
 
 import json
-import subprocess
 
 from support import *
 
@@ -69,12 +68,7 @@ class WithDunst(AppTest):
     def test_text_from_the_phone_is_announced_and_lands_on_the_clipboard(self):
         self.node.send({"action": "clipboard", "text": "grüße / 🚲"})
         self.bystander.wait_notification("Clipboard Synced")
-
-        def pasted():
-            found = subprocess.run(["xclip", "-selection", "clipboard", "-o"], capture_output=True, text=True)
-            return found.stdout == "grüße / 🚲"
-
-        wait_for(pasted, "the text on the clipboard")
+        wait_for(lambda: clipboard() == "grüße / 🚲", "the text on the clipboard")
 
 
 class WithReplyField(AppTest):
