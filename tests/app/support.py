@@ -368,10 +368,22 @@ class AppTest(unittest.TestCase):
     def start_phone(self, port, *words, **options):
         return self.start(phone(port, *words, **options))
 
+    def copy(self, text):
+        """Another program owns the clipboard, until the test is over."""
+        owner = self.start(Process("xclip", "-selection", "clipboard", "-i", "-quiet"))
+        owner.process.stdin.write(text)
+        owner.process.stdin.close()
+        wait_for(lambda: clipboard() == text, "the text on the clipboard")
+
     def start_node(self, port):
         node = self.start(NodePhone(port))
         node.wait_message("connected")
         return node
+
+
+def clipboard():
+    found = subprocess.run(["xclip", "-selection", "clipboard", "-o"], capture_output=True, timeout=PATIENCE)
+    return found.stdout.decode(errors="replace") if found.returncode == 0 else None
 
 
 def visible_windows(pid):

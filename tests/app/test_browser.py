@@ -34,7 +34,7 @@ class Browser(AppTest):
             "--disable-background-networking", "--disable-component-update", "--disable-sync",
             "--disable-dev-shm-usage", f"--user-data-dir={folder.name}/profile", "--virtual-time-budget=20000",
             "--dump-dom", page.as_uri()))
-        service.wait_shown("From the page")
+        service.wait_shown("Browser")
         browser.wait_end(60)
         text = "\n".join(browser.lines)
         welcome = json.loads(re.search(r"WELCOME (.*?) END", text)[1])

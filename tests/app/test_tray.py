@@ -15,11 +15,6 @@ class Tray(AppTest):
         self.app = self.start_app().wait_listening()
         wait_for(lambda: self.tray.status() == f"Server: listening on :{self.app.port}", "the status line")
 
-    def copy(self, text):
-        # xclip stays behind to hand the text out; it must not hold our pipes.
-        subprocess.run(["xclip", "-selection", "clipboard", "-i"], input=text, text=True, check=True,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=PATIENCE)
-
     def test_the_menu_has_fifteen_rows_in_order(self):
         self.assertEqual(self.tray.titles(), [row and row.format(port=self.app.port) for row in ROWS])
 

@@ -8,6 +8,7 @@
 #include "hosts/linux/LinuxUserDefaults.h"
 #include "hosts/linux/LinuxWorkspace.h"
 #include "hosts/linux/SingleInstance.h"
+#include "hosts/linux/TerminationSignals.h"
 #include "hosts/qt/QtMainQueue.h"
 #include "hosts/qt/StandardOutputLog.h"
 
@@ -50,6 +51,7 @@ private:
     void reopen();
     void showTraylessWindow();
 
+    TerminationSignals terminationSignals_{[this] { terminate(); }};
     SingleInstance instance_;
     SingleInstance::Request ownRequest_;
     ApplicationDelegate* delegate_ = nullptr;

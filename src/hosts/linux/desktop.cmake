@@ -17,6 +17,7 @@ target_sources(velloway_host_linux PRIVATE
     LinuxWorkspace.cpp
     SingleInstance.cpp
     StatusIcons.cpp
+    TerminationSignals.cpp
     TrayWatcher.cpp
     TraylessWindow.cpp)
 

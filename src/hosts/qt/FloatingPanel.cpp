@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFontInfo>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -77,10 +78,11 @@ Colors presentColors() {
             .accentPressed = QColor(0, 92, 200)};
 }
 
-/// Without the last family some emoji would come from a text font, in black and white.
+/// Without the last family some emoji would come from a text font, in black and white. The first must be a real
+/// one: behind a mere alias, the emoji font would give the blanks and digits of every text, far too wide.
 QFont panelFont() {
     QFont font = QApplication::font();
-    font.setFamilies(font.families() + QStringList{QStringLiteral("Noto Color Emoji")});
+    font.setFamilies({QFontInfo(font).family(), QStringLiteral("Noto Color Emoji")});
     font.setPixelSize(fontPixels);
     return font;
 }
