@@ -7,6 +7,7 @@
 #include "shell/LaunchAtLoginManager.h"
 #include "state/AppNotificationCenter.h"
 #include "state/HistoryStore.h"
+#include "tabs/SettingsView.h"
 
 #include <functional>
 #include <memory>
@@ -29,6 +30,8 @@ public:
     AppNotificationCenter& notifications() { return notifications_; }
 
 private:
+    std::shared_ptr<SettingsView> makeSettingsView(const Platform& on);
+
     AppNotificationCenter notifications_;
     NotificationManager notificationManager_;
     LaunchAtLoginManager launchAtLogin_;

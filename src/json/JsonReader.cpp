@@ -77,7 +77,14 @@ std::string_view withoutByteOrderMark(std::string_view text) {
     return text.substr(0, mark.size()) == mark ? text.substr(mark.size()) : text;
 }
 
-constexpr std::string_view neitherObjectNorArray = "The text holds no object or array at top level.";
+/// The library's own words, without their final stop.
+std::string reason(simdjson::error_code failure) {
+    std::string_view text = simdjson::error_message(failure);
+    text = text.substr(0, text.find_last_not_of('.') + 1);
+    return std::string(text);
+}
+
+constexpr std::string_view neitherObjectNorArray = "The text holds no object or array at top level";
 
 } // namespace
 
@@ -177,7 +184,7 @@ std::optional<JsonValue> JsonReader::parse(std::string_view text, std::size_t re
     if (const auto handle = state_->parseQuickly(body, readableAfter, failure)) {
         root = JsonValue(JsonValue::Backend::simdjson, handle->document, handle->index);
     } else if (failure != simdjson::NUMBER_ERROR) {
-        error = simdjson::error_message(failure);
+        error = reason(failure);
         return std::nullopt;
     } else if (state_->parseAnyNumber(body, error)) {
         root = JsonValue(JsonValue::Backend::boost, &state_->fallback, 0);

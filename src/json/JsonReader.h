@@ -59,8 +59,8 @@ public:
     JsonReader();
     ~JsonReader();
 
-    /// Absent on failure, with `error` filled. Works in place if at least 64 bytes after `text` may be read;
-    /// their content does not matter.
+    /// Absent on failure, with the reason in `error`, which has no final stop. Works in place if at least 64
+    /// bytes after `text` may be read; their content does not matter.
     std::optional<JsonValue> parse(std::string_view text, std::size_t readableAfter, std::string& error);
 
     static constexpr std::size_t maxDepth = 512;

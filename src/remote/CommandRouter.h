@@ -5,6 +5,7 @@
 #include "platform/InputEvents.h"
 #include "platform/Log.h"
 #include "platform/Scripts.h"
+#include "remote/InputInjection.h"
 
 #include <optional>
 #include <string_view>
@@ -30,14 +31,19 @@ public:
     /// The ports must outlive every job on the main queue.
     CommandRouter(DispatchQueue& main, InputEvents& input, Scripts& scripts, Accessibility& accessibility,
                   Log& log)
-        : main_(main), input_(input), scripts_(scripts), accessibility_(accessibility), log_(log) {}
+        : main_(main), injection_(input), scripts_(scripts), accessibility_(accessibility), log_(log) {}
 
     /// Server queue.
     void handle(const RemoteCommand& message);
 
 private:
+    bool handleMedia(std::string_view command);
+    void handleCommand(std::string_view command, const std::optional<std::string_view>& url);
+    bool checkAccess(std::string_view command);
+    void postScript(SystemScript script);
+
     DispatchQueue& main_;
-    InputEvents& input_;
+    InputInjection injection_;
     Scripts& scripts_;
     Accessibility& accessibility_;
     Log& log_;

@@ -55,8 +55,14 @@ void WebSocketServer::setShared(std::shared_ptr<WebSocketServer> server) {
 }
 
 WebSocketServer::WebSocketServer(const Dependencies& on)
-    : main_(on.main), queue_(on.queue), network_(on.network), userDefaults_(on.userDefaults), host_(on.host),
-      log_(on.log), link_(std::make_shared<StoreLink>()), connections_(std::make_shared<const ConnectionList>()),
+    : main_(on.main),
+      queue_(on.queue),
+      network_(on.network),
+      userDefaults_(on.userDefaults),
+      host_(on.host),
+      log_(on.log),
+      link_(std::make_shared<StoreLink>()),
+      connections_(std::make_shared<const ConnectionList>()),
       callEvents_(on.main, link_, on.notifications, on.log),
       incomingFiles_(on.main, link_, on.notificationManager, on.host, on.log),
       outgoingFiles_(on.main, on.queue, link_, on.notificationManager, on.host, on.log,
@@ -183,11 +189,12 @@ template <class Change> void WebSocketServer::changeConnections(Change change) {
 void WebSocketServer::accept(ConnectionPointer connection) {
     log_.line({area, "Incoming connection from ", connection->endpoint().description});
     changeConnections([&](ConnectionList& list) { list.push_back(connection); });
-    connection->setStateHandler([weak = weak_from_this(), connection](ConnectionState state, const auto& error) {
-        if (auto self = weak.lock()) {
-            self->connectionChanged(connection, state, error);
-        }
-    });
+    connection->setStateHandler(
+        [weak = weak_from_this(), connection](ConnectionState state, const auto& error) {
+            if (auto self = weak.lock()) {
+                self->connectionChanged(connection, state, error);
+            }
+        });
     connection->start(queue_);
 }
 
@@ -352,7 +359,8 @@ void WebSocketServer::sendReply(std::string_view key, std::string_view text) {
 }
 
 void WebSocketServer::sendSms(std::string_view number, std::string_view body, std::int64_t simSlot) {
-    sendIfBuilt(outbound::sendSms({.number = std::string(number), .body = std::string(body), .simSlot = simSlot}));
+    sendIfBuilt(
+        outbound::sendSms({.number = std::string(number), .body = std::string(body), .simSlot = simSlot}));
 }
 
 void WebSocketServer::sendFile(const std::filesystem::path& url) {

@@ -2,7 +2,7 @@
 
 #include "features/ClipboardSync.h"
 #include "shell/StatusMenu.h"
-#include "shell/Tabs.h"
+#include "tabs/TabIndex.h"
 
 #include <chrono>
 #include <utility>
@@ -62,7 +62,14 @@ void AppDelegate::setShared(std::shared_ptr<AppDelegate> delegate) {
     sharedInstance() = std::move(delegate);
 }
 
-AppDelegate::AppDelegate(const Dependencies& dependencies) : on_(dependencies) {}
+AppDelegate::AppDelegate(const Dependencies& dependencies)
+    : on_(dependencies),
+      callWindows_(CallWindows::make({.main = on_.main,
+                                      .historyStore = on_.historyStore,
+                                      .notifications = on_.notifications,
+                                      .server = on_.server,
+                                      .windows = on_.windows,
+                                      .log = on_.log})) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -95,7 +102,11 @@ bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
     return true;
 }
 
-void AppDelegate::applicationDidBecomeActive() {}
+void AppDelegate::applicationDidBecomeActive() {
+    if (const auto view = settingsView_.lock()) {
+        view->applicationDidBecomeActive();
+    }
+}
 
 // Status item and menu
 
@@ -106,7 +117,8 @@ void AppDelegate::setupStatusItem() {
     }
     StatusImage image{.kind = StatusImage::Kind::asset, .name = "StatusIcon"};
     if (!on_.statusItem.hasImage(image)) {
-        image = {.kind = StatusImage::Kind::symbol, .name = "antenna.radiowaves.left.and.right", .pointSize = 16};
+        image = {
+            .kind = StatusImage::Kind::symbol, .name = "antenna.radiowaves.left.and.right", .pointSize = 16};
         if (!on_.statusItem.hasImage(image)) {
             return;
         }
@@ -211,14 +223,16 @@ void AppDelegate::showSettings(int tab) {
 void AppDelegate::buildSettingsWindow() {
     const MainWindowProperties properties{
         .contentRect = {0, 0, 850, 550},
-        .styleMask = windowStyle::titled | windowStyle::closable | windowStyle::miniaturizable |
-                     windowStyle::resizable,
+        .styleMask =
+            windowStyle::titled | windowStyle::closable | windowStyle::miniaturizable | windowStyle::resizable,
         .title = "Velloway Settings",
         .minWidth = 800,
         .minHeight = 500,
         .isReleasedWhenClosed = false,
     };
-    auto window = on_.windows.makeMainWindow(properties, [weak = weak_from_this()] {
+    const auto view = on_.makeSettingsView();
+    settingsView_ = view;
+    auto window = on_.windows.makeMainWindow(properties, view, [weak = weak_from_this()] {
         if (auto self = weak.lock()) {
             self->windowWillClose();
         }
@@ -249,24 +263,24 @@ void AppDelegate::checkAccessibilityPermission() {
 }
 
 void AppDelegate::requestNotificationPermission() {
-    on_.notificationCenter.getAuthorizationStatus([weak = weak_from_this(),
-                                                   &main = on_.main](AuthorizationStatus status) {
-        hop(main, weak, [status](AppDelegate& self) {
-            if (status == AuthorizationStatus::denied) {
-                self.showNotificationDeniedAlert();
-            } else if (status == AuthorizationStatus::notDetermined) {
-                self.askForNotificationPermission();
-            }
+    on_.notificationCenter.getAuthorizationStatus(
+        [weak = weak_from_this(), &main = on_.main](AuthorizationStatus status) {
+            hop(main, weak, [status](AppDelegate& self) {
+                if (status == AuthorizationStatus::denied) {
+                    self.showNotificationDeniedAlert();
+                } else if (status == AuthorizationStatus::notDetermined) {
+                    self.askForNotificationPermission();
+                }
+            });
         });
-    });
 }
 
 void AppDelegate::askForNotificationPermission() {
     constexpr unsigned options =
         authorizationOptions::alert | authorizationOptions::sound | authorizationOptions::badge;
     on_.notificationCenter.requestAuthorization(
-        options, [weak = weak_from_this(), &main = on_.main, &log = on_.log](
-                     bool granted, const std::optional<std::string>& error) {
+        options, [weak = weak_from_this(), &main = on_.main,
+                  &log = on_.log](bool granted, const std::optional<std::string>& error) {
             if (error) {
                 log.line({"[Notifications] Authorization error: ", *error});
             }
@@ -320,10 +334,16 @@ void AppDelegate::willPresent(const NotificationRequest& /*request*/,
 
 // Call windows
 
-void AppDelegate::setupIncomingCallObservation() {}
+void AppDelegate::setupIncomingCallObservation() {
+    callWindows_->setupIncomingCallObservation();
+}
 
-void AppDelegate::setupActiveCallObservation() {}
+void AppDelegate::setupActiveCallObservation() {
+    callWindows_->setupActiveCallObservation();
+}
 
-void AppDelegate::setupCallEndObservation() {}
+void AppDelegate::setupCallEndObservation() {
+    callWindows_->setupCallEndObservation();
+}
 
 } // namespace velloway

@@ -1,7 +1,8 @@
 #include "text/ByteCount.h"
 
+#include "text/IcuLocale.h"
+
 #include <unicode/dcfmtsym.h>
-#include <unicode/locid.h>
 #include <unicode/unistr.h>
 
 #include <array>
@@ -14,7 +15,7 @@ namespace {
 
 std::string decimalSeparator(const std::string& locale) {
     UErrorCode error = U_ZERO_ERROR;
-    const icu::DecimalFormatSymbols symbols(icu::Locale::createCanonical(locale.c_str()), error);
+    const icu::DecimalFormatSymbols symbols(icuLocale(locale), error);
     std::string separator;
     if (U_SUCCESS(error)) {
         symbols.getConstSymbol(icu::DecimalFormatSymbols::kDecimalSeparatorSymbol).toUTF8String(separator);

@@ -1,5 +1,7 @@
 #include "text/DateText.h"
 
+#include "text/IcuLocale.h"
+
 #include <unicode/calendar.h>
 #include <unicode/datefmt.h>
 #include <unicode/dtptngen.h>
@@ -28,7 +30,7 @@ UDate toDate(double seconds) {
 class Formatters {
 public:
     explicit Formatters(const DateContext& context)
-        : locale_(icu::Locale::createCanonical(context.locale.c_str())),
+        : locale_(icuLocale(context.locale)),
           zone_(icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(context.timeZone))) {
         UErrorCode error = U_ZERO_ERROR;
         calendar_.reset(icu::Calendar::createInstance(*zone_, locale_, error));

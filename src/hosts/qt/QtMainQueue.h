@@ -1,0 +1,66 @@
+#pragma once
+
+#include "platform/DispatchQueue.h"
+
+#include <QBasicTimer>
+#include <QObject>
+
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <vector>
+
+namespace velloway {
+
+/// The main queue on Qt's event loop. Made on the main thread after the QCoreApplication and gone before it.
+///
+/// Jobs go on running in a nested event loop, also those that were waiting behind the job that entered it. A
+/// flood of jobs doesn't lock out input and painting. Jobs left at the end are dropped.
+class QtMainQueue : public QObject, public DispatchQueue {
+public:
+    QtMainQueue();
+    ~QtMainQueue() override;
+
+    void async(Job job) override;
+    void asyncAfter(std::chrono::nanoseconds delay, Job job) override;
+    /// True on the whole main thread: what the toolkit calls there counts as a job of this queue.
+    bool isCurrent() const override;
+
+protected:
+    bool event(QEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Delayed {
+        Clock::time_point due;
+        std::uint64_t order;
+        Job job;
+    };
+    struct LaterFirst {
+        bool operator()(const Delayed& a, const Delayed& b) const {
+            return a.due != b.due ? a.due > b.due : a.order > b.order;
+        }
+    };
+
+    /// Posts the one wake-up event unless a turn is already on its way. Expects the lock.
+    void wake();
+    void takeTurn();
+    void runJobs();
+    void takeDue();
+    void armTimer();
+
+    std::mutex mutex_;
+    std::deque<Job> jobs_;
+    /// A heap; the job that falls due first is at the front.
+    std::vector<Delayed> delayed_;
+    std::uint64_t nextOrder_ = 0;
+    bool isWakePosted_ = false;
+    bool isRearmWanted_ = false;
+
+    QBasicTimer dueTimer_;
+    QBasicTimer breathTimer_;
+};
+
+} // namespace velloway

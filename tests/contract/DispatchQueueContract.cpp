@@ -1,0 +1,238 @@
+#include "desktop/WaitFor.h"
+#include "fakes/FakeDispatchQueue.h"
+#include "hosts/qt/QtMainQueue.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace velloway::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+/// One implementation, and what makes its time pass.
+class Driver {
+public:
+    virtual ~Driver() = default;
+    virtual DispatchQueue& queue() = 0;
+    virtual bool runUntil(const std::function<bool()>& condition) = 0;
+};
+
+class FakeDriver : public Driver {
+public:
+    DispatchQueue& queue() override { return queue_; }
+    bool runUntil(const std::function<bool()>& condition) override {
+        for (int step = 0; step < 1000 && !condition(); ++step) {
+            queue_.runAll();
+            queue_.advance(1ms);
+        }
+        return condition();
+    }
+
+private:
+    FakeDispatchQueue queue_;
+};
+
+class QtDriver : public Driver {
+public:
+    DispatchQueue& queue() override { return queue_; }
+    bool runUntil(const std::function<bool()>& condition) override { return waitFor(condition); }
+
+private:
+    QtMainQueue queue_;
+};
+
+template <class Made> std::unique_ptr<Driver> make() {
+    return std::make_unique<Made>();
+}
+
+struct Implementation {
+    const char* name;
+    std::unique_ptr<Driver> (*make)();
+};
+
+class DispatchQueueContract : public testing::TestWithParam<Implementation> {
+protected:
+    void note(std::string what) { notes.push_back(std::move(what)); }
+
+    std::unique_ptr<Driver> driver = GetParam().make();
+    DispatchQueue& queue = driver->queue();
+    std::vector<std::string> notes;
+};
+
+TEST_P(DispatchQueueContract, runs_jobs_in_the_order_in_which_they_were_handed_over) {
+    std::vector<int> order;
+    for (int job = 0; job < 1000; ++job) {
+        queue.async([&order, job] { order.push_back(job); });
+    }
+    ASSERT_TRUE(driver->runUntil([&] { return order.size() == 1000; }));
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+}
+
+TEST_P(DispatchQueueContract, never_runs_a_job_inside_the_call_that_hands_it_over) {
+    queue.async([&] {
+        queue.async([&] { note("inner"); });
+        note("outer");
+    });
+    EXPECT_TRUE(notes.empty());
+    ASSERT_TRUE(driver->runUntil([&] { return notes.size() == 2; }));
+    EXPECT_THAT(notes, ElementsAre("outer", "inner"));
+}
+
+TEST_P(DispatchQueueContract, delayed_jobs_run_in_the_order_of_their_times_and_then_of_the_calls) {
+    queue.asyncAfter(30ms, [&] { note("30 first"); });
+    queue.asyncAfter(10ms, [&] { note("10"); });
+    queue.asyncAfter(30ms, [&] { note("30 second"); });
+    queue.async([&] { note("at once"); });
+    ASSERT_TRUE(driver->runUntil([&] { return notes.size() == 4; }));
+    EXPECT_THAT(notes, ElementsAre("at once", "10", "30 first", "30 second"));
+}
+
+TEST_P(DispatchQueueContract, is_current_inside_a_job) {
+    bool wasCurrent = false;
+    queue.async([&] {
+        wasCurrent = queue.isCurrent();
+        note("ran");
+    });
+    ASSERT_TRUE(driver->runUntil([&] { return !notes.empty(); }));
+    EXPECT_TRUE(wasCurrent);
+}
+
+TEST_P(DispatchQueueContract, lets_go_of_what_a_job_holds_once_it_has_run) {
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watch = held;
+    queue.async([held = std::move(held)] {});
+    EXPECT_FALSE(watch.expired());
+    EXPECT_TRUE(driver->runUntil([&] { return watch.expired(); }));
+}
+
+INSTANTIATE_TEST_SUITE_P(, DispatchQueueContract,
+                         testing::Values(Implementation{"Fake", make<FakeDriver>},
+                                         Implementation{"Qt", make<QtDriver>}),
+                         [](const auto& it) { return std::string(it.param.name); });
+
+TEST(QtMainQueueTest, takes_jobs_from_other_threads_and_keeps_the_order_of_each) {
+    QtMainQueue queue;
+    constexpr int perThread = 20'000;
+    std::vector<int> seen[2];
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 2; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (int job = 0; job < perThread; ++job) {
+                queue.async([&, thread, job] { seen[thread].push_back(job); });
+            }
+        });
+    }
+    EXPECT_TRUE(waitFor([&] { return seen[0].size() + seen[1].size() == 2 * perThread; }));
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (const std::vector<int>& order : seen) {
+        EXPECT_EQ(order.size(), perThread);
+        EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    }
+}
+
+TEST(QtMainQueueTest, is_current_on_the_main_thread_only) {
+    QtMainQueue queue;
+    EXPECT_TRUE(queue.isCurrent());
+    bool onOtherThread = true;
+    std::thread([&] { onOtherThread = queue.isCurrent(); }).join();
+    EXPECT_FALSE(onOtherThread);
+}
+
+TEST(QtMainQueueTest, jobs_waiting_behind_one_that_enters_a_nested_loop_run_inside_it) {
+    QtMainQueue queue;
+    std::vector<std::string> notes;
+    QEventLoop nested;
+    queue.async([&] {
+        notes.emplace_back("modal begins");
+        nested.exec();
+        notes.emplace_back("modal ends");
+    });
+    queue.async([&] { notes.emplace_back("waiting"); });
+    queue.async([&] {
+        queue.async([&] { notes.emplace_back("handed over inside"); });
+        queue.asyncAfter(1ms, [&] {
+            notes.emplace_back("delayed");
+            nested.quit();
+        });
+    });
+    ASSERT_TRUE(waitFor([&] { return !notes.empty() && notes.back() == "modal ends"; }));
+    EXPECT_THAT(notes, ElementsAre("modal begins", "waiting", "handed over inside", "delayed", "modal ends"));
+}
+
+TEST(QtMainQueueTest, a_flood_of_jobs_does_not_lock_out_timers) {
+    QtMainQueue queue;
+    std::atomic<bool> goOn = true;
+    std::atomic<int> ran = 0;
+    // Each job hands over the next two, so that the queue never runs dry by itself.
+    std::function<void()> multiply = [&] {
+        ++ran;
+        if (goOn) {
+            queue.async(multiply);
+            if (ran < 5000) {
+                queue.async(multiply);
+            }
+        }
+    };
+    bool timerFired = false;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] { timerFired = true; });
+    timer.start(20);
+    queue.async(multiply);
+    EXPECT_TRUE(waitFor([&] { return timerFired && ran > 5000; }));
+    goOn = false;
+    timer.stop();
+}
+
+TEST(QtMainQueueTest, a_delayed_job_comes_neither_early_nor_much_late) {
+    QtMainQueue queue;
+    bool done = false;
+    qint64 elapsed = 0;
+    QElapsedTimer clock;
+    clock.start();
+    queue.asyncAfter(60ms, [&] {
+        elapsed = clock.nsecsElapsed();
+        done = true;
+    });
+    ASSERT_TRUE(waitFor([&] { return done; }));
+    EXPECT_GE(elapsed, 60'000'000);
+    EXPECT_LT(elapsed, 560'000'000);
+}
+
+TEST(QtMainQueueTest, an_earlier_delay_asked_for_later_is_not_held_up_by_a_long_one) {
+    QtMainQueue queue;
+    bool early = false;
+    queue.asyncAfter(1h, [] { FAIL() << "the long delay ran"; });
+    processPending();
+    std::thread([&] { queue.asyncAfter(5ms, [&] { early = true; }); }).join();
+    EXPECT_TRUE(waitFor([&] { return early; }, 5s));
+}
+
+TEST(QtMainQueueTest, jobs_left_at_the_end_are_dropped_with_what_they_hold) {
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watch = held;
+    {
+        QtMainQueue queue;
+        queue.async([held] { FAIL() << "ran after the end"; });
+        queue.asyncAfter(0ms, [held = std::move(held)] { FAIL() << "ran after the end"; });
+    }
+    EXPECT_TRUE(watch.expired());
+    processPending();
+}
+
+} // namespace
+} // namespace velloway::test
