@@ -89,13 +89,11 @@ struct Ssse3 {
         store(_mm_shuffle_epi8(eight, load(byteMoves.prefixed[mask])), to);
         return to + 16 - byteMoves.keptCount[mask];
     }
+    /// Without a question whether there is a slash at all: in every fourth register there is, and nobody can
+    /// foretell in which.
     static std::uint8_t* storeEscaped(Register text, std::uint8_t* to) {
         const Register slash = _mm_cmpeq_epi8(text, _mm_set1_epi8('/'));
         const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(slash));
-        if (mask == 0) {
-            store(text, to);
-            return to + width;
-        }
         const Register backslashes = _mm_set1_epi8('\\');
         to = storePrefixed(_mm_unpacklo_epi64(text, backslashes), mask & 0xff, to);
         return storePrefixed(_mm_unpackhi_epi64(text, backslashes), mask >> 8, to);

@@ -1,0 +1,126 @@
+#include "fakes/FakePlatform.h"
+#include "features/IncomingFiles.h"
+#include "features/OutgoingFiles.h"
+#include "text/Base64.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <sys/resource.h>
+#include <vector>
+
+namespace {
+
+using namespace velloway;
+
+constexpr std::size_t chunkSize = 1024 * 1024;
+constexpr std::size_t sentFileSize = 256 * chunkSize;
+
+std::string randomBytes(std::size_t size) {
+    std::mt19937_64 random(1);
+    std::string bytes(size, '\0');
+    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random()); });
+    return bytes;
+}
+
+/// In memory-backed storage, so that no disk is measured.
+class Folder {
+public:
+    Folder() {
+        std::string pattern = "/dev/shm/velloway-bench-XXXXXX";
+        path_ = ::mkdtemp(pattern.data());
+    }
+    ~Folder() { std::filesystem::remove_all(path_); }
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+struct Setting {
+    test::FakePlatform host;
+    std::shared_ptr<HistoryStore> store = std::make_shared<HistoryStore>(host.host);
+    std::shared_ptr<StoreLink> link = std::make_shared<StoreLink>(StoreLink{store});
+    NotificationManager notifications{host.notificationCenter, host.host, host.log};
+    Folder folder;
+};
+
+/// One file in chunks of 1 MiB; a new one after each 256 MiB, so that the storage stays small.
+void receiveChunks(benchmark::State& state, bool isEscaped) {
+    Setting setting;
+    setting.host.host.downloads = setting.folder.path();
+    IncomingFiles files(setting.host.main, setting.link, setting.notifications, setting.host.host,
+                        setting.host.log);
+    std::string text;
+    base64::appendEncodedEscaped(text, randomBytes(chunkSize));
+    if (!isEscaped) {
+        std::erase(text, '\\');
+    }
+    std::size_t count = 0;
+    for (auto _ : state) {
+        if (count++ % 256 == 0) {
+            files.start("a.bin", sentFileSize);
+        }
+        files.chunk("a.bin", text, false);
+        setting.host.main.runAll();
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * chunkSize));
+}
+
+/// What the same bytes cost without a codec.
+void writeChunks(benchmark::State& state) {
+    Folder folder;
+    const std::string bytes = randomBytes(chunkSize);
+    std::optional<FileHandle> file;
+    std::error_code error;
+    std::size_t count = 0;
+    for (auto _ : state) {
+        if (count++ % 256 == 0) {
+            FileHandle::createEmpty(folder.path() / "a.bin");
+            file = FileHandle::openForWriting(folder.path() / "a.bin", error);
+        }
+        error = file->write(bytes);
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * chunkSize));
+}
+
+/// Keeps every message, as the server does until it can send them.
+void sendFile(benchmark::State& state) {
+    Setting setting;
+    const auto path = setting.folder.path() / "a.bin";
+    std::ofstream(path, std::ios::binary) << randomBytes(sentFileSize);
+    std::vector<std::string> messages;
+    std::size_t bytes = 0;
+    OutgoingFiles files(setting.host.main, setting.host.server, setting.link, setting.notifications,
+                        setting.host.host, setting.host.log, [&](std::string text) {
+                            bytes += text.size();
+                            messages.push_back(std::move(text));
+                        });
+    for (auto _ : state) {
+        files.sendFile(path);
+        setting.host.drain();
+        state.PauseTiming();
+        messages.clear();
+        state.ResumeTiming();
+    }
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    state.counters["text_share"] =
+        static_cast<double>(bytes) / static_cast<double>(state.iterations()) / sentFileSize;
+    state.counters["peak_memory_share"] = static_cast<double>(usage.ru_maxrss) * 1024 / sentFileSize;
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * sentFileSize));
+}
+
+BENCHMARK(writeChunks);
+BENCHMARK_CAPTURE(receiveChunks, clean, false);
+BENCHMARK_CAPTURE(receiveChunks, escaped, true);
+BENCHMARK(sendFile)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
