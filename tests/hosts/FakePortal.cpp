@@ -1,6 +1,7 @@
 #include "FakePortal.h"
 
 #include <QDBusArgument>
+#include <QDBusConnectionInterface>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 
@@ -87,13 +88,16 @@ void FakePortal::respond(const Request& request, unsigned code, const QVariantMa
         bus_.send(signal);
     };
     if (choosesItsOwnPaths) {
-        // A client learns this path from the reply; a slow desktop gives it the time to listen there.
-        QMetaObject::invokeMethod(
-            this, [this, send] { QMetaObject::invokeMethod(this, send, Qt::QueuedConnection); },
-            Qt::QueuedConnection);
+        held_.push_back(send);
     } else {
         send();
     }
+}
+
+std::vector<std::function<void()>> FakePortal::takeHeld() {
+    // The replies that were sent before have left the connection once this has been answered.
+    bus_.interface()->isServiceRegistered(service);
+    return std::exchange(held_, {});
 }
 
 void FakePortal::answer(unsigned code) {

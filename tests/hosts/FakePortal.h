@@ -7,7 +7,9 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <functional>
 #include <optional>
+#include <vector>
 
 namespace velloway::test {
 
@@ -26,6 +28,7 @@ public:
     /// As when the user stops the sharing.
     void closeSession();
     void leaveTheBus();
+    std::vector<std::function<void()>> takeHeld();
 
     /// Each call but the pieces of input, by name.
     QStringList calls;
@@ -33,6 +36,8 @@ public:
     QStringList input;
     QVariantMap selectOptions;
     unsigned devices = 3;
+    /// As old desktops do. The answers to its requests are held then, as nobody can listen for one before the
+    /// reply that names its path has arrived.
     bool choosesItsOwnPaths = false;
     bool refusesSessions = false;
 
@@ -51,6 +56,7 @@ private:
     QString client_;
     QString session_;
     std::optional<Request> question_;
+    std::vector<std::function<void()>> held_;
 };
 
 } // namespace velloway::test

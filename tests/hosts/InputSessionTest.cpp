@@ -12,10 +12,12 @@ namespace velloway::test {
 
 namespace {
 
+using Variables = std::map<std::string, std::string>;
+
 /// Sets these variables and unsets the other two that tell a session's kind; puts all back at the end.
 class SessionVariables {
 public:
-    explicit SessionVariables(std::map<std::string, std::string> values) {
+    explicit SessionVariables(Variables values) {
         for (const char* name : {"XDG_SESSION_TYPE", "WAYLAND_DISPLAY", "DISPLAY"}) {
             const char* old = std::getenv(name);
             before_[name] = old ? old : "";
@@ -36,12 +38,12 @@ private:
             ::setenv(name.c_str(), value.c_str(), 1);
         }
     }
-    std::map<std::string, std::string> before_;
+    Variables before_;
 };
 
 TEST(InputSession, FollowsTheTypeOfTheSessionAndNotThePresenceOfAnXServer) {
     struct {
-        std::map<std::string, std::string> variables;
+        Variables variables;
         InputSession expected;
     } const cases[] = {
         {{{"XDG_SESSION_TYPE", "x11"}, {"DISPLAY", ":0"}}, InputSession::x11},
@@ -68,12 +70,12 @@ TEST(InputSession, WithTheXServerOfThisTestIsReady) {
 }
 
 TEST(InputSession, OnWaylandIsNotReadyThoughAnXServerIsThere) {
-    const SessionVariables variables({{"XDG_SESSION_TYPE", "wayland"}, {"DISPLAY", std::getenv("DISPLAY")}});
+    const SessionVariables variables(Variables{{"XDG_SESSION_TYPE", "wayland"}, {"DISPLAY", std::getenv("DISPLAY")}});
     EXPECT_FALSE(makeInputBackend()->isReady());
 }
 
 TEST(InputSession, WithoutADisplayMakesNoEvents) {
-    const SessionVariables variables({});
+    const SessionVariables variables(Variables{});
     const auto backend = makeInputBackend();
     LinuxAccessibility accessibility(*backend);
     LinuxInputEvents events(*backend);
@@ -83,7 +85,7 @@ TEST(InputSession, WithoutADisplayMakesNoEvents) {
 }
 
 TEST(InputSession, WithADeadXServerMakesNoEvents) {
-    const SessionVariables variables({{"DISPLAY", ":9999"}});
+    const SessionVariables variables(Variables{{"DISPLAY", ":9999"}});
     const auto backend = makeInputBackend();
     LinuxInputEvents events(*backend);
     EXPECT_FALSE(backend->isReady());

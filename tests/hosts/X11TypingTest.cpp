@@ -30,7 +30,7 @@ using namespace std::chrono_literals;
 const QString sample = QStringLiteral("Grüße, naïve Señor! 100 € ") + QStringLiteral("你好世界日本語 ") +
                        QString::fromUtf8("\U0001F44D\U0001F3FD "
                                          "\U0001F468\u200D\U0001F469\u200D\U0001F467\u200D\U0001F466 ") +
-                       QStringLiteral("שלום עולם Привет мир ещё Żółć ok");
+                       QStringLiteral("שלום עולם Привет мир ещё Żółć ok!");
 
 /// A plain editor of Qt that has the keyboard.
 class QtEditor {

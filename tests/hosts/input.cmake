@@ -15,5 +15,5 @@ target_compile_definitions(test_x11_input PRIVATE
 add_dependencies(test_x11_input typist)
 
 velloway_desktop_test(test_portal_input PortalInputTest.cpp FakePortal.cpp)
-# velloway_desktop_test(test_linux_scripts LinuxScriptsTest.cpp)
+velloway_desktop_test(test_linux_scripts LinuxScriptsTest.cpp)
 velloway_desktop_test(test_linux_session InputSessionTest.cpp)

@@ -2,11 +2,17 @@
 
 #include "hosts/linux/ChildProcess.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QPointer>
+#include <QStandardPaths>
+#include <QThreadPool>
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace velloway {
@@ -14,6 +20,25 @@ namespace velloway {
 namespace {
 
 constexpr int volumeStep = 5;
+
+/// Deletes what lies in the two folders of a trash, as much as can be, and returns the last error, or nothing.
+std::string deleteContents(const std::filesystem::path& trash) {
+    std::error_code lastError;
+    for (const char* part : {"files", "info"}) {
+        std::error_code error;
+        for (std::filesystem::directory_iterator entry(trash / part, error), end; !error && entry != end;) {
+            const std::filesystem::path path = entry->path();
+            entry.increment(error);
+            std::error_code deletionError;
+            std::filesystem::remove_all(path, deletionError);
+            lastError = deletionError ? deletionError : lastError;
+        }
+        if (error && error != std::errc::no_such_file_or_directory) {
+            lastError = error;
+        }
+    }
+    return lastError ? "The trash can't be emptied: " + lastError.message() : std::string();
+}
 
 } // namespace
 
@@ -60,8 +85,31 @@ std::optional<std::string> LinuxScripts::openLocation(const std::string& address
     return call(QDBusConnection::sessionBus(), message);
 }
 
+/// The desktop's tool knows the trash of every disk, but without its file service it does nothing and says so
+/// to nobody. Hence the trash in the home folder, where most of it lies, is emptied by ourselves as well.
 std::optional<std::string> LinuxScripts::emptyTrash() {
-    return startProgram("gio", {"trash", "--empty"});
+    if (const auto gio = findProgram("gio")) {
+        startChild(*this, *gio, {"trash", "--empty"}, [this](const ChildResult&) { emptyHomeTrash(); });
+    } else {
+        emptyHomeTrash();
+    }
+    return std::nullopt;
+}
+
+/// Much may lie in the trash, so another thread deletes it.
+void LinuxScripts::emptyHomeTrash() {
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    QThreadPool::globalInstance()->start(
+        [scripts = QPointer<LinuxScripts>(this), trash = data.toStdString() + "/Trash"] {
+            const std::string error = deleteContents(trash);
+            if (!error.empty()) {
+                QMetaObject::invokeMethod(qApp, [scripts, error] {
+                    if (scripts) {
+                        scripts->onLateError_(error);
+                    }
+                });
+            }
+        });
 }
 
 std::optional<std::string> LinuxScripts::startProgram(const QString& name, const QStringList& arguments) {

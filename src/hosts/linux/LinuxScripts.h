@@ -30,6 +30,7 @@ public:
 private:
     std::optional<std::string> openLocation(const std::string& address);
     std::optional<std::string> emptyTrash();
+    void emptyHomeTrash();
     std::optional<std::string> callLogin(const QString& path, const QString& interface, const QString& method,
                                          const QVariantList& arguments);
     std::optional<std::string> call(const QDBusConnection& bus, const QDBusMessage& message);
