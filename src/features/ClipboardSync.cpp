@@ -1,10 +1,28 @@
 #include "features/ClipboardSync.h"
+
+#include <utility>
+
 namespace velloway {
+
 ClipboardSync::ClipboardSync(DispatchQueue& main, std::shared_ptr<StoreLink> link, Pasteboard& pasteboard,
                              NotificationManager& notifications)
-    : main_(main), link_(link), pasteboard_(pasteboard), notifications_(notifications) {}
-void ClipboardSync::receive(std::string) {}
-std::optional<std::string> textToSend(const Pasteboard& pasteboard) {
-    return pasteboard.string();
+    : main_(main), link_(std::move(link)), pasteboard_(pasteboard), notifications_(notifications) {}
+
+void ClipboardSync::receive(std::string text) {
+    main_.async([link = link_, &pasteboard = pasteboard_, &notifications = notifications_,
+                 text = std::move(text)]() mutable {
+        pasteboard.clearContents();
+        pasteboard.setString(text);
+        if (const auto store = link->historyStore.lock()) {
+            store->addClipboard(std::move(text));
+        }
+        notifications.postSimple("Clipboard Synced", "Text from Android copied to your Mac clipboard.");
+    });
 }
+
+std::optional<std::string> textToSend(const Pasteboard& pasteboard) {
+    auto text = pasteboard.string();
+    return text && !text->empty() ? text : std::nullopt;
+}
+
 } // namespace velloway

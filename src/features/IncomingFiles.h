@@ -1,15 +1,22 @@
 #pragma once
 
+#include "features/FileHandle.h"
 #include "features/NotificationManager.h"
 #include "platform/DispatchQueue.h"
 #include "platform/Host.h"
 #include "platform/Log.h"
 #include "state/StoreLink.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <unordered_map>
 
 namespace velloway {
 
@@ -32,8 +39,40 @@ public:
     void chunk(std::string_view fileName, std::string_view fileData, bool isLast);
 
 private:
-    struct Sessions;
-    std::unique_ptr<Sessions> sessions_;
+    struct Session {
+        FileHandle handle;
+        std::filesystem::path url;
+        /// As announced; for the progress only.
+        std::int64_t totalSize;
+    };
+    struct NameHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>{}(name); }
+    };
+    template <class T> using ByName = std::unordered_map<std::string, T, NameHash, std::equal_to<>>;
+
+    std::optional<std::string_view> decode(std::string_view fileData);
+    /// Returns the file's length afterwards.
+    static std::optional<std::int64_t> append(FileHandle& handle, std::string_view bytes,
+                                              std::error_code& error);
+    Uuid recordOf(std::string_view fileName) const;
+    void finalizeIncomingFile(std::string_view fileName);
+    /// Runs `step` on the main queue with the store, or with null when that has gone; keeps the server's hold
+    /// on the store until then.
+    template <class Step> void onMain(Step step);
+
+    DispatchQueue& main_;
+    std::weak_ptr<StoreLink> link_;
+    NotificationManager& notifications_;
+    const Host& host_;
+    Log& log_;
+
+    ByName<Session> incomingFileSessions_;
+    /// The records of the transfers. A transfer whose file could not be opened stands here alone.
+    ByName<Uuid> activeTransfers_;
+    /// Where chunks are decoded; kept from one chunk to the next.
+    std::unique_ptr<char[]> buffer_;
+    std::size_t bufferSize_ = 0;
 };
 
 } // namespace velloway

@@ -28,7 +28,8 @@ public:
     void sendFile(const std::filesystem::path& url);
 
 private:
-    void run(const std::filesystem::path& url);
+    /// What the job on the server queue works with; stands for the object, which may have gone by then.
+    struct Job;
 
     DispatchQueue& main_;
     DispatchQueue& server_;

@@ -49,16 +49,28 @@ private:
 ///
 /// A text is one object or array with nothing but white space around it; a UTF-8 byte order mark before it is
 /// passed over. Refused: anything else at top level, invalid UTF-8, lone surrogates, raw control characters,
-/// bytes after the value, and nesting deeper than 512.
+/// bytes after the value, and nesting deeper than 512. Numbers may have any size, but beside one beyond 64 bits
+/// or the range of a double, one whose exponent does not fit 32 bits is refused.
+///
+/// What one large text needed (some 15 bytes of address space for each of its bytes) is given back after
+/// `patience` texts in a row that needed little of it.
 class JsonReader {
 public:
     JsonReader();
     ~JsonReader();
 
-    /// Absent on failure, with `error` filled. Works in place if at least 64 bytes after `text` may be read.
+    /// Absent on failure, with the reason in `error`, which has no final stop. Works in place if at least 64
+    /// bytes after `text` may be read; their content does not matter.
     std::optional<JsonValue> parse(std::string_view text, std::size_t readableAfter, std::string& error);
 
     static constexpr std::size_t maxDepth = 512;
+
+    /// Memory for texts up to this many bytes is never given back.
+    static constexpr std::size_t alwaysKept = std::size_t{4} << 20;
+    static constexpr int patience = 64;
+
+    /// The longest text for which there is memory now.
+    std::size_t capacity() const;
 
 private:
     struct State;

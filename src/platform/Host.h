@@ -14,7 +14,10 @@ using Instant = std::chrono::sys_time<std::chrono::nanoseconds>;
 struct NetworkInterface {
     std::string name;
     unsigned flags = 0;
+    /// `noAddress` for an entry without an address, which ends the process when the local address is searched.
+    /// A host on which such entries are everyday ones (tunnels on Linux) leaves them out of its list.
     int addressFamily = 0;
+    static constexpr int noAddress = -1;
     /// The address in numeric form; empty when the system could not put it into text.
     std::string numericAddress;
 };

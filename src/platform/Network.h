@@ -55,10 +55,12 @@ public:
     using ReceiveCompletion = std::function<void(const ReceivedContent&)>;
     using SendCompletion = std::function<void(const std::optional<NetworkError>&)>;
 
-    /// Destroying a connection drops it without a closing handshake and without further callbacks.
+    /// Destroying a connection that was not cancelled drops it without a closing handshake and without further
+    /// callbacks.
     virtual ~NetworkConnection() = default;
 
-    /// Must be set before `start`. Every state is reported once, in order; `failed` and `cancelled` are final.
+    /// Must be set before `start`. Every state is reported once, in order; `failed` and `cancelled` are final,
+    /// and the handler is dropped after them, so it may hold the connection itself.
     virtual void setStateHandler(StateHandler handler) = 0;
     /// Runs the handshake; `ready` follows when it has succeeded.
     virtual void start(DispatchQueue& queue) = 0;
@@ -67,7 +69,9 @@ public:
 
     virtual Endpoint endpoint() const = 0;
 
-    /// Asks for one more block. At most one receive is outstanding at a time.
+    /// Asks for one more block. At most one receive is outstanding at a time. The completion never runs inside
+    /// this call. When the connection ends first, by a cancel too, it gets an error before the state is
+    /// reported.
     virtual void receiveMessage(ReceiveCompletion completion) = 0;
 
     /// Sends one complete text frame; frames leave in the order of the calls. `identifier` names the content
@@ -86,7 +90,8 @@ public:
     virtual void setStateHandler(StateHandler handler) = 0;
     virtual void setNewConnectionHandler(NewConnectionHandler handler) = 0;
     virtual void start(DispatchQueue& queue) = 0;
-    /// May be called on any thread; ends in the state `cancelled`. Accepted connections live on.
+    /// May be called on any thread; ends in the state `cancelled`, which is reported even when the listener is
+    /// destroyed meanwhile, and also after `failed`. Accepted connections live on.
     virtual void cancel() = 0;
 };
 

@@ -40,6 +40,12 @@ struct MainWindowProperties {
     bool isReleasedWhenClosed = false;
 };
 
+/// What a window shows: one of the core's view values. The views of a host know each kind and bind to it.
+class WindowContent {
+public:
+    virtual ~WindowContent() = default;
+};
+
 /// Main thread only.
 class Window {
 public:
@@ -53,6 +59,8 @@ public:
     virtual void orderOut() = 0;
     virtual void setIsVisible(bool visible) = 0;
     virtual void setFrameOrigin(double x, double y) = 0;
+    /// Shows another value of the same kind in the same place.
+    virtual void setContent(std::shared_ptr<WindowContent> content) = 0;
 };
 
 /// Every property of a floating panel that is not the platform's own default; absent ones are left alone.
@@ -75,9 +83,6 @@ struct PanelProperties {
     bool operator==(const PanelProperties&) const = default;
 };
 
-/// Which view a panel shows; the values that it shows are bound by the view itself.
-enum class PanelContent { incomingCall, activeCall };
-
 struct OpenPanelOptions {
     bool allowsMultipleSelection = false;
     bool canChooseDirectories = false;
@@ -88,11 +93,13 @@ class Windows {
 public:
     virtual ~Windows() = default;
 
-    /// Builds the main window with the settings view as its content, not yet on screen. `onClose` runs each
-    /// time that the user closes it; the window itself is kept.
+    /// Builds the main window, not yet on screen. `onClose` runs each time that the user closes it; the window
+    /// itself is kept.
     virtual std::shared_ptr<Window> makeMainWindow(const MainWindowProperties& properties,
+                                                   std::shared_ptr<WindowContent> content,
                                                    std::function<void()> onClose) = 0;
-    virtual std::shared_ptr<Window> makePanel(const PanelProperties& properties, PanelContent content) = 0;
+    virtual std::shared_ptr<Window> makePanel(const PanelProperties& properties,
+                                              std::shared_ptr<WindowContent> content) = 0;
 
     /// The usable part of the screen that the platform calls main; absent when there is none.
     virtual std::optional<Rect> mainScreenVisibleFrame() const = 0;

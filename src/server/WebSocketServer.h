@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -27,8 +28,8 @@ class MessageDispatch;
 /// The one object that owns the link to the phone: it listens, keeps every connection, assembles what comes in
 /// and sends to all of them.
 ///
-/// There are no locks: the connections belong to the server queue, the store and the callers of the outbound
-/// operations to the main thread.
+/// There are no locks: what comes in is handled on the server queue, one message at a time; the store and the
+/// callers of `start`, `stop` and the outbound operations belong to the main thread.
 class WebSocketServer : public std::enable_shared_from_this<WebSocketServer> {
 public:
     /// Everything that the server and its features ask of the desktop; all of it must outlive the server.
@@ -98,6 +99,7 @@ private:
     explicit WebSocketServer(const Dependencies& dependencies);
 
     using ConnectionPointer = std::shared_ptr<NetworkConnection>;
+    using ConnectionList = std::vector<ConnectionPointer>;
 
     void listenerChanged(ListenerState state, const std::optional<NetworkError>& error);
     void accept(ConnectionPointer connection);
@@ -106,8 +108,9 @@ private:
     void connectionReady(const ConnectionPointer& connection);
     void receive(const ConnectionPointer& connection);
     void received(const ConnectionPointer& connection, const ReceivedContent& content);
-    void handle(std::string_view data, std::size_t readableAfter);
     void remove(const ConnectionPointer& connection);
+    template <class Change> void changeConnections(Change change);
+    void sendIfBuilt(std::optional<std::string> text);
     void report(const std::string& status);
 
     DispatchQueue& main_;
@@ -119,10 +122,11 @@ private:
 
     std::shared_ptr<StoreLink> link_;
     StatusCallback onStatusChange_;
+    /// Main thread.
     std::shared_ptr<NetworkListener> listener_;
-    /// In order of arrival.
-    std::vector<ConnectionPointer> connections_;
-    /// The bytes of a message that arrives in several blocks, by connection.
+    /// In order of arrival. Read and replaced atomically, on both threads.
+    std::shared_ptr<const ConnectionList> connections_;
+    /// The bytes of a message that arrives in several blocks, by connection. Server queue.
     std::unordered_map<const NetworkConnection*, std::string> connectionBuffers_;
 
     CallEvents callEvents_;

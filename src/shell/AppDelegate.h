@@ -12,7 +12,9 @@
 #include "platform/Windows.h"
 #include "platform/Workspace.h"
 #include "server/WebSocketServer.h"
+#include "shell/CallWindows.h"
 #include "state/HistoryStore.h"
+#include "tabs/SettingsView.h"
 
 #include <memory>
 #include <optional>
@@ -44,6 +46,8 @@ public:
         WebSocketServer& server;
         AppNotificationCenter& notifications;
         std::shared_ptr<HistoryStore> historyStore;
+        /// Makes what the main window shows.
+        std::function<std::shared_ptr<SettingsView>()> makeSettingsView;
         /// Ends the process through the platform's own way out.
         std::function<void()> terminate;
     };
@@ -87,6 +91,7 @@ private:
     void buildMenu();
     MenuItem makeItem(const struct MenuEntry& entry);
     void requestNotificationPermission();
+    void askForNotificationPermission();
     void showNotificationDeniedAlert();
     void registerNotificationCategories();
     void checkAccessibilityPermission();
@@ -97,8 +102,10 @@ private:
     void windowWillClose();
 
     Dependencies on_;
-    std::vector<Subscription> cancellables_;
+    std::shared_ptr<CallWindows> callWindows_;
     std::shared_ptr<Window> settingsWindow_;
+    /// What the window shows; the window owns it.
+    std::weak_ptr<SettingsView> settingsView_;
 };
 
 } // namespace velloway

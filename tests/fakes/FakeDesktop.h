@@ -217,9 +217,14 @@ public:
         origin = {x, y};
         note("setFrameOrigin");
     }
+    void setContent(std::shared_ptr<WindowContent> newContent) override {
+        content = std::move(newContent);
+        note("setContent");
+    }
 
     bool visible = false;
     std::pair<double, double> origin{0, 0};
+    std::shared_ptr<WindowContent> content;
     std::function<void()> onClose;
 
 private:
@@ -238,16 +243,19 @@ public:
     explicit FakeWindows(Journal* journal = nullptr) : journal_(journal) {}
 
     std::shared_ptr<Window> makeMainWindow(const MainWindowProperties& properties,
+                                           std::shared_ptr<WindowContent> content,
                                            std::function<void()> onClose) override {
         mainProperties.push_back(properties);
         mainWindow = std::make_shared<FakeWindow>("main window", journal_);
+        mainWindow->content = std::move(content);
         mainWindow->onClose = std::move(onClose);
         return mainWindow;
     }
-    std::shared_ptr<Window> makePanel(const PanelProperties& properties, PanelContent content) override {
-        const bool isIncoming = content == PanelContent::incomingCall;
-        panelProperties.push_back({properties, content});
-        auto panel = std::make_shared<FakeWindow>(isIncoming ? "ringing panel" : "in-call panel", journal_);
+    std::shared_ptr<Window> makePanel(const PanelProperties& properties,
+                                      std::shared_ptr<WindowContent> content) override {
+        panelProperties.push_back(properties);
+        auto panel = std::make_shared<FakeWindow>("panel " + std::to_string(panelProperties.size()), journal_);
+        panel->content = std::move(content);
         panels.push_back(panel);
         return panel;
     }
@@ -266,7 +274,7 @@ public:
 
     std::vector<MainWindowProperties> mainProperties;
     std::shared_ptr<FakeWindow> mainWindow;
-    std::vector<std::pair<PanelProperties, PanelContent>> panelProperties;
+    std::vector<PanelProperties> panelProperties;
     std::vector<std::shared_ptr<FakeWindow>> panels;
     std::optional<Rect> visibleFrame = Rect{0, 0, 1440, 875};
     std::optional<OpenPanelOptions> openPanelOptions;

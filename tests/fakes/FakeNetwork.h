@@ -39,7 +39,12 @@ public:
     // What the test does.
     void report(ConnectionState state, std::optional<NetworkError> error = {}) {
         auto handler = stateHandler_;
-        handler(state, error);
+        if (state == ConnectionState::failed || state == ConnectionState::cancelled) {
+            stateHandler_ = nullptr;
+        }
+        if (handler) {
+            handler(state, error);
+        }
     }
     void deliver(ReceivedContent content) {
         auto completion = std::exchange(completion_, nullptr);

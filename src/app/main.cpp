@@ -1,0 +1,13 @@
+#include "app/Program.h"
+#include "hosts/HostRuntime.h"
+
+int main(int argc, char** argv) {
+    const auto host = velloway::makeHost(argc, argv);
+    if (!host) {
+        return 0; // Another instance of this session has taken the call.
+    }
+    velloway::Program program(host->platform(), [&host] { host->terminate(); });
+    velloway::WebSocketServer::setShared(program.sharedServer());
+    velloway::AppDelegate::setShared(program.sharedDelegate());
+    return host->run(program.delegate());
+}

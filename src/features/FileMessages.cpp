@@ -1,0 +1,31 @@
+#include "features/FileMessages.h"
+
+#include "json/JsonWriter.h"
+#include "text/Base64.h"
+
+#include <utility>
+
+namespace velloway {
+
+std::string fileTransferStartMessage(std::string_view fileName, std::int64_t fileSize) {
+    std::string text = R"({"action":"file_transfer_start","fileName":")";
+    text.append(fileName).append(R"(","fileSize":)").append(std::to_string(fileSize)).append("}");
+    return text;
+}
+
+std::optional<std::string> fileChunkMessage(std::string_view fileName, std::string_view bytes, bool isLast) {
+    // A thousand of these may wait in memory: room for just what is written. A character of the name takes six
+    // at most.
+    constexpr std::size_t roomForTheRest = 80;
+    JsonWriter writer(base64::encodedEscapedSize(bytes) + fileName.size() * 6 + roomForTheRest);
+    writer.add("action", "file_chunk");
+    writer.add("fileName", fileName);
+    writer.addBase64("fileData", bytes);
+    writer.addBoolean("isLast", isLast);
+    if (!writer.isValid()) {
+        return std::nullopt;
+    }
+    return std::move(writer).finish();
+}
+
+} // namespace velloway

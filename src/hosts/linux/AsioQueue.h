@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/DispatchQueue.h"
+
+#include <memory>
+#include <string>
+
+namespace velloway {
+
+/// A serial queue on a thread of its own, which also runs the sockets of `LinuxNetwork`.
+///
+/// The thread runs a little below the user interface (nice 5), so that a long transfer does not make the
+/// windows stutter.
+class AsioQueue final : public DispatchQueue {
+public:
+    /// `name` is what tools such as `top` show for the thread; at most 15 bytes of it are kept.
+    explicit AsioQueue(const std::string& name);
+
+    /// Ends and joins the thread. The job that runs is finished; jobs that wait are destroyed without being
+    /// run, and open connections drop without callbacks. Not to be called on the queue itself.
+    ~AsioQueue() override;
+
+    AsioQueue(const AsioQueue&) = delete;
+    AsioQueue& operator=(const AsioQueue&) = delete;
+
+    void async(Job job) override;
+    void asyncAfter(std::chrono::nanoseconds delay, Job job) override;
+    bool isCurrent() const override;
+
+private:
+    friend class AsioQueueAccess;
+    class Loop;
+    std::unique_ptr<Loop> loop_;
+};
+
+} // namespace velloway

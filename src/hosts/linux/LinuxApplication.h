@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/Application.h"
+
+#include <QObject>
+
+namespace velloway {
+
+/// The process on a desktop without a Dock: the activation policy is kept but shows nowhere, because a window
+/// stands in the task bar exactly while it is open.
+class LinuxApplication : public QObject, public Application {
+public:
+    LinuxApplication();
+
+    void setServicesProvider(ServicesProvider* provider) override { servicesProvider_ = provider; }
+    void setActivationPolicy(ActivationPolicy policy) override { activationPolicy_ = policy; }
+    /// Asks the window manager to bring the visible windows forward; it may refuse.
+    void activate(bool ignoringOtherApps) override;
+    /// Escape, and the end of the process, answer like the second button.
+    int runModal(const Alert& alert) override;
+
+    /// Not owned; hears of activation from now on.
+    void setDelegate(ApplicationDelegate* delegate);
+    ServicesProvider* servicesProvider() const { return servicesProvider_; }
+    ActivationPolicy activationPolicy() const { return activationPolicy_; }
+    /// Whether a window of the program is on screen, menus and tool tips aside.
+    static bool hasVisibleWindows();
+
+private:
+    ServicesProvider* servicesProvider_ = nullptr;
+    ApplicationDelegate* delegate_ = nullptr;
+    ActivationPolicy activationPolicy_ = ActivationPolicy::regular;
+};
+
+} // namespace velloway

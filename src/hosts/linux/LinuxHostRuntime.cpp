@@ -1,0 +1,74 @@
+#include "hosts/HostRuntime.h"
+#include "hosts/linux/AsioQueue.h"
+#include "hosts/linux/LinuxAccessibility.h"
+#include "hosts/linux/LinuxDesktop.h"
+#include "hosts/linux/LinuxInputEvents.h"
+#include "hosts/linux/LinuxNetwork.h"
+#include "hosts/linux/LinuxScripts.h"
+#include "hosts/linux/LinuxUserNotificationCenter.h"
+#include "hosts/qt/QtWindows.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace velloway {
+
+namespace {
+
+class LinuxHostRuntime : public HostRuntime {
+public:
+    LinuxHostRuntime(int& argc, char** argv) : desktop_(argc, argv) {}
+
+    SingleInstance::Outcome claimSession() { return desktop_.claimSession(); }
+
+    Platform platform() override {
+        return {.mainQueue = desktop_.mainQueue,
+                .serverQueue = serverQueue_,
+                .network = network_,
+                .userDefaults = desktop_.userDefaults,
+                .notificationCenter = notificationCenter_,
+                .pasteboard = desktop_.pasteboard,
+                .inputEvents = inputEvents_,
+                .scripts = scripts_,
+                .accessibility = accessibility_,
+                .loginItem = desktop_.loginItem,
+                .statusItem = desktop_.statusItem,
+                .application = desktop_.application,
+                .windows = windows_,
+                .workspace = desktop_.workspace,
+                .host = desktop_.host,
+                .log = desktop_.log};
+    }
+    int run(ApplicationDelegate& delegate) override { return desktop_.run(delegate); }
+    void terminate() override { desktop_.terminate(); }
+
+private:
+    LinuxDesktop desktop_;
+    LinuxUserNotificationCenter notificationCenter_{desktop_.mainQueue};
+    std::unique_ptr<InputBackend> inputBackend_ = makeInputBackend();
+    LinuxInputEvents inputEvents_{*inputBackend_};
+    LinuxAccessibility accessibility_{*inputBackend_};
+    LinuxScripts scripts_;
+    QtWindows windows_;
+    // Last, so that its thread ends first: jobs there may use all of the above.
+    AsioQueue serverQueue_{"ws.server"};
+    LinuxNetwork network_{serverQueue_};
+};
+
+} // namespace
+
+std::unique_ptr<HostRuntime> makeHost(int& argc, char** argv) {
+    auto runtime = std::make_unique<LinuxHostRuntime>(argc, argv);
+    switch (runtime->claimSession()) {
+    case SingleInstance::Outcome::first:
+        return runtime;
+    case SingleInstance::Outcome::handedOver:
+        break;
+    case SingleInstance::Outcome::notAnswered:
+        std::fputs("Velloway is already running but does not answer\n", stderr);
+        break;
+    }
+    return nullptr;
+}
+
+} // namespace velloway

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/Network.h"
+
+#include <boost/system/error_code.hpp>
+
+namespace velloway {
+
+inline NetworkError networkError(const boost::system::error_code& code) {
+    return {.localizedDescription = code.message(), .description = code.to_string() + " " + code.message()};
+}
+
+} // namespace velloway

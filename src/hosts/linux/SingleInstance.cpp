@@ -1,0 +1,202 @@
+#include "hosts/linux/SingleInstance.h"
+
+#include "hosts/linux/FileUris.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDir>
+#include <QFile>
+#include <QLocalSocket>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include <unistd.h>
+
+namespace velloway {
+
+namespace {
+
+const QString serviceName = QStringLiteral("org.velloway.Velloway");
+const QString objectPath = QStringLiteral("/org/velloway/Velloway");
+const QString interfaceName = QStringLiteral("org.freedesktop.Application");
+
+/// A first instance that hangs must not make the second one hang as well. Milliseconds.
+constexpr int answerBound = 5000;
+/// More than any list of files that a command line can hold.
+constexpr qint64 longestRequest = 8 * 1024 * 1024;
+constexpr char answer = '!';
+
+QString runtimeFolder() {
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    return folder.isEmpty() ? QDir::tempPath() : folder;
+}
+
+/// The user's number keeps users apart where the folder is a common one.
+QString inRuntimeFolder(const char* suffix) {
+    return QStringLiteral("%1/velloway-%2.%3").arg(runtimeFolder()).arg(::getuid()).arg(QLatin1String(suffix));
+}
+
+QStringList asStringList(const std::vector<std::string>& texts) {
+    QStringList list;
+    for (const std::string& text : texts) {
+        list.append(QString::fromStdString(text));
+    }
+    return list;
+}
+
+QDBusMessage asMessage(const SingleInstance::Request& request) {
+    QDBusMessage message = QDBusMessage::createMethodCall(serviceName, objectPath, interfaceName,
+                                                          request.isReopen() ? QStringLiteral("Activate")
+                                                                             : QStringLiteral("Open"));
+    if (request.isReopen()) {
+        message.setArguments({QVariantMap()});
+    } else {
+        message.setArguments({asStringList(request.uris), QVariantMap()});
+    }
+    return message;
+}
+
+/// One address a line, and an empty line as the end.
+QByteArray asLines(const SingleInstance::Request& request) {
+    QByteArray lines;
+    for (const std::string& uri : request.uris) {
+        lines.append(uri).append('\n');
+    }
+    return lines.append('\n');
+}
+
+} // namespace
+
+SingleInstance::SingleInstance() = default;
+SingleInstance::~SingleInstance() = default;
+
+SingleInstance::Outcome SingleInstance::claim(const Request& request) {
+    return QDBusConnection::sessionBus().isConnected() ? claimOnBus(request) : claimBySocket(request);
+}
+
+SingleInstance::Outcome SingleInstance::claimOnBus(const Request& request) {
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    // The object first: whoever sees the name may call at once.
+    bus.registerObject(objectPath, this, QDBusConnection::ExportScriptableSlots);
+    const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
+        bus.interface()->registerService(serviceName, QDBusConnectionInterface::DontQueueService,
+                                         QDBusConnectionInterface::DontAllowReplacement);
+    if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
+        return Outcome::first;
+    }
+    bus.unregisterObject(objectPath);
+    const QDBusMessage answered = bus.call(asMessage(request), QDBus::Block, answerBound);
+    return answered.type() == QDBusMessage::ReplyMessage ? Outcome::handedOver : Outcome::notAnswered;
+}
+
+SingleInstance::Outcome SingleInstance::claimBySocket(const Request& request) {
+    const QString socketPath = inRuntimeFolder("socket");
+    lock_ = std::make_unique<QLockFile>(inRuntimeFolder("lock"));
+    lock_->setStaleLockTime(0);
+    if (lock_->tryLock()) {
+        listen(socketPath);
+        return Outcome::first;
+    }
+    if (lock_->error() != QLockFile::LockFailedError) {
+        // No place for a lock: better two instances than none.
+        return Outcome::first;
+    }
+    QLocalSocket socket;
+    socket.connectToServer(socketPath);
+    if (!socket.waitForConnected(answerBound)) {
+        return Outcome::notAnswered;
+    }
+    socket.write(asLines(request));
+    const bool isAnswered = socket.waitForReadyRead(answerBound) && socket.read(1) == QByteArray(1, answer);
+    return isAnswered ? Outcome::handedOver : Outcome::notAnswered;
+}
+
+bool SingleInstance::listen(const QString& socketPath) {
+    // The lock is ours, so that a socket of this name is a dead one.
+    QLocalServer::removeServer(socketPath);
+    server_ = std::make_unique<QLocalServer>();
+    server_->setSocketOptions(QLocalServer::UserAccessOption);
+    connect(server_.get(), &QLocalServer::newConnection, this, [this] {
+        while (QLocalSocket* socket = server_->nextPendingConnection()) {
+            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+            connect(socket, &QLocalSocket::readyRead, this, [this, socket] { read(*socket); });
+            read(*socket);
+        }
+    });
+    return server_->listen(socketPath);
+}
+
+void SingleInstance::read(QLocalSocket& socket) {
+    const QByteArray lines = socket.peek(longestRequest);
+    const bool isWhole = lines == "\n" || lines.endsWith("\n\n");
+    if (!isWhole) {
+        if (lines.size() >= longestRequest) {
+            socket.abort();
+        }
+        return;
+    }
+    socket.readAll();
+    Request request;
+    for (const QByteArray& line : lines.split('\n')) {
+        if (!line.isEmpty()) {
+            request.uris.push_back(line.toStdString());
+        }
+    }
+    socket.write(&answer, 1);
+    socket.flush();
+    take(std::move(request));
+}
+
+void SingleInstance::setHandler(std::function<void(const Request&)> handler) {
+    handler_ = std::move(handler);
+    QTimer::singleShot(0, this, &SingleInstance::deliver);
+}
+
+SingleInstance::Request SingleInstance::requestFrom(const std::vector<std::string>& arguments,
+                                                    const std::filesystem::path& workingDirectory) {
+    Request request;
+    for (const std::string& argument : arguments) {
+        if (argument.empty() || argument.front() == '-') {
+            continue;
+        }
+        if (const auto named = pathOfFileUri(argument)) {
+            request.uris.push_back(fileUri(*named));
+        } else {
+            request.uris.push_back(fileUri((workingDirectory / argument).lexically_normal()));
+        }
+    }
+    return request;
+}
+
+void SingleInstance::Activate(const QVariantMap& /*platformData*/) {
+    take({});
+}
+
+void SingleInstance::Open(const QStringList& uris, const QVariantMap& /*platformData*/) {
+    Request request;
+    for (const QString& uri : uris) {
+        request.uris.push_back(uri.toStdString());
+    }
+    take(std::move(request));
+}
+
+void SingleInstance::ActivateAction(const QString& /*action*/, const QVariantList& /*parameter*/,
+                                    const QVariantMap& /*platformData*/) {}
+
+void SingleInstance::take(Request request) {
+    waiting_.push_back(std::move(request));
+    // The caller gets its answer first: what follows may open a modal dialog.
+    QTimer::singleShot(0, this, &SingleInstance::deliver);
+}
+
+void SingleInstance::deliver() {
+    if (!handler_) {
+        return;
+    }
+    for (const Request& request : std::exchange(waiting_, {})) {
+        handler_(request);
+    }
+}
+
+} // namespace velloway

@@ -1,0 +1,9 @@
+#include "hosts/qt/Compositing.h"
+
+namespace velloway {
+
+bool isCompositing() {
+    return true;
+}
+
+} // namespace velloway

@@ -1,0 +1,40 @@
+#include "shell/ActiveCallBanner.h"
+
+#include "tabs/CallsTab.h"
+
+#include <utility>
+#include <variant>
+
+namespace velloway {
+
+ActiveCallBanner::ActiveCallBanner(std::string callName, std::string callNumber, WebSocketServer& server,
+                                   AppNotificationCenter& notifications)
+    : name(std::move(callName)),
+      number(std::move(callNumber)),
+      server_(server),
+      durationUpdates_(notifications.observe(AppNotification::callDurationUpdated, [this](const auto& object) {
+          const auto* seconds = std::get_if<std::int64_t>(&object);
+          if (seconds && *seconds >= 0) {
+              duration.set(*seconds);
+          }
+      })) {}
+
+BannerText ActiveCallBanner::text() const {
+    BannerText text{.firstLine = name.empty() ? number : name,
+                    .lastLine = duration.get() >= 0 ? formatDuration(duration.get()) : "Connecting..."};
+    if (!name.empty() && name != number) {
+        text.secondLine = number;
+    }
+    return text;
+}
+
+void ActiveCallBanner::toggleMute() {
+    isMuted.set(!isMuted.get());
+    server_.toggleMute(isMuted.get());
+}
+
+void ActiveCallBanner::hangup() {
+    server_.hangupCall();
+}
+
+} // namespace velloway

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/Windows.h"
+#include "server/WebSocketServer.h"
+#include "shell/IncomingCallBanner.h"
+#include "state/AppNotificationCenter.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace velloway {
+
+/// What the panel of a running call shows and does. It follows the time that the phone tells for as long as it
+/// lives. Main thread.
+class ActiveCallBanner : public WindowContent {
+public:
+    /// The server and the notifications must outlive the banner.
+    ActiveCallBanner(std::string callName, std::string callNumber, WebSocketServer& server,
+                     AppNotificationCenter& notifications);
+
+    /// May be empty.
+    const std::string name;
+    const std::string number;
+    /// Seconds, as the phone last told.
+    Observable<std::int64_t> duration{0};
+    /// What the user last chose on this panel; the phone is not asked.
+    Observable<bool> isMuted{false};
+
+    BannerText text() const;
+    std::string_view muteSymbol() const { return isMuted.get() ? "mic.slash.fill" : "mic.fill"; }
+
+    static constexpr std::string_view iconSymbol = "phone.fill";
+    static constexpr std::string_view hangupSymbol = "phone.down.fill";
+
+    void toggleMute();
+    /// The panel stays until the phone tells that the call is over.
+    void hangup();
+
+private:
+    WebSocketServer& server_;
+    Subscription durationUpdates_;
+};
+
+} // namespace velloway

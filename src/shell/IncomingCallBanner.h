@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/Windows.h"
+#include "state/Records.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace velloway {
+
+/// The lines of a call panel, top to bottom.
+struct BannerText {
+    std::string firstLine;
+    std::optional<std::string> secondLine;
+    std::string lastLine;
+
+    bool operator==(const BannerText&) const = default;
+};
+
+/// What the panel of a ringing call shows and does. A value: another caller is another banner. Main thread.
+struct IncomingCallBanner : WindowContent {
+    IncomingCallBanner(IncomingCallInfo shownInfo, std::function<void()> answer, std::function<void()> hangup)
+        : info(std::move(shownInfo)), onAnswer(std::move(answer)), onHangup(std::move(hangup)) {}
+
+    const IncomingCallInfo info;
+    const std::function<void()> onAnswer;
+    const std::function<void()> onHangup;
+
+    /// Takes blanks off, and takes "unknown" in any case of letters for nothing known.
+    BannerText text() const;
+
+    static constexpr std::string_view iconSymbol = "phone.fill";
+    static constexpr std::string_view declineSymbol = "phone.down.fill";
+    static constexpr std::string_view declineTooltip = "Decline";
+    static constexpr std::string_view acceptSymbol = "phone.fill";
+    static constexpr std::string_view acceptTooltip = "Accept";
+};
+
+} // namespace velloway

@@ -1,0 +1,285 @@
+#include "tabs/Conversations.h"
+
+#include "text/Case.h"
+#include "text/DateText.h"
+#include "text/Digits.h"
+#include "text/Graphemes.h"
+#include "text/Trim.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <utility>
+
+namespace velloway {
+
+namespace {
+
+constexpr std::size_t keyDigits = 10;
+constexpr double millisecondsPerSecond = 1000;
+
+bool isAscii(std::string_view text) {
+    unsigned char seen = 0;
+    for (const char c : text) {
+        seen = static_cast<unsigned char>(seen | static_cast<unsigned char>(c));
+    }
+    return seen < 0x80;
+}
+
+char lowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// The last ten digits, in reading order; empty when there are none.
+std::string lastAsciiDigits(std::string_view address) {
+    std::array<char, keyDigits> digits{};
+    std::size_t count = 0;
+    for (std::size_t at = address.size(); at > 0 && count < keyDigits; --at) {
+        const char c = address[at - 1];
+        if (c >= '0' && c <= '9') {
+            digits[keyDigits - ++count] = c;
+        }
+    }
+    return {digits.data() + keyDigits - count, count};
+}
+
+std::string lastCharacters(std::string text, std::size_t count) {
+    const auto characters = graphemes(text);
+    if (characters.size() <= count) {
+        return text;
+    }
+    return text.substr(static_cast<std::size_t>(characters[characters.size() - count].data() - text.data()));
+}
+
+/// Brings records in the order of a log into the order of their dates; those of one date keep their order.
+void sortByDate(std::vector<const SmsRecord*>& records) {
+    const auto isEarlier = [](const SmsRecord* a, const SmsRecord* b) { return a->date < b->date; };
+    const auto isNotLater = [](const SmsRecord* a, const SmsRecord* b) { return a->date <= b->date; };
+    // Phones send the newest message first.
+    if (std::adjacent_find(records.begin(), records.end(), isNotLater) == records.end()) {
+        std::reverse(records.begin(), records.end());
+    } else {
+        std::stable_sort(records.begin(), records.end(), isEarlier);
+    }
+}
+
+/// Groups a log by address, one record at a time in the order of the log.
+class ThreadBuilder {
+public:
+    void add(const SmsRecord& record) {
+        Thread& thread = threadFor(record.address);
+        thread.conversation.messages.push_back(&record);
+        if (!thread.newest || record.date > thread.newest->date) {
+            thread.newest = &record;
+        }
+        if (!thread.conversation.contactName && record.name) {
+            thread.conversation.contactName = record.name;
+        }
+    }
+
+    std::vector<Conversation> finish() && {
+        std::vector<Conversation> out;
+        out.reserve(threads_.size());
+        for (Thread& thread : threads_) {
+            sortByDate(thread.conversation.messages);
+            thread.conversation.displayAddress = thread.newest->address;
+            out.push_back(std::move(thread.conversation));
+        }
+        std::stable_sort(out.begin(), out.end(), [](const Conversation& a, const Conversation& b) {
+            return a.lastMessage()->date > b.lastMessage()->date;
+        });
+        return out;
+    }
+
+private:
+    struct Thread {
+        Conversation conversation;
+        /// The first in the order of the log among those of the latest date.
+        const SmsRecord* newest = nullptr;
+    };
+
+    Thread& threadFor(const std::string& address) {
+        std::string key = normalizeAddress(address);
+        const auto [entry, isNew] = indices_.try_emplace(std::move(key), threads_.size());
+        if (isNew) {
+            threads_.push_back({.conversation = {.id = entry->first}});
+        }
+        return threads_[entry->second];
+    }
+
+    std::unordered_map<std::string, std::size_t> indices_;
+    std::vector<Thread> threads_;
+};
+
+bool containsIgnoringAsciiCase(std::string_view text, std::string_view lowered) {
+    return std::search(text.begin(), text.end(), lowered.begin(), lowered.end(),
+                       [](char a, char b) { return lowerAscii(a) == b; }) != text.end();
+}
+
+/// Tests many texts for one piece of text, whatever their case.
+class CaseBlindSearch {
+public:
+    explicit CaseBlindSearch(std::string lowered)
+        : lowered_(std::move(lowered)), isAsciiQuery_(isAscii(lowered_)) {}
+
+    /// Whether the lower-case form of `text` contains the query. The quick answers are those that the full
+    /// case mapping would give.
+    bool isIn(std::string_view text) const {
+        if (isAsciiQuery_) {
+            return turnsIntoAscii(text) ? isInMapped(text) : containsIgnoringAsciiCase(text, lowered_);
+        }
+        return !isAscii(text) && isInMapped(text);
+    }
+
+private:
+    /// The Kelvin sign and the capital I with a dot are the only characters beyond ASCII whose lower-case
+    /// forms hold ASCII letters.
+    static bool turnsIntoAscii(std::string_view text) {
+        return !isAscii(text) &&
+               (text.find("\u212A") != std::string_view::npos || text.find("\u0130") != std::string_view::npos);
+    }
+    bool isInMapped(std::string_view text) const {
+        return lowerCased(text).find(lowered_) != std::string::npos;
+    }
+
+    std::string lowered_;
+    bool isAsciiQuery_;
+};
+
+std::string_view firstCharacter(std::string_view text) {
+    const bool standsAlone = !text.empty() && text[0] != '\r' && isAscii(text.substr(0, 2));
+    return standsAlone ? text.substr(0, 1) : firstGrapheme(text);
+}
+
+/// A blank that carries a combining mark is another character, and splits nothing.
+std::vector<std::string_view> splitAtBlanks(std::string_view text) {
+    std::vector<std::string_view> pieces;
+    std::size_t start = 0;
+    const auto endPiece = [&](std::size_t end) {
+        if (end > start) {
+            pieces.push_back(text.substr(start, end - start));
+        }
+    };
+    std::size_t at = 0;
+    const auto take = [&](std::string_view character) {
+        if (character == " ") {
+            endPiece(at);
+            start = at + 1;
+        }
+        at += character.size();
+    };
+    if (isAscii(text)) {
+        while (at < text.size()) {
+            take(text.substr(at, 1));
+        }
+    } else {
+        for (const std::string_view character : graphemes(text)) {
+            take(character);
+        }
+    }
+    endPiece(text.size());
+    return pieces;
+}
+
+DateContext dateContext(const Host& host) {
+    return {.locale = host.locale(), .timeZone = host.timeZone()};
+}
+
+} // namespace
+
+std::string normalizeAddress(std::string_view address) {
+    if (isAscii(address)) {
+        std::string key = lastAsciiDigits(address);
+        return key.empty() ? lowerCased(address) : key;
+    }
+    std::string digits = digitsOnly(address);
+    return digits.empty() ? lowerCased(address) : lastCharacters(std::move(digits), keyDigits);
+}
+
+CallNames::CallNames(const std::vector<CallRecord>& callLog) {
+    for (const CallRecord& call : callLog) {
+        names_.try_emplace(normalizeAddress(call.number), call.name.value_or(""));
+    }
+}
+
+std::string CallNames::contactName(std::string_view address,
+                                   const std::optional<std::string>& providedName) const {
+    if (providedName && !providedName->empty()) {
+        return *providedName;
+    }
+    if (!names_.empty()) {
+        const auto found = names_.find(normalizeAddress(address));
+        if (found != names_.end() && !found->second.empty()) {
+            return found->second;
+        }
+    }
+    return std::string(address);
+}
+
+std::vector<Conversation> conversations(const std::vector<SmsRecord>& smsLog) {
+    ThreadBuilder threads;
+    for (const SmsRecord& record : smsLog) {
+        threads.add(record);
+    }
+    return std::move(threads).finish();
+}
+
+std::vector<Conversation> filteredConversations(std::vector<Conversation> all, std::string_view contactQuery,
+                                                const CallNames& names) {
+    const std::string_view trimmed = trimBlanks(contactQuery);
+    if (trimmed.empty()) {
+        return all;
+    }
+    const CaseBlindSearch query(lowerCased(trimmed));
+    std::erase_if(all, [&](const Conversation& conversation) {
+        const bool isFound =
+            query.isIn(names.contactName(conversation.displayAddress, conversation.contactName)) ||
+            query.isIn(conversation.displayAddress) ||
+            std::any_of(conversation.messages.begin(), conversation.messages.end(),
+                        [&](const SmsRecord* message) { return query.isIn(message->body); });
+        return !isFound;
+    });
+    return all;
+}
+
+std::vector<const SmsRecord*> activeMessages(const std::vector<SmsRecord>& smsLog,
+                                             const std::optional<std::string>& activeRecipient) {
+    std::vector<const SmsRecord*> messages;
+    if (!activeRecipient) {
+        return messages;
+    }
+    const std::string key = normalizeAddress(*activeRecipient);
+    for (const SmsRecord& record : smsLog) {
+        if (normalizeAddress(record.address) == key) {
+            messages.push_back(&record);
+        }
+    }
+    sortByDate(messages);
+    return messages;
+}
+
+std::string avatarInitials(std::string_view address, const CallNames& names) {
+    const std::string name = names.contactName(address);
+    const auto pieces = splitAtBlanks(name);
+    if (pieces.size() >= 2) {
+        return upperCased(std::string(firstCharacter(pieces[0])).append(firstCharacter(pieces[1])));
+    }
+    return name.empty() ? "?" : upperCased(firstCharacter(name));
+}
+
+std::string formatDate(double milliseconds, const Host& host) {
+    return shortTime(milliseconds / millisecondsPerSecond, dateContext(host));
+}
+
+std::string formatRelativeDate(double milliseconds, const Host& host) {
+    const double seconds = milliseconds / millisecondsPerSecond;
+    const double now = std::chrono::duration<double>(host.now().time_since_epoch()).count();
+    const DateContext context = dateContext(host);
+    if (isToday(seconds, now, context)) {
+        return shortTime(seconds, context);
+    }
+    return isYesterday(seconds, now, context) ? "Yesterday" : shortDate(seconds, context);
+}
+
+} // namespace velloway

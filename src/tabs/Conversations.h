@@ -1,0 +1,72 @@
+#pragma once
+
+#include "platform/Host.h"
+#include "state/Records.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+/// How the flat history of the phone becomes threads, and the text rules that the tabs share. Pure functions
+/// over plain arrays.
+namespace velloway {
+
+/// What two spellings of one phone number have in common: their last ten digits. An address without digits is
+/// its own key, in lower case.
+std::string normalizeAddress(std::string_view address);
+
+/// One thread.
+///
+/// `messages` points into the log that the thread was made from and is valid as long as that log lives
+/// unchanged: a history can be large, and a copy of every text at each reading is what would make it slow.
+struct Conversation {
+    std::string id;
+    /// As the newest message spells it.
+    std::string displayAddress;
+    /// From the first record in the order of the log that has a name, be it an empty one.
+    std::optional<std::string> contactName;
+    /// Oldest first.
+    std::vector<const SmsRecord*> messages;
+
+    const SmsRecord* lastMessage() const { return messages.empty() ? nullptr : messages.back(); }
+};
+
+/// The names that the call log knows, ready for many questions. It copies what it needs.
+class CallNames {
+public:
+    CallNames() = default;
+    explicit CallNames(const std::vector<CallRecord>& callLog);
+
+    /// The provided name unless it is empty; else the name of the first call with that number, if it has one;
+    /// else the address.
+    std::string contactName(std::string_view address,
+                            const std::optional<std::string>& providedName = std::nullopt) const;
+
+private:
+    /// By key. The first call with a number decides, also when it has no name; that is kept as an empty text.
+    std::unordered_map<std::string, std::string> names_;
+};
+
+/// Newest thread first.
+std::vector<Conversation> conversations(const std::vector<SmsRecord>& smsLog);
+
+/// The threads in whose name, address or messages the query occurs, whatever its case. A query of blanks
+/// keeps them all.
+std::vector<Conversation> filteredConversations(std::vector<Conversation> all, std::string_view contactQuery,
+                                                const CallNames& names);
+
+/// The messages exchanged with one address, oldest first; valid as long as the log lives unchanged.
+std::vector<const SmsRecord*> activeMessages(const std::vector<SmsRecord>& smsLog,
+                                             const std::optional<std::string>& activeRecipient);
+
+/// One or two characters, or "?".
+std::string avatarInitials(std::string_view address, const CallNames& names);
+
+/// A time of day. Both take milliseconds since 1970.
+std::string formatDate(double milliseconds, const Host& host);
+/// A time of day for today, "Yesterday", or a date.
+std::string formatRelativeDate(double milliseconds, const Host& host);
+
+} // namespace velloway

@@ -1,0 +1,84 @@
+#include "tabs/SmsTab.h"
+
+#include "text/Digits.h"
+#include "text/Graphemes.h"
+#include "text/Trim.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velloway {
+
+namespace {
+
+constexpr std::size_t suggestionDigits = 3;
+constexpr std::int64_t sentType = 2;
+
+SmsThreadRow threadRow(const Conversation& conversation, const std::optional<std::string>& activeRecipient,
+                       const CallNames& names, const Host& host) {
+    SmsThreadRow row{
+        .id = conversation.id,
+        .displayAddress = conversation.displayAddress,
+        .avatarInitials = avatarInitials(conversation.displayAddress, names),
+        .name = names.contactName(conversation.displayAddress, conversation.contactName),
+        .isActive = activeRecipient == conversation.displayAddress,
+    };
+    if (const SmsRecord* last = conversation.lastMessage()) {
+        row.date = formatRelativeDate(last->date, host);
+        row.preview = last->body;
+    }
+    return row;
+}
+
+} // namespace
+
+SearchTextTraits searchTextTraits(std::string_view contactQuery) {
+    const std::string_view trimmed = trimBlanks(contactQuery);
+    const std::string digits = digitsOnly(trimmed);
+    const bool looksNumeric = !digits.empty() && (trimmed == digits || trimmed.starts_with('+'));
+    return {.looksNumeric = looksNumeric,
+            .showSuggestions = looksNumeric && graphemeCount(digits) >= suggestionDigits};
+}
+
+SmsList smsList(const std::vector<Conversation>& all, std::string_view contactQuery, bool looksNumeric,
+                const std::optional<std::string>& activeRecipient, const CallNames& names, const Host& host) {
+    SmsList list{.showsEmptyState = all.empty() && contactQuery.empty(),
+                 .showsClearButton = !contactQuery.empty()};
+    if (!contactQuery.empty() && looksNumeric) {
+        list.newMessageTo = std::string(contactQuery);
+    }
+    for (const Conversation& conversation : filteredConversations(all, contactQuery, names)) {
+        list.rows.push_back(threadRow(conversation, activeRecipient, names, host));
+    }
+    return list;
+}
+
+ChatHeader chatHeader(const std::vector<Conversation>& all, const std::string& activeRecipient,
+                      const std::vector<SimInfo>& availableSIMs, const CallNames& names) {
+    const auto thread = std::find_if(all.begin(), all.end(), [&](const Conversation& conversation) {
+        return conversation.displayAddress == activeRecipient;
+    });
+    ChatHeader header{
+        .name = names.contactName(activeRecipient, thread == all.end() ? std::nullopt : thread->contactName)};
+    if (header.name != activeRecipient) {
+        header.address = activeRecipient;
+    }
+    for (const SimInfo& sim : availableSIMs) {
+        header.sims.push_back({.carrier = sim.carrier, .slot = sim.slot});
+    }
+    return header;
+}
+
+std::vector<SmsBubble> smsBubbles(const std::vector<const SmsRecord*>& messages, const Host& host) {
+    std::vector<SmsBubble> bubbles;
+    bubbles.reserve(messages.size());
+    for (const SmsRecord* message : messages) {
+        bubbles.push_back({.id = message->id(),
+                           .body = message->body,
+                           .time = formatDate(message->date, host),
+                           .isOutgoing = message->type == sentType});
+    }
+    return bubbles;
+}
+
+} // namespace velloway

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace velloway {
+
+/// What is left of `text` when everything but decimal digits is taken out. Digits of any script stay, as they
+/// are.
+std::string digitsOnly(std::string_view text);
+
+/// Whether a user-perceived character is a number of any kind: a digit of any script, a fraction, a Roman or
+/// circled number. Its first code point decides.
+bool isNumberCharacter(std::string_view grapheme);
+
+} // namespace velloway

@@ -1,0 +1,17 @@
+# The vector code of the base64 codec. Each file is compiled for its own kind of processor and chosen at run time.
+target_sources(velloway_core PRIVATE Base64.cpp)
+
+set(base64Processor ${CMAKE_SYSTEM_PROCESSOR})
+if(CMAKE_OSX_ARCHITECTURES)
+    set(base64Processor ${CMAKE_OSX_ARCHITECTURES})
+endif()
+if(base64Processor MATCHES "^(x86_64|AMD64)$")
+    target_sources(velloway_core PRIVATE Base64X86.cpp Base64Avx2.cpp Base64Ssse3.cpp)
+    set_source_files_properties(Base64Avx2.cpp TARGET_DIRECTORY velloway_core PROPERTIES COMPILE_OPTIONS "-mavx2;-mpopcnt;-O3")
+    set_source_files_properties(Base64Ssse3.cpp TARGET_DIRECTORY velloway_core PROPERTIES COMPILE_OPTIONS "-mssse3;-O3")
+elseif(base64Processor MATCHES "^(arm64|aarch64)$")
+    target_sources(velloway_core PRIVATE Base64Neon.cpp)
+    set_source_files_properties(Base64Neon.cpp TARGET_DIRECTORY velloway_core PROPERTIES COMPILE_OPTIONS "-O3")
+else()
+    target_sources(velloway_core PRIVATE Base64Portable.cpp)
+endif()

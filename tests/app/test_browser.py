@@ -1,0 +1,46 @@
+"""A browser's own WebSocket against the program."""
+
+import shutil
+import tempfile
+
+from support import *
+
+CHROMIUM = shutil.which("chromium") or shutil.which("chromium-browser")
+
+PAGE = """<!doctype html><meta charset="utf-8"><title>waiting</title><body>waiting</body><script>
+const socket = new WebSocket("ws://127.0.0.1:%d/");
+socket.onmessage = (event) => {
+  document.body.textContent = "WELCOME " + event.data + " END";
+  socket.send(JSON.stringify({app: "Browser", title: "From the page", body: "héllo", key: "b1"}));
+};
+socket.onerror = () => { document.body.textContent = "FAILED END"; };
+</script>"""
+
+
+@unittest.skipUnless(CHROMIUM, "chromium is not installed; tools/set-up installs it")
+class Browser(AppTest):
+    def test_a_page_is_welcomed_and_can_speak(self):
+        self.tray = TrayWatcher()
+        self.addCleanup(self.tray.remove_from_connection)
+        service = NotificationService(["body", "actions"])
+        self.addCleanup(service.remove_from_connection)
+        app = self.start_app().wait_listening()
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        page = pathlib.Path(folder.name) / "page.html"
+        page.write_text(PAGE % app.port)
+        browser = self.start(Process(
+            CHROMIUM, "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
+            "--disable-background-networking", "--disable-component-update", "--disable-sync",
+            "--disable-dev-shm-usage", f"--user-data-dir={folder.name}/profile", "--virtual-time-budget=20000",
+            "--dump-dom", page.as_uri()))
+        service.wait_shown("From the page")
+        browser.wait_end(60)
+        text = "\n".join(browser.lines)
+        welcome = json.loads(re.search(r"WELCOME (.*?) END", text)[1])
+        self.assertEqual(welcome["action"], "connected")
+        self.assertTrue(welcome["deviceName"])
+
+
+if __name__ == "__main__":
+    unittest.main()

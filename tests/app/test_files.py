@@ -1,0 +1,101 @@
+"""Files in both directions between the program and the simulated phone."""
+
+import hashlib
+import tempfile
+
+from support import *
+
+MIB = 1 << 20
+
+
+def digest(path):
+    return hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest()
+
+
+class Files(AppTest):
+    def setUp(self):
+        self.tray = TrayWatcher()
+        self.addCleanup(self.tray.remove_from_connection)
+        self.service = NotificationService(["body", "actions"])
+        self.addCleanup(self.service.remove_from_connection)
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.app = self.start_app().wait_listening()
+
+    def make(self, name, size):
+        path = self.folder / name
+        path.write_bytes(os.urandom(size))
+        return path
+
+    def received(self, name, path):
+        target = self.app.downloads / name
+        return target.exists() and target.stat().st_size == path.stat().st_size and digest(target) == digest(path)
+
+    def test_64_mib_arrive_byte_for_byte_in_flat_memory(self):
+        path = self.make("big.bin", 64 * MIB)
+        target = self.app.downloads / "big.bin"
+        sender = self.start_phone(self.app.port, "--exec", f"file '{path}'")
+        wait_for(lambda: target.exists() and target.stat().st_size >= 8 * MIB, "the first 8 MiB")
+        settled = self.app.memory()
+        highest = settled
+        while sender.is_running():
+            highest = max(highest, self.app.memory())
+            turn()
+        self.assertEqual(sender.wait_end(), 0)
+        self.service.wait_shown("File Received")
+        self.assertTrue(self.received("big.bin", path))
+        print(f"resident: {settled / MIB:.1f} MiB after 8 MiB of the file, at most {highest / MIB:.1f} MiB")
+        self.assertLess(highest - settled, 16 * MIB)
+
+    def test_64_mib_reach_every_phone_byte_for_byte(self):
+        path = self.make("outgoing.bin", 64 * MIB)
+        phones = []
+        for number in (1, 2):
+            folder = self.folder / f"phone{number}"
+            folder.mkdir()
+            each = self.start_phone(self.app.port, "--save-to", str(folder), "--exec",
+                                    'expect {"action":"file_chunk","isLast":true} 60')
+            each.wait_line("connected to")
+            each.wait_line("< connected")
+            phones.append((each, folder))
+        second = self.start(Process(APP, str(path)))
+        self.assertEqual(second.wait_end(), 0)
+        for each, folder in phones:
+            self.assertEqual(each.wait_end(90), 0, "\n".join(each.lines[-5:]))
+            self.assertEqual(digest(folder / "outgoing.bin"), digest(path))
+        self.service.wait_shown("File Sent")
+
+    def test_a_phone_killed_in_mid_transfer_goes_on_where_it_stopped(self):
+        path = self.make("broken.bin", 5 * MIB + 17)
+        first = self.start_phone(self.app.port, "--once", "--exec", f"file '{path}' --kill-after-chunks 3")
+        self.assertEqual(first.wait_end(), 0)
+        target = self.app.downloads / "broken.bin"
+        wait_for(lambda: target.exists() and target.stat().st_size == 3 * MIB, "the first three chunks")
+        second = self.start_phone(self.app.port, "--exec", f"file '{path}' --no-start --first-chunk 3")
+        self.assertEqual(second.wait_end(), 0)
+        self.service.wait_shown("File Received")
+        self.assertTrue(self.received("broken.bin", path))
+
+    def test_a_phone_killed_in_mid_transfer_may_start_over(self):
+        path = self.make("again.bin", 4 * MIB)
+        first = self.start_phone(self.app.port, "--once", "--exec", f"file '{path}' --kill-after-chunks 2 --unescaped")
+        self.assertEqual(first.wait_end(), 0)
+        second = self.start_phone(self.app.port, "--exec", f"file '{path}' --unescaped --chunk 300000")
+        self.assertEqual(second.wait_end(), 0)
+        self.service.wait_shown("File Received")
+        self.assertTrue(self.received("again.bin", path))
+
+    def test_a_whole_file_in_one_message_and_a_file_of_no_bytes_arrive(self):
+        path = self.make("whole.bin", 3 * MIB + 1)
+        empty = self.make("empty.bin", 0)
+        sender = self.start_phone(self.app.port, "--exec", f"file '{path}' --whole; file '{empty}'")
+        self.assertEqual(sender.wait_end(), 0)
+        wait_for(lambda: sum(each["summary"] == "File Received" for each in self.service.shown) >= 4,
+                 "both files are told")
+        self.assertTrue(self.received("whole.bin", path))
+        self.assertTrue(self.received("empty.bin", empty))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusMessage>
+#include <QObject>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <deque>
+#include <map>
+#include <vector>
+
+namespace velloway::test {
+
+/// A notification service on the session bus, on a connection of its own, that does as it is told.
+class FakeNotificationService : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+public:
+    struct Notification {
+        uint id;
+        uint replacesId;
+        QString appName;
+        QString summary;
+        QString body;
+        QStringList actions;
+        QVariantMap hints;
+    };
+
+    explicit FakeNotificationService(QStringList offered = {"body", "actions"});
+    ~FakeNotificationService() override;
+
+    /// What a user does.
+    void reply(uint id, const QString& text) { emit NotificationReplied(id, text); }
+    void invoke(uint id, const QString& key) { emit ActionInvoked(id, key); }
+    void close(uint id, uint reason);
+
+    /// Answers the calls of Notify that were held back.
+    void answerHeld();
+
+    QStringList capabilities;
+    int capabilityQuestions = 0;
+    bool holdsAnswers = false;
+    /// Reports each notification as closed by the user before it tells its id.
+    bool closesBeforeAnswering = false;
+    /// As many calls of Notify fail with this error.
+    QString errorName;
+    int errorsLeft = 0;
+
+    std::vector<Notification> calls;
+    std::map<uint, Notification> onScreen;
+    std::vector<uint> closeCalls;
+    std::deque<QDBusMessage> held;
+
+public slots:
+    QStringList GetCapabilities();
+    uint Notify(const QString& appName, uint replacesId, const QString& icon, const QString& summary,
+                const QString& body, const QStringList& actions, const QVariantMap& hints, int timeout);
+    void CloseNotification(uint id);
+
+signals:
+    void NotificationClosed(uint id, uint reason);
+    void ActionInvoked(uint id, const QString& key);
+    void NotificationReplied(uint id, const QString& text);
+
+private:
+    QDBusConnection bus_;
+    uint nextId_;
+};
+
+} // namespace velloway::test

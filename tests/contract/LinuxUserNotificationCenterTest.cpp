@@ -1,0 +1,522 @@
+#include "hosts/linux/LinuxUserNotificationCenter.h"
+
+#include "contract/FakeNotificationService.h"
+#include "desktop/WaitFor.h"
+#include "hosts/qt/NotificationBanner.h"
+#include "hosts/qt/QtMainQueue.h"
+#include "hosts/qt/ReplyPanel.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+
+#include <memory>
+#include <thread>
+
+namespace velloway::test {
+namespace {
+
+constexpr uint expired = 1;
+constexpr uint dismissed = 2;
+
+/// Answers as the program does unless told otherwise, and keeps what comes.
+class RecordingDelegate : public UserNotificationCenterDelegate {
+public:
+    void didReceive(const NotificationResponse& response, std::function<void()> completion) override {
+        responses.push_back(response);
+        completion();
+    }
+    void willPresent(const NotificationRequest& request,
+                     std::function<void(unsigned options)> completion) override {
+        asked.push_back(request);
+        if (answersAtOnce) {
+            completion(options);
+        } else {
+            held.push_back(std::move(completion));
+        }
+    }
+
+    unsigned options = presentationOptions::banner | presentationOptions::sound | presentationOptions::badge;
+    bool answersAtOnce = true;
+    std::vector<NotificationRequest> asked;
+    std::vector<NotificationResponse> responses;
+    std::vector<std::function<void(unsigned)>> held;
+};
+
+template <class Panel> std::vector<Panel*> visible() {
+    std::vector<Panel*> found;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (auto* panel = qobject_cast<Panel*>(window); panel && panel->isVisible()) {
+            found.push_back(panel);
+        }
+    }
+    return found;
+}
+
+void press(QWidget* widget, int key, const QString& text = {}) {
+    QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
+    QApplication::sendEvent(widget, &down);
+}
+
+void type(QWidget* widget, const QString& text) {
+    for (QChar c : text) {
+        press(widget, 0, c);
+    }
+}
+
+class LinuxUserNotificationCenterTest : public testing::Test {
+protected:
+    LinuxUserNotificationCenterTest() {
+        center_.setDelegate(&delegate_);
+        center_.setCategories({{"REPLY_CATEGORY", {{"REPLY_ACTION", "Reply", "Send", "Type your reply..."}}}});
+    }
+
+    void start(QStringList capabilities) {
+        service_ = std::make_unique<FakeNotificationService>(std::move(capabilities));
+    }
+    void add(NotificationRequest request) {
+        center_.add(request, [this](const auto& error) { errors_.push_back(error); });
+    }
+    static NotificationRequest message(const std::string& identifier, const std::string& body = "Hello?") {
+        return {identifier,
+                {.title = "Chat",
+                 .subtitle = "Ada",
+                 .body = body,
+                 .hasDefaultSound = true,
+                 .threadIdentifier = "Chat",
+                 .categoryIdentifier = "REPLY_CATEGORY"}};
+    }
+    static NotificationRequest plain(const std::string& identifier) {
+        return {identifier, {.title = "File Received", .body = "a.jpg"}};
+    }
+    /// Adds and waits until the completion has been called.
+    void show(const NotificationRequest& request) {
+        const auto before = errors_.size();
+        add(request);
+        ASSERT_TRUE(waitFor([&] { return errors_.size() > before; }));
+    }
+    /// Waits until the centre has handled everything that the service has sent so far.
+    void settle() {
+        show(plain("settle"));
+        center_.removeDelivered({"settle"});
+    }
+    const FakeNotificationService::Notification& lastCall() const { return service_->calls.back(); }
+
+    RecordingDelegate delegate_;
+    QtMainQueue main_;
+    LinuxUserNotificationCenter center_{main_};
+    std::unique_ptr<FakeNotificationService> service_;
+    std::vector<std::optional<std::string>> errors_;
+};
+
+TEST_F(LinuxUserNotificationCenterTest, TheServiceGetsTextsSoundAndTheNameOfTheProgram) {
+    start({"body", "body-markup", "actions"});
+    show(message("key", "1 < 2"));
+    ASSERT_EQ(service_->calls.size(), 1u);
+    EXPECT_EQ(errors_, (std::vector<std::optional<std::string>>{std::nullopt}));
+    EXPECT_EQ(lastCall().appName, "Velloway");
+    EXPECT_EQ(lastCall().replacesId, 0u);
+    EXPECT_EQ(lastCall().summary, "Chat");
+    EXPECT_EQ(lastCall().body, "<b>Ada</b>\n1 &lt; 2");
+    EXPECT_EQ(lastCall().hints["desktop-entry"], "org.velloway.Velloway");
+    EXPECT_EQ(lastCall().hints["category"], "im.received");
+    EXPECT_EQ(lastCall().hints["sound-name"], "message-new-instant");
+    EXPECT_FALSE(lastCall().hints.contains("suppress-sound"));
+}
+
+TEST_F(LinuxUserNotificationCenterTest, ANotificationWithoutSoundIsSilent) {
+    start({"body", "actions"});
+    show(plain("one"));
+    EXPECT_FALSE(lastCall().hints.contains("sound-name"));
+    EXPECT_EQ(lastCall().hints["suppress-sound"], true);
+    EXPECT_FALSE(lastCall().hints.contains("category"));
+}
+
+TEST_F(LinuxUserNotificationCenterTest, TheDelegateIsAskedFirstAndItsOptionsCount) {
+    start({"body", "actions"});
+    delegate_.options = presentationOptions::banner;
+    show(message("no sound"));
+    ASSERT_EQ(delegate_.asked.size(), 1u);
+    EXPECT_EQ(delegate_.asked[0], message("no sound"));
+    EXPECT_EQ(lastCall().hints["suppress-sound"], true);
+
+    delegate_.options = presentationOptions::sound;
+    show(message("no banner"));
+    EXPECT_EQ(errors_.back(), std::nullopt);
+    EXPECT_EQ(service_->calls.size(), 1u);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, WithoutADelegateNotificationsAreShown) {
+    start({"body", "actions"});
+    center_.setDelegate(nullptr);
+    show(message("key"));
+    service_->close(lastCall().id, dismissed);
+    settle();
+    EXPECT_EQ(service_->calls[0].hints["sound-name"], "message-new-instant");
+    EXPECT_TRUE(delegate_.asked.empty());
+    EXPECT_TRUE(delegate_.responses.empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, APendingRequestThatIsRemovedIsNeverShown) {
+    start({"body", "actions"});
+    delegate_.answersAtOnce = false;
+    add(message("key", "first"));
+    add(message("key", "second"));
+    center_.removePending({"key"});
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 2; }));
+    delegate_.held.at(0)(presentationOptions::banner);
+    delegate_.answersAtOnce = true;
+    settle();
+    EXPECT_EQ(service_->calls.size(), 1u);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, WhereTheServiceTakesTextTheReplyIsTypedIntoTheNotification) {
+    start({"body", "actions", "inline-reply"});
+    show(message("key"));
+    EXPECT_EQ(lastCall().actions, (QStringList{"default", "", "inline-reply", "Reply"}));
+    EXPECT_EQ(lastCall().hints["x-kde-reply-placeholder-text"], "Type your reply...");
+    EXPECT_EQ(lastCall().hints["x-kde-reply-submit-button-text"], "Send");
+
+    service_->invoke(lastCall().id, "inline-reply");
+    service_->reply(lastCall().id, "On my way 👍");
+    service_->close(lastCall().id, dismissed);
+    settle();
+    ASSERT_EQ(delegate_.responses.size(), 1u);
+    EXPECT_EQ(delegate_.responses[0].actionIdentifier, "REPLY_ACTION");
+    EXPECT_EQ(delegate_.responses[0].requestIdentifier, "key");
+    EXPECT_EQ(delegate_.responses[0].userText, "On my way 👍");
+    EXPECT_TRUE(visible<ReplyPanel>().empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, AnEmptyReplyIsAReply) {
+    start({"body", "actions", "inline-reply"});
+    show(message(""));
+    service_->reply(lastCall().id, "");
+    settle();
+    ASSERT_EQ(delegate_.responses.size(), 1u);
+    EXPECT_EQ(delegate_.responses[0].requestIdentifier, "");
+    EXPECT_EQ(delegate_.responses[0].userText, "");
+}
+
+TEST_F(LinuxUserNotificationCenterTest, ElsewhereTheReplyActionOpensOurOwnPanel) {
+    start({"body", "actions"});
+    show(message("key"));
+    EXPECT_EQ(lastCall().actions, (QStringList{"default", "", "REPLY_ACTION", "Reply"}));
+    EXPECT_FALSE(lastCall().hints.contains("x-kde-reply-placeholder-text"));
+
+    service_->invoke(lastCall().id, "REPLY_ACTION");
+    service_->close(lastCall().id, dismissed);
+    ASSERT_TRUE(waitFor([] { return visible<ReplyPanel>().size() == 1; }));
+    auto* input = visible<ReplyPanel>()[0]->findChild<QLineEdit*>();
+    ASSERT_TRUE(waitFor([&] { return input->hasFocus(); }));
+    type(input, "Be there at eight");
+    press(input, Qt::Key_Return);
+    ASSERT_EQ(delegate_.responses.size(), 1u);
+    EXPECT_EQ(delegate_.responses[0].actionIdentifier, "REPLY_ACTION");
+    EXPECT_EQ(delegate_.responses[0].requestIdentifier, "key");
+    EXPECT_EQ(delegate_.responses[0].userText, "Be there at eight");
+    EXPECT_TRUE(visible<ReplyPanel>().empty());
+    settle();
+    EXPECT_EQ(delegate_.responses.size(), 1u);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, TheReplyActionTwiceOpensOnePanelAndEscapeSendsNothing) {
+    start({"body", "actions"});
+    show(message("key"));
+    service_->invoke(lastCall().id, "REPLY_ACTION");
+    service_->invoke(lastCall().id, "REPLY_ACTION");
+    settle();
+    ASSERT_EQ(visible<ReplyPanel>().size(), 1u);
+    auto* input = visible<ReplyPanel>()[0]->findChild<QLineEdit*>();
+    type(input, "never mind");
+    press(input, Qt::Key_Escape);
+    EXPECT_TRUE(visible<ReplyPanel>().empty());
+    EXPECT_TRUE(delegate_.responses.empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, OnAServiceWithoutActionsWhatCanBeAnsweredStandsOnOurOwnBanner) {
+    start({"body"});
+    show(message("key"));
+    show(plain("file"));
+    ASSERT_EQ(service_->calls.size(), 1u);
+    EXPECT_EQ(service_->calls[0].summary, "File Received");
+    EXPECT_TRUE(service_->calls[0].actions.empty());
+    ASSERT_EQ(visible<NotificationBanner>().size(), 1u);
+    auto* input = visible<NotificationBanner>()[0]->findChild<QLineEdit*>();
+    ASSERT_NE(input, nullptr);
+    type(input, "yes");
+    press(input, Qt::Key_Return);
+    ASSERT_EQ(delegate_.responses.size(), 1u);
+    EXPECT_EQ(delegate_.responses[0].userText, "yes");
+    EXPECT_TRUE(visible<NotificationBanner>().empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, ClickAndDismissalAreReportedOnceAndExpiryIsNot) {
+    start({"body", "actions"});
+    show(message("clicked"));
+    show(message("dismissed"));
+    show(message("expired"));
+    service_->invoke(service_->calls[0].id, "default");
+    service_->close(service_->calls[0].id, dismissed);
+    service_->close(service_->calls[1].id, dismissed);
+    service_->close(service_->calls[2].id, expired);
+    settle();
+    ASSERT_EQ(delegate_.responses.size(), 2u);
+    EXPECT_EQ(delegate_.responses[0].actionIdentifier, LinuxUserNotificationCenter::defaultAction);
+    EXPECT_EQ(delegate_.responses[0].requestIdentifier, "clicked");
+    EXPECT_EQ(delegate_.responses[1].actionIdentifier, LinuxUserNotificationCenter::dismissAction);
+    EXPECT_EQ(delegate_.responses[1].requestIdentifier, "dismissed");
+    EXPECT_EQ(delegate_.responses[1].userText, std::nullopt);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, SignalsAboutForeignNotificationsAreNotOurs) {
+    start({"body", "actions", "inline-reply"});
+    show(message("key"));
+    service_->reply(lastCall().id + 500, "not for us");
+    service_->close(lastCall().id + 500, dismissed);
+    settle();
+    EXPECT_TRUE(delegate_.responses.empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, ALateAnswerOfTheServiceNeverMakesAReplacementASecondNotification) {
+    start({"body", "actions"});
+    service_->holdsAnswers = true;
+    add(message("key", "first"));
+    ASSERT_TRUE(waitFor([&] { return service_->held.size() == 1; }));
+    add(message("key", "second"));
+    add(message("key", "third"));
+    add(plain("other"));
+    ASSERT_TRUE(waitFor([&] { return service_->held.size() == 2; }));
+    EXPECT_EQ(service_->calls[1].summary, "File Received");
+    service_->holdsAnswers = false;
+    service_->answerHeld();
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 4; }));
+    ASSERT_EQ(service_->calls.size(), 3u);
+    EXPECT_EQ(lastCall().replacesId, service_->calls[0].id);
+    EXPECT_EQ(lastCall().body, "Ada\nthird");
+    EXPECT_EQ(service_->onScreen.size(), 2u);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, WhatIsRemovedBeforeTheServiceAnsweredIsClosedWhenItDoes) {
+    start({"body", "actions"});
+    service_->holdsAnswers = true;
+    add(message("key"));
+    ASSERT_TRUE(waitFor([&] { return service_->held.size() == 1; }));
+    center_.removeDelivered({"key"});
+    service_->holdsAnswers = false;
+    settle();
+    service_->answerHeld();
+    ASSERT_TRUE(waitFor([&] { return service_->onScreen.empty(); }));
+}
+
+TEST_F(LinuxUserNotificationCenterTest, AClosedNotificationIsNotReplaced) {
+    start({"body", "actions"});
+    show(message("key"));
+    service_->close(lastCall().id, expired);
+    settle();
+    show(message("key"));
+    EXPECT_EQ(lastCall().replacesId, 0u);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, ANotificationMayBeClosedBeforeItsIdIsKnown) {
+    start({"body", "actions"});
+    service_->closesBeforeAnswering = true;
+    show(message("key"));
+    service_->closesBeforeAnswering = false;
+    ASSERT_TRUE(waitFor([&] { return delegate_.responses.size() == 1; }));
+    EXPECT_EQ(delegate_.responses[0].actionIdentifier, LinuxUserNotificationCenter::dismissAction);
+    show(message("key"));
+    EXPECT_EQ(lastCall().replacesId, 0u);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, CapabilitiesAreAskedOnFirstUseAndOncePerOwner) {
+    start({"body", "actions"});
+    bool answered = false;
+    center_.getAuthorizationStatus([&](auto) { answered = true; });
+    ASSERT_TRUE(waitFor([&] { return answered; }));
+    EXPECT_EQ(service_->capabilityQuestions, 0);
+    show(message("one"));
+    show(message("two"));
+    EXPECT_EQ(service_->capabilityQuestions, 1);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, AServiceThatTakesOverIsAskedAgainAndKnowsNoOldIds) {
+    start({"body", "actions"});
+    show(message("key"));
+    service_.reset();
+    start({"body", "actions", "inline-reply"});
+    show(message("key"));
+    EXPECT_EQ(service_->capabilityQuestions, 1);
+    EXPECT_EQ(lastCall().replacesId, 0u);
+    EXPECT_TRUE(lastCall().actions.contains("inline-reply"));
+    service_->reply(lastCall().id, "hello");
+    settle();
+    ASSERT_EQ(delegate_.responses.size(), 1u);
+    EXPECT_EQ(delegate_.responses[0].userText, "hello");
+    EXPECT_TRUE(visible<NotificationBanner>().empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, WhatAServiceTookToItsGraveIsShownByTheNext) {
+    start({"body", "actions"});
+    service_->holdsAnswers = true;
+    add(message("key"));
+    ASSERT_TRUE(waitFor([&] { return service_->held.size() == 1; }));
+    service_.reset();
+    start({"body", "actions"});
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 1; }));
+    EXPECT_EQ(errors_[0], std::nullopt);
+    const bool isAtNextService = service_->onScreen.size() == 1 && visible<NotificationBanner>().empty();
+    const bool isOnBanner = service_->onScreen.empty() && visible<NotificationBanner>().size() == 1;
+    EXPECT_TRUE(isAtNextService || isOnBanner);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, WithoutAServiceOurOwnBannersShowEverything) {
+    show(message("key"));
+    show(plain("file"));
+    EXPECT_EQ(errors_, (std::vector<std::optional<std::string>>(2)));
+    const auto banners = visible<NotificationBanner>();
+    ASSERT_EQ(banners.size(), 2u);
+    int fields = 0;
+    for (auto* banner : banners) {
+        fields += int(banner->findChildren<QLineEdit*>().size());
+    }
+    EXPECT_EQ(fields, 1);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, AServiceThatComesLaterTakesOverFromTheBanner) {
+    show(message("key"));
+    ASSERT_EQ(visible<NotificationBanner>().size(), 1u);
+    start({"body", "actions"});
+    show(message("key"));
+    EXPECT_EQ(service_->onScreen.size(), 1u);
+    EXPECT_TRUE(visible<NotificationBanner>().empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, AServiceThatDoesNotKnowTheCallsIsNone) {
+    start({"body", "actions"});
+    service_->errorName = "org.freedesktop.DBus.Error.UnknownMethod";
+    service_->errorsLeft = 1;
+    show(message("key"));
+    EXPECT_EQ(errors_.back(), std::nullopt);
+    EXPECT_EQ(visible<NotificationBanner>().size(), 1u);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, ARefusalIsTheErrorOfTheCompletion) {
+    start({"body", "actions"});
+    service_->errorName = "org.freedesktop.DBus.Error.InvalidArgs";
+    service_->errorsLeft = 1;
+    show(message("key"));
+    EXPECT_EQ(errors_.back(), "as the test wants it");
+    EXPECT_TRUE(visible<NotificationBanner>().empty());
+    show(message("key"));
+    EXPECT_EQ(errors_.back(), std::nullopt);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, AServiceThatHasTooManyIsAskedAgainALittleLater) {
+    start({"body", "actions"});
+    service_->errorName = "org.freedesktop.Notifications.Error.ExcessNotificationGeneration";
+    service_->errorsLeft = 2;
+    show(message("key"));
+    EXPECT_EQ(errors_.back(), std::nullopt);
+    EXPECT_EQ(service_->onScreen.size(), 1u);
+    EXPECT_TRUE(visible<NotificationBanner>().empty());
+}
+
+TEST_F(LinuxUserNotificationCenterTest, WhatTheServiceNeverTakesStandsOnOurOwnBanner) {
+    start({"body", "actions"});
+    service_->errorName = "org.freedesktop.Notifications.Error.ExcessNotificationGeneration";
+    service_->errorsLeft = 1000;
+    show(message("key"));
+    EXPECT_EQ(errors_.back(), std::nullopt);
+    EXPECT_EQ(visible<NotificationBanner>().size(), 1u);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, AFloodIsBoundedAndEveryRequestIsAnswered) {
+    start({"body", "actions"});
+    service_->holdsAnswers = true;
+    constexpr int flood = 2500;
+    for (int i = 0; i < flood; ++i) {
+        add(plain("identifier " + std::to_string(i)));
+    }
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 500; }));
+    for (const auto& error : errors_) {
+        EXPECT_TRUE(error.has_value());
+    }
+    EXPECT_LE(service_->held.size(), 16u);
+    service_->holdsAnswers = false;
+    service_->answerHeld();
+    ASSERT_TRUE(waitFor([&] {
+        service_->answerHeld();
+        return errors_.size() == flood;
+    }));
+    EXPECT_EQ(service_->onScreen.size(), 2000u);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, OnOurOwnBannersAFloodEndsInErrors) {
+    for (int i = 0; i < 100; ++i) {
+        add(plain("identifier " + std::to_string(i)));
+    }
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 100; }));
+    EXPECT_EQ(visible<NotificationBanner>().size(), 4u);
+    EXPECT_EQ(std::count(errors_.begin(), errors_.end(), std::nullopt), 54);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, AnyThreadMayAddAndRemove) {
+    start({"body", "actions"});
+    std::thread other([&] {
+        for (int i = 0; i < 50; ++i) {
+            center_.add(plain("removed"), nullptr);
+            center_.removeDelivered({"removed"});
+            center_.removePending({"removed"});
+            center_.add(plain("kept " + std::to_string(i)), nullptr);
+        }
+    });
+    ASSERT_TRUE(waitFor([&] { return service_->onScreen.size() >= 50; }));
+    other.join();
+    settle();
+    ASSERT_TRUE(waitFor([&] { return service_->onScreen.size() == 50; }));
+}
+
+TEST_F(LinuxUserNotificationCenterTest, LinuxAsksNobodyForPermission) {
+    std::optional<AuthorizationStatus> status;
+    std::optional<bool> isGranted;
+    center_.getAuthorizationStatus([&](auto found) { status = found; });
+    center_.requestAuthorization(authorizationOptions::alert, [&](bool granted, const auto& error) {
+        isGranted = granted;
+        EXPECT_EQ(error, std::nullopt);
+    });
+    ASSERT_TRUE(waitFor([&] { return status && isGranted; }));
+    EXPECT_EQ(*status, AuthorizationStatus::authorized);
+    EXPECT_TRUE(*isGranted);
+}
+
+TEST_F(LinuxUserNotificationCenterTest, HugeAndBrokenTextsDoNoHarm) {
+    start({"body", "body-markup", "actions"});
+    show({"huge", {.title = std::string(3'000'000, 'x'), .body = std::string(20'000'000, '<')}});
+    EXPECT_EQ(errors_.back(), std::nullopt);
+    EXPECT_EQ(lastCall().summary.size(), 500);
+    show({"broken", {.title = "a\xc3", .body = std::string("b\0\xff\xfe", 4)}});
+    EXPECT_EQ(errors_.back(), std::nullopt);
+    EXPECT_EQ(lastCall().summary, "a\uFFFD");
+}
+
+TEST_F(LinuxUserNotificationCenterTest, ADestroyedCentreAnswersNothingMore) {
+    start({"body", "actions"});
+    service_->holdsAnswers = true;
+    bool isAnswered = false;
+    {
+        LinuxUserNotificationCenter other(main_);
+        other.add(plain("one"), [&](const auto&) { isAnswered = true; });
+        ASSERT_TRUE(waitFor([&] { return service_->held.size() == 1; }));
+        other.add(plain("two"), [&](const auto&) { isAnswered = true; });
+    }
+    service_->holdsAnswers = false;
+    service_->answerHeld();
+    settle();
+    EXPECT_FALSE(isAnswered);
+}
+
+} // namespace
+} // namespace velloway::test

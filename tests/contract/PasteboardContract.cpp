@@ -1,0 +1,165 @@
+#include "desktop/WaitFor.h"
+#include "fakes/FakeDesktop.h"
+#include "hosts/linux/LinuxPasteboard.h"
+
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QImage>
+#include <QMimeData>
+#include <QProcess>
+#include <QUrl>
+
+#include <csignal>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace velloway::test {
+namespace {
+
+class PasteboardContract : public testing::TestWithParam<bool> {
+protected:
+    PasteboardContract() {
+        if (GetParam()) {
+            pasteboard = std::make_unique<LinuxPasteboard>();
+        } else {
+            pasteboard = std::make_unique<FakePasteboard>();
+        }
+        pasteboard->clearContents();
+    }
+
+    void set(std::string_view text) {
+        pasteboard->clearContents();
+        pasteboard->setString(text);
+    }
+
+    std::unique_ptr<Pasteboard> pasteboard;
+};
+
+TEST_P(PasteboardContract, an_empty_pasteboard_has_no_text) {
+    EXPECT_EQ(pasteboard->string(), std::nullopt);
+}
+
+TEST_P(PasteboardContract, text_reads_back_whole_whatever_its_script) {
+    for (const char* text : {"hello", "Grüße, 世界 👩‍👩‍👧", "two\nlines\twith\r\nbreaks",
+                             "  spaces  ", "<b>no markup</b>"}) {
+        set(text);
+        EXPECT_EQ(pasteboard->string(), text);
+    }
+}
+
+TEST_P(PasteboardContract, empty_text_is_text) {
+    set("");
+    EXPECT_EQ(pasteboard->string(), "");
+}
+
+TEST_P(PasteboardContract, the_last_text_counts) {
+    set("one");
+    set("two");
+    EXPECT_EQ(pasteboard->string(), "two");
+}
+
+TEST_P(PasteboardContract, clearing_takes_the_text_away) {
+    set("one");
+    pasteboard->clearContents();
+    EXPECT_EQ(pasteboard->string(), std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(, PasteboardContract, testing::Bool(),
+                         [](const auto& it) { return std::string(it.param ? "Linux" : "Fake"); });
+
+/// With a program of somebody else at the other end.
+class LinuxPasteboardTest : public testing::Test {
+protected:
+    ~LinuxPasteboardTest() override {
+        owner.kill();
+        owner.waitForFinished();
+    }
+
+    /// Puts text on the clipboard from another process, which then owns it.
+    void otherOwns(const QByteArray& text, const QStringList& extra = {}) {
+        QClipboard* const clipboard = QGuiApplication::clipboard();
+        clipboard->setText("until somebody else comes");
+        ASSERT_TRUE(clipboard->ownsClipboard());
+        owner.start("xclip", QStringList{"-quiet", "-selection", "clipboard", "-in"} + extra);
+        owner.write(text);
+        owner.closeWriteChannel();
+        ASSERT_TRUE(waitFor([clipboard] { return !clipboard->ownsClipboard(); }));
+    }
+
+    /// What another process reads.
+    std::optional<QByteArray> otherReads(const QStringList& extra = {}) {
+        QProcess reader;
+        reader.start("xclip", QStringList{"-selection", "clipboard", "-out"} + extra);
+        // The event loop must run: it is this process that answers.
+        if (!waitFor([&] { return reader.state() == QProcess::NotRunning; })) {
+            reader.kill();
+            reader.waitForFinished();
+            return std::nullopt;
+        }
+        return reader.readAllStandardOutput();
+    }
+
+    LinuxPasteboard pasteboard;
+    QProcess owner;
+};
+
+TEST_F(LinuxPasteboardTest, another_program_reads_what_was_set_though_no_window_was_ever_shown) {
+    pasteboard.clearContents();
+    pasteboard.setString("Grüße, 世界 👋");
+    EXPECT_EQ(otherReads(), QByteArray("Grüße, 世界 👋"));
+}
+
+TEST_F(LinuxPasteboardTest, text_of_another_program_is_read) {
+    otherOwns("von außen 👋");
+    EXPECT_EQ(pasteboard.string(), "von außen 👋");
+}
+
+TEST_F(LinuxPasteboardTest, five_mebibytes_go_out_whole) {
+    const std::string text(5 * 1024 * 1024, 'x');
+    pasteboard.clearContents();
+    pasteboard.setString(text);
+    const std::optional<QByteArray> read = otherReads();
+    ASSERT_TRUE(read.has_value());
+    EXPECT_TRUE(*read == QByteArray::fromStdString(text)) << read->size();
+}
+
+TEST_F(LinuxPasteboardTest, five_mebibytes_come_in_whole) {
+    QByteArray text(5 * 1024 * 1024, 'y');
+    text.replace(0, 6, "start ");
+    otherOwns(text);
+    EXPECT_TRUE(pasteboard.string() == text.toStdString());
+}
+
+TEST_F(LinuxPasteboardTest, an_image_alone_has_no_text) {
+    otherOwns("\x89PNG\r\n\x1a\n", {"-target", "image/png"});
+    EXPECT_EQ(pasteboard.string(), std::nullopt);
+}
+
+TEST_F(LinuxPasteboardTest, addresses_of_files_alone_are_no_text) {
+    otherOwns("file:///tmp/a\r\n", {"-target", "text/uri-list"});
+    EXPECT_EQ(pasteboard.string(), std::nullopt);
+}
+
+TEST_F(LinuxPasteboardTest, when_the_owner_has_gone_there_is_no_text) {
+    otherOwns("gone soon");
+    owner.kill();
+    owner.waitForFinished();
+    EXPECT_TRUE(waitFor([this] { return !pasteboard.string(); }));
+}
+
+TEST_F(LinuxPasteboardTest, an_owner_that_does_not_answer_holds_the_caller_only_for_a_bounded_time) {
+    otherOwns("never answered");
+    ::kill(static_cast<pid_t>(owner.processId()), SIGSTOP);
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_EQ(pasteboard.string(), std::nullopt);
+    EXPECT_LT(clock.elapsed(), 11'000);
+    ::kill(static_cast<pid_t>(owner.processId()), SIGCONT);
+}
+
+} // namespace
+} // namespace velloway::test

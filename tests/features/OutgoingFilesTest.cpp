@@ -1,0 +1,313 @@
+#include "features/OutgoingFiles.h"
+#include "features/FeatureTest.h"
+#include "features/FileMessages.h"
+#include "features/OpenFiles.h"
+#include "features/TemporaryFolder.h"
+#include "text/Base64.h"
+
+#include <atomic>
+#include <cstdint>
+#include <fcntl.h>
+#include <future>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace velloway::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t mebibyte = 1024 * 1024;
+
+std::string bytesOfLength(std::size_t size) {
+    std::string bytes(size, '\0');
+    std::uint32_t state = 1;
+    for (char& c : bytes) {
+        state = state * 1664525 + 1013904223;
+        c = static_cast<char>(state >> 24);
+    }
+    return bytes;
+}
+
+std::string startText(const std::string& name, std::size_t size) {
+    return R"({"action":"file_transfer_start","fileName":")" + name + R"(","fileSize":)" +
+           std::to_string(size) + "}";
+}
+
+std::string chunkText(const std::string& name, std::string_view bytes, bool isLast) {
+    std::string text = R"({"action":"file_chunk","fileName":")" + name + R"(","fileData":")";
+    base64::scalar::appendEncodedEscaped(text, bytes);
+    return text + R"(","isLast":)" + (isLast ? "true}" : "false}");
+}
+
+class OutgoingFilesTest : public FeatureTest {
+protected:
+    OutgoingFilesTest() {
+        subscription_ = store->fileTransfers.observe([this](const auto& rows) {
+            const FileTransferRecord& row = rows.front();
+            host.journal.note("row " + row.fileName + " " + std::to_string(row.progress) +
+                              (row.isCompleted ? " done" : ""));
+        });
+    }
+
+    void send(const std::filesystem::path& file) {
+        files.sendFile(file);
+        host.drain();
+    }
+
+    /// Not gtest's equality: a difference would print megabytes.
+    void expectSent(const std::vector<std::string>& expected) {
+        EXPECT_TRUE(sent == expected) << sent.size() << " messages instead of " << expected.size();
+    }
+    static Banners fileSent(const std::string& name) {
+        return {{"File Sent", "Successfully sent '" + name + "' to Android"}};
+    }
+    void expectFailure(const std::string& name, const std::string& error) {
+        EXPECT_EQ(host.log.take(), (Entries{"[WebSocketServer] Failed to read/send file: " + error}));
+        EXPECT_EQ(banners(),
+                  (Banners{{"File Send Failed", "Could not read or send '" + name + "'. Error: " + error}}));
+    }
+    const FileTransferRecord& row(std::size_t index = 0) const { return store->fileTransfers.get().at(index); }
+
+    TemporaryFolder folder;
+    std::vector<std::string> sent;
+    /// Called with the number of messages so far, this one included.
+    std::function<void(std::size_t)> afterSend;
+    OutgoingFiles files{
+        host.main, host.server, link, notificationManager, host.host, host.log, [this](std::string text) {
+            sent.push_back(std::move(text));
+            if (afterSend) {
+                afterSend(sent.size());
+            }
+        }};
+
+private:
+    Subscription subscription_;
+};
+
+} // namespace
+
+TEST_F(OutgoingFilesTest, SendsASmallFileAsAStartAndOneLastChunk) {
+    const auto file = folder.write("a.txt", "hello");
+    send(file);
+    expectSent({R"({"action":"file_transfer_start","fileName":"a.txt","fileSize":5})",
+                R"({"action":"file_chunk","fileName":"a.txt","fileData":"aGVsbG8=","isLast":true})"});
+    EXPECT_EQ(banners(), fileSent("a.txt"));
+    EXPECT_TRUE(host.log.lines().empty());
+    EXPECT_TRUE(descriptorsOf(file).empty());
+}
+
+TEST_F(OutgoingFilesTest, ReturnsAtOnceAndWorksOnTheServerQueue) {
+    files.sendFile(folder.write("a.txt", "hello"));
+    EXPECT_TRUE(sent.empty());
+    host.main.runAll();
+    EXPECT_TRUE(sent.empty());
+    host.server.runAll();
+    EXPECT_EQ(sent.size(), 2u);
+    EXPECT_EQ(banners(), fileSent("a.txt")) << "the banner does not wait for the main queue";
+    EXPECT_TRUE(store->fileTransfers.get().empty());
+    host.main.runAll();
+    EXPECT_EQ(store->fileTransfers.get().size(), 1u);
+}
+
+TEST_F(OutgoingFilesTest, DatesTheRecordWhenTheMainQueueMakesIt) {
+    const auto file = folder.write("a.txt", "hello");
+    files.sendFile(file);
+    host.server.runAll();
+    host.host.time += 1h;
+    host.main.runOne();
+    EXPECT_EQ(row(), (FileTransferRecord{.id = row().id,
+                                         .fileName = "a.txt",
+                                         .url = file,
+                                         .fileSize = 5,
+                                         .date = host.host.time,
+                                         .isOutgoing = true}));
+    host.main.runAll();
+    EXPECT_EQ(row().url, file);
+}
+
+TEST_F(OutgoingFilesTest, ShowsTheShareOfWhatWasReadAndCompletesWithTheLastChunk) {
+    send(folder.write("a.txt", bytesOfLength(2 * mebibyte + mebibyte / 2)));
+    const std::string banner = "add " + host.notificationCenter.requests.at(0).identifier;
+    EXPECT_EQ(host.journal.take(), (Entries{banner, "row a.txt 0.000000", "row a.txt 0.400000",
+                                            "row a.txt 0.800000", "row a.txt 1.000000 done"}));
+}
+
+TEST_F(OutgoingFilesTest, AnnouncesAnEmptyFileAndSendsNoChunk) {
+    send(folder.write("empty", ""));
+    expectSent({startText("empty", 0)});
+    EXPECT_EQ(banners(), fileSent("empty"));
+    EXPECT_EQ(row().progress, 0.0);
+    EXPECT_FALSE(row().isCompleted);
+}
+
+TEST_F(OutgoingFilesTest, CutsFilesIntoChunksOfOneMebibyte) {
+    for (const std::size_t size : {mebibyte - 1, mebibyte, mebibyte + 1, 3 * mebibyte}) {
+        sent.clear();
+        const std::string bytes = bytesOfLength(size);
+        send(folder.write("a.bin", bytes));
+        std::vector<std::string> expected{startText("a.bin", size)};
+        for (std::size_t at = 0; at < size; at += mebibyte) {
+            expected.push_back(
+                chunkText("a.bin", std::string_view(bytes).substr(at, mebibyte), at + mebibyte >= size));
+        }
+        expectSent(expected);
+        EXPECT_TRUE(row().isCompleted);
+    }
+}
+
+TEST_F(OutgoingFilesTest, GoesByTheSizeAtTheStartWhenTheFileGrows) {
+    const std::string bytes = bytesOfLength(mebibyte + 10);
+    const auto file = folder.write("a.bin", bytes);
+    const std::string more = bytesOfLength(2 * mebibyte);
+    afterSend = [&](std::size_t count) {
+        if (count == 1) {
+            std::ofstream(file, std::ios::app | std::ios::binary) << more;
+        }
+    };
+    send(file);
+    const std::string whole = bytes + more;
+    expectSent({startText("a.bin", mebibyte + 10), chunkText("a.bin", whole.substr(0, mebibyte), false),
+                chunkText("a.bin", whole.substr(mebibyte, mebibyte), true)});
+    EXPECT_GT(row().progress, 1.0);
+    EXPECT_TRUE(row().isCompleted);
+}
+
+TEST_F(OutgoingFilesTest, SpinsOnAFileThatHasShrunkUntilItHasItsLengthAgain) {
+    const std::string bytes = bytesOfLength(2 * mebibyte);
+    const auto file = folder.write("a.bin", bytes);
+    std::atomic<bool> hasShrunk = false;
+    afterSend = [&](std::size_t count) {
+        if (count == 2) {
+            std::filesystem::resize_file(file, mebibyte);
+            hasShrunk = true;
+        }
+    };
+    files.sendFile(file);
+    auto job = std::async(std::launch::async, [&] { host.server.runAll(); });
+    EXPECT_EQ(job.wait_for(300ms), std::future_status::timeout) << "nothing ends the job";
+    EXPECT_TRUE(hasShrunk);
+    std::ofstream(file, std::ios::app | std::ios::binary) << bytes.substr(mebibyte);
+    ASSERT_EQ(job.wait_for(60s), std::future_status::ready);
+    host.main.runAll();
+    for (std::size_t i = 1; i < sent.size(); ++i) {
+        EXPECT_EQ(sent[i].ends_with(R"("isLast":true})"), i + 1 == sent.size());
+    }
+    EXPECT_TRUE(row().isCompleted);
+    EXPECT_EQ(banners(), fileSent("a.bin"));
+}
+
+TEST_F(OutgoingFilesTest, PutsTheNameIntoTheStartAsItStandsAndEscapesItInTheChunks) {
+    send(folder.write("a \"b\"\\c.txt", "hello"));
+    expectSent({"{\"action\":\"file_transfer_start\",\"fileName\":\"a \"b\"\\c.txt\",\"fileSize\":5}",
+                chunkText(R"(a \"b\"\\c.txt)", "hello", true)});
+    EXPECT_EQ(banners(), fileSent("a \"b\"\\c.txt"));
+}
+
+TEST_F(OutgoingFilesTest, LeavesOutChunksThatCannotBeWrittenAsJsonAndGoesOn) {
+    const std::string name = "bad\xff.bin";
+    send(folder.write(name, bytesOfLength(mebibyte + 1)));
+    expectSent({startText(name, mebibyte + 1)});
+    EXPECT_EQ(row().progress, 1.0);
+    EXPECT_TRUE(row().isCompleted);
+    EXPECT_EQ(banners(), fileSent(name));
+    EXPECT_TRUE(host.log.lines().empty());
+}
+
+TEST_F(OutgoingFilesTest, FailsOnAFileThatIsNotThere) {
+    send(folder / "gone.txt");
+    expectFailure("gone.txt", "No such file or directory");
+    EXPECT_TRUE(sent.empty());
+    EXPECT_TRUE(store->fileTransfers.get().empty());
+}
+
+TEST_F(OutgoingFilesTest, FailsOnAFolder) {
+    std::filesystem::create_directory(folder / "photos");
+    for (const char* path : {"photos", "photos/"}) {
+        host.notificationCenter.requests.clear();
+        send(folder / path);
+        expectFailure("photos", "Is a directory");
+    }
+    EXPECT_TRUE(sent.empty());
+    EXPECT_TRUE(store->fileTransfers.get().empty());
+}
+
+TEST_F(OutgoingFilesTest, FailsOnAReadErrorAndLeavesTheRowWhereItIs) {
+    const auto file = folder.write("a.bin", bytesOfLength(2 * mebibyte));
+    afterSend = [&](std::size_t count) {
+        if (count == 2) {
+            // What is open under the file's descriptor can't be read from here on.
+            const int other = ::open("/dev/null", O_WRONLY);
+            ASSERT_NE(::dup2(other, descriptorsOf(file).at(0)), -1);
+            ::close(other);
+        }
+    };
+    send(file);
+    expectFailure("a.bin", "Bad file descriptor");
+    EXPECT_EQ(sent.size(), 2u);
+    EXPECT_EQ(row().progress, 0.5);
+    EXPECT_FALSE(row().isCompleted);
+}
+
+TEST_F(OutgoingFilesTest, FailsOnACloseErrorAfterEverythingWasHandedOver) {
+    const auto file = folder.write("a.bin", "hello");
+    afterSend = [&](std::size_t count) {
+        if (count == 2) {
+            ::close(descriptorsOf(file).at(0));
+        }
+    };
+    send(file);
+    expectFailure("a.bin", "Bad file descriptor");
+    EXPECT_EQ(sent.size(), 2u);
+    EXPECT_TRUE(row().isCompleted);
+}
+
+TEST_F(OutgoingFilesTest, DoesNotWaitForTheOtherEndOfANamedPipe) {
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    send(folder / "pipe");
+    expectSent({startText("pipe", 0)});
+}
+
+TEST_F(OutgoingFilesTest, FinishesOneFileBeforeItBeginsTheNext) {
+    files.sendFile(folder.write("a", bytesOfLength(mebibyte + 1)));
+    files.sendFile(folder.write("b", "hello"));
+    host.drain();
+    ASSERT_EQ(sent.size(), 5u);
+    EXPECT_EQ(sent[0], startText("a", mebibyte + 1));
+    EXPECT_EQ(sent[3], startText("b", 5));
+    EXPECT_EQ(sent[4], chunkText("b", "hello", true));
+    EXPECT_EQ(row(0).fileName, "b");
+    EXPECT_EQ(row(1).fileName, "a");
+}
+
+TEST_F(OutgoingFilesTest, DoesNothingWhenTheServerHasGone) {
+    files.sendFile(folder.write("a.txt", "hello"));
+    link.reset();
+    host.drain();
+    EXPECT_TRUE(sent.empty());
+    EXPECT_TRUE(banners().empty());
+    EXPECT_TRUE(host.log.lines().empty());
+}
+
+TEST_F(OutgoingFilesTest, SendsWithoutAStore) {
+    store.reset();
+    send(folder.write("a.txt", "hello"));
+    EXPECT_EQ(sent.size(), 2u);
+    EXPECT_EQ(banners(), fileSent("a.txt"));
+}
+
+TEST(FileMessages, WriteAFullChunkInMemoryOfJustItsLength) {
+    const auto text = fileChunkMessage("a.bin", bytesOfLength(mebibyte), false);
+    ASSERT_TRUE(text);
+    EXPECT_LT(text->capacity(), text->size() + 128);
+    EXPECT_TRUE(*text == chunkText("a.bin", bytesOfLength(mebibyte), false));
+}
+
+TEST(FileMessages, RefuseAChunkWhoseNameIsNotUtf8) {
+    EXPECT_EQ(fileChunkMessage("\xc3(", "x", true), std::nullopt);
+    EXPECT_EQ(fileChunkMessage("a/b", "\xff\xff\xff", true),
+              R"({"action":"file_chunk","fileName":"a\/b","fileData":"\/\/\/\/","isLast":true})");
+}
+
+} // namespace velloway::test

@@ -1,0 +1,4 @@
+include(VellowayDesktopTest)
+find_package(Qt6 REQUIRED COMPONENTS Test)
+velloway_desktop_test(test_notification_panels NotificationPanelsTest.cpp NotificationTextTest.cpp)
+target_link_libraries(test_notification_panels PRIVATE Qt6::Test)

@@ -1,0 +1,107 @@
+#include "state/Observable.h"
+#include "state/AppNotificationCenter.h"
+#include "state/Uuid.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace velloway::test {
+
+namespace {
+
+TEST(Observable, runsObserversInTheirOrderWithTheNewValue) {
+    Observable<int> value{1};
+    std::vector<int> seen;
+    const auto first = value.observe([&](int now) { seen.push_back(now); });
+    const auto second = value.observe([&](int now) { seen.push_back(-now); });
+    value.set(2);
+    value.modify([](int& now) { now += 3; });
+    EXPECT_EQ(seen, (std::vector<int>{2, -2, 5, -5}));
+}
+
+TEST(Observable, givesTheCurrentValueOnlyWhenAsked) {
+    Observable<int> value{1};
+    std::vector<int> seen;
+    const auto silent = value.observe([&](int now) { seen.push_back(now); });
+    EXPECT_TRUE(seen.empty());
+    const auto eager = value.observeWithCurrent([&](int now) { seen.push_back(now * 10); });
+    EXPECT_EQ(seen, (std::vector<int>{10}));
+}
+
+TEST(Observable, stopsTellingWhoHasLeft) {
+    Observable<int> value;
+    int calls = 0;
+    auto subscription = value.observe([&](int) { ++calls; });
+    value.set(1);
+    subscription.reset();
+    value.set(2);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(Observable, letsObserversLeaveAndJoinWhileItTells) {
+    Observable<int> value;
+    std::vector<std::string> calls;
+    Subscription second;
+    Subscription third;
+    const auto first = value.observe([&](int) {
+        calls.emplace_back("first");
+        second.reset();
+        if (calls.size() == 1) {
+            third = value.observe([&](int) { calls.emplace_back("third"); });
+        }
+    });
+    second = value.observe([&](int) { calls.emplace_back("second"); });
+    value.set(1);
+    EXPECT_EQ(calls, (std::vector<std::string>{"first"}));
+    value.set(2);
+    EXPECT_EQ(calls, (std::vector<std::string>{"first", "first", "third"}));
+}
+
+TEST(Observable, mayGoBeforeItsSubscriptions) {
+    auto value = std::make_unique<Observable<int>>();
+    const auto token = std::make_shared<int>();
+    auto subscription = value->observe([token](int) {});
+    value.reset();
+    EXPECT_EQ(token.use_count(), 1);
+    subscription.reset();
+    EXPECT_EQ(token.use_count(), 1);
+}
+
+TEST(AppNotificationCenter, reachesOnlyObserversOfThatNotification) {
+    AppNotificationCenter center;
+    std::vector<AppNotificationObject> seen;
+    const auto subscription = center.observe(AppNotification::callDurationUpdated,
+                                             [&](const auto& object) { seen.push_back(object); });
+    center.post(AppNotification::callHistoryUpdated, std::vector<CallRecord>{});
+    center.post(AppNotification::callDurationUpdated, std::int64_t{-1});
+    EXPECT_EQ(seen, (std::vector<AppNotificationObject>{std::int64_t{-1}}));
+}
+
+TEST(AppNotificationCenter, namesItsNotifications) {
+    EXPECT_EQ(name(AppNotification::prepareActiveCall), "PrepareActiveCall");
+    EXPECT_EQ(name(AppNotification::callDurationUpdated), "CallDurationUpdated");
+    EXPECT_EQ(name(AppNotification::smsHistoryUpdated), "SmsHistoryUpdated");
+    EXPECT_EQ(name(AppNotification::callHistoryUpdated), "CallHistoryUpdated");
+}
+
+TEST(Uuid, isRandomAndHasTheStandardForm) {
+    std::set<std::string> seen;
+    for (int i = 0; i < 100; ++i) {
+        const std::string text = Uuid::random().text();
+        ASSERT_EQ(text.size(), 36U);
+        EXPECT_EQ(text[14], '4') << text;
+        EXPECT_NE(std::string("89AB").find(text[19]), std::string::npos) << text;
+        EXPECT_EQ(text.find_first_not_of("0123456789ABCDEF-"), std::string::npos) << text;
+        EXPECT_TRUE(text[8] == '-' && text[13] == '-' && text[18] == '-' && text[23] == '-') << text;
+        seen.insert(text);
+    }
+    EXPECT_EQ(seen.size(), 100U);
+}
+
+} // namespace
+
+} // namespace velloway::test

@@ -1,0 +1,63 @@
+#include "text/Graphemes.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace velloway::test {
+
+namespace {
+
+constexpr std::string_view family = "👩‍👩‍👧‍👦";
+constexpr std::string_view accented = "e\xCC\x81";
+constexpr std::string_view flag = "🇬🇧";
+
+TEST(Graphemes, countsWhatUsersSeeAsOneCharacter) {
+    EXPECT_EQ(graphemeCount(""), 0U);
+    EXPECT_EQ(graphemeCount("abc"), 3U);
+    EXPECT_EQ(graphemeCount("a\nb"), 3U);
+    EXPECT_EQ(graphemeCount("a\r\nb"), 3U);
+    EXPECT_EQ(graphemeCount(family), 1U);
+    EXPECT_EQ(graphemeCount(std::string(accented) + std::string(flag) + "x"), 3U);
+}
+
+TEST(Graphemes, givesTheFirstOne) {
+    EXPECT_EQ(firstGrapheme(""), "");
+    EXPECT_EQ(firstGrapheme("anna"), "a");
+    EXPECT_EQ(firstGrapheme(std::string(accented) + "x"), accented);
+    EXPECT_EQ(firstGrapheme(family), family);
+    EXPECT_EQ(firstGrapheme("\r\nx"), "\r\n");
+}
+
+TEST(Graphemes, splitsAText) {
+    const std::string text = "a" + std::string(flag) + std::string(accented);
+    EXPECT_EQ(graphemes(text), (std::vector<std::string_view>{"a", flag, accented}));
+    EXPECT_TRUE(graphemes("").empty());
+}
+
+TEST(Graphemes, removesTheLastOne) {
+    EXPECT_EQ(withoutLastGrapheme(""), "");
+    EXPECT_EQ(withoutLastGrapheme("1"), "");
+    EXPECT_EQ(withoutLastGrapheme("123"), "12");
+    EXPECT_EQ(withoutLastGrapheme("1" + std::string(family)), "1");
+    EXPECT_EQ(withoutLastGrapheme("1" + std::string(accented)), "1");
+}
+
+TEST(Graphemes, survivesBytesThatAreNoUtf8) {
+    for (const std::string_view broken :
+         {"\xFF", "a\xE2\x82", "\x80\x80\x80", "\xF0\x9F\x98", "\xED\xA0\x80z"}) {
+        const auto pieces = graphemes(broken);
+        EXPECT_EQ(pieces.size(), graphemeCount(broken));
+        std::string joined;
+        for (const auto piece : pieces) {
+            joined += piece;
+        }
+        EXPECT_EQ(joined, broken);
+        EXPECT_EQ(firstGrapheme(broken), pieces.front());
+        EXPECT_EQ(withoutLastGrapheme(broken).size(), broken.size() - pieces.back().size());
+    }
+}
+
+} // namespace
+
+} // namespace velloway::test

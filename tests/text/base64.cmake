@@ -1,0 +1,1 @@
+velloway_test(test_base64 Base64Test.cpp)

@@ -1,0 +1,427 @@
+#include "phone/Phone.h"
+
+#include "phone/Messages.h"
+#include "phone/Script.h"
+#include "phone/Show.h"
+#include "phone/Words.h"
+
+#include <boost/json.hpp>
+
+#include <cstdio>
+#include <ctime>
+#include <stdexcept>
+
+namespace velloway::phone {
+
+namespace {
+
+namespace json = boost::json;
+
+constexpr std::size_t keptMessages = 10'000;
+constexpr std::size_t keptText = 4096;
+
+std::string textUnder(const json::object& object, const char* key) {
+    const json::value* value = object.if_contains(key);
+    return value != nullptr && value->is_string() ? std::string(value->get_string()) : std::string();
+}
+
+std::string timeOfDay() {
+    const auto now = std::chrono::system_clock::now();
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+    const auto milliseconds =
+        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
+    std::tm parts{};
+    localtime_r(&seconds, &parts);
+    char text[32];
+    std::snprintf(text, sizeof text, "%02d:%02d:%02d.%03d", parts.tm_hour, parts.tm_min, parts.tm_sec,
+                  static_cast<int>(milliseconds));
+    return text;
+}
+
+template <typename... Handlers> struct Overloaded : Handlers... { using Handlers::operator()...; };
+template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers...>;
+
+} // namespace
+
+Phone::Phone(const Options& options, std::vector<Step> steps)
+    : options_(options),
+      link_(loop_, options.host, options.port, options.reconnects,
+            {[this] { onUp(); }, [this](const std::string& reason) { onDown(reason); },
+             [this](std::string message) { onMessage(std::move(message)); }, [this] { onDrained(); }}),
+      steps_(steps.begin(), steps.end()),
+      receiver_(options.saveTo) {}
+
+int Phone::run() {
+    std::shared_ptr<void> limit;
+    if (options_.isScripted()) {
+        limit = loop_.after(options_.connectTimeout, [this] {
+            if (!hasBeenUp_) {
+                note("no connection in time");
+                leave(2);
+            }
+        });
+    } else {
+        note("help lists the commands");
+    }
+    if (!options_.isScripted() || options_.stay) {
+        terminal_ = std::make_unique<Terminal>(
+            loop_, [this](const std::string& bytes) { onInput(bytes); }, [this] { onInputEnd(); });
+    }
+    link_.dial();
+    loop_.run();
+    terminal_.reset();
+    return exitCode_ == 0 && receiver_.faults() > 0 ? 1 : exitCode_;
+}
+
+// ---- The link
+
+void Phone::onUp() {
+    note("connected to " + options_.host + ":" + std::to_string(options_.port));
+    if (!hasBeenUp_) {
+        hasBeenUp_ = true;
+        firstUp_ = std::chrono::steady_clock::now();
+    }
+    advance();
+}
+
+void Phone::onDown(const std::string& reason) {
+    note(reason);
+    if (file_) {
+        note("the rest of " + file_->name() + " is not sent");
+        file_.reset();
+        actions_.clear();
+    }
+    if (!options_.reconnects && !isLeaving_) {
+        leave(hasBeenUp_ ? exitCode_ : 2);
+        return;
+    }
+    advance();
+}
+
+void Phone::onMessage(std::string message) {
+    if (options_.rawOutput) {
+        std::printf("%s\n", message.c_str());
+        std::fflush(stdout);
+    } else {
+        show('<', pretty(message));
+    }
+    json::error_code error;
+    const json::value value = json::parse(message, error);
+    const std::string action = !error && value.is_object() ? textUnder(value.get_object(), "action") : "";
+    if (!options_.saveTo.empty() && (action == "file_transfer_start" || action == "file_chunk")) {
+        receiveFile(message);
+    }
+    if (options_.answers) {
+        answer(action, message);
+    }
+    if (seen_.size() == keptMessages) {
+        seen_.pop_front();
+    }
+    seen_.push_back(shortened(message, keptText));
+    if (meetsExpectation()) {
+        advance();
+    }
+}
+
+void Phone::onDrained() {
+    if (file_) {
+        continueFile();
+    } else {
+        advance();
+    }
+}
+
+bool Phone::say(std::string message, bool isBinary) {
+    if (!options_.rawOutput) {
+        show('>', pretty(message));
+    }
+    if (!link_.send(std::move(message), isBinary)) {
+        note("not sent: there is no connection");
+        return false;
+    }
+    return true;
+}
+
+void Phone::say(const std::vector<std::string>& messages) {
+    for (const std::string& message : messages) {
+        say(message);
+    }
+}
+
+// ---- What a phone does by itself
+
+void Phone::answer(const std::string& action, std::string_view message) {
+    if (action == "get_sms_history") {
+        for (const Action& each : parseCommand("sms_history", world())) {
+            perform(each);
+        }
+    } else if (action == "get_call_history") {
+        for (const Action& each : parseCommand("call_history", world())) {
+            perform(each);
+        }
+    } else if (action == "answer_call") {
+        say(call_.answer());
+        tickCall();
+    } else if (action == "hangup_call") {
+        say(call_.hangUp());
+    } else if (action == "make_call") {
+        say(call_.dial(
+            textUnder(json::parse(json::string_view(message.data(), message.size())).get_object(), "number")));
+        tickCall();
+    }
+}
+
+void Phone::tickCall() {
+    if (call_.state() == Call::State::offHook) {
+        callTimer_ = loop_.after(1, [this] {
+            say(call_.tick());
+            tickCall();
+        });
+    }
+}
+
+void Phone::receiveFile(std::string_view message) {
+    const json::value value = json::parse(json::string_view(message.data(), message.size()));
+    const json::object& object = value.get_object();
+    const std::string name = textUnder(object, "fileName");
+    std::string line;
+    if (const json::value* size = object.if_contains("fileSize"); size != nullptr && size->is_int64()) {
+        line = receiver_.start(name, size->get_int64());
+    } else {
+        const json::value* last = object.if_contains("isLast");
+        line = receiver_.chunk(name, textUnder(object, "fileData"),
+                               last != nullptr && last->is_bool() && last->get_bool());
+    }
+    if (!line.empty()) {
+        note(line);
+    }
+}
+
+// ---- Steps
+
+World Phone::world() const {
+    World world = options_.world;
+    world.now = static_cast<double>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                        std::chrono::system_clock::now().time_since_epoch())
+                                        .count());
+    return world;
+}
+
+/// Works off what there is to do, as far as it goes without waiting.
+void Phone::advance() {
+    if (options_.isScripted() && !hasBeenUp_) {
+        return;
+    }
+    while (!isLeaving_ && !pause_ && !expecting_ && !file_ && !touchpad_) {
+        if (!actions_.empty()) {
+            if (!mayPerform(actions_.front())) {
+                return;
+            }
+            const Action action = std::move(actions_.front());
+            actions_.pop_front();
+            perform(action);
+        } else if (!steps_.empty()) {
+            const Step step = std::move(steps_.front());
+            steps_.pop_front();
+            begin(step);
+        } else {
+            leaveWhenDone();
+            return;
+        }
+    }
+}
+
+/// What is to be sent waits for the next connection.
+bool Phone::mayPerform(const Action& action) const {
+    const bool needsLink = std::holds_alternative<SendText>(action) ||
+                           std::holds_alternative<SendBinary>(action) ||
+                           std::holds_alternative<SendFile>(action) || std::holds_alternative<Ring>(action) ||
+                           std::holds_alternative<Cut>(action);
+    return !needsLink || link_.isUp();
+}
+
+void Phone::begin(const Step& step) {
+    actions_.assign(step.actions.begin(), step.actions.end());
+    const std::chrono::duration<double> age = std::chrono::steady_clock::now() - firstUp_;
+    const double pause = step.at ? *step.at - age.count() : step.after.value_or(0);
+    if (pause > 0) {
+        wait(pause);
+    }
+}
+
+void Phone::wait(double seconds) {
+    pause_ = loop_.after(seconds, [this] {
+        pause_.reset();
+        advance();
+    });
+}
+
+void Phone::perform(const Action& action) {
+    std::visit(Overloaded{
+                   [this](const SendText& send) { say(send.text); },
+                   [this](const SendBinary& send) { say(send.bytes, true); },
+                   [this](const Sleep& sleep) { wait(sleep.seconds); },
+                   [this](const SendFile& send) { beginFile(send.options); },
+                   [this](const Ring& ring) { say(call_.ring(ring.number, ring.name)); },
+                   [this](const Expect& expect) { beginExpecting(expect); },
+                   [this](const Cut&) { link_.cut(); },
+                   [this](const Touchpad&) {
+                       note("arrows move, Enter clicks, letters are typed; Escape or ~. leaves");
+                       touchpad_.emplace();
+                       if (terminal_) {
+                           terminal_->setRaw(true);
+                       }
+                   },
+                   [this](const Help&) { note(commandHelp()); },
+                   [this](const Quit&) { leave(exitCode_); },
+               },
+               action);
+}
+
+/// Leaves once nothing is left to do and all has been said.
+void Phone::leaveWhenDone() {
+    const bool isDone = options_.isScripted() ? !options_.stay : inputHasEnded_ && !options_.stay;
+    if (isDone) {
+        leave(exitCode_);
+    }
+}
+
+void Phone::leave(int code) {
+    exitCode_ = code;
+    if (!isLeaving_) {
+        isLeaving_ = true;
+        link_.close([this] { loop_.stop(); });
+        // A computer that takes nothing more must not hold the phone for ever.
+        leaveLimit_ = loop_.after(10, [this] { loop_.stop(); });
+    }
+}
+
+// ---- Files
+
+void Phone::beginFile(const FileSendOptions& options) {
+    try {
+        file_.emplace(options);
+    } catch (const std::exception& error) {
+        note(error.what());
+        exitCode_ = 1;
+        return;
+    }
+    filePart_ = 0;
+    continueFile();
+}
+
+void Phone::continueFile() {
+    if (file_->mustCut()) {
+        note("cut after " + std::to_string(file_->sent()) + " bytes of " + file_->name());
+        file_.reset();
+        link_.cut();
+        return;
+    }
+    auto message = file_->next();
+    if (!message) {
+        note("sent " + file_->name() + ", " + std::to_string(file_->sent()) + " bytes");
+        file_.reset();
+        advance();
+        return;
+    }
+    const int part = file_->size() == 0 ? 0 : static_cast<int>(file_->sent() * 10 / file_->size());
+    if (part != filePart_) {
+        filePart_ = part;
+        note(file_->name() + ": " + std::to_string(part * 10) + " %");
+    }
+    if (!link_.send(std::move(*message))) {
+        note("not sent: there is no connection");
+        file_.reset();
+    }
+}
+
+// ---- Expectations
+
+void Phone::beginExpecting(const Expect& expect) {
+    expecting_ = expect;
+    if (meetsExpectation()) {
+        return;
+    }
+    pause_ = loop_.after(expect.within, [this] {
+        pause_.reset();
+        char limit[32];
+        std::snprintf(limit, sizeof limit, "%g", expecting_->within);
+        note("FAILED: nothing matched " + expecting_->pattern + " within " + limit + " s");
+        expecting_.reset();
+        leave(1);
+    });
+}
+
+/// Passes over the messages up to the first that fits.
+bool Phone::meetsExpectation() {
+    while (expecting_ && !seen_.empty()) {
+        const bool fits = matches(expecting_->pattern, seen_.front());
+        seen_.pop_front();
+        if (fits) {
+            expecting_.reset();
+            pause_.reset();
+            return true;
+        }
+    }
+    return false;
+}
+
+// ---- The keyboard
+
+void Phone::onInput(const std::string& bytes) {
+    if (touchpad_) {
+        say(touchpad_->read(bytes));
+        if (touchpad_->isOver()) {
+            leaveTouchpad();
+        }
+        return;
+    }
+    inputLine_ += bytes;
+    std::size_t end = 0;
+    while ((end = inputLine_.find('\n')) != std::string::npos) {
+        const std::string line = inputLine_.substr(0, end);
+        inputLine_.erase(0, end + 1);
+        try {
+            for (const std::string& command : splitCommands(line)) {
+                steps_.push_back({std::nullopt, std::nullopt, parseCommand(command, world())});
+            }
+        } catch (const std::exception& error) {
+            note(error.what());
+        }
+    }
+    advance();
+}
+
+void Phone::onInputEnd() {
+    inputHasEnded_ = true;
+    if (touchpad_) {
+        leaveTouchpad();
+    }
+    advance();
+}
+
+void Phone::leaveTouchpad() {
+    touchpad_.reset();
+    if (terminal_) {
+        terminal_->setRaw(false);
+    }
+    note("the keyboard gives commands again");
+    advance();
+}
+
+// ---- Output
+
+void Phone::show(char direction, const std::string& line) const {
+    std::printf("%s %c %s\n", timeOfDay().c_str(), direction, line.c_str());
+    std::fflush(stdout);
+}
+
+void Phone::note(const std::string& line) const {
+    if (options_.rawOutput) {
+        std::fprintf(stderr, "%s\n", line.c_str());
+    } else {
+        show('-', line);
+    }
+}
+
+} // namespace velloway::phone

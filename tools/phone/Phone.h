@@ -1,0 +1,89 @@
+#pragma once
+
+#include "phone/Call.h"
+#include "phone/FileReceiver.h"
+#include "phone/FileSender.h"
+#include "phone/Link.h"
+#include "phone/Loop.h"
+#include "phone/Options.h"
+#include "phone/Terminal.h"
+#include "phone/TouchpadKeys.h"
+
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velloway::phone {
+
+/// Plays the phone: works off steps, from a script, the command line or the keyboard, one after the other, and
+/// answers what a phone answers by itself.
+class Phone {
+public:
+    Phone(const Options& options, std::vector<Step> steps);
+
+    /// Returns the exit code.
+    int run();
+
+private:
+    void onUp();
+    void onDown(const std::string& reason);
+    void onMessage(std::string message);
+    void onDrained();
+    void onInput(const std::string& bytes);
+    void onInputEnd();
+
+    void advance();
+    bool mayPerform(const Action& action) const;
+    void begin(const Step& step);
+    void perform(const Action& action);
+    void wait(double seconds);
+    void leaveWhenDone();
+    void leave(int code);
+
+    void answer(const std::string& action, std::string_view message);
+    void receiveFile(std::string_view message);
+    void tickCall();
+    void say(const std::vector<std::string>& messages);
+    bool say(std::string message, bool isBinary = false);
+
+    void beginFile(const FileSendOptions& options);
+    void continueFile();
+    void beginExpecting(const Expect& expect);
+    bool meetsExpectation();
+    void leaveTouchpad();
+
+    void show(char direction, const std::string& line) const;
+    void note(const std::string& line) const;
+    World world() const;
+
+    const Options& options_;
+    Loop loop_;
+    Link link_;
+    std::unique_ptr<Terminal> terminal_;
+
+    std::deque<Step> steps_;
+    std::deque<Action> actions_;
+    std::shared_ptr<void> pause_;
+    std::chrono::steady_clock::time_point firstUp_;
+    bool hasBeenUp_ = false;
+    bool inputHasEnded_ = false;
+    bool isLeaving_ = false;
+    std::shared_ptr<void> leaveLimit_;
+    int exitCode_ = 0;
+
+    std::optional<Expect> expecting_;
+    /// Messages that no expectation has passed yet, with their long texts cut.
+    std::deque<std::string> seen_;
+    std::optional<FileSender> file_;
+    int filePart_ = 0;
+    FileReceiver receiver_;
+    Call call_;
+    std::shared_ptr<void> callTimer_;
+    std::optional<TouchpadKeys> touchpad_;
+    std::string inputLine_;
+};
+
+} // namespace velloway::phone
