@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -67,6 +68,7 @@ void expectSystemKey(const FakeInputEvents& input, int key) {
 struct CGKeyCase {
     const char* command;
     int keyCode;
+    friend void PrintTo(const CGKeyCase& value, std::ostream* out) { *out << value.command; }
 };
 constexpr CGKeyCase cgKeys[] = {
     {"key_escape", 53},    {"key_right", 124},     {"key_left", 123},
@@ -80,6 +82,7 @@ constexpr CGKeyCase cgKeys[] = {
 struct SystemKeyCase {
     const char* command;
     int key;
+    friend void PrintTo(const SystemKeyCase& value, std::ostream* out) { *out << value.command; }
 };
 constexpr SystemKeyCase systemKeys[] = {
     {"mute_mac", 7},         {"unmute_mac", 7},           {"brightness_up", 21},
@@ -94,6 +97,7 @@ struct ScriptCase {
     bool isGuarded;
     SystemScript::Action action;
     const char* source;
+    friend void PrintTo(const ScriptCase& value, std::ostream* out) { *out << value.command; }
 };
 constexpr ScriptCase scriptCommands[] = {
     {"vol_up", false, SystemScript::Action::volumeUp,
@@ -209,6 +213,7 @@ struct PrefixCase {
     const char* command;
     int keyCode;
     std::uint64_t flags;
+    friend void PrintTo(const PrefixCase& value, std::ostream* out) { *out << value.command; }
 };
 constexpr PrefixCase prefixes[] = {
     {"OneModifier", "cmd_key_return", 36, 0x100000},

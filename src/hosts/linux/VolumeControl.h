@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velloway {
+
+/// The volume of the default output, changed by the sound server's own command line tool. Main thread.
+///
+/// Changes are made one after the other, each from the value that the one before left.
+class VolumeControl : public QObject {
+public:
+    using ErrorHandler = std::function<void(const std::string& error)>;
+
+    explicit VolumeControl(ErrorHandler onError) : onError_(std::move(onError)) {}
+
+    /// Changes the volume by so many points of a hundred, staying between 0 and 100. Returns at once; an error
+    /// text if there is no tool to do it with.
+    std::optional<std::string> change(int points);
+
+private:
+    /// One of the command line tools that can be there.
+    struct Tool {
+        QString name;
+        QStringList readArguments;
+        /// The new value is put after these.
+        QStringList writeArguments;
+        /// The volume in points of a hundred, from what reading answered.
+        std::optional<int> (*parse)(const std::string& answer);
+    };
+
+    static const std::vector<Tool>& tools();
+
+    void startNext();
+    void readWith(std::size_t toolIndex, std::string complaint);
+    void write(const Tool& tool, const QString& program, int present);
+    void finish(const std::string& complaint);
+
+    ErrorHandler onError_;
+    std::deque<int> changes_;
+    bool isBusy_ = false;
+};
+
+} // namespace velloway

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+namespace velloway {
+
+struct FreeDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+/// An answer of the X server; null when there was none.
+template <class Reply> using X11Reply = std::unique_ptr<Reply, FreeDeleter>;
+
+/// One connection to the X server of the session. A server that goes away or refuses something never ends the
+/// process: the connection is broken from then on, and everything sent is lost. For one thread at a time.
+class X11Connection {
+public:
+    X11Connection();
+    ~X11Connection();
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+
+    xcb_connection_t* get() const { return connection_; }
+    xcb_window_t root() const { return root_; }
+    /// Whether the server is there and takes synthetic input.
+    bool isUsable() const;
+
+    /// A key or button press or release, or a motion to a point of `window`; not yet flushed.
+    void fakeInput(std::uint8_t type, std::uint8_t detail, xcb_window_t window = XCB_NONE, std::int16_t x = 0,
+                   std::int16_t y = 0);
+    void flush() { xcb_flush(connection_); }
+    /// Throws away what the server told unasked, so that it doesn't pile up.
+    void discardEvents();
+
+private:
+    xcb_connection_t* connection_;
+    xcb_window_t root_ = XCB_NONE;
+    bool hasTestExtension_ = false;
+};
+
+} // namespace velloway
