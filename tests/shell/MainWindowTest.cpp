@@ -1,0 +1,88 @@
+#include "app/Program.h"
+#include "fakes/FakePlatform.h"
+#include "tabs/SettingsView.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velloway::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+class MainWindowTest : public testing::Test {
+protected:
+    MainWindowTest() {
+        program.delegate().applicationDidFinishLaunching();
+        on.drain();
+        on.journal.take();
+    }
+    SettingsView& view() { return dynamic_cast<SettingsView&>(*on.windows.mainWindow->content); }
+
+    FakePlatform on;
+    Program program{on.platform(), [] {}};
+};
+
+TEST_F(MainWindowTest, ShowsTheTabsOnTheTabThatWasAskedFor) {
+    program.delegate().showSettings(5);
+    EXPECT_EQ(view().tabContent(), TabContent::fileDrop);
+    EXPECT_EQ(view().history.get(), &program.historyStore());
+}
+
+TEST_F(MainWindowTest, AnOpenWindowFollowsToAnotherTab) {
+    program.delegate().showSettings(5);
+    const SettingsView* before = &view();
+    program.delegate().showSettings(2);
+    EXPECT_EQ(&view(), before);
+    EXPECT_EQ(view().tabContent(), TabContent::sendSms);
+}
+
+TEST_F(MainWindowTest, AClosedWindowComesBackTheSameAndWhereItWas) {
+    program.delegate().showSettings(5);
+    const auto window = on.windows.mainWindow;
+    on.windows.closeMainWindow();
+    EXPECT_EQ(on.application.policy, ActivationPolicy::accessory);
+    on.journal.take();
+    program.delegate().showSettings(0);
+    EXPECT_EQ(on.windows.mainWindow, window);
+    EXPECT_EQ(on.windows.mainProperties.size(), 1u);
+    EXPECT_THAT(on.journal.entries(),
+                ElementsAre("policy regular", "main window makeKeyAndOrderFront", "activate"));
+}
+
+TEST_F(MainWindowTest, ComingToTheFrontReadsTheAccessibilityForTheOpenView) {
+    program.delegate().applicationDidBecomeActive();
+    on.accessibility.trusted = false;
+    program.delegate().showSettings(7);
+    EXPECT_TRUE(view().showsAccessibilityWarning());
+    on.accessibility.trusted = true;
+    program.delegate().applicationDidBecomeActive();
+    EXPECT_FALSE(view().showsAccessibilityWarning());
+}
+
+TEST_F(MainWindowTest, TheLoginSwitchReachesTheSystem) {
+    program.delegate().showSettings(0);
+    view().launchAtLogin.set(true);
+    EXPECT_EQ(on.loginItem.current, LoginItemStatus::enabled);
+}
+
+TEST_F(MainWindowTest, TheLocalAddressIsThatOfTheHost) {
+    on.host.interfaces = {{{.name = "en0", .flags = 0x41, .addressFamily = 2, .numericAddress = "10.1.2.3"}}};
+    program.delegate().showSettings(0);
+    EXPECT_EQ(view().localIP(), "10.1.2.3");
+}
+
+TEST_F(MainWindowTest, ARingingCallOpensAPanelAndLeavesTheApplicationsFaceAlone) {
+    program.historyStore().incomingCallInfo.set(IncomingCallInfo{.number = "123"});
+    on.drain();
+    ASSERT_EQ(on.windows.panels.size(), 1u);
+    EXPECT_THAT(on.journal.entries(), Not(Contains("policy regular")));
+    program.historyStore().incomingCallInfo.set(std::nullopt);
+    on.drain();
+    EXPECT_FALSE(on.windows.panels[0]->visible);
+}
+
+} // namespace
+} // namespace velloway::test

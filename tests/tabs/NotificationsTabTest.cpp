@@ -1,0 +1,129 @@
+#include "tabs/TabHarness.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velloway::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class NotificationsTabTest : public testing::Test, protected TabHarness {
+protected:
+    NotificationRow rowOf(NotifPayload payload) {
+        store.items.set({std::move(payload)});
+        return view->notificationRows().at(0);
+    }
+};
+
+TEST_F(NotificationsTabTest, TheFooterCounts) {
+    EXPECT_EQ(view->notificationsFooter(), (NotificationsFooter{"0 notifications", false}));
+    store.add({.app = "a"});
+    EXPECT_EQ(view->notificationsFooter(), (NotificationsFooter{"1 notification", true}));
+    store.add({.app = "b"});
+    EXPECT_EQ(view->notificationsFooter(), (NotificationsFooter{"2 notifications", true}));
+}
+
+TEST_F(NotificationsTabTest, RowsFollowTheStore) {
+    int redraws = 0;
+    const auto observer = view->observe(SettingsView::Shown::notifications, [&] { ++redraws; });
+    store.add({.app = "first"});
+    store.add({.app = "second"});
+    EXPECT_EQ(redraws, 2);
+    EXPECT_EQ(view->notificationRows().at(0).app, "second");
+    EXPECT_EQ(view->notificationRows().at(0).id, store.items.get().at(0).id);
+}
+
+TEST_F(NotificationsTabTest, TheLetterIsTheFirstOfAppOrTitleInUpperCase) {
+    EXPECT_EQ(rowOf({.app = "whatsApp", .title = "x"}).letter, "W");
+    EXPECT_EQ(rowOf({.title = "émile"}).letter, "É");
+    EXPECT_EQ(rowOf({.app = "👩‍👧 family"}).letter, "👩‍👧");
+    EXPECT_EQ(rowOf({}).letter, "?");
+}
+
+TEST_F(NotificationsTabTest, ARecordWithoutTextsStillHasAHeader) {
+    const NotificationRow row = rowOf({});
+    EXPECT_EQ(row.app, "Notification");
+    EXPECT_EQ(row.title, std::nullopt);
+    EXPECT_EQ(row.body, std::nullopt);
+}
+
+TEST_F(NotificationsTabTest, ATitleThatIsAKnownNumberShowsTheName) {
+    view->phoneCallLog.set({{.number = "07700900123", .name = "Anna"}});
+    EXPECT_EQ(rowOf({.title = "+44 7700 900123", .body = "hi"}).title, "Anna");
+    EXPECT_EQ(rowOf({.title = "Some title"}).title, "Some title");
+    EXPECT_EQ(rowOf({.body = "hi"}).body, "hi");
+}
+
+TEST_F(NotificationsTabTest, TheTimeHasADateUnlessItIsOfToday) {
+    EXPECT_EQ(rowOf({.time = 1'700'000'000}).time, "22:13");
+    EXPECT_EQ(rowOf({.time = 1'699'919'999}).time, "13/11/2023, 23:59");
+}
+
+// Replying
+
+TEST_F(NotificationsTabTest, OneReplyBoxIsOpenAtATimeAndTheTextCarriesOver) {
+    store.add({.app = "a"});
+    store.add({.app = "b"});
+    const Uuid newest = store.items.get().at(0).id;
+    const Uuid oldest = store.items.get().at(1).id;
+    EXPECT_FALSE(view->notificationRows().at(0).isReplying);
+    view->openReply(newest);
+    view->replyText.set("begun");
+    EXPECT_TRUE(view->notificationRows().at(0).isReplying);
+    view->openReply(oldest);
+    EXPECT_FALSE(view->notificationRows().at(0).isReplying);
+    EXPECT_TRUE(view->notificationRows().at(1).isReplying);
+    EXPECT_EQ(view->replyText.get(), "begun");
+}
+
+TEST_F(NotificationsTabTest, AReplyGoesOutUnderTheRowsIdentityAndNotTheKey) {
+    store.add({.app = "a", .key = "phone-key"});
+    const Uuid id = store.items.get().at(0).id;
+    view->openReply(id);
+    view->replyText.set(" on my way ");
+    view->sendReply(id);
+    EXPECT_THAT(takeSent(),
+                ElementsAre(R"({"action":"reply","key":")" + id.text() + R"(","message":" on my way "})"));
+    EXPECT_EQ(view->replyingTo.get(), std::nullopt);
+    EXPECT_EQ(view->replyText.get(), "");
+    EXPECT_EQ(store.items.get().size(), 1u);
+}
+
+TEST_F(NotificationsTabTest, AnEmptyReplyIsSent) {
+    store.add({.app = "a"});
+    const Uuid id = store.items.get().at(0).id;
+    view->sendReply(id);
+    EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"reply","key":")" + id.text() + R"(","message":""})"));
+}
+
+TEST_F(NotificationsTabTest, CancellingKeepsTheText) {
+    view->openReply(Uuid::random());
+    view->replyText.set("begun");
+    view->cancelReply();
+    EXPECT_EQ(view->replyingTo.get(), std::nullopt);
+    EXPECT_EQ(view->replyText.get(), "begun");
+}
+
+TEST_F(NotificationsTabTest, ClearingEmptiesTheStoreAndLeavesAStaleReplyTarget) {
+    store.add({.app = "a"});
+    const Uuid id = store.items.get().at(0).id;
+    view->openReply(id);
+    view->clearNotifications();
+    EXPECT_THAT(view->notificationRows(), IsEmpty());
+    EXPECT_EQ(view->replyingTo.get(), id);
+    store.add({.app = "b"});
+    EXPECT_FALSE(view->notificationRows().at(0).isReplying);
+}
+
+TEST(NotificationsTextsTest, AreExact) {
+    EXPECT_EQ(notificationsTexts::emptyTitle, "No notifications yet");
+    EXPECT_EQ(notificationsTexts::emptyDescription,
+              "Notifications forwarded from your Android phone will appear here.");
+    EXPECT_EQ(notificationsTexts::clearAll, "Clear All");
+    EXPECT_EQ(notificationsTexts::replyPlaceholder, "Type reply...");
+}
+
+} // namespace
+} // namespace velloway::test
