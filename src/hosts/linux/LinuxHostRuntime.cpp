@@ -48,7 +48,9 @@ private:
     std::unique_ptr<InputBackend> inputBackend_ = makeInputBackend();
     LinuxInputEvents inputEvents_{*inputBackend_};
     LinuxAccessibility accessibility_{*inputBackend_};
-    LinuxScripts scripts_;
+    LinuxScripts scripts_{[this](const std::string& error) {
+        desktop_.log.line({"[WebSocketServer] AppleScript Error: ", error});
+    }};
     QtWindows windows_;
     // Last, so that its thread ends first: jobs there may use all of the above.
     AsioQueue serverQueue_{"ws.server"};

@@ -1,0 +1,206 @@
+#include "desktop/TemporaryFolder.h"
+#include "desktop/TrayHost.h"
+#include "desktop/WaitFor.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QProcessEnvironment>
+
+#include <csignal>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace velloway::test {
+namespace {
+
+/// The desktop side in a process of its own.
+class Probe {
+public:
+    Probe(const QProcessEnvironment& environment, const QStringList& arguments, const QString& folder = {}) {
+        process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process_.setProcessEnvironment(environment);
+        process_.setWorkingDirectory(folder);
+        process_.start(QStringLiteral(DESKTOP_PROBE), arguments);
+    }
+    ~Probe() {
+        ::kill(static_cast<pid_t>(process_.processId()), SIGCONT);
+        process_.closeWriteChannel();
+        if (!process_.waitForFinished(5000)) {
+            process_.kill();
+            process_.waitForFinished();
+        }
+    }
+
+    bool says(const QByteArray& line) {
+        return waitFor([&] {
+            while (process_.canReadLine()) {
+                lines_.push_back(process_.readLine().trimmed().toStdString());
+            }
+            return std::find(lines_.begin(), lines_.end(), line.toStdString()) != lines_.end();
+        });
+    }
+    bool ends() {
+        return waitFor([&] { return process_.state() == QProcess::NotRunning; });
+    }
+    bool isRunning() const { return process_.state() != QProcess::NotRunning; }
+    int answer() const { return process_.exitCode(); }
+    void tell(const QByteArray& command) { process_.write(command + '\n'); }
+    void stop() { ::kill(static_cast<pid_t>(process_.processId()), SIGSTOP); }
+    void crash() { process_.kill(); }
+
+private:
+    QProcess process_;
+    std::vector<std::string> lines_;
+};
+
+bool isWindowShown() {
+    QProcess search;
+    search.start("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$"});
+    search.waitForFinished();
+    return search.exitCode() == 0;
+}
+
+/// With a session bus and without.
+class OneInstance : public testing::TestWithParam<bool> {
+protected:
+    OneInstance() {
+        if (!GetParam()) {
+            environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+        }
+    }
+
+    std::unique_ptr<Probe> start(const QStringList& arguments = {}, const QString& workingDirectory = {}) {
+        return std::make_unique<Probe>(environment, arguments, workingDirectory);
+    }
+
+    TemporaryFolder folder;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+};
+
+TEST_P(OneInstance, a_second_start_brings_the_first_one_forward_and_ends_well) {
+    const auto first = start();
+    ASSERT_TRUE(first->says("launched"));
+    const auto second = start();
+    EXPECT_TRUE(second->says("handed over"));
+    EXPECT_TRUE(second->ends());
+    EXPECT_EQ(second->answer(), 0);
+    EXPECT_TRUE(first->says("reopen without windows"));
+}
+
+TEST_P(OneInstance, files_given_to_a_second_start_reach_the_first_one_as_whole_paths) {
+    const auto first = start();
+    ASSERT_TRUE(first->says("launched"));
+    const QString place = QString::fromStdString(folder.path().string());
+    const auto second =
+        start({"some file.txt", "../up", "/abs/ä;$(x)%20", "file:///tmp/a%20b", "--option"}, place);
+    EXPECT_TRUE(second->says("handed over"));
+    const std::string parent = folder.path().parent_path().string();
+    const std::string expected =
+        "files [" + folder.path().string() + "/some file.txt] [" + parent + "/up] [/abs/ä;$(x)%20] [/tmp/a b]";
+    EXPECT_TRUE(first->says(QByteArray::fromStdString(expected)));
+}
+
+TEST_P(OneInstance, files_given_to_the_first_start_reach_it_after_its_launch) {
+    const auto first = start({"/tmp/one", "/tmp/two"});
+    EXPECT_TRUE(first->says("launched"));
+    EXPECT_TRUE(first->says("files [/tmp/one] [/tmp/two]"));
+}
+
+TEST_P(OneInstance, many_starts_at_once_leave_one) {
+    std::vector<std::unique_ptr<Probe>> probes;
+    for (int number = 0; number < 5; ++number) {
+        probes.push_back(start());
+    }
+    const auto isSettled = [&] {
+        return std::count_if(probes.begin(), probes.end(),
+                             [](const auto& probe) { return probe->isRunning(); }) <= 1;
+    };
+    EXPECT_TRUE(waitFor(isSettled));
+    int launched = 0;
+    for (const auto& probe : probes) {
+        if (probe->isRunning()) {
+            EXPECT_TRUE(probe->says("launched"));
+            ++launched;
+        } else {
+            EXPECT_EQ(probe->answer(), 0);
+        }
+    }
+    EXPECT_EQ(launched, 1);
+}
+
+TEST_P(OneInstance, one_that_crashed_is_not_in_the_way) {
+    const auto first = start();
+    ASSERT_TRUE(first->says("launched"));
+    first->crash();
+    ASSERT_TRUE(first->ends());
+    const auto second = start();
+    EXPECT_TRUE(second->says("launched"));
+    const auto third = start();
+    EXPECT_TRUE(third->says("handed over"));
+}
+
+TEST_P(OneInstance, one_that_hangs_makes_the_second_start_fail_after_a_bounded_time) {
+    const auto first = start();
+    ASSERT_TRUE(first->says("launched"));
+    first->stop();
+    const auto second = start();
+    EXPECT_TRUE(second->says("not answered"));
+    EXPECT_TRUE(second->ends());
+    EXPECT_NE(second->answer(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(, OneInstance, testing::Bool(),
+                         [](const auto& it) { return std::string(it.param ? "WithBus" : "WithoutBus"); });
+
+class Trayless : public testing::Test {
+protected:
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+};
+
+TEST_F(Trayless, without_a_tray_a_window_with_the_menu_shows_up_and_goes_when_a_tray_comes) {
+    Probe probe(environment, {});
+    ASSERT_TRUE(probe.says("launched"));
+    EXPECT_TRUE(waitFor(isWindowShown));
+    TrayHost tray(QStringLiteral(TRAY_HOST));
+    ASSERT_TRUE(tray.isReady());
+    EXPECT_TRUE(waitFor([&] { return tray.itemCount() == 1; }));
+    EXPECT_TRUE(waitFor([] { return !isWindowShown(); }));
+}
+
+TEST_F(Trayless, with_a_tray_no_window_shows_up_and_its_menu_works) {
+    TrayHost tray(QStringLiteral(TRAY_HOST));
+    ASSERT_TRUE(tray.isReady());
+    Probe probe(environment, {});
+    ASSERT_TRUE(probe.says("launched"));
+    ASSERT_TRUE(waitFor([&] { return tray.itemCount() == 1; }));
+    EXPECT_FALSE(waitFor(isWindowShown, std::chrono::milliseconds(2500)));
+    tray.ask("click Send Clipboard");
+    EXPECT_TRUE(probe.says("chosen Send Clipboard"));
+    tray.ask("click Quit Velloway");
+    EXPECT_TRUE(probe.ends());
+    EXPECT_EQ(probe.answer(), 0);
+}
+
+TEST_F(Trayless, keys_of_the_menu_work_in_the_window_and_closing_it_ends_nothing) {
+    Probe probe(environment, {});
+    ASSERT_TRUE(waitFor(isWindowShown));
+    QProcess::execute("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$", "windowfocus", "--sync",
+                                  "key", "ctrl+s"});
+    EXPECT_TRUE(probe.says("chosen Send SMS…"));
+}
+
+TEST_F(Trayless, a_second_start_brings_the_window_back) {
+    Probe probe(environment, {});
+    ASSERT_TRUE(waitFor(isWindowShown));
+    QProcess::execute("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$", "windowquit"});
+    ASSERT_TRUE(waitFor([] { return !isWindowShown(); }));
+    EXPECT_TRUE(Probe(environment, {}).says("handed over"));
+    EXPECT_TRUE(waitFor(isWindowShown));
+    EXPECT_TRUE(probe.says("reopen without windows"));
+}
+
+} // namespace
+} // namespace velloway::test

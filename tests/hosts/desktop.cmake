@@ -1,0 +1,16 @@
+include(VellowayDesktopTest)
+
+# The desktop side of the host as a program of its own, for tests that need more than one process.
+add_executable(desktop_probe DesktopProbe.cpp)
+target_link_libraries(desktop_probe PRIVATE velloway_host_linux)
+
+velloway_desktop_test(test_linux_desktop LinuxDesktopTest.cpp)
+add_dependencies(test_linux_desktop desktop_probe)
+target_compile_definitions(test_linux_desktop PRIVATE
+    DESKTOP_PROBE="$<TARGET_FILE:desktop_probe>"
+    TRAY_HOST="${CMAKE_SOURCE_DIR}/tests/desktop/tray-host")
+
+velloway_desktop_test(test_linux_application LinuxApplicationTest.cpp)
+velloway_desktop_test(test_linux_workspace LinuxWorkspaceTest.cpp)
+velloway_desktop_test(test_linux_host LinuxHostTest.cpp FileUrisTest.cpp)
+velloway_desktop_test(test_standard_output_log StandardOutputLogTest.cpp)
