@@ -25,6 +25,8 @@ public:
     Program& operator=(const Program&) = delete;
 
     AppDelegate& delegate() { return *delegate_; }
+    const std::shared_ptr<AppDelegate>& sharedDelegate() const { return delegate_; }
+    const std::shared_ptr<WebSocketServer>& sharedServer() const { return server_; }
     WebSocketServer& server() { return *server_; }
     HistoryStore& historyStore() { return *historyStore_; }
     AppNotificationCenter& notifications() { return notifications_; }

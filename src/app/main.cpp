@@ -9,5 +9,8 @@ int main(int argc, char** argv) {
     velloway::Program program(host->platform(), [&host] { host->terminate(); });
     velloway::WebSocketServer::setShared(program.sharedServer());
     velloway::AppDelegate::setShared(program.sharedDelegate());
-    return host->run(program.delegate());
+    const int answer = host->run(program.delegate());
+    velloway::AppDelegate::setShared(nullptr);
+    velloway::WebSocketServer::setShared(nullptr);
+    return answer;
 }

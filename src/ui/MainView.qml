@@ -35,6 +35,8 @@ FocusScope {
         focus: true
 
         Loader {
+            id: loader
+
             objectName: "tabLoader"
             anchors.fill: parent
             focus: true
@@ -48,7 +50,7 @@ FocusScope {
             }
             Connections {
                 target: root
-                function onContentChanged() { parent.load() }
+                function onContentChanged() { loader.load() }
             }
         }
     }

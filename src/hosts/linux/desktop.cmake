@@ -29,10 +29,5 @@ if(EXISTS ${symbols}/antenna_radiowaves_left_and_right.svg)
 endif()
 qt_add_resources(velloway_host_linux status_images PREFIX /velloway/status BASE ${symbols} FILES ${status_images})
 
-# The host as one whole, once all of its parts are there.
-if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/LinuxNetwork.h
-   AND EXISTS ${CMAKE_CURRENT_LIST_DIR}/LinuxUserNotificationCenter.h
-   AND EXISTS ${CMAKE_CURRENT_LIST_DIR}/LinuxScripts.h
-   AND EXISTS ${CMAKE_SOURCE_DIR}/src/hosts/qt/QtWindows.h)
-    target_sources(velloway_host_linux PRIVATE LinuxHostRuntime.cpp)
-endif()
+# The host as one whole.
+target_sources(velloway_host_linux PRIVATE LinuxHostRuntime.cpp)

@@ -1,5 +1,4 @@
 target_link_libraries(velloway_host_qt PUBLIC velloway_ui)
-find_package(Qt6 6.4 REQUIRED COMPONENTS QuickControls2)
 target_link_libraries(velloway_host_qt PRIVATE Qt6::QuickControls2)
 target_sources(velloway_host_qt PRIVATE ${CMAKE_CURRENT_LIST_DIR}/QtWindows.cpp)
 if(NOT APPLE)

@@ -5,6 +5,7 @@
 #include "bridge/SymbolProvider.h"
 
 #include <QGuiApplication>
+#include <QFont>
 #include <QIcon>
 #include <QQmlEngine>
 #include <QQuickImageProvider>
