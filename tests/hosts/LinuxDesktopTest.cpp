@@ -190,12 +190,15 @@ TEST_F(Trayless, keys_of_the_menu_work_in_the_window_and_closing_it_ends_nothing
     QProcess::execute("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$", "windowfocus", "--sync",
                                   "key", "ctrl+s"});
     EXPECT_TRUE(probe.says("chosen Send SMS…"));
+    probe.tell("close");
+    EXPECT_TRUE(waitFor([] { return !isWindowShown(); }));
+    EXPECT_TRUE(Probe(environment, {}).says("handed over"));
 }
 
 TEST_F(Trayless, a_second_start_brings_the_window_back) {
     Probe probe(environment, {});
     ASSERT_TRUE(waitFor(isWindowShown));
-    QProcess::execute("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$", "windowquit"});
+    probe.tell("close");
     ASSERT_TRUE(waitFor([] { return !isWindowShown(); }));
     EXPECT_TRUE(Probe(environment, {}).says("handed over"));
     EXPECT_TRUE(waitFor(isWindowShown));

@@ -5,10 +5,12 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QLocalSocket>
 #include <QStandardPaths>
+#include <QThread>
 #include <QTimer>
 
 #include <unistd.h>
@@ -23,6 +25,7 @@ const QString interfaceName = QStringLiteral("org.freedesktop.Application");
 
 /// A first instance that hangs must not make the second one hang as well. Milliseconds.
 constexpr int answerBound = 5000;
+constexpr int retryPause = 20;
 /// More than any list of files that a command line can hold.
 constexpr qint64 longestRequest = 8 * 1024 * 1024;
 constexpr char answer = '!';
@@ -94,18 +97,26 @@ SingleInstance::Outcome SingleInstance::claimBySocket(const Request& request) {
     const QString socketPath = inRuntimeFolder("socket");
     lock_ = std::make_unique<QLockFile>(inRuntimeFolder("lock"));
     lock_->setStaleLockTime(0);
-    if (lock_->tryLock()) {
-        listen(socketPath);
-        return Outcome::first;
-    }
-    if (lock_->error() != QLockFile::LockFailedError) {
-        // No place for a lock: better two instances than none.
-        return Outcome::first;
-    }
+    const QDeadlineTimer deadline(answerBound);
     QLocalSocket socket;
-    socket.connectToServer(socketPath);
-    if (!socket.waitForConnected(answerBound)) {
-        return Outcome::notAnswered;
+    while (true) {
+        if (lock_->tryLock()) {
+            listen(socketPath);
+            return Outcome::first;
+        }
+        if (lock_->error() != QLockFile::LockFailedError) {
+            // No place for a lock: better two instances than none.
+            return Outcome::first;
+        }
+        socket.connectToServer(socketPath);
+        if (socket.waitForConnected(answerBound)) {
+            break;
+        }
+        // The other one may have just started and not listen yet, or be about to end.
+        if (deadline.hasExpired()) {
+            return Outcome::notAnswered;
+        }
+        QThread::msleep(retryPause);
     }
     socket.write(asLines(request));
     const bool isAnswered = socket.waitForReadyRead(answerBound) && socket.read(1) == QByteArray(1, answer);
