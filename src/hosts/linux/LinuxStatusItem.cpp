@@ -66,9 +66,12 @@ LinuxStatusItem::~LinuxStatusItem() = default;
 void LinuxStatusItem::create() {
     isCreated_ = true;
     patience_.start();
-    if (watcher_.isTrayThere()) {
-        addTray();
-    }
+    // Once the caller has set the image and the menu too.
+    QTimer::singleShot(0, this, [this] {
+        if (watcher_.isTrayThere()) {
+            addTray();
+        }
+    });
 }
 
 bool LinuxStatusItem::hasImage(const StatusImage& image) const {

@@ -40,6 +40,13 @@ QString inRuntimeFolder(const char* suffix) {
     return QStringLiteral("%1/velloway-%2.%3").arg(runtimeFolder()).arg(::getuid()).arg(QLatin1String(suffix));
 }
 
+std::unique_ptr<QLockFile> makeLock() {
+    auto lock = std::make_unique<QLockFile>(inRuntimeFolder("lock"));
+    // However old, the lock of a living process counts.
+    lock->setStaleLockTime(0);
+    return lock;
+}
+
 QStringList asStringList(const std::vector<std::string>& texts) {
     QStringList list;
     for (const std::string& text : texts) {
@@ -75,7 +82,14 @@ SingleInstance::SingleInstance() = default;
 SingleInstance::~SingleInstance() = default;
 
 SingleInstance::Outcome SingleInstance::claim(const Request& request) {
-    return QDBusConnection::sessionBus().isConnected() ? claimOnBus(request) : claimBySocket(request);
+    if (!QDBusConnection::sessionBus().isConnected()) {
+        return claimBySocket(request);
+    }
+    const Outcome outcome = claimOnBus(request);
+    if (outcome == Outcome::first) {
+        listenToo();
+    }
+    return outcome;
 }
 
 SingleInstance::Outcome SingleInstance::claimOnBus(const Request& request) {
@@ -95,8 +109,7 @@ SingleInstance::Outcome SingleInstance::claimOnBus(const Request& request) {
 
 SingleInstance::Outcome SingleInstance::claimBySocket(const Request& request) {
     const QString socketPath = inRuntimeFolder("socket");
-    lock_ = std::make_unique<QLockFile>(inRuntimeFolder("lock"));
-    lock_->setStaleLockTime(0);
+    lock_ = makeLock();
     const QDeadlineTimer deadline(answerBound);
     QLocalSocket socket;
     while (true) {
@@ -121,6 +134,13 @@ SingleInstance::Outcome SingleInstance::claimBySocket(const Request& request) {
     socket.write(asLines(request));
     const bool isAnswered = socket.waitForReadyRead(answerBound) && socket.read(1) == QByteArray(1, answer);
     return isAnswered ? Outcome::handedOver : Outcome::notAnswered;
+}
+
+void SingleInstance::listenToo() {
+    lock_ = makeLock();
+    if (lock_->tryLock()) {
+        listen(inRuntimeFolder("socket"));
+    }
 }
 
 bool SingleInstance::listen(const QString& socketPath) {
