@@ -1,5 +1,6 @@
 #include "hosts/linux/LinuxDesktop.h"
 
+#include <QPalette>
 #include <QSocketNotifier>
 
 #include <iostream>
@@ -67,6 +68,12 @@ void obey(LinuxDesktop& desktop) {
     std::string line;
     if (!std::getline(std::cin, line) || line == "quit") {
         desktop.terminate();
+    } else if (line == "close") {
+        QApplication::closeAllWindows();
+    } else if (line == "dark") {
+        QPalette dark(QColor(0x35, 0x35, 0x35), QColor(0x2a, 0x2a, 0x2a));
+        dark.setColor(QPalette::Highlight, QColor(0x3d, 0xae, 0xe9));
+        QApplication::setPalette(dark);
     } else if (line.starts_with("status ")) {
         desktop.statusItem.setItemTitle(1, line.substr(7));
     }

@@ -155,6 +155,43 @@ TEST_P(OneInstance, one_that_hangs_makes_the_second_start_fail_after_a_bounded_t
 INSTANTIATE_TEST_SUITE_P(, OneInstance, testing::Bool(),
                          [](const auto& it) { return std::string(it.param ? "WithBus" : "WithoutBus"); });
 
+/// A session bus that the test can end.
+class MortalBus {
+public:
+    MortalBus() {
+        daemon_.start("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--print-address"});
+        if (waitFor([this] { return daemon_.canReadLine(); })) {
+            address_ = QString::fromUtf8(daemon_.readLine().trimmed());
+        }
+    }
+    ~MortalBus() { end(); }
+
+    QString address() const { return address_; }
+    void end() {
+        daemon_.kill();
+        daemon_.waitForFinished();
+    }
+
+private:
+    QProcess daemon_;
+    QString address_;
+};
+
+TEST(DyingBus, ends_neither_the_program_nor_its_being_the_only_one) {
+    MortalBus bus;
+    ASSERT_FALSE(bus.address().isEmpty());
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
+    Probe first(environment, {});
+    ASSERT_TRUE(first.says("launched"));
+    bus.end();
+    EXPECT_TRUE(Probe(environment, {"/tmp/file"}).says("handed over"));
+    EXPECT_TRUE(first.says("files [/tmp/file]"));
+    first.tell("quit");
+    EXPECT_TRUE(first.ends());
+    EXPECT_EQ(first.answer(), 0);
+}
+
 class Trayless : public testing::Test {
 protected:
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -190,12 +227,15 @@ TEST_F(Trayless, keys_of_the_menu_work_in_the_window_and_closing_it_ends_nothing
     QProcess::execute("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$", "windowfocus", "--sync",
                                   "key", "ctrl+s"});
     EXPECT_TRUE(probe.says("chosen Send SMS…"));
+    probe.tell("close");
+    EXPECT_TRUE(waitFor([] { return !isWindowShown(); }));
+    EXPECT_TRUE(Probe(environment, {}).says("handed over"));
 }
 
 TEST_F(Trayless, a_second_start_brings_the_window_back) {
     Probe probe(environment, {});
     ASSERT_TRUE(waitFor(isWindowShown));
-    QProcess::execute("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$", "windowquit"});
+    probe.tell("close");
     ASSERT_TRUE(waitFor([] { return !isWindowShown(); }));
     EXPECT_TRUE(Probe(environment, {}).says("handed over"));
     EXPECT_TRUE(waitFor(isWindowShown));

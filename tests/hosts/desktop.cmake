@@ -14,3 +14,8 @@ velloway_desktop_test(test_linux_application LinuxApplicationTest.cpp)
 velloway_desktop_test(test_linux_workspace LinuxWorkspaceTest.cpp)
 velloway_desktop_test(test_linux_host LinuxHostTest.cpp FileUrisTest.cpp)
 velloway_desktop_test(test_standard_output_log StandardOutputLogTest.cpp)
+
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
+velloway_desktop_test(test_x11_tray X11TrayTest.cpp)
+target_link_libraries(test_x11_tray PRIVATE PkgConfig::XCB)

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 #include <xcb/xcb.h>
 
 namespace velloway {
@@ -65,9 +66,12 @@ LinuxStatusItem::~LinuxStatusItem() = default;
 void LinuxStatusItem::create() {
     isCreated_ = true;
     patience_.start();
-    if (watcher_.isTrayThere()) {
-        addTray();
-    }
+    // Once the caller has set the image and the menu too.
+    QTimer::singleShot(0, this, [this] {
+        if (watcher_.isTrayThere()) {
+            addTray();
+        }
+    });
 }
 
 bool LinuxStatusItem::hasImage(const StatusImage& image) const {
@@ -81,8 +85,11 @@ void LinuxStatusItem::setImage(const StatusImage& image) {
 
 void LinuxStatusItem::setMenu(const std::vector<MenuItem>& items) {
     items_ = items;
-    actions_.clear();
-    menu_->clear();
+    for (QAction* action : std::exchange(actions_, {})) {
+        // Later: one of them may be what called for this.
+        menu_->removeAction(action);
+        action->deleteLater();
+    }
     for (const MenuItem& item : items_) {
         QAction* action = item.isSeparator ? menu_->addSeparator() : menu_->addAction(menuText(item.title));
         actions_.push_back(action);

@@ -5,10 +5,12 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QLocalSocket>
 #include <QStandardPaths>
+#include <QThread>
 #include <QTimer>
 
 #include <unistd.h>
@@ -23,6 +25,7 @@ const QString interfaceName = QStringLiteral("org.freedesktop.Application");
 
 /// A first instance that hangs must not make the second one hang as well. Milliseconds.
 constexpr int answerBound = 5000;
+constexpr int retryPause = 20;
 /// More than any list of files that a command line can hold.
 constexpr qint64 longestRequest = 8 * 1024 * 1024;
 constexpr char answer = '!';
@@ -35,6 +38,13 @@ QString runtimeFolder() {
 /// The user's number keeps users apart where the folder is a common one.
 QString inRuntimeFolder(const char* suffix) {
     return QStringLiteral("%1/velloway-%2.%3").arg(runtimeFolder()).arg(::getuid()).arg(QLatin1String(suffix));
+}
+
+std::unique_ptr<QLockFile> makeLock() {
+    auto lock = std::make_unique<QLockFile>(inRuntimeFolder("lock"));
+    // However old, the lock of a living process counts.
+    lock->setStaleLockTime(0);
+    return lock;
 }
 
 QStringList asStringList(const std::vector<std::string>& texts) {
@@ -72,7 +82,14 @@ SingleInstance::SingleInstance() = default;
 SingleInstance::~SingleInstance() = default;
 
 SingleInstance::Outcome SingleInstance::claim(const Request& request) {
-    return QDBusConnection::sessionBus().isConnected() ? claimOnBus(request) : claimBySocket(request);
+    if (!QDBusConnection::sessionBus().isConnected()) {
+        return claimBySocket(request);
+    }
+    const Outcome outcome = claimOnBus(request);
+    if (outcome == Outcome::first) {
+        listenToo();
+    }
+    return outcome;
 }
 
 SingleInstance::Outcome SingleInstance::claimOnBus(const Request& request) {
@@ -92,24 +109,38 @@ SingleInstance::Outcome SingleInstance::claimOnBus(const Request& request) {
 
 SingleInstance::Outcome SingleInstance::claimBySocket(const Request& request) {
     const QString socketPath = inRuntimeFolder("socket");
-    lock_ = std::make_unique<QLockFile>(inRuntimeFolder("lock"));
-    lock_->setStaleLockTime(0);
-    if (lock_->tryLock()) {
-        listen(socketPath);
-        return Outcome::first;
-    }
-    if (lock_->error() != QLockFile::LockFailedError) {
-        // No place for a lock: better two instances than none.
-        return Outcome::first;
-    }
+    lock_ = makeLock();
+    const QDeadlineTimer deadline(answerBound);
     QLocalSocket socket;
-    socket.connectToServer(socketPath);
-    if (!socket.waitForConnected(answerBound)) {
-        return Outcome::notAnswered;
+    while (true) {
+        if (lock_->tryLock()) {
+            listen(socketPath);
+            return Outcome::first;
+        }
+        if (lock_->error() != QLockFile::LockFailedError) {
+            // No place for a lock: better two instances than none.
+            return Outcome::first;
+        }
+        socket.connectToServer(socketPath);
+        if (socket.waitForConnected(answerBound)) {
+            break;
+        }
+        // The other one may have just started and not listen yet, or be about to end.
+        if (deadline.hasExpired()) {
+            return Outcome::notAnswered;
+        }
+        QThread::msleep(retryPause);
     }
     socket.write(asLines(request));
     const bool isAnswered = socket.waitForReadyRead(answerBound) && socket.read(1) == QByteArray(1, answer);
     return isAnswered ? Outcome::handedOver : Outcome::notAnswered;
+}
+
+void SingleInstance::listenToo() {
+    lock_ = makeLock();
+    if (lock_->tryLock()) {
+        listen(inRuntimeFolder("socket"));
+    }
 }
 
 bool SingleInstance::listen(const QString& socketPath) {

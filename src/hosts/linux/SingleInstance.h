@@ -61,6 +61,8 @@ public slots:
 private:
     Outcome claimOnBus(const Request& request);
     Outcome claimBySocket(const Request& request);
+    /// For later starts, should the bus die.
+    void listenToo();
     bool listen(const QString& socketPath);
     void read(QLocalSocket& socket);
     void take(Request request);

@@ -14,7 +14,8 @@ class TrayWatcher : public QObject {
 public:
     TrayWatcher();
 
-    bool isTrayThere() const { return isThere_; }
+    /// False also once the bus itself has died, which no signal tells.
+    bool isTrayThere() const { return isThere_ && bus_.isConnected(); }
 
 signals:
     void trayAppeared();

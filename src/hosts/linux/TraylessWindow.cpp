@@ -3,6 +3,7 @@
 #include "hosts/linux/LinuxStatusItem.h"
 #include "hosts/linux/StatusIcons.h"
 
+#include <QEvent>
 #include <QFrame>
 #include <QGuiApplication>
 #include <QLabel>
@@ -17,18 +18,28 @@ namespace {
 constexpr int windowWidth = 300;
 constexpr int iconSize = 28;
 
-/// Written on the colours of the palette, so that it follows light and dark desktops.
+/// Written on the colours of the palette, so that it follows light and dark desktops. %1 is the softer colour
+/// of what is only told, %2 that of a row under the pointer, %3 that of the lines between.
 const char* const sheet = R"(
     QLabel#header { font-size: 17px; font-weight: 600; }
-    QLabel#line { color: palette(placeholder-text); }
-    QFrame#separator { background: palette(midlight); border: none; }
+    QLabel#line, QLabel#key, QPushButton:disabled { color: %1; }
+    QFrame#separator { background: %3; border: none; }
     QPushButton { text-align: left; padding: 7px 10px; border: 1px solid transparent; border-radius: 6px;
                   background: transparent; color: palette(window-text); }
-    QPushButton:hover { background: palette(midlight); }
+    QPushButton:hover { background: %2; }
     QPushButton:focus { border-color: palette(highlight); }
     QPushButton:pressed { background: palette(highlight); color: palette(highlighted-text); }
-    QPushButton:disabled, QLabel#key { color: palette(placeholder-text); }
 )";
+
+/// `share` of the text's colour on the window's.
+QString mixed(const QPalette& palette, float share) {
+    const QColor text = palette.color(QPalette::WindowText);
+    const QColor window = palette.color(QPalette::Window);
+    const auto mix = [share](float one, float other) { return share * one + (1 - share) * other; };
+    return QColor::fromRgbF(mix(text.redF(), window.redF()), mix(text.greenF(), window.greenF()),
+                            mix(text.blueF(), window.blueF()))
+        .name();
+}
 
 QString buttonText(const MenuItem& item) {
     return QString::fromStdString(item.title).replace('&', QLatin1String("&&"));
@@ -39,7 +50,7 @@ QString buttonText(const MenuItem& item) {
 TraylessWindow::TraylessWindow(LinuxStatusItem& statusItem) : statusItem_(statusItem) {
     setWindowTitle(QGuiApplication::applicationDisplayName());
     setObjectName(QStringLiteral("traylessWindow"));
-    setStyleSheet(QLatin1String(sheet));
+    applyPalette();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -54,8 +65,29 @@ void TraylessWindow::bringForward() {
     activateWindow();
 }
 
+void TraylessWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && content_ != nullptr) {
+        applyPalette();
+        rebuild();
+    }
+}
+
+void TraylessWindow::applyPalette() {
+    const QPalette colours = QGuiApplication::palette();
+    const QString wanted =
+        QString::fromLatin1(sheet).arg(mixed(colours, 0.6F), mixed(colours, 0.08F), mixed(colours, 0.15F));
+    if (wanted != styleSheet()) {
+        setStyleSheet(wanted);
+    }
+}
+
 void TraylessWindow::rebuild() {
-    delete content_;
+    if (content_ != nullptr) {
+        // Later: one of its buttons may be what called for this.
+        content_->hide();
+        content_->deleteLater();
+    }
     titles_.clear();
     content_ = new QWidget(this);
     content_->setFixedWidth(windowWidth);

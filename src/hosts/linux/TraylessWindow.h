@@ -21,7 +21,11 @@ public:
 
     void bringForward();
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
+    void applyPalette();
     void rebuild();
     void addHeader(QVBoxLayout& layout, const MenuItem& item);
     QLabel* addLine(QVBoxLayout& layout, const MenuItem& item);
