@@ -86,6 +86,9 @@ std::error_code FileHandle::write(std::string_view bytes) {
         if (written == -1) {
             return lastError();
         }
+        if (written == 0) {
+            return {EIO, std::system_category()};
+        }
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return {};

@@ -1,7 +1,6 @@
 #include "server/OutboundMessages.h"
 
 #include "json/JsonWriter.h"
-#include "text/Base64.h"
 
 #include <utility>
 
@@ -103,19 +102,6 @@ std::optional<std::string> sendSms(const SendSmsActionMessage& sms) {
     writer.add("number", sms.number);
     writer.add("body", sms.body);
     writer.add("simSlot", sms.simSlot);
-    return finished(std::move(writer));
-}
-
-std::string fileTransferStart(std::string_view fileName, std::int64_t fileSize) {
-    std::string text = R"({"action":"file_transfer_start","fileName":")";
-    return text.append(fileName).append(R"(","fileSize":)").append(std::to_string(fileSize)).append("}");
-}
-
-std::optional<std::string> fileChunk(std::string_view fileName, std::string_view bytes, bool isLast) {
-    JsonWriter writer = message("file_chunk", fileName.size() + base64::encodedEscapedBound(bytes.size()));
-    writer.add("fileName", fileName);
-    writer.addBase64("fileData", bytes);
-    writer.addBoolean("isLast", isLast);
     return finished(std::move(writer));
 }
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-/// The text of every message to the phone. Free text of the user is escaped, a slash included; numbers,
-/// booleans and the file name of `fileTransferStart` are put in as they stand. Absent when a text that must be
-/// escaped is not UTF-8.
+/// The text of every message to the phone but the two of a file, which are in features/FileMessages.h. Free
+/// text of the user is escaped, a slash included; numbers and booleans are put in as they stand. Absent when a
+/// text that must be escaped is not UTF-8.
 namespace velloway::outbound {
 
 std::optional<std::string> connected(std::string_view deviceName);
@@ -27,8 +27,5 @@ std::string toggleSpeaker(bool enabled);
 std::string toggleMute(bool enabled);
 std::optional<std::string> reply(const ReplyActionMessage& message);
 std::optional<std::string> sendSms(const SendSmsActionMessage& message);
-std::string fileTransferStart(std::string_view fileName, std::int64_t fileSize);
-/// `bytes` goes out as base64 without line breaks.
-std::optional<std::string> fileChunk(std::string_view fileName, std::string_view bytes, bool isLast);
 
 } // namespace velloway::outbound

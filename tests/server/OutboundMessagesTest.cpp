@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <string>
 #include <string_view>
 
@@ -67,18 +66,6 @@ TEST(OutboundMessages, writeTheSimSlotOfAnSmsAsAnInteger) {
               R"({"action":"send_sms","number":"5551","body":"a\/b","simSlot":0})");
 }
 
-TEST(OutboundMessages, announceAFileByItsNameAsItStands) {
-    EXPECT_EQ(outbound::fileTransferStart("a \"b\".txt", std::numeric_limits<std::int64_t>::max()),
-              R"({"action":"file_transfer_start","fileName":"a "b".txt","fileSize":9223372036854775807})");
-}
-
-TEST(OutboundMessages, carryAFilesBytesAsBase64) {
-    EXPECT_EQ(outbound::fileChunk("a/b.bin", "\xFF\xFF\xFF\xFE\x01", false),
-              R"({"action":"file_chunk","fileName":"a\/b.bin","fileData":"\/\/\/\/\/gE=","isLast":false})");
-    EXPECT_EQ(outbound::fileChunk("e", "", true),
-              R"({"action":"file_chunk","fileName":"e","fileData":"","isLast":true})");
-}
-
 TEST(OutboundMessages, areAbsentWhenATextIsNotUtf8) {
     constexpr std::string_view bad = "\xFF";
     EXPECT_FALSE(outbound::connected(bad));
@@ -89,7 +76,6 @@ TEST(OutboundMessages, areAbsentWhenATextIsNotUtf8) {
     EXPECT_FALSE(outbound::reply({.key = std::string(bad), .message = "m"}));
     EXPECT_FALSE(outbound::sendSms({.number = std::string(bad), .body = "b"}));
     EXPECT_FALSE(outbound::sendSms({.number = "1", .body = std::string(bad)}));
-    EXPECT_FALSE(outbound::fileChunk(bad, "x", true));
 }
 
 } // namespace
