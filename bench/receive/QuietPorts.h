@@ -1,0 +1,119 @@
+#pragma once
+
+#include "platform/Accessibility.h"
+#include "platform/Host.h"
+#include "platform/InputEvents.h"
+#include "platform/Pasteboard.h"
+#include "platform/Scripts.h"
+#include "platform/UserDefaults.h"
+#include "platform/UserNotificationCenter.h"
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+
+/// A desktop on which nothing happens, so that only the bridge itself is measured.
+namespace velloway::bench {
+
+class QuietDefaults : public UserDefaults {
+public:
+    explicit QuietDefaults(std::int64_t port) : port_(port) {}
+    std::int64_t integer(std::string_view key) const override { return key == "port" ? port_ : 0; }
+    bool has(std::string_view key) const override { return key == "port"; }
+    void setInteger(std::string_view, std::int64_t) override {}
+    [[nodiscard]] Subscription observe(std::string_view, std::function<void(std::int64_t)>) override {
+        return {};
+    }
+
+private:
+    std::int64_t port_;
+};
+
+class QuietHost : public Host {
+public:
+    explicit QuietHost(std::filesystem::path downloads) : downloads_(std::move(downloads)) {}
+    std::optional<std::string> localizedName() const override { return "bench"; }
+    std::optional<std::filesystem::path> downloadsDirectory() const override { return downloads_; }
+    Instant now() const override { return std::chrono::system_clock::now(); }
+    std::string locale() const override { return "en_GB"; }
+    std::string timeZone() const override { return "Europe/London"; }
+    std::optional<std::vector<NetworkInterface>> networkInterfaces() const override { return {}; }
+    std::vector<std::string> interfacePrefixes() const override { return {}; }
+
+private:
+    std::filesystem::path downloads_;
+};
+
+class QuietPasteboard : public Pasteboard {
+public:
+    void clearContents() override {}
+    void setString(std::string_view) override {}
+    std::optional<std::string> string() const override { return {}; }
+};
+
+class QuietAccessibility : public Accessibility {
+public:
+    bool isTrusted() override { return true; }
+    bool isTrustedWithPrompt() override { return true; }
+};
+
+class QuietScripts : public Scripts {
+public:
+    std::optional<std::string> run(const SystemScript&) override { return {}; }
+};
+
+class QuietNotifications : public UserNotificationCenter {
+public:
+    void setDelegate(UserNotificationCenterDelegate*) override {}
+    void add(const NotificationRequest&,
+             std::function<void(const std::optional<std::string>&)> completion) override {
+        if (completion) {
+            completion({});
+        }
+    }
+    void removeDelivered(const std::vector<std::string>&) override {}
+    void removePending(const std::vector<std::string>&) override {}
+    void getAuthorizationStatus(std::function<void(AuthorizationStatus)>) override {}
+    void requestAuthorization(unsigned, std::function<void(bool, const std::optional<std::string>&)>) override {
+    }
+    void setCategories(const std::vector<NotificationCategory>&) override {}
+};
+
+/// Counts what is posted and keeps the pointer where it was put.
+class QuietInput : public InputEvents {
+public:
+    std::unique_ptr<EventSource> makeSource(EventSourceState) override {
+        return std::make_unique<EventSource>();
+    }
+    std::unique_ptr<InputEvent> makeKeyboardEvent(EventSource&, std::uint16_t, bool) override {
+        return std::make_unique<Event>(pointer_);
+    }
+    std::unique_ptr<InputEvent> makeEvent() override { return std::make_unique<Event>(pointer_); }
+    std::unique_ptr<InputEvent> makeMouseEvent(MouseEventType, Point position, MouseButton) override {
+        return std::make_unique<Event>(position);
+    }
+    std::unique_ptr<InputEvent> makeSystemDefinedEvent(std::uint64_t, std::int16_t, std::int64_t,
+                                                       std::int64_t) override {
+        return std::make_unique<Event>(pointer_);
+    }
+    void post(InputEvent& event) override {
+        pointer_ = event.location();
+        ++posted;
+    }
+
+    std::atomic<long> posted = 0;
+
+private:
+    struct Event : InputEvent {
+        explicit Event(Point at) : position(at) {}
+        void setFlags(std::uint64_t) override {}
+        void setUnicodeString(std::u16string_view) override {}
+        Point location() const override { return position; }
+        Point position;
+    };
+
+    // Main queue only.
+    Point pointer_{};
+};
+
+} // namespace velloway::bench
