@@ -1,0 +1,2 @@
+include(VellowayDesktopTest)
+velloway_desktop_test(test_input_events_contract InputEventsContract.cpp)
