@@ -17,6 +17,11 @@ TEST(AShownMessage, CutsLongTextsAndTellsHowLongTheyWere) {
     EXPECT_LT(line.size(), 120u);
 }
 
+TEST(AShownMessage, CountsLongLists) {
+    EXPECT_EQ(pretty(R"({"action":"sms_history","messages":[{"body":")" + std::string(200, 'x') + "\"},{}]}"),
+              "sms_history  messages=[2 entries]");
+}
+
 TEST(AShownMessage, SaysSoWhenItIsNoJson) {
     EXPECT_EQ(pretty("{\"a\":"), "no JSON object: {\"a\":");
 }

@@ -33,11 +33,19 @@ void cutTexts(json::value& value, std::size_t limit) {
 }
 
 std::string shown(const json::value& value) {
-    if (!value.is_string() || value.get_string().size() <= shownText) {
-        return json::serialize(value);
+    std::string text = json::serialize(value);
+    if (text.size() <= shownText) {
+        return text;
     }
-    const json::string& text = value.get_string();
-    return json::serialize(json::string(head(text, 32) + "…")) + " (" + std::to_string(text.size()) + " bytes)";
+    if (value.is_array()) {
+        return "[" + std::to_string(value.get_array().size()) + " entries]";
+    }
+    if (!value.is_string()) {
+        return head(text, shownText) + "…";
+    }
+    const json::string& whole = value.get_string();
+    return json::serialize(json::string(head(whole, 32) + "…")) + " (" + std::to_string(whole.size()) +
+           " bytes)";
 }
 
 } // namespace
