@@ -2,6 +2,8 @@
 
 #include <boost/json.hpp>
 
+#include <cstdio>
+
 namespace velloway::phone {
 
 namespace {
@@ -33,6 +35,11 @@ void cutTexts(json::value& value, std::size_t limit) {
 }
 
 std::string shown(const json::value& value) {
+    if (value.is_double()) {
+        char number[32];
+        std::snprintf(number, sizeof number, "%.15g", value.get_double());
+        return number;
+    }
     std::string text = json::serialize(value);
     if (text.size() <= shownText) {
         return text;
