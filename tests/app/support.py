@@ -4,6 +4,7 @@ Everything runs on the desktop that tests/desktop/with-desktop gives, on one thr
 calls are offered from here, so waiting always keeps the message loop turning.
 """
 
+import ctypes
 import json
 import os
 import pathlib
@@ -389,6 +390,26 @@ def clipboard():
 def visible_windows(pid):
     found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(pid)], capture_output=True, text=True)
     return {int(line) for line in found.stdout.split()}
+
+
+class _ClientMessage(ctypes.Structure):
+    _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                ("display", ctypes.c_void_p), ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
+                ("format", ctypes.c_int), ("data", ctypes.c_long * 5), ("padding", ctypes.c_long * 24)]
+
+
+def close_window(window):
+    """Asks a window to close, as the button in its frame does; there is no window manager to draw one."""
+    x11 = ctypes.CDLL("libX11.so.6")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    x11.XInternAtom.restype = ctypes.c_ulong
+    display = ctypes.c_void_p(x11.XOpenDisplay(None))
+    atom = [x11.XInternAtom(display, name, 0) for name in (b"WM_PROTOCOLS", b"WM_DELETE_WINDOW")]
+    client_message = 33
+    message = _ClientMessage(type=client_message, window=window, message_type=atom[0], format=32)
+    message.data[0] = atom[1]
+    x11.XSendEvent(display, ctypes.c_ulong(window), 0, ctypes.c_long(0), ctypes.byref(message))
+    x11.XCloseDisplay(display)
 
 
 def terminate(process):

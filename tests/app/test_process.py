@@ -34,7 +34,7 @@ class Life(AppTest):
     def test_closing_the_window_leaves_the_process_running(self):
         self.tray.choose("Settings…")
         window = wait_for(lambda: visible_windows(self.app.pid), "the main window").pop()
-        run("xdotool", "windowquit", str(window))
+        close_window(window)
         wait_for(lambda: not visible_windows(self.app.pid), "the window has gone")
         self.assertTrue(self.app.is_running())
         self.start_node(self.app.port)

@@ -17,6 +17,15 @@ TEST(AShownMessage, CutsLongTextsAndTellsHowLongTheyWere) {
     EXPECT_LT(line.size(), 120u);
 }
 
+TEST(AShownMessage, WritesNumbersAsPeopleDo) {
+    EXPECT_EQ(pretty(R"({"dx":1.2E1,"dy":-5E-1,"n":7})"), "dx=12  dy=-0.5  n=7");
+}
+
+TEST(AShownMessage, CountsLongLists) {
+    EXPECT_EQ(pretty(R"({"action":"sms_history","messages":[{"body":")" + std::string(200, 'x') + "\"},{}]}"),
+              "sms_history  messages=[2 entries]");
+}
+
 TEST(AShownMessage, SaysSoWhenItIsNoJson) {
     EXPECT_EQ(pretty("{\"a\":"), "no JSON object: {\"a\":");
 }

@@ -60,10 +60,11 @@ std::string smsHistory(std::size_t threads, std::size_t messages, double now) {
     for (std::size_t at = 0; at < messages; ++at) {
         // A step that shares no factor with most counts, so that neighbours belong to different people.
         const std::size_t person = threads == 0 ? 0 : at * 7 % threads;
-        json::object entry{{"address", numberOf(person)},
-                           {"body", texts[(at * 5 + person) % texts.size()]},
-                           {"date", now - static_cast<double>(messages - at) * 17 * minute},
-                           {"type", (at + person) % 3 == 0 ? 2 : 1}};
+        json::object entry{
+            {"address", numberOf(person)},
+            {"body", texts[(at * 5 + person) % texts.size()]},
+            {"date", static_cast<std::int64_t>(now - static_cast<double>(messages - at) * 17 * minute)},
+            {"type", (at + person) % 3 == 0 ? 2 : 1}};
         addName(entry, person);
         list.push_back(std::move(entry));
     }
@@ -75,7 +76,7 @@ std::string callHistory(std::size_t calls, double now) {
     for (std::size_t at = 0; at < calls; ++at) {
         const std::int64_t type = static_cast<std::int64_t>(at % 3) + 1;
         json::object entry{{"number", numberOf(at * 5 % 11)},
-                           {"date", now - static_cast<double>(at) * 143 * minute},
+                           {"date", static_cast<std::int64_t>(now - static_cast<double>(at) * 143 * minute)},
                            {"duration", type == 3 ? 0 : static_cast<std::int64_t>(at * 97 % 1900)},
                            {"type", type}};
         addName(entry, at * 5 % 11);

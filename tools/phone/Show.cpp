@@ -2,6 +2,8 @@
 
 #include <boost/json.hpp>
 
+#include <cstdio>
+
 namespace velloway::phone {
 
 namespace {
@@ -33,11 +35,24 @@ void cutTexts(json::value& value, std::size_t limit) {
 }
 
 std::string shown(const json::value& value) {
-    if (!value.is_string() || value.get_string().size() <= shownText) {
-        return json::serialize(value);
+    if (value.is_double()) {
+        char number[32];
+        std::snprintf(number, sizeof number, "%.15g", value.get_double());
+        return number;
     }
-    const json::string& text = value.get_string();
-    return json::serialize(json::string(head(text, 32) + "…")) + " (" + std::to_string(text.size()) + " bytes)";
+    std::string text = json::serialize(value);
+    if (text.size() <= shownText) {
+        return text;
+    }
+    if (value.is_array()) {
+        return "[" + std::to_string(value.get_array().size()) + " entries]";
+    }
+    if (!value.is_string()) {
+        return head(text, shownText) + "…";
+    }
+    const json::string& whole = value.get_string();
+    return json::serialize(json::string(head(whole, 32) + "…")) + " (" + std::to_string(whole.size()) +
+           " bytes)";
 }
 
 } // namespace
