@@ -135,9 +135,9 @@ private:
         }
     }
 
-    void tell(ConnectionState state, std::optional<NetworkError> error = {}) {
+    void tell(ConnectionState state, const std::optional<NetworkError>& error = {}) {
         if (hasStateHandler()) {
-            report(state, std::move(error));
+            report(state, error);
         }
     }
 
@@ -202,9 +202,9 @@ private:
             taken_->erase(parameters.port);
         }
     }
-    void tell(ListenerState state, std::optional<NetworkError> error = {}) {
+    void tell(ListenerState state, const std::optional<NetworkError>& error = {}) {
         if (hasHandler_) {
-            report(state, std::move(error));
+            report(state, error);
         }
     }
 

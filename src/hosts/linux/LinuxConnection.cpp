@@ -3,8 +3,10 @@
 #include "hosts/linux/AsioQueueAccess.h"
 #include "hosts/linux/LinuxNetworkError.h"
 #include "hosts/linux/ReceiveBuffer.h"
+#include "hosts/linux/TurnExecutor.h"
 #include "platform/Fatal.h"
 
+#include <boost/asio/bind_executor.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -196,6 +198,7 @@ private:
     std::optional<net::steady_timer> timer_;
     std::unique_ptr<Handshake> handshake_;
 
+    Turn turn_;
     ReceiveBuffer buffer_;
     ReceiveCompletion receive_;
     bool isReading_ = false;
@@ -214,6 +217,7 @@ LinuxConnection::Session::Session(AsioQueue& madeOn, const LinuxNetworkLimits& l
       limits_(limits),
       stream_(std::in_place, std::move(socket)),
       timer_(AsioQueueAccess::context(madeOn)),
+      turn_(AsioQueueAccess::context(madeOn), [this] { return weak_from_this().lock(); }),
       buffer_(limits.messageBytes + firstReadBytes) {
     AsioQueueAccess::add(queue, *this);
 }
@@ -342,13 +346,15 @@ void LinuxConnection::Session::receive(ReceiveCompletion completion) {
 void LinuxConnection::Session::readMore() {
     isReading_ = true;
     const std::size_t room = std::max({firstReadBytes, buffer_.size(), buffer_.capacity() - buffer_.size()});
-    stream_->async_read_some(buffer_, room,
-                             [self = shared_from_this()](const error_code& error, std::size_t count) {
-                                 self->isReading_ = false;
-                                 if (self->phase_ == Phase::ready) {
-                                     self->didRead(error, count);
-                                 }
-                             });
+    stream_->async_read_some(
+        buffer_, room,
+        net::bind_executor(TurnExecutor(turn_),
+                           [self = shared_from_this()](const error_code& error, std::size_t count) {
+                               self->isReading_ = false;
+                               if (self->phase_ == Phase::ready) {
+                                   self->didRead(error, count);
+                               }
+                           }));
 }
 
 void LinuxConnection::Session::didRead(const error_code& error, std::size_t count) {
@@ -505,8 +511,10 @@ void LinuxConnection::Session::abandon() {
 }
 
 void LinuxConnection::Session::queueEnds() {
+    const auto alive = weak_from_this().lock();
     phase_ = Phase::ended;
     hasQueue = false;
+    turn_.clear();
     stream_.reset();
     timer_.reset();
     const auto receive = std::exchange(receive_, nullptr);
