@@ -184,7 +184,7 @@ int run(int argc, char** argv) {
         NotificationManager notificationManager(center, host, log);
         AsioQueue serverQueue("ws.server");
         LinuxNetwork network(serverQueue);
-        const auto store = std::make_shared<HistoryStore>();
+        const auto store = std::make_shared<HistoryStore>(host);
         const std::uint16_t port = freePort();
         userDefaults.setInteger("port", port);
         host.downloads = folder;
