@@ -2,6 +2,7 @@
 
 #include "features/FileHandle.h"
 #include "features/FileMessages.h"
+#include "json/Utf8.h"
 
 #include <optional>
 #include <string>
@@ -15,9 +16,10 @@ namespace {
 
 constexpr std::size_t chunkSize = 0x100000;
 
-/// A separator at the end doesn't count, as with the path of a folder.
+/// A separator at the end doesn't count, as with the path of a folder. File systems allow names that are not
+/// UTF-8; a message with one would end the phone's connection.
 std::string lastPathComponent(const std::filesystem::path& url) {
-    return url.has_filename() ? url.filename().native() : url.parent_path().filename().native();
+    return repairedUtf8(url.has_filename() ? url.filename().native() : url.parent_path().filename().native());
 }
 
 } // namespace

@@ -43,7 +43,15 @@ std::string describe(ConnectionState state, const std::optional<NetworkError>& e
 } // namespace
 
 std::shared_ptr<WebSocketServer> WebSocketServer::make(const Dependencies& dependencies) {
-    return std::shared_ptr<WebSocketServer>(new WebSocketServer(dependencies));
+    auto server = std::shared_ptr<WebSocketServer>(new WebSocketServer(dependencies));
+    server->outgoingFiles_.emplace(dependencies.main, dependencies.queue, server->link_,
+                                   dependencies.notificationManager, dependencies.host, dependencies.log,
+                                   [weak = server->weak_from_this()](std::string text) {
+                                       if (auto self = weak.lock()) {
+                                           self->send(std::move(text));
+                                       }
+                                   });
+    return server;
 }
 
 WebSocketServer& WebSocketServer::shared() {
@@ -65,8 +73,6 @@ WebSocketServer::WebSocketServer(const Dependencies& on)
       connections_(std::make_shared<const ConnectionList>()),
       callEvents_(on.main, link_, on.notifications, on.log),
       incomingFiles_(on.main, link_, on.notificationManager, on.host, on.log),
-      outgoingFiles_(on.main, on.queue, link_, on.notificationManager, on.host, on.log,
-                     [this](std::string text) { send(std::move(text)); }),
       clipboardSync_(on.main, link_, on.pasteboard, on.notificationManager),
       batteryAlerts_(on.main, link_, on.notificationManager),
       commandRouter_(on.main, on.input, on.scripts, on.accessibility, on.log),
@@ -364,7 +370,7 @@ void WebSocketServer::sendSms(std::string_view number, std::string_view body, st
 }
 
 void WebSocketServer::sendFile(const std::filesystem::path& url) {
-    outgoingFiles_.sendFile(url);
+    outgoingFiles_->sendFile(url);
 }
 
 } // namespace velloway

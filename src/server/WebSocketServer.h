@@ -131,7 +131,8 @@ private:
 
     CallEvents callEvents_;
     IncomingFiles incomingFiles_;
-    OutgoingFiles outgoingFiles_;
+    /// Made once the server can be held weakly; always there after `make`.
+    std::optional<OutgoingFiles> outgoingFiles_;
     ClipboardSync clipboardSync_;
     BatteryAlerts batteryAlerts_;
     CommandRouter commandRouter_;

@@ -206,14 +206,12 @@ TEST_F(OutgoingFilesTest, PutsTheNameIntoTheStartAsItStandsAndEscapesItInTheChun
     EXPECT_EQ(banners(), fileSent("a \"b\"\\c.txt"));
 }
 
-TEST_F(OutgoingFilesTest, LeavesOutChunksThatCannotBeWrittenAsJsonAndGoesOn) {
-    const std::string name = "bad\xff.bin";
-    send(folder.write(name, bytesOfLength(mebibyte + 1)));
-    expectSent({startText(name, mebibyte + 1)});
-    EXPECT_EQ(row().progress, 1.0);
-    EXPECT_TRUE(row().isCompleted);
-    EXPECT_EQ(banners(), fileSent(name));
-    EXPECT_TRUE(host.log.lines().empty());
+TEST_F(OutgoingFilesTest, RepairsANameThatIsNotUtf8) {
+    const std::string repaired = "bad\xef\xbf\xbd.bin";
+    send(folder.write("bad\xff.bin", "hello"));
+    expectSent({startText(repaired, 5), chunkText(repaired, "hello", true)});
+    EXPECT_EQ(row().fileName, repaired);
+    EXPECT_EQ(banners(), fileSent(repaired));
 }
 
 TEST_F(OutgoingFilesTest, FailsOnAFileThatIsNotThere) {
