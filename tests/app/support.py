@@ -92,6 +92,14 @@ def screenshot(name):
     run("import", "-silent", "-window", "root", str(SCREENSHOTS / f"{name}.png"))
 
 
+def colors(window):
+    """How many colours a window shows: a blank one has one."""
+    picture = subprocess.run(["import", "-silent", "-window", str(window), "png:-"], capture_output=True,
+                             check=True, timeout=PATIENCE).stdout
+    return int(subprocess.run(["identify", "-format", "%k", "png:-"], input=picture, capture_output=True,
+                              check=True, timeout=PATIENCE).stdout)
+
+
 class Process:
     """A child with its lines of output collected."""
 

@@ -45,8 +45,9 @@ class Tray(AppTest):
     def test_a_row_opens_the_main_window_and_asks_the_phone_for_its_logs(self):
         one = self.start_node(self.app.port)
         self.tray.choose("Send SMS…")
-        wait_for(lambda: visible_windows(self.app.pid), "the main window")
+        window = wait_for(lambda: visible_windows(self.app.pid), "the main window").pop()
         one.wait_message("get_sms_history")
+        wait_for(lambda: colors(window) > 30, "something drawn in the main window")
         screenshot("app-main-window")
 
 

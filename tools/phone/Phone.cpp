@@ -236,7 +236,7 @@ bool Phone::mayPerform(const Action& action) const {
     const bool needsLink = std::holds_alternative<SendText>(action) ||
                            std::holds_alternative<SendBinary>(action) ||
                            std::holds_alternative<SendFile>(action) || std::holds_alternative<Ring>(action) ||
-                           std::holds_alternative<Cut>(action);
+                           std::holds_alternative<Cut>(action) || std::holds_alternative<Touchpad>(action);
     return !needsLink || link_.isUp();
 }
 
@@ -266,11 +266,11 @@ void Phone::perform(const Action& action) {
                    [this](const Expect& expect) { beginExpecting(expect); },
                    [this](const Cut&) { link_.cut(); },
                    [this](const Touchpad&) {
-                       note("arrows move, Enter clicks, letters are typed; Escape or ~. leaves");
                        touchpad_.emplace();
                        if (terminal_) {
                            terminal_->setRaw(true);
                        }
+                       note("arrows move, Enter clicks, letters are typed; Escape or ~. leaves");
                    },
                    [this](const Help&) { note(commandHelp()); },
                    [this](const Quit&) { leave(exitCode_); },
