@@ -106,7 +106,8 @@ void sendFiles(std::uint16_t port, int mebibytesPerSecond, const std::atomic<boo
         }
         phone.send(chunk);
         if (mebibytesPerSecond > 0) {
-            std::this_thread::sleep_until(start + std::chrono::seconds(1) * (sent + 1) / mebibytesPerSecond);
+            std::this_thread::sleep_until(start + std::chrono::nanoseconds(std::chrono::seconds(1)) *
+                                                      (sent + 1) / mebibytesPerSecond);
         }
     }
 }
@@ -133,7 +134,8 @@ bool measure(const char* name, std::uint16_t port, TimingInputEvents& events, in
     events.expect(moves);
     const auto start = Clock::now() + std::chrono::milliseconds(100);
     for (std::size_t index = 0; index < moves; ++index) {
-        std::this_thread::sleep_until(start + std::chrono::seconds(1) * index / movesPerSecond);
+        std::this_thread::sleep_until(start + std::chrono::nanoseconds(std::chrono::seconds(1)) * index /
+                                                  movesPerSecond);
         sentAt[index] = Clock::now();
         phone.send(R"({"action":"remote_control","command":"move","type":"mouse_move","dx":1.5,"dy":-0.5})");
     }

@@ -51,7 +51,7 @@ TEST_F(X11PointerMoves, KeepTheirFractions) {
 
 TEST_F(X11PointerMoves, StartFromWhereSomebodyElseHasMovedThePointer) {
     move(0.4, 0.4);
-    // Reading the position back puts the move behind us; the other connection could overtake it.
+    // Asking brings the move to the server before the other client's.
     ASSERT_TRUE(events_.makeEvent());
     server_.warpPointer(300, 300);
     move(0.4, 0.4);

@@ -39,7 +39,8 @@ public:
         edit_.setGeometry(50, 50, 500, 200);
         edit_.show();
         isReady_ = waitFor([this] { return edit_.windowHandle() && edit_.windowHandle()->isExposed(); });
-        server_.focus(static_cast<xcb_window_t>(edit_.winId()));
+        isReady_ =
+            isReady_ && waitFor([this] { return server_.focus(static_cast<xcb_window_t>(edit_.winId())); });
         isReady_ = isReady_ && waitFor([this] { return edit_.hasFocus(); });
     }
 
@@ -104,7 +105,7 @@ TEST_F(X11Typing, ArrivesExactlyInAGtkWindowTenTimesOfTen) {
         read();
         return window != XCB_NONE;
     }));
-    server_.focus(window);
+    ASSERT_TRUE(waitFor([&] { return server_.focus(window); }));
     for (int run = 0; run < runs; ++run) {
         type(sample);
         ASSERT_TRUE(waitFor([&] {
@@ -135,7 +136,8 @@ TEST_F(X11Typing, ArrivesExactlyInATerminalTenTimesOfTen) {
     ASSERT_TRUE(waitFor([&] { return QFileInfo::exists(windowPath); }));
     QFile windowFile(windowPath);
     ASSERT_TRUE(windowFile.open(QFile::ReadOnly));
-    server_.focus(windowFile.readAll().trimmed().toUInt());
+    const xcb_window_t window = windowFile.readAll().trimmed().toUInt();
+    ASSERT_TRUE(waitFor([&] { return server_.focus(window); }));
 
     QByteArray expected;
     QByteArray lines;

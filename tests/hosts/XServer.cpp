@@ -42,9 +42,17 @@ XServer::XServer() {
         xcb_input_xi_query_version_reply(server, xcb_input_xi_query_version(server, 2, 0), nullptr));
 }
 
-void XServer::focus(xcb_window_t window) {
-    xcb_set_input_focus(connection_.get(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
-    connection_.flush();
+bool XServer::focus(xcb_window_t window) {
+    xcb_connection_t* server = connection_.get();
+    const X11Reply<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(server, xcb_get_window_attributes(server, window), nullptr));
+    if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE) {
+        return false;
+    }
+    xcb_set_input_focus(server, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    // Keys that are sent from now on go there.
+    std::free(xcb_get_input_focus_reply(server, xcb_get_input_focus(server), nullptr));
+    return true;
 }
 
 std::vector<std::uint8_t> XServer::keymaps() {

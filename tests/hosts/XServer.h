@@ -14,7 +14,8 @@ class XServer {
 public:
     XServer();
 
-    void focus(xcb_window_t window);
+    /// Gives the keyboard to a window; false, and nothing happens, while it isn't on the screen.
+    bool focus(xcb_window_t window);
     /// Every part of the keymaps of all keyboards, as the server sends them.
     std::vector<std::uint8_t> keymaps();
     /// The keysyms of the core keyboard's first level that lie on some key.
