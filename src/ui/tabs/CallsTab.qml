@@ -72,7 +72,7 @@ FocusScope {
 
                             objectName: "dial" + modelData.digit
                             width: 70
-                            height: tab.height < 590 ? 58 : 70
+                            height: 70
                             focusPolicy: Qt.NoFocus
                             Accessible.role: Accessible.Button
                             Accessible.name: modelData.digit
@@ -126,7 +126,7 @@ FocusScope {
                     }
                     CircleButton {
                         objectName: "call"
-                        diameter: tab.height < 590 ? 60 : 72
+                        diameter: 72
                         symbolSize: 28
                         symbol: tab.texts.callSymbol
                         name: "Call"
