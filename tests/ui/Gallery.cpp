@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QFont>
-#include <QIcon>
 #include <QPainter>
 #include <QPalette>
 
@@ -349,7 +348,6 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: velloway-gallery FOLDER\n");
         return 2;
     }
-    QGuiApplication::setWindowIcon(QIcon(":/icon/velloway.svg"));
     qInstallMessageHandler(velloway::test::hear);
     return velloway::test::run(QString::fromLocal8Bit(argv[1])) == 0 ? 0 : 1;
 }

@@ -8,9 +8,11 @@
 #include "hosts/qt/QtWindows.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QQuickItem>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -56,6 +58,7 @@ public:
                        .host = on.host,
                        .log = on.log},
               [] {}) {
+        QGuiApplication::setWindowIcon(QIcon(":/icon/velloway.svg"));
         program.delegate().applicationDidFinishLaunching();
         on.drain();
         on.network.listener().report(ListenerState::ready);
@@ -71,11 +74,19 @@ public:
     ViewHarness(const ViewHarness&) = delete;
     ViewHarness& operator=(const ViewHarness&) = delete;
 
-    /// Lets both the program and its windows do what they have to do.
+    /// Lets both the program and its windows do what they have to do. Lists make their rows for a frame.
     void settle() {
         for (int turn = 0; turn < 4; ++turn) {
             on.drain();
             processPending();
+        }
+        if (ContentView* window = mainWindow(); window && window->isExposed()) {
+            bool isDrawn = false;
+            const auto connection =
+                QObject::connect(window, &QQuickWindow::frameSwapped, window, [&isDrawn] { isDrawn = true; });
+            window->update();
+            wait([&] { return isDrawn; });
+            QObject::disconnect(connection);
         }
     }
 
@@ -125,9 +136,15 @@ public:
         return qobject_cast<SettingsBridge*>(bridge)->view();
     }
 
+    /// Those that are visible, from top to bottom.
     static std::vector<QQuickItem*> all(const char* name, QQuickWindow* window = mainWindow()) {
         std::vector<QQuickItem*> found;
         collect(window->contentItem(), QString::fromLatin1(name), found);
+        // Lists keep rows that they have taken away, unseen, for later use.
+        std::erase_if(found, [](const QQuickItem* item) { return !item->isVisible(); });
+        std::stable_sort(found.begin(), found.end(), [](const QQuickItem* a, const QQuickItem* b) {
+            return a->mapToScene({}).y() < b->mapToScene({}).y();
+        });
         return found;
     }
     /// The first part of that name that is on screen, or null.

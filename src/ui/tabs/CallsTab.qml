@@ -195,6 +195,7 @@ FocusScope {
                     required property string symbol
                     required property string colorRole
 
+                    objectName: "recentCall"
                     width: list.width - 20
                     height: 48
                     radius: Theme.radius
@@ -243,8 +244,9 @@ FocusScope {
                     TapHandler { id: tap; onTapped: row.press() }
                 }
                 Label {
+                    objectName: "noRecentCalls"
                     visible: list.count === 0
-                    x: 10
+                    x: 20
                     y: 4
                     text: tab.texts.noRecentCalls
                     color: Theme.secondary

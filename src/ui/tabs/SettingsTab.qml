@@ -55,7 +55,7 @@ FocusScope {
                         spacing: 5
                         Symbol {
                             name: tab.status.battery ? tab.status.battery.symbol : ""
-                            size: 20
+                            size: 24
                             anchors.verticalCenter: parent.verticalCenter
                             tint: tab.status.battery ? Theme.named(tab.status.battery.color) : Theme.primary
                         }
