@@ -5,8 +5,8 @@ import QtQuick
 QtObject {
     id: theme
 
-    /// Set by the host, which follows the desktop.
-    property bool dark: false
+    readonly property SystemPalette desktop: SystemPalette {}
+    readonly property bool dark: desktop.window.hslLightness < 0.5
 
     readonly property color window: dark ? "#1f1f21" : "#f6f6f7"
     readonly property color sidebar: dark ? "#29292c" : "#ebebed"
@@ -61,7 +61,8 @@ QtObject {
     readonly property int caption: 11
     readonly property int caption2: 10
 
-    readonly property string monospaced: "Noto Sans Mono"
+    /// From the engine's set-up: every desktop has another.
+    readonly property string monospaced: fixedFontFamily
     readonly property int radius: 8
     readonly property int padding: 16
 }

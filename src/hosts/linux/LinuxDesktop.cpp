@@ -4,6 +4,7 @@
 #include "hosts/linux/StatusIcons.h"
 #include "hosts/linux/TraylessWindow.h"
 
+#include <QIcon>
 #include <QTimer>
 
 #include <filesystem>
@@ -15,6 +16,7 @@ LinuxDesktop::LinuxDesktop(int& argc, char** argv) : qtApplication(argc, argv) {
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Velloway"));
     QGuiApplication::setDesktopFileName(QStringLiteral("org.velloway.Velloway"));
     QGuiApplication::setQuitOnLastWindowClosed(false);
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/velloway.svg")));
 
     std::error_code error;
     const std::filesystem::path workingDirectory = std::filesystem::current_path(error);

@@ -8,10 +8,10 @@
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QPainterPath>
-#include <QPalette>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickStyle>
+#include <QQuickWindow>
 #include <QScreen>
 
 #include <utility>
@@ -21,10 +21,6 @@ namespace velloway {
 namespace {
 
 constexpr double cornerRadius = 12;
-
-bool desktopIsDark() {
-    return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
-}
 
 /// Positions of the port count from the bottom of the main screen, those of Qt from its top.
 int flipped(double y, int height) {
@@ -92,25 +88,22 @@ private:
 
 } // namespace
 
-/// The engine of the views, which follows the colours of the desktop. It lives as long as any window.
-class QtWindows::Engine : public QObject {
+/// The engine of the views. It lives as long as any window.
+class QtWindows::Engine {
 public:
     Engine() {
         QQuickStyle::setStyle(QStringLiteral("Basic"));
+        // These views are text on plain grounds, which the processor draws fast enough; a graphics driver in the
+        // process would take more memory than all the rest of it.
+        static const bool isBackendSet = [] {
+            QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+            return true;
+        }();
+        static_cast<void>(isBackendSet);
         prepareEngine(qml);
-        setDarkTheme(qml, desktopIsDark());
-        qApp->installEventFilter(this);
     }
 
     QQmlEngine qml;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange) {
-            setDarkTheme(qml, desktopIsDark());
-        }
-        return QObject::eventFilter(watched, event);
-    }
 };
 
 namespace {
@@ -123,9 +116,8 @@ public:
     ~QtWindow() override {
         // A press on one of its own buttons can end a window; its view must outlive the handling of the press.
         view_->hide();
+        QObject::connect(view_.get(), &QObject::destroyed, [engine = engine_] {});
         view_.release()->deleteLater();
-        QMetaObject::invokeMethod(
-            qApp, [engine = engine_] {}, Qt::QueuedConnection);
     }
 
     bool isVisible() const override { return view_->isVisible(); }
@@ -179,7 +171,10 @@ void roundCorners(ContentView& view) {
 
 QtWindows::QtWindows() = default;
 
-QtWindows::~QtWindows() = default;
+QtWindows::~QtWindows() {
+    // No event loop may come after this that would delete the views of windows that have gone.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
 
 const std::shared_ptr<QtWindows::Engine>& QtWindows::engine() {
     if (!engine_) {

@@ -6,9 +6,14 @@
 
 #include <QGuiApplication>
 #include <QFont>
+#include <QFontDatabase>
 #include <QIcon>
+#include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickImageProvider>
+
+/// Generated with the module. Called by name, it stays in programs that link this library statically.
+void qml_register_types_Velloway();
 
 namespace velloway {
 
@@ -34,20 +39,16 @@ QUrl viewFile(const char* name) {
 } // namespace
 
 void prepareEngine(QQmlEngine& engine) {
+    qml_register_types_Velloway();
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("symbol"), new SymbolProvider);
     engine.addImageProvider(QStringLiteral("application-icon"), new ApplicationIconProvider);
+    engine.rootContext()->setContextProperty(QStringLiteral("fixedFontFamily"),
+                                             QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
     QFont font = QGuiApplication::font();
     font.setFamilies(
         {QStringLiteral("Inter"), QStringLiteral("Noto Sans"), QStringLiteral("Noto Color Emoji")});
     QGuiApplication::setFont(font);
-}
-
-void setDarkTheme(QQmlEngine& engine, bool isDark) {
-    const int type = qmlTypeId("Velloway", 1, 0, "Theme");
-    if (auto* theme = engine.singletonInstance<QObject*>(type)) {
-        theme->setProperty("dark", isDark);
-    }
 }
 
 struct ContentView::Bridges {

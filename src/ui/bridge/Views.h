@@ -13,9 +13,6 @@ namespace velloway {
 /// Sets up an engine for the views: their images, and fonts that cover every script. Once per engine.
 void prepareEngine(QQmlEngine& engine);
 
-/// The form of the theme that every view of the engine shows.
-void setDarkTheme(QQmlEngine& engine, bool isDark);
-
 /// A window with the view of one of the core's values in it, not yet shown. The engine must outlive it.
 class ContentView : public QQuickView {
     Q_OBJECT

@@ -10,6 +10,8 @@ Item {
     property string symbol
     property color symbolTint: Theme.primary
     property bool last: false
+    /// The value takes all the room beside the label.
+    property bool wide: false
     default property alias value: holder.data
 
     width: parent ? parent.width : 0
@@ -29,14 +31,14 @@ Item {
             visible: row.title
             text: row.title
             Layout.alignment: Qt.AlignVCenter
+            Layout.preferredWidth: row.wide ? 96 : -1
         }
-        Item { Layout.fillWidth: true; visible: row.title !== "" && !holder.fills }
+        Item { Layout.fillWidth: true; visible: row.title !== "" && !row.wide }
         RowLayout {
             id: holder
 
-            property bool fills: children.length === 1 && children[0].Layout.fillWidth
             spacing: 8
-            Layout.fillWidth: fills
+            Layout.fillWidth: row.wide
             Layout.alignment: Qt.AlignVCenter
         }
     }

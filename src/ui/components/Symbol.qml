@@ -10,8 +10,6 @@ Image {
 
     width: size
     height: size
-    implicitWidth: size
-    implicitHeight: size
     sourceSize: Qt.size(Math.ceil(size * Screen.devicePixelRatio), Math.ceil(size * Screen.devicePixelRatio))
     source: name ? "image://symbol/" + name + "/" + tint.toString().slice(1) : ""
     Accessible.ignored: true

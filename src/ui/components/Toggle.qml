@@ -8,6 +8,8 @@ Switch {
     property string name
 
     padding: 0
+    implicitWidth: 38
+    implicitHeight: 22
     spacing: 0
     Accessible.role: Accessible.CheckBox
     Accessible.name: name

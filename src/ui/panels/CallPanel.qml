@@ -17,7 +17,12 @@ Item {
 
     Rectangle {
         anchors.fill: parent
-        radius: root.translucent ? 12 : 0
+        visible: !root.translucent
+        color: Theme.panelOpaque
+    }
+    Rectangle {
+        anchors.fill: parent
+        radius: 12
         antialiasing: true
         color: root.translucent ? Theme.panel : Theme.panelOpaque
         border.width: 1

@@ -9,6 +9,7 @@ Item {
     required property string time
     required property bool isOutgoing
 
+    objectName: "bubble"
     height: ground.height + stamp.height + 12
     Accessible.role: Accessible.ListItem
     Accessible.name: body + ", " + time
@@ -18,7 +19,7 @@ Item {
 
         x: bubble.isOutgoing ? bubble.width - width - 14 : 14
         y: 4
-        width: Math.min(content.implicitWidth + 26, bubble.width * 0.72)
+        width: Math.min(content.implicitWidth + 26, bubble.width * 0.72, 560)
         height: content.contentHeight + 16
         radius: 16
         antialiasing: true
@@ -28,6 +29,7 @@ Item {
         SelectableText {
             id: content
 
+            objectName: "body"
             x: 12
             y: 8
             width: parent.width - 24

@@ -72,7 +72,7 @@ FocusScope {
 
                             objectName: "dial" + modelData.digit
                             width: 70
-                            height: tab.height < 590 ? 58 : 70
+                            height: 70
                             focusPolicy: Qt.NoFocus
                             Accessible.role: Accessible.Button
                             Accessible.name: modelData.digit
@@ -126,7 +126,7 @@ FocusScope {
                     }
                     CircleButton {
                         objectName: "call"
-                        diameter: tab.height < 590 ? 60 : 72
+                        diameter: 72
                         symbolSize: 28
                         symbol: tab.texts.callSymbol
                         name: "Call"
@@ -195,6 +195,7 @@ FocusScope {
                     required property string symbol
                     required property string colorRole
 
+                    objectName: "recentCall"
                     width: list.width - 20
                     height: 48
                     radius: Theme.radius
@@ -243,8 +244,9 @@ FocusScope {
                     TapHandler { id: tap; onTapped: row.press() }
                 }
                 Label {
+                    objectName: "noRecentCalls"
                     visible: list.count === 0
-                    x: 10
+                    x: 20
                     y: 4
                     text: tab.texts.noRecentCalls
                     color: Theme.secondary

@@ -84,6 +84,9 @@ ColumnLayout {
             id: list
 
             property int lastCount: -1
+            /// Rows that come into being change the estimate of the whole height; until the user scrolls away, the end
+            /// stays in sight all the same.
+            property bool followsEnd: true
             property string shownFor: chat.bridge.fields.activeRecipient || ""
 
             objectName: "messages"
@@ -92,17 +95,20 @@ ColumnLayout {
             reuseItems: true
             cacheBuffer: 400
             boundsBehavior: Flickable.StopAtBounds
-            topMargin: 8
-            bottomMargin: 8
+            header: Item { height: 8 }
+            footer: Item { height: 8 }
             activeFocusOnTab: true
             model: chat.bridge.bubbles
-            ScrollBar.vertical: ThinScrollBar {}
+            ScrollBar.vertical: ThinScrollBar { onPressedChanged: if (pressed) list.followsEnd = false }
             Accessible.role: Accessible.List
             Accessible.name: chat.header ? chat.header.name : ""
             Keys.onUpPressed: flick(0, 600)
             Keys.onDownPressed: flick(0, -600)
             delegate: Bubble { width: list.width }
 
+            onMovementStarted: followsEnd = false
+            onMovementEnded: followsEnd = atYEnd
+            onContentHeightChanged: if (followsEnd && !scroll.running) Qt.callLater(positionViewAtEnd)
             onShownForChanged: {
                 lastCount = -1
                 Qt.callLater(toEnd)
@@ -114,6 +120,7 @@ ColumnLayout {
             function toEnd() {
                 const animated = lastCount >= 0 && lastCount !== count
                 lastCount = count
+                followsEnd = true
                 scroll.stop()
                 if (!animated) {
                     positionViewAtEnd()

@@ -75,9 +75,9 @@ FocusScope {
         ColumnLayout {
             id: page
 
-            x: 20
+            x: Math.max(20, (flick.width - width) / 2)
             y: 20
-            width: flick.width - 40
+            width: Math.min(flick.width - 40, 820)
             spacing: 30
 
             Rectangle {
@@ -165,7 +165,7 @@ FocusScope {
             Block {
                 title: tab.texts.navigation
                 RowLayout {
-                    spacing: 20
+                    spacing: 16
                     ColumnLayout {
                         Layout.alignment: Qt.AlignTop
                         spacing: 8
@@ -191,7 +191,7 @@ FocusScope {
                         GroupTitle { text: tab.texts.core }
                         Repeater {
                             model: tab.buttons("core")
-                            Command { required property var modelData; entry: modelData; alignLeft: true; implicitWidth: 156 }
+                            Command { required property var modelData; entry: modelData; alignLeft: true; leftPadding: 10; rightPadding: 10; implicitWidth: 150 }
                         }
                     }
                     Separator { vertical: true; Layout.fillHeight: true }
@@ -201,7 +201,7 @@ FocusScope {
                         GroupTitle { text: tab.texts.system }
                         Repeater {
                             model: tab.buttons("system")
-                            Command { required property var modelData; entry: modelData; alignLeft: true; implicitWidth: 156 }
+                            Command { required property var modelData; entry: modelData; alignLeft: true; leftPadding: 10; rightPadding: 10; implicitWidth: 150 }
                         }
                     }
                     Item { Layout.fillWidth: true }

@@ -19,25 +19,30 @@ FocusScope {
 
             FormRow {
                 title: tab.texts.status
+                wide: true
                 RowLayout {
                     spacing: 9
                     visible: tab.status.isConnected
-                    Layout.fillWidth: tab.status.isConnected
-                    Item { Layout.fillWidth: true }
+                    Layout.fillWidth: true
                     Symbol {
                         name: tab.status.symbol
                         size: 18
                         tint: Theme.named(tab.status.color)
                     }
                     Column {
+                        Layout.fillWidth: true
                         Label {
                             objectName: "deviceName"
                             visible: tab.status.headline !== null
+                            width: parent.width
+                            elide: Text.ElideRight
                             text: tab.status.headline || ""
                             font.weight: Font.DemiBold
                         }
                         Label {
                             objectName: "statusDetail"
+                            width: parent.width
+                            elide: Text.ElideRight
                             text: tab.status.detail
                             color: Theme.secondary
                             font.pixelSize: Theme.caption
@@ -50,7 +55,7 @@ FocusScope {
                         spacing: 5
                         Symbol {
                             name: tab.status.battery ? tab.status.battery.symbol : ""
-                            size: 20
+                            size: 24
                             anchors.verticalCenter: parent.verticalCenter
                             tint: tab.status.battery ? Theme.named(tab.status.battery.color) : Theme.primary
                         }
@@ -64,8 +69,7 @@ FocusScope {
                 }
                 ColumnLayout {
                     visible: !tab.status.isConnected
-                    Layout.fillWidth: !tab.status.isConnected
-                    Layout.leftMargin: 60
+                    Layout.fillWidth: true
                     spacing: 4
                     RowLayout {
                         spacing: 6

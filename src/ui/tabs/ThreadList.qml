@@ -53,11 +53,12 @@ Item {
                 id: search
 
                 objectName: "search"
-                anchors { fill: parent; leftMargin: 26; rightMargin: 26 }
+                anchors { fill: parent; leftMargin: 25; rightMargin: clear.visible ? 26 : 2 }
                 background: null
                 padding: 4
                 color: Theme.primary
                 font.pixelSize: Theme.body
+                leftPadding: 3
                 placeholderText: column.texts.searchPlaceholder
                 placeholderTextColor: Theme.tertiary
                 selectByMouse: true
@@ -68,6 +69,8 @@ Item {
                 Accessible.name: placeholderText
             }
             PlainButton {
+                id: clear
+
                 objectName: "clearSearch"
                 visible: column.shown.showsClearSearch
                 anchors { right: parent.right; rightMargin: 4; verticalCenter: parent.verticalCenter }

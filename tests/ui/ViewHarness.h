@@ -1,0 +1,227 @@
+#pragma once
+
+#include "app/Program.h"
+#include "bridge/SettingsBridge.h"
+#include "bridge/Views.h"
+#include "desktop/WaitFor.h"
+#include "fakes/FakePlatform.h"
+#include "hosts/qt/QtWindows.h"
+
+#include <QGuiApplication>
+#include <QIcon>
+#include <QQuickItem>
+#include <QTest>
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velloway::test {
+
+/// The parts of a view, by the names that it gives them. A list's rows share a name; `row` tells them apart.
+inline void collect(QQuickItem* from, const QString& name, std::vector<QQuickItem*>& found) {
+    if (from->objectName() == name) {
+        found.push_back(from);
+    }
+    for (QQuickItem* child : from->childItems()) {
+        collect(child, name, found);
+    }
+}
+
+inline bool isShown(const QQuickItem* item) {
+    return item->isVisible() && item->width() > 0 && item->height() > 0;
+}
+
+/// The whole program on fakes, but for the windows, which are real ones with the real views. A phone is
+/// connected from the start.
+class ViewHarness {
+public:
+    ViewHarness()
+        : program(
+              Platform{.mainQueue = on.main,
+                       .serverQueue = on.server,
+                       .network = on.network,
+                       .userDefaults = on.userDefaults,
+                       .notificationCenter = on.notificationCenter,
+                       .pasteboard = on.pasteboard,
+                       .inputEvents = on.input,
+                       .scripts = on.scripts,
+                       .accessibility = on.accessibility,
+                       .loginItem = on.loginItem,
+                       .statusItem = on.statusItem,
+                       .application = on.application,
+                       .windows = windows,
+                       .workspace = on.workspace,
+                       .host = on.host,
+                       .log = on.log},
+              [] {}) {
+        QGuiApplication::setWindowIcon(QIcon(":/icon/velloway.svg"));
+        program.delegate().applicationDidFinishLaunching();
+        on.drain();
+        on.network.listener().report(ListenerState::ready);
+        phone = std::make_shared<FakeConnection>(
+            Endpoint{.host = "192.168.1.20", .description = "192.168.1.20:50000"}, &on.journal);
+        on.network.listener().connect(phone);
+        phone->report(ConnectionState::ready);
+        on.drain();
+        takeSent();
+    }
+
+    ~ViewHarness() { phone->report(ConnectionState::cancelled); }
+    ViewHarness(const ViewHarness&) = delete;
+    ViewHarness& operator=(const ViewHarness&) = delete;
+
+    /// Lets both the program and its windows do what they have to do. Lists make their rows for a frame.
+    void settle() {
+        for (int turn = 0; turn < 4; ++turn) {
+            on.drain();
+            processPending();
+        }
+        if (ContentView* window = mainWindow(); window && window->isExposed()) {
+            bool isDrawn = false;
+            const auto connection =
+                QObject::connect(window, &QQuickWindow::frameSwapped, window, [&isDrawn] { isDrawn = true; });
+            window->update();
+            wait([&] { return isDrawn; });
+            QObject::disconnect(connection);
+        }
+    }
+
+    template <class Condition> bool wait(Condition condition) {
+        return waitFor([&] {
+            on.drain();
+            return condition();
+        });
+    }
+
+    /// Opens the main window on a tab and waits until it takes keys.
+    ContentView& open(int tab) {
+        program.delegate().showSettings(tab);
+        ContentView* window = mainWindow();
+        if (!window || !wait([&] { return window->isExposed(); })) {
+            throw std::runtime_error("the main window did not come up");
+        }
+        window->requestActivate();
+        wait([&] { return window->isActive(); });
+        settle();
+        return *window;
+    }
+
+    static std::vector<ContentView*> windowsOnScreen(bool panels) {
+        std::vector<ContentView*> found;
+        for (QWindow* window : QGuiApplication::topLevelWindows()) {
+            auto* view = qobject_cast<ContentView*>(window);
+            if (view && view->rootObject() &&
+                (view->rootObject()->property("ringing").isValid()) == panels && view->isVisible()) {
+                found.push_back(view);
+            }
+        }
+        return found;
+    }
+    static ContentView* mainWindow() {
+        const auto found = windowsOnScreen(false);
+        return found.empty() ? nullptr : found.front();
+    }
+    static ContentView* panel() {
+        const auto found = windowsOnScreen(true);
+        return found.empty() ? nullptr : found.back();
+    }
+
+    /// The state behind the main window.
+    SettingsView& state() {
+        auto* bridge = mainWindow()->rootObject()->property("bridge").value<QObject*>();
+        return qobject_cast<SettingsBridge*>(bridge)->view();
+    }
+
+    /// Those that are visible, from top to bottom.
+    static std::vector<QQuickItem*> all(const char* name, QQuickWindow* window = mainWindow()) {
+        std::vector<QQuickItem*> found;
+        collect(window->contentItem(), QString::fromLatin1(name), found);
+        // Lists keep rows that they have taken away, unseen, for later use.
+        std::erase_if(found, [](const QQuickItem* item) { return !item->isVisible(); });
+        std::stable_sort(found.begin(), found.end(), [](const QQuickItem* a, const QQuickItem* b) {
+            return a->mapToScene({}).y() < b->mapToScene({}).y();
+        });
+        return found;
+    }
+    /// The first part of that name that is on screen, or null.
+    static QQuickItem* part(const char* name, QQuickWindow* window = mainWindow()) {
+        for (QQuickItem* item : all(name, window)) {
+            if (isShown(item)) {
+                return item;
+            }
+        }
+        return nullptr;
+    }
+    static bool shows(const char* name, QQuickWindow* window = mainWindow()) { return part(name, window) != nullptr; }
+    static QString text(const char* name, QQuickWindow* window = mainWindow()) {
+        QQuickItem* item = part(name, window);
+        return item ? item->property("text").toString() : QStringLiteral("(not there)");
+    }
+
+    void click(QQuickItem* item) {
+        if (!item || !isShown(item)) {
+            throw std::runtime_error("there is nothing to click on");
+        }
+        const QPoint at = item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
+        if (!QRect(QPoint(), item->window()->size()).contains(at)) {
+            throw std::runtime_error(item->objectName().toStdString() + " is out of sight");
+        }
+        QTest::mouseClick(item->window(), Qt::LeftButton, {}, at);
+        settle();
+    }
+    void click(const char* name) {
+        QQuickItem* item = part(name);
+        if (!item) {
+            throw std::runtime_error(std::string("not on screen: ") + name);
+        }
+        click(item);
+    }
+
+    void key(int key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(mainWindow(), static_cast<Qt::Key>(key), modifiers);
+        settle();
+    }
+    /// Key presses for every character; the toolkit's own helper has no text for some of them.
+    void type(const QString& text) {
+        for (const QChar c : text) {
+            QKeyEvent press(QEvent::KeyPress, c.unicode() < 128 ? c.toUpper().unicode() : 0, Qt::NoModifier, QString(c));
+            QGuiApplication::sendEvent(mainWindow(), &press);
+            QKeyEvent release(QEvent::KeyRelease, press.key(), Qt::NoModifier, QString(c));
+            QGuiApplication::sendEvent(mainWindow(), &release);
+        }
+        settle();
+    }
+    void holdKey(int key, const QString& text, int repeats) {
+        for (int i = 0; i <= repeats; ++i) {
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text, i > 0);
+            QGuiApplication::sendEvent(mainWindow(), &press);
+        }
+        settle();
+    }
+
+    void receive(std::string_view message) {
+        phone->deliver(message);
+        settle();
+    }
+
+    /// What the phone has got since the last call.
+    std::vector<std::string> takeSent() {
+        on.drain();
+        std::vector<std::string> texts;
+        for (const auto& sent : std::exchange(phone->sent, {})) {
+            texts.push_back(sent.text);
+        }
+        return texts;
+    }
+
+    FakePlatform on;
+    QtWindows windows;
+    Program program;
+    std::shared_ptr<FakeConnection> phone;
+};
+
+} // namespace velloway::test
