@@ -49,12 +49,7 @@ private:
     std::vector<std::string> notes_;
 };
 
-struct Implementation {
-    const char* name;
-    std::unique_ptr<NetworkWorld> (*make)();
-};
-
-class NetworkContract : public testing::TestWithParam<Implementation> {
+class NetworkContract : public testing::TestWithParam<NetworkImplementation> {
 protected:
     ~NetworkContract() override {
         // What the callbacks hold goes before the world that they came from.
@@ -468,9 +463,7 @@ TEST_P(NetworkContract, a_connection_that_is_dropped_ends_without_a_callback) {
     EXPECT_THAT(notes.all(), ElementsAre("preparing", "ready"));
 }
 
-INSTANTIATE_TEST_SUITE_P(, NetworkContract,
-                         testing::Values(Implementation{"Fake", makeFakeNetworkWorld},
-                                         Implementation{"Linux", makeLinuxNetworkWorld}),
+INSTANTIATE_TEST_SUITE_P(, NetworkContract, testing::ValuesIn(networkImplementations()),
                          [](const auto& it) { return std::string(it.param.name); });
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace velloway::test {
 
@@ -38,6 +39,14 @@ public:
     /// How an endpoint of this world names itself.
     virtual std::string hostOfPeers() const = 0;
 };
+
+struct NetworkImplementation {
+    const char* name;
+    std::unique_ptr<NetworkWorld> (*make)();
+};
+
+/// What the cases of this program run over.
+std::vector<NetworkImplementation> networkImplementations();
 
 std::unique_ptr<NetworkWorld> makeFakeNetworkWorld();
 std::unique_ptr<NetworkWorld> makeLinuxNetworkWorld();

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "hosts/mac/NativeRef.h"
+#include "platform/Network.h"
+
+namespace velloway {
+
+/// One accepted WebSocket of the Network framework. Its queue must be a `MacDispatchQueue`.
+class MacConnection final : public NetworkConnection {
+public:
+    /// Adds a reference to `accepted`, which must not have been started.
+    explicit MacConnection(nw_connection_t _Nonnull accepted);
+    ~MacConnection() override;
+
+    void setStateHandler(StateHandler handler) override;
+    void start(DispatchQueue& queue) override;
+    void cancel() override;
+    Endpoint endpoint() const override;
+    void receiveMessage(ReceiveCompletion completion) override;
+    void send(SharedText text, std::string_view identifier, SendCompletion completion) override;
+
+private:
+    struct Shared;
+
+    NetworkRef<nw_connection_t> connection_;
+    /// What the framework's blocks hold in place of this object.
+    std::shared_ptr<Shared> shared_;
+};
+
+} // namespace velloway

@@ -1,0 +1,56 @@
+#include "hosts/mac/MacNetworkError.h"
+
+#include "hosts/mac/NativeRef.h"
+
+namespace velloway {
+
+namespace {
+
+const char* nameOf(nw_error_domain_t domain) {
+    switch (domain) {
+    case nw_error_domain_posix:
+        return "POSIX";
+    case nw_error_domain_dns:
+        return "DNS";
+    case nw_error_domain_tls:
+        return "TLS";
+    case nw_error_domain_invalid:
+        break;
+    }
+    return "unknown";
+}
+
+std::string textOf(CFStringRef string) {
+    const CFIndex size =
+        CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
+    std::string text(static_cast<std::size_t>(size), '\0');
+    if (!CFStringGetCString(string, text.data(), size, kCFStringEncodingUTF8)) {
+        return {};
+    }
+    text.resize(text.find('\0'));
+    return text;
+}
+
+std::string localizedDescriptionOf(nw_error_t error) {
+    const auto general = CoreFoundationRef<CFErrorRef>::adopt(nw_error_copy_cf_error(error));
+    const auto text = CoreFoundationRef<CFStringRef>::adopt(CFErrorCopyDescription(general.get()));
+    return text ? textOf(text.get()) : std::string();
+}
+
+} // namespace
+
+std::optional<NetworkError> networkErrorFrom(nw_error_t error) {
+    if (error == nullptr) {
+        return std::nullopt;
+    }
+    std::string code = std::string(nameOf(nw_error_get_error_domain(error))) + " error " +
+                       std::to_string(nw_error_get_error_code(error));
+    std::string localized = localizedDescriptionOf(error);
+    if (localized.empty()) {
+        return NetworkError{.localizedDescription = code, .description = code};
+    }
+    std::string description = code + ": " + localized;
+    return NetworkError{.localizedDescription = std::move(localized), .description = std::move(description)};
+}
+
+} // namespace velloway

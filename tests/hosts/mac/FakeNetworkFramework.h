@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace velloway::test {
+
+/// What the framework was asked to do, and what it should do next.
+struct FakeNetworkFramework {
+    std::vector<std::string> calls;
+    bool refusesListeners = false;
+    /// How the far ends of new connections show themselves.
+    enum class EndpointKind { address, host, service } endpointKind = EndpointKind::address;
+    std::string address = "10.0.0.7";
+    /// In how many regions the bytes of a message come.
+    std::size_t regions = 1;
+};
+extern FakeNetworkFramework fakeNetworkFramework;
+
+/// The phone's end of one connection. Its operations take effect when the queue runs.
+class FakePhone {
+public:
+    struct Frame {
+        std::string text;
+        std::string identifier;
+        int opcode = 0;
+        bool isComplete = false;
+        /// Where the bytes lay when they were handed over.
+        const char* at = nullptr;
+    };
+
+    /// What has reached the phone.
+    struct FarEnd {
+        std::deque<Frame> frames;
+        bool isEnded = false;
+    };
+
+    virtual ~FakePhone() = default;
+    virtual void shakeHands() = 0;
+    virtual void sends(const std::string& bytes, bool isWholeMessage = true, bool hasMetadata = true) = 0;
+    virtual void fails(int posixCode) = 0;
+
+    const std::shared_ptr<FarEnd> farEnd = std::make_shared<FarEnd>();
+};
+
+/// Connects to what listens on `port`; null when nothing does.
+std::shared_ptr<FakePhone> dialFake(std::uint16_t port);
+
+} // namespace velloway::test

@@ -1,0 +1,116 @@
+#include "hosts/mac/FakeCoreFoundation.h"
+#include "hosts/mac/FakeCoreGraphics.h"
+#include "hosts/mac/FakeObject.h"
+#include "hosts/mac/MacAccessibility.h"
+#include "hosts/mac/MacInputEvents.h"
+#include "remote/InputInjection.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace velloway::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr std::string_view commandAndShift[] = {"cmd", "shift"};
+
+/// The injection rules of the core over the adapters, so that whole sequences are seen.
+std::vector<PostedEvent> postedBy(const std::function<void(InputInjection&)>& act, int failsAt = -1) {
+    const int aliveBefore = FakeObject::alive;
+    fakeCoreGraphics = {.failsAt = failsAt};
+    {
+        MacInputEvents events;
+        InputInjection injection(events);
+        act(injection);
+    }
+    EXPECT_EQ(FakeObject::alive, aliveBefore) << "sources or events are leaked";
+    return fakeCoreGraphics.posted;
+}
+
+PostedEvent key(const char* kind, int code, std::uint64_t flags = 0) {
+    return {.kind = kind, .tap = 0, .sourceState = 1, .key = code, .flags = flags};
+}
+
+PostedEvent mouse(int type, int button, double x, double y) {
+    return {.kind = "mouse", .tap = 0, .mouseType = type, .button = button, .x = x, .y = y};
+}
+
+TEST(MacInputTest, a_key_is_a_press_and_a_release_with_the_same_flags_at_the_hardware_tap) {
+    EXPECT_THAT(postedBy([](auto& injection) { injection.sendCGKey(123, commandAndShift); }),
+                ElementsAre(key("key down", 123, 0x120000), key("key up", 123, 0x120000)));
+}
+
+TEST(MacInputTest, a_key_posts_nothing_when_any_of_its_parts_can_not_be_made) {
+    for (int part = 0; part < 3; ++part) {
+        EXPECT_THAT(postedBy([](auto& injection) { injection.sendCGKey(36, {}); }, part), IsEmpty()) << part;
+    }
+}
+
+TEST(MacInputTest, a_text_goes_whole_onto_the_press_alone_and_sets_no_flags) {
+    PostedEvent down = key("key down", 0);
+    down.text = u"a\U0001F600";
+    down.timesTextWasSet = 1;
+    EXPECT_THAT(postedBy([](auto& injection) { injection.sendUnicodeText("a\U0001F600"); }),
+                ElementsAre(down, key("key up", 0)));
+}
+
+TEST(MacInputTest, a_long_text_and_an_empty_one_are_one_press_and_one_release_too) {
+    const auto longText =
+        postedBy([](auto& injection) { injection.sendUnicodeText(std::string(10'000, 'x')); });
+    ASSERT_THAT(longText, SizeIs(2));
+    EXPECT_EQ(longText[0].text.size(), 10'000u);
+    const auto emptyText = postedBy([](auto& injection) { injection.sendUnicodeText(""); });
+    ASSERT_THAT(emptyText, SizeIs(2));
+    EXPECT_EQ(emptyText[0].timesTextWasSet, 1);
+}
+
+TEST(MacInputTest, a_text_whose_release_can_not_be_made_leaves_its_press_posted) {
+    const auto type = [](InputInjection& injection) { injection.sendUnicodeText("a"); };
+    EXPECT_THAT(postedBy(type, 0), IsEmpty());
+    EXPECT_THAT(postedBy(type, 1), IsEmpty());
+    const auto posted = postedBy(type, 2);
+    ASSERT_THAT(posted, SizeIs(1));
+    EXPECT_EQ(posted[0].kind, "key down");
+}
+
+TEST(MacInputTest, the_pointer_moves_from_where_it_is_by_fractions_and_off_the_screen) {
+    EXPECT_THAT(postedBy([](auto& injection) { injection.movePointer(1.5, -300); }),
+                ElementsAre(mouse(5, 0, 101.5, -100)));
+    for (int part = 0; part < 2; ++part) {
+        EXPECT_THAT(postedBy([](auto& injection) { injection.movePointer(1, 1); }, part), IsEmpty());
+    }
+}
+
+TEST(MacInputTest, a_click_is_pressed_and_released_where_the_pointer_is) {
+    EXPECT_THAT(postedBy([](auto& injection) { injection.click("right"); }),
+                ElementsAre(mouse(3, 1, 100, 200), mouse(4, 1, 100, 200)));
+    EXPECT_THAT(postedBy([](auto& injection) { injection.click("middle"); }),
+                ElementsAre(mouse(1, 0, 100, 200), mouse(2, 0, 100, 200)));
+    for (int part = 0; part < 3; ++part) {
+        EXPECT_THAT(postedBy([](auto& injection) { injection.click("left"); }, part), IsEmpty()) << part;
+    }
+}
+
+TEST(MacAccessibilityTest, asks_without_a_prompt_unless_told_to_prompt) {
+    const int aliveBefore = FakeObject::alive;
+    fakeAccessibility = {};
+    MacAccessibility accessibility;
+    EXPECT_FALSE(accessibility.isTrusted());
+    EXPECT_EQ(fakeAccessibility.questions, 1);
+    EXPECT_EQ(fakeAccessibility.prompts, 0);
+    EXPECT_FALSE(accessibility.isTrustedWithPrompt());
+    EXPECT_EQ(fakeAccessibility.questions, 2);
+    EXPECT_EQ(fakeAccessibility.prompts, 1);
+    fakeAccessibility.isTrusted = true;
+    EXPECT_TRUE(accessibility.isTrusted());
+    EXPECT_TRUE(accessibility.isTrustedWithPrompt());
+    EXPECT_EQ(FakeObject::alive, aliveBefore);
+}
+
+} // namespace
+} // namespace velloway::test

@@ -1,0 +1,216 @@
+#include "hosts/mac/MacNetwork.h"
+#include "hosts/mac/FakeDispatch.h"
+#include "hosts/mac/FakeNetworkFramework.h"
+#include "hosts/mac/FakeObject.h"
+#include "hosts/mac/MacDispatchQueue.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+namespace velloway::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+class MacNetworkTest : public testing::Test {
+protected:
+    MacNetworkTest() { fakeNetworkFramework = {}; }
+    ~MacNetworkTest() override {
+        connection.reset();
+        listener.reset();
+        phone.reset();
+        fakeDispatch::runAll();
+        queue.reset();
+        EXPECT_EQ(FakeObject::alive, aliveBefore) << "objects of the platform are leaked";
+    }
+
+    std::shared_ptr<NetworkListener> make() {
+        return network.makeListener({.port = 8765, .allowLocalEndpointReuse = true, .autoReplyPing = true},
+                                    error);
+    }
+    /// A connection that is ready, and its phone.
+    void connect() {
+        listener = make();
+        listener->setNewConnectionHandler([this](auto accepted) { connection = std::move(accepted); });
+        listener->start(*queue);
+        fakeDispatch::runAll();
+        phone = dialFake(8765);
+        fakeDispatch::runAll();
+        connection->start(*queue);
+        phone->shakeHands();
+        fakeDispatch::runAll();
+    }
+    ReceivedContent receive(std::string* bytes) {
+        ReceivedContent got;
+        connection->receiveMessage([&](const ReceivedContent& content) {
+            *bytes = content.bytes.value_or("nothing");
+            got = content;
+        });
+        fakeDispatch::runAll();
+        return got;
+    }
+
+    const int aliveBefore = FakeObject::alive;
+    MacNetwork network;
+    std::unique_ptr<MacDispatchQueue> queue = std::make_unique<MacDispatchQueue>("ws.server");
+    NetworkError error;
+    std::shared_ptr<NetworkListener> listener;
+    std::shared_ptr<FakePhone> phone;
+    std::shared_ptr<NetworkConnection> connection;
+};
+
+TEST_F(MacNetworkTest, asks_for_plain_tcp_with_websockets_on_top_and_nothing_else) {
+    listener = make();
+    listener->setStateHandler([](ListenerState, const auto&) {});
+    listener->start(*queue);
+    listener->cancel();
+    EXPECT_THAT(fakeNetworkFramework.calls,
+                ElementsAre("parameters tls=off tcp=default", "reuse local address yes",
+                            "prepend websocket 13 with pongs",
+                            "listener on 8765: websocket 13 with pongs, reuse", "listener queue",
+                            "listener state handler", "new connection handler", "listener start",
+                            "listener cancel"));
+}
+
+TEST_F(MacNetworkTest, a_listener_that_the_platform_refuses_is_an_error_with_a_text) {
+    fakeNetworkFramework.refusesListeners = true;
+    EXPECT_EQ(make(), nullptr);
+    EXPECT_EQ(error.localizedDescription, "The listener could not be created");
+}
+
+TEST_F(MacNetworkTest, any_port_number_is_taken) {
+    EXPECT_TRUE(network.acceptsPort(0));
+    EXPECT_TRUE(network.acceptsPort(65535));
+}
+
+TEST_F(MacNetworkTest, another_version_of_websockets_is_refused) {
+    EXPECT_EQ(network.makeListener({.port = 1, .webSocketVersion = 8}, error), nullptr);
+    EXPECT_FALSE(error.localizedDescription.empty());
+}
+
+TEST_F(MacNetworkTest, a_message_in_several_regions_comes_in_one_piece) {
+    connect();
+    fakeNetworkFramework.regions = 7;
+    phone->sends("abcdefghijklmnopqrstuvwxyz");
+    std::string bytes;
+    const ReceivedContent got = receive(&bytes);
+    EXPECT_EQ(bytes, "abcdefghijklmnopqrstuvwxyz");
+    EXPECT_TRUE(got.hasWebSocketMetadata);
+    EXPECT_TRUE(got.isComplete);
+    EXPECT_FALSE(got.error);
+}
+
+TEST_F(MacNetworkTest, an_incomplete_block_without_metadata_is_passed_through_as_such) {
+    connect();
+    phone->sends("part", false, false);
+    std::string bytes;
+    const ReceivedContent got = receive(&bytes);
+    EXPECT_EQ(bytes, "part");
+    EXPECT_FALSE(got.hasWebSocketMetadata);
+    EXPECT_FALSE(got.isComplete);
+}
+
+TEST_F(MacNetworkTest, a_receive_error_brings_no_bytes_and_both_texts) {
+    connect();
+    phone->fails(ECONNRESET);
+    std::string bytes;
+    const ReceivedContent got = receive(&bytes);
+    EXPECT_EQ(bytes, "nothing");
+    EXPECT_FALSE(got.isComplete);
+    ASSERT_TRUE(got.error);
+    EXPECT_EQ(got.error->localizedDescription, "Connection reset by peer");
+    EXPECT_EQ(got.error->description, "POSIX error 104: Connection reset by peer");
+}
+
+TEST_F(MacNetworkTest, a_text_leaves_as_one_complete_text_frame_under_its_identifier_and_is_not_copied) {
+    connect();
+    const auto text = std::make_shared<const std::string>("h\u00e9llo");
+    connection->send(text, "welcome", nullptr);
+    EXPECT_GT(text.use_count(), 1) << "the bytes must be held until they have left";
+    fakeDispatch::runAll();
+    ASSERT_EQ(phone->farEnd->frames.size(), 1u);
+    const FakePhone::Frame& frame = phone->farEnd->frames.front();
+    EXPECT_EQ(frame.text, "h\u00e9llo");
+    EXPECT_EQ(frame.identifier, "welcome");
+    EXPECT_EQ(frame.opcode, 1);
+    EXPECT_TRUE(frame.isComplete);
+    EXPECT_EQ(frame.at, text->data());
+    EXPECT_EQ(text.use_count(), 1) << "the bytes must be given back once they have left";
+}
+
+TEST_F(MacNetworkTest, the_far_end_shows_itself_by_address_or_name_or_not_at_all) {
+    connect();
+    EXPECT_EQ(connection->endpoint().host, "10.0.0.7");
+    EXPECT_EQ(connection->endpoint().description, "10.0.0.7:50000");
+    fakeNetworkFramework.address = "::ffff:10.0.0.9";
+    EXPECT_EQ(connection->endpoint().host, "10.0.0.9");
+    fakeNetworkFramework.address = "fe80::1%en0";
+    EXPECT_EQ(connection->endpoint().description, "fe80::1%en0.50000");
+    fakeNetworkFramework.endpointKind = FakeNetworkFramework::EndpointKind::host;
+    EXPECT_EQ(connection->endpoint().description, "phone.local:50000");
+    fakeNetworkFramework.endpointKind = FakeNetworkFramework::EndpointKind::service;
+    EXPECT_FALSE(connection->endpoint().host);
+    EXPECT_FALSE(connection->endpoint().description.empty());
+}
+
+TEST_F(MacNetworkTest, a_dropped_connection_is_ended_without_a_closing_handshake) {
+    connect();
+    fakeNetworkFramework.calls.clear();
+    connection.reset();
+    EXPECT_THAT(fakeNetworkFramework.calls, ElementsAre("connection force cancel"));
+    fakeDispatch::runAll();
+    EXPECT_TRUE(phone->farEnd->isEnded);
+}
+
+TEST(MacDispatchQueueTest, is_a_serial_queue_of_utility_quality_with_its_label) {
+    const MacDispatchQueue queue("ws.server");
+    const auto facts = fakeDispatch::factsOf(queue.native());
+    EXPECT_EQ(facts.label, "ws.server");
+    EXPECT_EQ(facts.qualityOfService, 0x11u);
+    EXPECT_EQ(facts.relativePriority, 0);
+}
+
+TEST(MacDispatchQueueTest, runs_jobs_later_in_order_and_knows_when_it_is_current) {
+    MacDispatchQueue queue("one");
+    MacDispatchQueue other("other");
+    std::vector<std::string> notes;
+    queue.async([&] {
+        notes.push_back(queue.isCurrent() && !other.isCurrent() ? "first" : "wrong queue");
+        queue.async([&] { notes.push_back("third"); });
+        notes.push_back("second");
+    });
+    EXPECT_TRUE(notes.empty());
+    EXPECT_FALSE(queue.isCurrent());
+    fakeDispatch::runAll();
+    EXPECT_THAT(notes, ElementsAre("first", "second", "third"));
+}
+
+TEST(MacDispatchQueueTest, runs_delayed_jobs_when_they_fall_due_and_equal_ones_in_order) {
+    MacDispatchQueue queue("timed");
+    std::vector<std::string> notes;
+    queue.asyncAfter(2ms, [&] { notes.push_back("late"); });
+    queue.asyncAfter(1ms, [&] { notes.push_back("soon"); });
+    queue.asyncAfter(1ms, [&] { notes.push_back("soon after"); });
+    queue.asyncAfter(-1ms, [&] { notes.push_back("overdue"); });
+    fakeDispatch::advance(0ms);
+    EXPECT_THAT(notes, ElementsAre("overdue"));
+    fakeDispatch::advance(1ms);
+    EXPECT_THAT(notes, ElementsAre("overdue", "soon", "soon after"));
+    fakeDispatch::advance(1ms);
+    EXPECT_THAT(notes, ElementsAre("overdue", "soon", "soon after", "late"));
+}
+
+TEST(MacDispatchQueueTest, a_job_is_destroyed_after_it_has_run) {
+    MacDispatchQueue queue("one");
+    const auto held = std::make_shared<int>();
+    queue.async([held] {});
+    EXPECT_EQ(held.use_count(), 2);
+    fakeDispatch::runAll();
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+} // namespace
+} // namespace velloway::test
