@@ -178,10 +178,15 @@ TEST_F(X11Typing, TypesMoreCharactersThanThereAreUnusedKeys) {
 TEST_F(X11Typing, TypesPlainTextWithoutTouchingTheKeymap) {
     QtEditor editor;
     ASSERT_TRUE(editor.isReady());
+    // The common keyboard takes over the map of the one used last, and only with its next event: the first text
+    // brings that about.
     const QString text = "The quick brown fox: 12*3 (\"ok\")\tJumps\nOver";
     type(text);
-    EXPECT_TRUE(editor.receives(text)) << editor.text().toStdString();
-    EXPECT_EQ(server_.keymaps(), keymapsBefore_);
+    ASSERT_TRUE(editor.receives(text)) << editor.text().toStdString();
+    const auto keymaps = server_.keymaps();
+    type(text);
+    EXPECT_TRUE(editor.receives(text + text)) << editor.text().toStdString();
+    EXPECT_EQ(server_.keymaps(), keymaps);
 }
 
 TEST_F(X11Typing, TypesLineBreaksOnceAndLeavesOtherControlCharactersOut) {

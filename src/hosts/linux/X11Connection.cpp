@@ -1,5 +1,6 @@
 #include "hosts/linux/X11Connection.h"
 
+#include <cstdlib>
 #include <xcb/xtest.h>
 
 namespace velloway {
@@ -35,6 +36,10 @@ bool X11Connection::isUsable() const {
 void X11Connection::fakeInput(std::uint8_t type, std::uint8_t detail, xcb_window_t window, std::int16_t x,
                               std::int16_t y) {
     xcb_test_fake_input(connection_, type, detail, XCB_CURRENT_TIME, window, x, y, 0);
+}
+
+void X11Connection::sync() {
+    std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
 }
 
 void X11Connection::discardEvents() {

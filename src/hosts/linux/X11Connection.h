@@ -32,6 +32,8 @@ public:
     void fakeInput(std::uint8_t type, std::uint8_t detail, xcb_window_t window = XCB_NONE, std::int16_t x = 0,
                    std::int16_t y = 0);
     void flush() { xcb_flush(connection_); }
+    /// Waits until the server has done all that was asked of it.
+    void sync();
     /// Throws away what the server told unasked, so that it doesn't pile up.
     void discardEvents();
 

@@ -242,6 +242,8 @@ void X11Keymap::giveBack() {
     loans_.clear();
     write(keycodes);
     writeNote();
+    // Whoever looks at the keymap next, over whatever connection, finds it as it was.
+    connection_.sync();
     index();
 }
 
