@@ -169,6 +169,9 @@ Item {
                     required property bool isActive
 
                     objectName: "thread"
+                    // A row that waits for its next use must not be there for a screen reader.
+                    ListView.onPooled: visible = false
+                    ListView.onReused: visible = true
                     width: list.width - 16
                     height: 52
                     radius: Theme.radius
