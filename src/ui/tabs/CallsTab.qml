@@ -76,7 +76,7 @@ FocusScope {
                             focusPolicy: Qt.NoFocus
                             Accessible.role: Accessible.Button
                             Accessible.name: modelData.digit
-                            Accessible.onPressAction: click()
+                            Accessible.onPressAction: if (enabled) clicked()
                             onClicked: tab.bridge.pressDialButton(index)
                             background: Rectangle {
                                 radius: height / 2

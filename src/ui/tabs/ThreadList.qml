@@ -124,7 +124,7 @@ Item {
                     height: visible ? 52 : 0
                     Accessible.role: Accessible.Button
                     Accessible.name: column.texts.newMessageCaption + " " + (column.shown.newMessageTo || "")
-                    Accessible.onPressAction: click()
+                    Accessible.onPressAction: if (enabled) clicked()
                     onClicked: column.bridge.startNewMessage()
                     background: Rectangle {
                         radius: Theme.radius
