@@ -1,7 +1,7 @@
 import QtQuick
 import Velloway
 
-Rectangle {
+FocusScope {
     id: sidebar
 
     required property var bridge
@@ -9,8 +9,10 @@ Rectangle {
     /// A row was chosen with the mouse.
     signal chosen()
 
-    color: Theme.sidebar
-
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.sidebar
+    }
     ListView {
         id: list
 

@@ -70,7 +70,13 @@ public:
         takeSent();
     }
 
-    ~ViewHarness() { phone->report(ConnectionState::cancelled); }
+    ~ViewHarness() {
+        // A ringing panel keeps what made it, so that it would outlive the program.
+        program.historyStore().incomingCallInfo.set(std::nullopt);
+        program.notifications().post(AppNotification::callDurationUpdated, std::int64_t{-1});
+        on.drain();
+        phone->report(ConnectionState::cancelled);
+    }
     ViewHarness(const ViewHarness&) = delete;
     ViewHarness& operator=(const ViewHarness&) = delete;
 

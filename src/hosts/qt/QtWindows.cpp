@@ -55,16 +55,35 @@ public:
     using ContentView::ContentView;
 
 protected:
-    void mousePressEvent(QMouseEvent* event) override {
-        event->ignore();
-        ContentView::mousePressEvent(event);
-        if (!event->isAccepted() && event->button() == Qt::LeftButton) {
-            grip_ = event->globalPosition().toPoint() - position();
+    bool event(QEvent* event) override {
+        const bool answer = ContentView::event(event);
+        // The views have had it by now; they answer the same whether or not a control took it.
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+            pressed(static_cast<QMouseEvent&>(*event));
+            break;
+        case QEvent::MouseMove:
+            moved(static_cast<QMouseEvent&>(*event));
+            break;
+        case QEvent::MouseButtonRelease:
+            grip_.reset();
+            isMoving_ = false;
+            break;
+        default:
+            break;
+        }
+        return answer;
+    }
+
+private:
+    void pressed(const QMouseEvent& event) {
+        const bool isTaken = event.exclusiveGrabber(event.point(0)) != nullptr;
+        if (!isTaken && event.button() == Qt::LeftButton) {
+            grip_ = event.globalPosition().toPoint() - position();
         }
     }
-    void mouseMoveEvent(QMouseEvent* event) override {
+    void moved(const QMouseEvent& event) {
         if (!grip_) {
-            ContentView::mouseMoveEvent(event);
             return;
         }
         if (!std::exchange(isMoving_, true) && startSystemMove()) {
@@ -72,16 +91,9 @@ protected:
             isMoving_ = false;
             return;
         }
-        setPosition(event->globalPosition().toPoint() - *grip_);
-    }
-    void mouseReleaseEvent(QMouseEvent* event) override {
-        isMoving_ = false;
-        if (!std::exchange(grip_, std::nullopt)) {
-            ContentView::mouseReleaseEvent(event);
-        }
+        setPosition(event.globalPosition().toPoint() - *grip_);
     }
 
-private:
     std::optional<QPoint> grip_;
     bool isMoving_ = false;
 };

@@ -231,6 +231,8 @@ void SettingsBridge::setOnScreen(bool onScreen) {
     if (appears) {
         tabThatAppeared_ = view_->selectedTab.get();
         view_->viewAppears();
+        // The local address and the names of days change without telling.
+        stale_.set();
         refresh();
     }
 }
@@ -244,6 +246,7 @@ void SettingsBridge::refresh() {
     if (tab != tabThatAppeared_) {
         tabThatAppeared_ = tab;
         view_->tabAppears(tab);
+        stale_.set();
     }
     for (std::size_t i = 0; i < shownCount; ++i) {
         if (stale_.test(i) && isOnScreen(static_cast<Shown>(i))) {

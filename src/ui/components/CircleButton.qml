@@ -19,8 +19,8 @@ AbstractButton {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.Button
     Accessible.name: name || tip
-    Accessible.onPressAction: click()
-    Keys.onReturnPressed: click()
+    Accessible.onPressAction: if (enabled) clicked()
+    Keys.onReturnPressed: clicked()
 
     background: Rectangle {
         radius: width / 2

@@ -17,8 +17,8 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Button
     Accessible.name: text || tip
-    Accessible.onPressAction: click()
-    Keys.onReturnPressed: click()
+    Accessible.onPressAction: if (enabled) clicked()
+    Keys.onReturnPressed: clicked()
 
     background: Rectangle {
         radius: 6

@@ -22,8 +22,8 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Button
     Accessible.name: text || tip
-    Accessible.onPressAction: click()
-    Keys.onReturnPressed: click()
+    Accessible.onPressAction: if (enabled) clicked()
+    Keys.onReturnPressed: clicked()
 
     background: Rectangle {
         radius: button.controlSize === "small" ? 5 : 7

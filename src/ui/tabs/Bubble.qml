@@ -10,6 +10,9 @@ Item {
     required property bool isOutgoing
 
     objectName: "bubble"
+    // A row that waits for its next use must not be there for a screen reader.
+    ListView.onPooled: visible = false
+    ListView.onReused: visible = true
     height: ground.height + stamp.height + 12
     Accessible.role: Accessible.ListItem
     Accessible.name: body + ", " + time

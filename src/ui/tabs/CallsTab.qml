@@ -76,7 +76,7 @@ FocusScope {
                             focusPolicy: Qt.NoFocus
                             Accessible.role: Accessible.Button
                             Accessible.name: modelData.digit
-                            Accessible.onPressAction: click()
+                            Accessible.onPressAction: if (enabled) clicked()
                             onClicked: tab.bridge.pressDialButton(index)
                             background: Rectangle {
                                 radius: height / 2
@@ -196,6 +196,9 @@ FocusScope {
                     required property string colorRole
 
                     objectName: "recentCall"
+                    // A row that waits for its next use must not be there for a screen reader.
+                    ListView.onPooled: visible = false
+                    ListView.onReused: visible = true
                     width: list.width - 20
                     height: 48
                     radius: Theme.radius

@@ -98,6 +98,8 @@ ColumnLayout {
             header: Item { height: 8 }
             footer: Item { height: 8 }
             activeFocusOnTab: true
+            currentIndex: -1
+            keyNavigationEnabled: false
             model: chat.bridge.bubbles
             ScrollBar.vertical: ThinScrollBar { onPressedChanged: if (pressed) list.followsEnd = false }
             Accessible.role: Accessible.List

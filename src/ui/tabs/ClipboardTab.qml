@@ -44,6 +44,11 @@ FocusScope {
                 anchors.fill: parent
                 clip: true
                 activeFocusOnTab: true
+                // A row that became current would take the keyboard from the text in it that is being used.
+                currentIndex: -1
+                keyNavigationEnabled: false
+                Keys.onUpPressed: flick(0, 600)
+                Keys.onDownPressed: flick(0, -600)
                 boundsBehavior: Flickable.StopAtBounds
                 topMargin: 8
                 bottomMargin: 8

@@ -55,6 +55,9 @@ FocusScope {
                 required property bool showsReveal
 
                 objectName: "transfer"
+                // A row that waits for its next use must not be there for a screen reader.
+                ListView.onPooled: visible = false
+                ListView.onReused: visible = true
                 width: list.width
                 height: 54
                 Accessible.role: Accessible.ListItem

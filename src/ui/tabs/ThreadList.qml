@@ -124,7 +124,7 @@ Item {
                     height: visible ? 52 : 0
                     Accessible.role: Accessible.Button
                     Accessible.name: column.texts.newMessageCaption + " " + (column.shown.newMessageTo || "")
-                    Accessible.onPressAction: click()
+                    Accessible.onPressAction: if (enabled) clicked()
                     onClicked: column.bridge.startNewMessage()
                     background: Rectangle {
                         radius: Theme.radius
@@ -169,6 +169,9 @@ Item {
                     required property bool isActive
 
                     objectName: "thread"
+                    // A row that waits for its next use must not be there for a screen reader.
+                    ListView.onPooled: visible = false
+                    ListView.onReused: visible = true
                     width: list.width - 16
                     height: 52
                     radius: Theme.radius
