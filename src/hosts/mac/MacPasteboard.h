@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/Pasteboard.h"
+
+namespace velloway {
+
+class MacPasteboard final : public Pasteboard {
+public:
+    void clearContents() override;
+    void setString(std::string_view text) override;
+    std::optional<std::string> string() const override;
+};
+
+} // namespace velloway

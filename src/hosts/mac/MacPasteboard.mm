@@ -1,0 +1,22 @@
+#include "hosts/mac/MacPasteboard.h"
+
+#include "hosts/mac/MacText.h"
+
+#import <AppKit/AppKit.h>
+
+namespace velloway {
+
+void MacPasteboard::clearContents() {
+    [NSPasteboard.generalPasteboard clearContents];
+}
+
+void MacPasteboard::setString(std::string_view text) {
+    [NSPasteboard.generalPasteboard setString:nsString(text) forType:NSPasteboardTypeString];
+}
+
+std::optional<std::string> MacPasteboard::string() const {
+    NSString* text = [NSPasteboard.generalPasteboard stringForType:NSPasteboardTypeString];
+    return text != nil ? std::optional(stdString(text)) : std::nullopt;
+}
+
+} // namespace velloway

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/Scripts.h"
+
+namespace velloway {
+
+/// Runs the source text in this process. The first script for another application makes the system ask the
+/// user, and waits for the answer.
+class MacScripts final : public Scripts {
+public:
+    std::optional<std::string> run(const SystemScript& script) override;
+};
+
+} // namespace velloway

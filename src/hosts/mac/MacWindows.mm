@@ -1,0 +1,168 @@
+#include "hosts/mac/MacWindows.h"
+
+#include "hosts/mac/MacText.h"
+
+#import <AppKit/AppKit.h>
+
+namespace velloway {
+
+namespace {
+
+constexpr CGFloat cornerRadius = 12;
+
+NSRect nativeRect(const Rect& rect) {
+    return {{rect.x, rect.y}, {rect.width, rect.height}};
+}
+
+/// Lets the view fill `holder`, also when that changes its size.
+void fill(NSView* holder, NSView* view) {
+    view.frame = holder.bounds;
+    view.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+    [holder addSubview:view];
+}
+
+/// What shines through behind a panel.
+NSVisualEffectView* makeBackground(const Rect& contentRect) {
+    NSVisualEffectView* background = [[NSVisualEffectView alloc] init];
+    background.frame = NSRect{{0, 0}, {contentRect.width, contentRect.height}};
+    background.bounds = background.frame;
+    background.material = NSVisualEffectMaterialHUDWindow;
+    background.blendingMode = NSVisualEffectBlendingModeBehindWindow;
+    background.state = NSVisualEffectStateActive;
+    background.wantsLayer = YES;
+    background.layer.cornerRadius = cornerRadius;
+    background.layer.masksToBounds = YES;
+    return background;
+}
+
+void apply(const PanelProperties& properties, NSPanel* panel) {
+    panel.floatingPanel = properties.isFloatingPanel;
+    panel.level = properties.level;
+    if (properties.becomesKeyOnlyIfNeeded) {
+        panel.becomesKeyOnlyIfNeeded = *properties.becomesKeyOnlyIfNeeded;
+    }
+    panel.collectionBehavior = properties.collectionBehavior;
+    panel.movableByWindowBackground = properties.isMovableByWindowBackground;
+    panel.hasShadow = properties.hasShadow;
+    if (properties.hasClearBackground) {
+        panel.backgroundColor = NSColor.clearColor;
+    }
+    panel.opaque = properties.isOpaque;
+    panel.titlebarAppearsTransparent = properties.titlebarAppearsTransparent;
+    panel.titleVisibility = properties.titleIsHidden ? NSWindowTitleHidden : NSWindowTitleVisible;
+    panel.releasedWhenClosed = properties.isReleasedWhenClosed;
+    if (properties.hidesOnDeactivate) {
+        panel.hidesOnDeactivate = *properties.hidesOnDeactivate;
+    }
+}
+
+class MacWindow final : public Window {
+public:
+    MacWindow(NSWindow* window, std::unique_ptr<ContentSurface> surface)
+        : window_(window), surface_(std::move(surface)) {}
+    ~MacWindow() override { orderOut(); }
+
+    bool isVisible() const override { return window_.visible != NO; }
+    void center() override { [window_ center]; }
+    void makeKeyAndOrderFront() override {
+        surface_->setShown(true);
+        [window_ makeKeyAndOrderFront:nil];
+    }
+    void orderFrontRegardless() override {
+        surface_->setShown(true);
+        [window_ orderFrontRegardless];
+    }
+    void orderOut() override {
+        [window_ orderOut:nil];
+        surface_->setShown(false);
+    }
+    void setIsVisible(bool visible) override {
+        surface_->setShown(visible);
+        [window_ setIsVisible:visible ? YES : NO];
+    }
+    void setFrameOrigin(double x, double y) override { [window_ setFrameOrigin:NSPoint{x, y}]; }
+    void setContent(std::shared_ptr<WindowContent> content) override {
+        surface_->setContent(std::move(content));
+    }
+
+private:
+    NSWindow* window_;
+    std::unique_ptr<ContentSurface> surface_;
+};
+
+NSView* viewOf(ContentSurface& surface) {
+    return (__bridge NSView*)surface.nativeView();
+}
+
+} // namespace
+
+MacWindows::MacWindows(MacDelegate& delegate, MakeSurface makeSurface)
+    : delegate_(delegate), makeSurface_(std::move(makeSurface)) {}
+
+std::shared_ptr<Window> MacWindows::makeMainWindow(const MainWindowProperties& properties,
+                                                   std::shared_ptr<WindowContent> content,
+                                                   std::function<void()> onClose) {
+    NSWindow* window = [[NSWindow alloc] initWithContentRect:nativeRect(properties.contentRect)
+                                                   styleMask:properties.styleMask
+                                                     backing:NSBackingStoreBuffered
+                                                       defer:NO];
+    window.title = nsString(properties.title);
+    auto surface = makeSurface_(std::move(content));
+    fill(window.contentView, viewOf(*surface));
+    window.initialFirstResponder = viewOf(*surface);
+    delegate_.windowWillClose = std::move(onClose);
+    window.delegate = (__bridge id<NSWindowDelegate>)delegate_.object();
+    window.releasedWhenClosed = properties.isReleasedWhenClosed;
+    window.minSize = NSSize{properties.minWidth, properties.minHeight};
+    return std::make_shared<MacWindow>(window, std::move(surface));
+}
+
+std::shared_ptr<Window> MacWindows::makePanel(const PanelProperties& properties,
+                                              std::shared_ptr<WindowContent> content) {
+    NSPanel* panel = [[NSPanel alloc] initWithContentRect:nativeRect(properties.contentRect)
+                                                styleMask:properties.styleMask
+                                                  backing:NSBackingStoreBuffered
+                                                    defer:NO];
+    apply(properties, panel);
+    auto surface = makeSurface_(std::move(content));
+    NSVisualEffectView* background = makeBackground(properties.contentRect);
+    fill(background, viewOf(*surface));
+    panel.contentView = background;
+    // A press that reaches the view no longer reaches the window under it, which would drag it.
+    __weak NSPanel* dragged = panel;
+    surface->setBackgroundPressed([dragged] {
+        if (NSEvent* press = NSApplication.sharedApplication.currentEvent) {
+            [dragged performWindowDragWithEvent:press];
+        }
+    });
+    return std::make_shared<MacWindow>(panel, std::move(surface));
+}
+
+std::optional<Rect> MacWindows::mainScreenVisibleFrame() const {
+    NSScreen* screen = NSScreen.mainScreen;
+    if (screen == nil) {
+        return std::nullopt;
+    }
+    const NSRect frame = screen.visibleFrame;
+    return Rect{frame.origin.x, frame.origin.y, frame.size.width, frame.size.height};
+}
+
+void MacWindows::beginOpenPanel(const OpenPanelOptions& options,
+                                std::function<void(std::optional<std::vector<std::filesystem::path>>)> done) {
+    NSOpenPanel* panel = [NSOpenPanel openPanel];
+    panel.allowsMultipleSelection = options.allowsMultipleSelection ? YES : NO;
+    panel.canChooseDirectories = options.canChooseDirectories ? YES : NO;
+    [panel beginWithCompletionHandler:^(NSModalResponse result) {
+      if (result != NSModalResponseOK) {
+          done(std::nullopt);
+          return;
+      }
+      std::vector<std::filesystem::path> files;
+      for (NSURL* url in panel.URLs) {
+          files.emplace_back(stdString(url.path));
+      }
+      done(std::move(files));
+    }];
+}
+
+} // namespace velloway

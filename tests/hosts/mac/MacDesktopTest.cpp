@@ -1,0 +1,468 @@
+#include "hosts/mac/FakeCoreGraphics.h"
+#include "hosts/mac/FakeMac.h"
+#include "hosts/mac/FakeObject.h"
+#include "hosts/mac/MacApplication.h"
+#include "hosts/mac/MacHost.h"
+#include "hosts/mac/MacInputEvents.h"
+#include "hosts/mac/MacLoginItem.h"
+#include "hosts/mac/MacPasteboard.h"
+#include "hosts/mac/MacScripts.h"
+#include "hosts/mac/MacStatusItem.h"
+#include "hosts/mac/MacUserDefaults.h"
+#include "hosts/mac/MacUserNotificationCenter.h"
+#include "hosts/mac/MacWorkspace.h"
+#include "remote/InputInjection.h"
+#include "runtime/ObjectiveC.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <net/if.h>
+#include <sys/socket.h>
+
+namespace velloway::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// Ends with the number of objects that it began with.
+class MacTest : public testing::Test {
+protected:
+    MacTest() {
+        resetFakeMac();
+        fakeCoreGraphics = {};
+    }
+    ~MacTest() override { objc_autoreleasePoolPop(pool); }
+
+    std::vector<std::string> calls() { return std::exchange(fakeMac.calls, {}); }
+
+    void* pool = objc_autoreleasePoolPush();
+};
+
+// The delegate that the platform calls
+
+class RecordingDelegate : public ApplicationDelegate,
+                          public ServicesProvider,
+                          public UserNotificationCenterDelegate {
+public:
+    void applicationDidFinishLaunching() override { notes.push_back("launched"); }
+    bool applicationShouldTerminateAfterLastWindowClosed() override { return terminates; }
+    bool applicationShouldHandleReopen(bool hasVisibleWindows) override {
+        notes.push_back(hasVisibleWindows ? "reopened with windows" : "reopened");
+        return true;
+    }
+    void applicationDidBecomeActive() override { notes.push_back("active"); }
+    void handleSendToAndroidService(const ServicePasteboard& pasteboard) override { given = pasteboard; }
+    void didReceive(const NotificationResponse& response, std::function<void()> completion) override {
+        notes.push_back(response.actionIdentifier + " " + response.requestIdentifier + " " +
+                        response.userText.value_or("(no text)"));
+        completion();
+    }
+    void willPresent(const NotificationRequest& request, std::function<void(unsigned)> completion) override {
+        notes.push_back("present " + request.identifier);
+        completion(0x13);
+    }
+
+    bool terminates = false;
+    ServicePasteboard given;
+    std::vector<std::string> notes;
+};
+
+class MacDelegateTest : public MacTest {
+protected:
+    MacDelegateTest() { delegate.application = &recorder; }
+
+    RecordingDelegate recorder;
+    MacDelegate delegate;
+    MacApplication application{delegate};
+};
+
+TEST_F(MacDelegateTest, launch_reopen_activation_and_the_last_window_reach_the_program) {
+    fakeLaunch();
+    EXPECT_TRUE(fakeReopen(false));
+    EXPECT_TRUE(fakeReopen(true));
+    fakeBecomeActive();
+    EXPECT_THAT(recorder.notes, ElementsAre("launched", "reopened", "reopened with windows", "active"));
+    EXPECT_FALSE(fakeLastWindowClosed());
+    recorder.terminates = true;
+    EXPECT_TRUE(fakeLastWindowClosed());
+}
+
+TEST_F(MacDelegateTest, answers_to_its_selectors_and_to_no_others) {
+    for (const char* selector :
+         {"applicationDidFinishLaunching:", "applicationShouldTerminateAfterLastWindowClosed:",
+          "applicationShouldHandleReopen:hasVisibleWindows:", "onMenuCall", "onMenuSms", "onMenuFileDrop",
+          "onMenuHistory", "onMenuRemote", "onMenuClipboardHistory", "onMenuSettings", "onMenuInfo",
+          "onMenuSendClipboard", "handleSendToAndroidService:userData:error:", "windowWillClose:",
+          "userNotificationCenter:didReceiveNotificationResponse:withCompletionHandler:",
+          "userNotificationCenter:willPresentNotification:withCompletionHandler:"}) {
+        EXPECT_TRUE(fakeDelegateAnswers(selector)) << selector;
+    }
+    for (const char* selector : {"applicationShouldTerminate:", "applicationWillTerminate:", "choose:",
+                                 "applicationDidBecomeActive:", "terminate:"}) {
+        EXPECT_FALSE(fakeDelegateAnswers(selector)) << selector;
+    }
+}
+
+TEST_F(MacDelegateTest, before_the_program_stands_calls_do_nothing) {
+    delegate.application = nullptr;
+    fakeLaunch();
+    fakeBecomeActive();
+    EXPECT_TRUE(fakeReopen(false));
+    EXPECT_FALSE(fakeLastWindowClosed());
+    EXPECT_THAT(recorder.notes, IsEmpty());
+}
+
+TEST_F(MacDelegateTest, files_given_to_the_service_arrive_as_paths_in_order) {
+    EXPECT_FALSE(fakeService()) << "there is no provider yet";
+    application.setServicesProvider(&recorder);
+    fakeMac.pasteboardFiles = {"/tmp/a b.txt", "/tmp/\u00fc.png"};
+    EXPECT_TRUE(fakeService());
+    EXPECT_TRUE(recorder.given.hasTypes);
+    EXPECT_TRUE(recorder.given.hasFileUrls);
+    ASSERT_TRUE(recorder.given.urls);
+    EXPECT_THAT(*recorder.given.urls, ElementsAre("/tmp/a b.txt", "/tmp/\u00fc.png"));
+}
+
+TEST_F(MacDelegateTest, a_service_pasteboard_without_types_or_files_says_so) {
+    application.setServicesProvider(&recorder);
+    fakeMac.pasteboardText = "text";
+    fakeService();
+    EXPECT_TRUE(recorder.given.hasTypes);
+    EXPECT_FALSE(recorder.given.hasFileUrls);
+    fakeMac.pasteboardHasTypes = false;
+    fakeService();
+    EXPECT_FALSE(recorder.given.hasTypes);
+    fakeMac.pasteboardHasTypes = true;
+    fakeMac.pasteboardFiles = {"/tmp/x"};
+    fakeMac.pasteboardIsReadable = false;
+    fakeService();
+    EXPECT_TRUE(recorder.given.hasFileUrls);
+    EXPECT_FALSE(recorder.given.urls);
+}
+
+TEST_F(MacDelegateTest, the_platform_does_not_keep_the_delegate_alive) {
+    const int before = runtimeObjectsAlive();
+    { MacDelegate another; }
+    EXPECT_EQ(runtimeObjectsAlive(), before);
+}
+
+// Application
+
+TEST_F(MacDelegateTest, policy_activation_and_the_end_are_passed_on) {
+    application.setActivationPolicy(ActivationPolicy::accessory);
+    application.setActivationPolicy(ActivationPolicy::regular);
+    application.activate(true);
+    application.activate(false);
+    application.terminate();
+    EXPECT_THAT(calls(), ElementsAre("activation policy 1", "activation policy 0", "activate, ignoring others",
+                                     "activate", "terminate"));
+}
+
+TEST_F(MacDelegateTest, an_alert_shows_its_texts_and_buttons_and_answers_with_the_button) {
+    fakeMac.modalAnswer = Application::alertFirstButtonReturn;
+    const int answer = application.runModal({.style = Alert::Style::warning,
+                                             .messageText = "Message",
+                                             .informativeText = "More\n\nlines",
+                                             .buttons = {"First", "Second"}});
+    EXPECT_EQ(answer, 1000);
+    EXPECT_THAT(calls(), ElementsAre("alert 0 Message|More\n\nlines|[First][Second]"));
+}
+
+// Status item
+
+class MacStatusItemTest : public MacTest {
+protected:
+    std::vector<MenuItem> items() {
+        return {{.title = "Velloway", .isEnabled = false},
+                {.isSeparator = true},
+                {.title = "Server: starting\u2026", .tag = 1, .isEnabled = false},
+                {.title = "Call\u2026",
+                 .keyEquivalent = "c",
+                 .action = MenuItem::Action::call,
+                 .selector = "onMenuCall",
+                 .onChosen = [this] { ++chosen; }},
+                {.title = "Quit Velloway", .keyEquivalent = "q", .action = MenuItem::Action::terminate}};
+    }
+
+    int chosen = 0;
+    MacDelegate delegate;
+    std::unique_ptr<MacStatusItem> item = std::make_unique<MacStatusItem>(delegate);
+};
+
+TEST_F(MacStatusItemTest, has_variable_length_and_is_taken_away_at_the_end) {
+    item->create();
+    EXPECT_TRUE(item->hasButton());
+    item.reset();
+    EXPECT_THAT(calls(), ElementsAre("status item of length -1", "status item removed"));
+}
+
+TEST_F(MacStatusItemTest, shows_the_asset_at_its_own_size_and_the_symbol_at_the_size_asked_for) {
+    item->create();
+    const StatusImage asset{.kind = StatusImage::Kind::asset, .name = "StatusIcon", .isTemplate = true};
+    const StatusImage symbol{
+        .kind = StatusImage::Kind::symbol, .name = "antenna", .pointSize = 16, .isTemplate = false};
+    EXPECT_TRUE(item->hasImage(asset));
+    item->setImage(asset);
+    EXPECT_EQ(fakeMac.buttonImage, "StatusIcon 0");
+    EXPECT_TRUE(fakeMac.isButtonImageTemplate);
+    item->setImage(symbol);
+    EXPECT_EQ(fakeMac.buttonImage, "antenna 16");
+    EXPECT_FALSE(fakeMac.isButtonImageTemplate);
+    fakeMac.hasAsset = false;
+    fakeMac.hasSymbol = false;
+    EXPECT_FALSE(item->hasImage(asset));
+    EXPECT_FALSE(item->hasImage(symbol));
+}
+
+TEST_F(MacStatusItemTest, without_a_button_an_image_goes_nowhere) {
+    fakeMac.hasButton = false;
+    item->create();
+    EXPECT_FALSE(item->hasButton());
+    item->setImage({.kind = StatusImage::Kind::asset, .name = "StatusIcon"});
+    EXPECT_EQ(fakeMac.buttonImage, "");
+}
+
+TEST_F(MacStatusItemTest, the_menu_has_titles_keys_tags_actions_and_targets) {
+    item->create();
+    item->setMenu(items());
+    const auto menu = fakeMenu();
+    ASSERT_EQ(menu.size(), 5u);
+    EXPECT_EQ(menu[0], (FakeMenuItem{.title = "Velloway"}));
+    EXPECT_TRUE(menu[1].isSeparator);
+    EXPECT_EQ(menu[2], (FakeMenuItem{.title = "Server: starting\u2026", .tag = 1}));
+    EXPECT_EQ(menu[3], (FakeMenuItem{.title = "Call\u2026",
+                                     .keyEquivalent = "c",
+                                     .isEnabled = true,
+                                     .action = "onMenuCall",
+                                     .hasTarget = true}));
+    EXPECT_EQ(menu[4], (FakeMenuItem{.title = "Quit Velloway",
+                                     .keyEquivalent = "q",
+                                     .isEnabled = true,
+                                     .action = "terminate:",
+                                     .hasTarget = false}));
+}
+
+TEST_F(MacStatusItemTest, a_click_runs_what_the_item_stands_for) {
+    item->create();
+    item->setMenu(items());
+    EXPECT_TRUE(clickFakeMenuItem(3));
+    EXPECT_EQ(chosen, 1);
+    EXPECT_FALSE(clickFakeMenuItem(0));
+    EXPECT_FALSE(clickFakeMenuItem(4));
+}
+
+TEST_F(MacStatusItemTest, the_title_of_a_tagged_item_changes_and_an_unknown_tag_is_left_alone) {
+    item->create();
+    item->setItemTitle(1, "before there is a menu");
+    item->setMenu(items());
+    item->setItemTitle(1, "Server: listening on :8765");
+    item->setItemTitle(7, "nobody");
+    EXPECT_EQ(fakeMenu()[2].title, "Server: listening on :8765");
+}
+
+TEST_F(MacStatusItemTest, a_menu_without_a_status_item_ends_the_process) {
+    EXPECT_DEATH(item->setMenu(items()), "there is no status item");
+    EXPECT_DEATH(item->setItemTitle(1, "x"), "there is no status item");
+}
+
+// Notifications
+
+class MacNotificationsTest : public MacTest {
+protected:
+    ~MacNotificationsTest() override { center.setDelegate(nullptr); }
+
+    RecordingDelegate recorder;
+    MacDelegate delegate;
+    MacUserNotificationCenter center{delegate};
+};
+
+TEST_F(MacNotificationsTest, a_full_request_sets_everything) {
+    std::vector<std::string> results;
+    center.add({.identifier = "k1",
+                .content = {.title = "App",
+                            .subtitle = "",
+                            .body = "h\u00e9llo \U0001F600",
+                            .hasDefaultSound = true,
+                            .threadIdentifier = "App",
+                            .categoryIdentifier = "REPLY_CATEGORY"}},
+               [&](const auto& error) { results.push_back(error.value_or("sent")); });
+    EXPECT_THAT(calls(), ElementsAre("add k1|App||h\u00e9llo \U0001F600|App|REPLY_CATEGORY|sound"));
+    EXPECT_THAT(results, IsEmpty());
+    fakeMac.runLater();
+    EXPECT_THAT(results, ElementsAre("sent"));
+}
+
+TEST_F(MacNotificationsTest, what_is_absent_is_never_set) {
+    center.add({.identifier = "k2", .content = {.title = "T", .body = "b"}}, nullptr);
+    EXPECT_THAT(calls(), ElementsAre("add k2|T|(unset)|b|(unset)|(unset)|silent"));
+    EXPECT_THAT(fakeMac.later, IsEmpty()) << "no completion was asked for";
+}
+
+TEST_F(MacNotificationsTest, an_error_comes_with_its_description) {
+    fakeMac.notificationError = "not allowed";
+    std::vector<std::string> results;
+    center.add({.identifier = "k"}, [&](const auto& error) { results.push_back(error.value_or("sent")); });
+    center.requestAuthorization(7, [&](bool granted, const auto& error) {
+        results.push_back((granted ? "granted " : "refused ") + error.value_or("cleanly"));
+    });
+    fakeMac.grantsAuthorization = false;
+    fakeMac.runLater();
+    EXPECT_THAT(results, ElementsAre("error: not allowed", "refused error: not allowed"));
+}
+
+TEST_F(MacNotificationsTest, removals_categories_and_permission_are_passed_on) {
+    center.removeDelivered({"a", "b"});
+    center.removePending({"a"});
+    center.setCategories({{.identifier = "REPLY_CATEGORY",
+                           .actions = {{.identifier = "REPLY_ACTION",
+                                        .title = "Reply",
+                                        .textInputButtonTitle = "Send",
+                                        .textInputPlaceholder = "Type your reply..."}}}});
+    AuthorizationStatus status = AuthorizationStatus::notDetermined;
+    center.getAuthorizationStatus([&](AuthorizationStatus now) { status = now; });
+    center.requestAuthorization(7, [](bool, const auto&) {});
+    fakeMac.authorizationStatus = 1;
+    fakeMac.runLater();
+    EXPECT_EQ(status, AuthorizationStatus::denied);
+    EXPECT_THAT(calls(), ElementsAre("remove delivered a", "remove delivered b", "remove pending a",
+                                     "category REPLY_CATEGORY options 0 intents 0 action "
+                                     "REPLY_ACTION/Reply/0/Send/Type your reply...",
+                                     "notification settings", "request authorization 7"));
+}
+
+TEST_F(MacNotificationsTest, answers_reach_the_program_and_each_is_completed_once) {
+    center.setDelegate(&recorder);
+    EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", "hello"), 1);
+    EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", ""), 1);
+    EXPECT_EQ(fakeAnswerNotification("DEFAULT", "k2", std::nullopt), 1);
+    EXPECT_EQ(fakePresentNotification("k3"), 0x13u);
+    EXPECT_THAT(recorder.notes,
+                ElementsAre("REPLY_ACTION k1 hello", "REPLY_ACTION k1 ", "DEFAULT k2 (no text)", "present k3"));
+}
+
+TEST_F(MacNotificationsTest, without_a_delegate_nothing_is_delivered) {
+    center.setDelegate(&recorder);
+    center.setDelegate(nullptr);
+    EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", "hello"), 0);
+    EXPECT_THAT(recorder.notes, IsEmpty());
+}
+
+// Scripts, login item, pasteboard, defaults, workspace, facts
+
+TEST_F(MacTest, a_script_runs_from_its_source_text_and_tells_its_error) {
+    MacScripts scripts;
+    EXPECT_FALSE(scripts.run({.sourceText = "set volume 5"}));
+    EXPECT_THAT(calls(), ElementsAre("script set volume 5", "executed"));
+    fakeMac.scriptError = "denied";
+    EXPECT_EQ(scripts.run({.sourceText = "x"}), "{ NSAppleScriptErrorMessage = denied; }");
+    fakeMac.compilesScripts = false;
+    EXPECT_FALSE(scripts.run({.sourceText = "x"})) << "a script that can't be made runs nothing";
+}
+
+TEST_F(MacTest, the_login_item_registers_unregisters_and_tells_its_error) {
+    MacLoginItem login;
+    EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
+    EXPECT_FALSE(login.registerItem());
+    EXPECT_EQ(login.status(), LoginItemStatus::enabled);
+    EXPECT_FALSE(login.unregisterItem());
+    EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
+    fakeMac.loginItemStatus = 2;
+    EXPECT_EQ(login.status(), LoginItemStatus::requiresApproval);
+    fakeMac.loginItemError = "no";
+    EXPECT_EQ(login.registerItem(), "no");
+    EXPECT_EQ(login.unregisterItem(), "no");
+}
+
+TEST_F(MacTest, the_pasteboard_is_cleared_written_and_read_as_plain_text) {
+    MacPasteboard pasteboard;
+    EXPECT_FALSE(pasteboard.string());
+    pasteboard.clearContents();
+    pasteboard.setString("h\u00e9llo");
+    EXPECT_EQ(pasteboard.string(), "h\u00e9llo");
+    EXPECT_THAT(calls(), ElementsAre("pasteboard cleared", "pasteboard text"));
+    fakeMac.pasteboardText = std::string("a\0b", 3);
+    EXPECT_EQ(pasteboard.string(), std::string("a\0b", 3));
+}
+
+TEST_F(MacTest, defaults_are_kept_and_each_write_is_observed) {
+    MacUserDefaults defaults;
+    EXPECT_FALSE(defaults.has("port"));
+    EXPECT_EQ(defaults.integer("port"), 0);
+    std::vector<std::int64_t> seen;
+    {
+        const Subscription subscription = defaults.observe("port", [&](auto value) { seen.push_back(value); });
+        defaults.setInteger("port", 9000);
+        defaults.setInteger("port", 9000);
+        defaults.setInteger("selectedSettingsTab", 3);
+    }
+    defaults.setInteger("port", 1);
+    EXPECT_THAT(seen, ElementsAre(9000, 9000));
+    EXPECT_TRUE(defaults.has("port"));
+    EXPECT_EQ(MacUserDefaults().integer("port"), 1);
+}
+
+TEST_F(MacTest, addresses_are_opened_settings_reached_and_files_shown) {
+    MacWorkspace workspace;
+    workspace.open("https://example.org/a");
+    workspace.open("not an address");
+    workspace.openSettings(SettingsPane::notifications);
+    workspace.openSettings(SettingsPane::accessibility);
+    workspace.activateFileViewerSelecting("/tmp/a b.txt");
+    EXPECT_THAT(
+        calls(),
+        ElementsAre("open https://example.org/a",
+                    "open x-apple.systempreferences:com.apple.Notifications-Settings.extension",
+                    "open x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility",
+                    "reveal /tmp/a b.txt"));
+}
+
+TEST_F(MacTest, the_host_tells_its_facts_and_what_is_missing) {
+    const MacHost host;
+    EXPECT_EQ(host.localizedName(), "Studio");
+    EXPECT_EQ(host.downloadsDirectory(), "/Users/me/Downloads");
+    EXPECT_EQ(host.locale(), "de_AT");
+    EXPECT_EQ(host.timeZone(), "Europe/Vienna");
+    EXPECT_THAT(host.interfacePrefixes(), ElementsAre("en"));
+    fakeMac.hostName.reset();
+    fakeMac.downloads.reset();
+    EXPECT_FALSE(host.localizedName());
+    EXPECT_FALSE(host.downloadsDirectory());
+}
+
+TEST_F(MacTest, the_loopback_interface_is_among_the_interfaces) {
+    const auto interfaces = MacHost().networkInterfaces();
+    ASSERT_TRUE(interfaces);
+    EXPECT_THAT(*interfaces,
+                testing::Contains(testing::AllOf(
+                    testing::Field(&NetworkInterface::numericAddress, "127.0.0.1"),
+                    testing::Field(&NetworkInterface::addressFamily, AF_INET),
+                    testing::Truly([](const auto& it) { return (it.flags & IFF_LOOPBACK) != 0; }))));
+}
+
+// Media keys
+
+TEST_F(MacTest, a_media_key_is_two_system_events_at_the_hardware_tap) {
+    const int aliveBefore = FakeObject::alive;
+    MacInputEvents events;
+    InputInjection(events).sendSystemMediaKey(16);
+    EXPECT_THAT(calls(),
+                ElementsAre("event 14 at 0 0, flags 2560, time 0, window 0, subtype 8, data 1051136 -1",
+                            "event 14 at 0 0, flags 2816, time 0, window 0, subtype 8, data 1051392 -1"));
+    ASSERT_EQ(fakeCoreGraphics.posted.size(), 2u);
+    EXPECT_EQ(fakeCoreGraphics.posted[0].tap, 0);
+    EXPECT_EQ(FakeObject::alive, aliveBefore);
+}
+
+TEST_F(MacTest, a_media_key_without_an_event_or_without_its_postable_form_posts_nothing) {
+    MacInputEvents events;
+    fakeMac.eventsHavePostableForm = false;
+    InputInjection(events).sendSystemMediaKey(0);
+    fakeMac.makesEvents = false;
+    InputInjection(events).sendSystemMediaKey(0);
+    EXPECT_THAT(fakeCoreGraphics.posted, IsEmpty());
+}
+
+} // namespace
+} // namespace velloway::test

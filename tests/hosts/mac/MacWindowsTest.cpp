@@ -1,0 +1,135 @@
+#include "hosts/mac/MacWindows.h"
+#include "hosts/mac/FakeMac.h"
+#include "hosts/mac/FakeSurface.h"
+#include "hosts/mac/MacApplication.h"
+#include "runtime/ObjectiveC.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velloway::test {
+namespace {
+
+using testing::ElementsAre;
+
+class MacWindowsTest : public testing::Test {
+protected:
+    MacWindowsTest() { resetFakeMac(); }
+    ~MacWindowsTest() override { objc_autoreleasePoolPop(pool); }
+
+    std::vector<std::string> calls() { return std::exchange(fakeMac.calls, {}); }
+
+    static PanelProperties panelProperties() {
+        return {.contentRect = {0, 0, 350, 80},
+                .styleMask = windowStyle::nonactivatingPanel | windowStyle::fullSizeContentView,
+                .isFloatingPanel = true,
+                .level = 25,
+                .collectionBehavior = 0x101,
+                .isMovableByWindowBackground = true,
+                .hasShadow = true,
+                .hasClearBackground = true,
+                .isOpaque = false,
+                .titlebarAppearsTransparent = true,
+                .titleIsHidden = true,
+                .isReleasedWhenClosed = false};
+    }
+
+    void* pool = objc_autoreleasePoolPush();
+    MacDelegate delegate;
+    MacWindows windows{delegate, makeFakeSurface};
+};
+
+TEST_F(MacWindowsTest, the_ringing_panel_gets_each_property_in_order) {
+    PanelProperties properties = panelProperties();
+    properties.becomesKeyOnlyIfNeeded = true;
+    properties.hidesOnDeactivate = false;
+    const auto panel = windows.makePanel(properties, nullptr);
+    EXPECT_THAT(calls(),
+                ElementsAre("panel 0 0 350 80, style 32896, backing 2", "floating = 1", "level = 25",
+                            "key only if needed = 1", "collection behavior = 257", "movable by background = 1",
+                            "shadow = 1", "clear background", "opaque = 0", "transparent title bar = 1",
+                            "title visibility = 1", "released when closed = 0", "hides on deactivate = 0",
+                            "material = 13", "blending mode = 0", "effect state = 1", "corner radius = 12",
+                            "masks to bounds = 1", "subview 0 0 350 80, resizes 18", "content view"));
+}
+
+TEST_F(MacWindowsTest, the_panel_of_a_running_call_leaves_two_properties_alone) {
+    const auto panel = windows.makePanel(panelProperties(), nullptr);
+    const auto made = calls();
+    EXPECT_THAT(made, testing::Not(testing::Contains(testing::StartsWith("key only"))));
+    EXPECT_THAT(made, testing::Not(testing::Contains(testing::StartsWith("hides on"))));
+}
+
+TEST_F(MacWindowsTest, a_panel_is_placed_shown_given_other_content_and_taken_away) {
+    auto panel = windows.makePanel(panelProperties(), nullptr);
+    calls();
+    EXPECT_FALSE(panel->isVisible());
+    panel->setFrameOrigin(1070, 775);
+    panel->setIsVisible(true);
+    panel->makeKeyAndOrderFront();
+    panel->orderFrontRegardless();
+    EXPECT_TRUE(panel->isVisible());
+    panel->setContent(nullptr);
+    panel->setIsVisible(false);
+    EXPECT_FALSE(panel->isVisible());
+    panel.reset();
+    EXPECT_THAT(calls(), ElementsAre("origin 1070 775", "surface shown", "visible", "surface shown",
+                                     "make key and order front", "surface shown", "order front regardless",
+                                     "surface shows something else", "surface hidden", "not visible",
+                                     "order out", "surface hidden", "surface gone"));
+}
+
+TEST_F(MacWindowsTest, a_press_beside_the_controls_drags_the_panel) {
+    const auto panel = windows.makePanel(panelProperties(), nullptr);
+    calls();
+    pressFakeBackground();
+    fakeMac.hasCurrentEvent = false;
+    pressFakeBackground();
+    EXPECT_THAT(calls(), ElementsAre("drag"));
+}
+
+TEST_F(MacWindowsTest, the_main_window_is_made_with_its_style_and_closing_it_is_told) {
+    int closed = 0;
+    const auto window = windows.makeMainWindow({.contentRect = {0, 0, 850, 550},
+                                                .styleMask = 15,
+                                                .title = "Velloway Settings",
+                                                .minWidth = 800,
+                                                .minHeight = 500,
+                                                .isReleasedWhenClosed = false},
+                                               nullptr, [&] { ++closed; });
+    window->center();
+    window->makeKeyAndOrderFront();
+    EXPECT_THAT(calls(), ElementsAre("window 0 0 850 550, style 15, backing 2", "title Velloway Settings",
+                                     "subview 0 0 850 550, resizes 18", "first responder", "delegate",
+                                     "released when closed = 0", "minimum size 800 500", "center",
+                                     "surface shown", "make key and order front"));
+    EXPECT_TRUE(window->isVisible());
+    fakeCloseMainWindow();
+    EXPECT_EQ(closed, 1);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(MacWindowsTest, the_usable_part_of_the_screen_is_known_when_there_is_a_screen) {
+    EXPECT_EQ(windows.mainScreenVisibleFrame(), (Rect{0, 50, 1440, 825}));
+    fakeMac.hasScreen = false;
+    EXPECT_FALSE(windows.mainScreenVisibleFrame());
+}
+
+TEST_F(MacWindowsTest, the_open_panel_gives_the_files_in_order_or_nothing) {
+    std::optional<std::vector<std::filesystem::path>> chosen;
+    const auto ask = [&] {
+        windows.beginOpenPanel({.allowsMultipleSelection = true}, [&](auto files) { chosen = files; });
+        EXPECT_THAT(fakeMac.calls.back(), "open panel, several");
+        fakeMac.runLater();
+    };
+    fakeMac.chosenFiles = {"/b", "/a"};
+    ask();
+    ASSERT_TRUE(chosen);
+    EXPECT_THAT(*chosen, ElementsAre("/b", "/a"));
+    fakeMac.chosenFiles.reset();
+    ask();
+    EXPECT_FALSE(chosen);
+}
+
+} // namespace
+} // namespace velloway::test
