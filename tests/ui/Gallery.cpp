@@ -121,11 +121,11 @@ void fillStore(ViewHarness& harness, Filling filling) {
     HistoryStore& store = harness.program.historyStore();
     const bool isExtreme = filling == Filling::extreme;
     const double now = std::chrono::duration<double>(harness.on.host.time.time_since_epoch()).count();
-    store.availableSIMs.set({{0, "Vodaphone UK"}, {1, isExtreme ? "A carrier with a long name" : "Blue"}});
+    store.availableSIMs.set({{0, "Blue Mobile"}, {1, isExtreme ? "A carrier with a long name" : "Blue"}});
     store.connectedRemoteIP.set("192.168.1.20");
     store.connectedDeviceName.set(isExtreme ? "The phone of Maximiliane-Alexandra von Hohenstein-Wackernagel, "
                                               "the old one with the cracked screen, not the new one at all"
-                                            : "Pixel 8");
+                                            : "Ada's phone");
     store.connectedWifiName.set("Home Network 5G");
     store.batteryLevel.set(isExtreme ? 7 : 71);
     store.isCharging.set(!isExtreme);
@@ -141,7 +141,7 @@ void fillStore(ViewHarness& harness, Filling filling) {
     if (isExtreme) {
         store.add({.app = "", .title = "", .body = longText, .time = now - 50});
         store.add({.app = "تطبيق", .title = "رسالة جديدة من مريم", .body = "مرحبا، كيف حالك اليوم؟", .time = now});
-        store.add({.app = "whatsapp with a name that is far too long for one line of any row of this list at all",
+        store.add({.app = "messenger with a name that is far too long for one line of any row of this list at all",
                    .title = longText, .body = longText, .time = now - 500000});
     }
     const auto send = [&](const char* name, bool isOutgoing, double progress, bool isCompleted, bool hasUrl) {
