@@ -45,6 +45,9 @@ public:
         if (handler) {
             handler(state, error);
         }
+        if (state == ConnectionState::cancelled) {
+            completion_ = nullptr; // It holds this connection.
+        }
     }
     void deliver(ReceivedContent content) {
         auto completion = std::exchange(completion_, nullptr);
