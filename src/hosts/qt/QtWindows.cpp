@@ -76,7 +76,7 @@ protected:
     }
 
 private:
-    void pressed(const QMouseEvent& event) {
+    void pressed(QMouseEvent& event) {
         const bool isTaken = event.exclusiveGrabber(event.point(0)) != nullptr;
         if (!isTaken && event.button() == Qt::LeftButton) {
             grip_ = event.globalPosition().toPoint() - position();
