@@ -1,5 +1,7 @@
 """The program as a screen reader sees it, for tests that work with it from outside."""
 
+import subprocess
+
 import gi
 
 gi.require_version("Atspi", "2.0")
@@ -10,15 +12,17 @@ from support import call, dbus, run, turn, wait_for
 
 def start_accessibility(test):
     """Starts the bus of screen readers on the private desktop; programs that start afterwards join it."""
-    from support import Process
-    launcher = test.start(Process("/usr/libexec/at-spi-bus-launcher", "--launch-immediately"))
+    # Its own children keep its output open, so that nobody may wait for the end of it.
+    launcher = subprocess.Popen(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"],
+                                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    test.addCleanup(launcher.wait)
+    test.addCleanup(launcher.terminate)
     bus = dbus.SessionBus()
     wait_for(lambda: bus.name_has_owner("org.a11y.Bus"), "the accessibility bus")
     status = bus.get_object("org.a11y.Bus", "/org/a11y/bus", introspect=False)
     call(status, dbus.PROPERTIES_IFACE, "Set", "org.a11y.Status", "IsEnabled", dbus.Boolean(True, variant_level=1))
     call(status, dbus.PROPERTIES_IFACE, "Set", "org.a11y.Status", "ScreenReaderEnabled",
          dbus.Boolean(True, variant_level=1))
-    return launcher
 
 
 class Tree:

@@ -26,7 +26,7 @@ class Windows(AppTest):
         self.tree = Tree(self.app.pid)
 
     def open(self, row):
-        wait_for(lambda: self.tray.status() and "connected" in self.tray.status(), "the phone in the status line")
+        wait_for(lambda: row in self.tray.titles(), f"the menu row {row}")
         self.tray.choose(row)
         wait_for(lambda: visible_windows(self.app.pid), "the main window")
 
