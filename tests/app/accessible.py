@@ -80,7 +80,7 @@ class Tree:
     def press(self, name, role=None):
         part = self.wait(name, role)
         for index in range(part.get_n_actions()):
-            if part.get_action_name(index) in ("Press", "Toggle"):
+            if Atspi.Action.get_name(part, index) in ("Press", "Toggle"):
                 part.do_action(index)
                 turn(0.1)
                 return

@@ -34,13 +34,9 @@ class Windows(AppTest):
         """Waits until the phone has got a message with these members, and returns it."""
         def find():
             for line in list(self.phone.lines):
-                start = line.find("{")
-                if not line.startswith("<") or start < 0:
+                if not line.startswith("{"):
                     continue
-                try:
-                    message = json.loads(line[start:])
-                except ValueError:
-                    continue
+                message = json.loads(line)
                 if all(message.get(key) == value for key, value in members.items()):
                     return message
             return None
