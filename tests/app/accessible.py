@@ -1,11 +1,14 @@
 """The program as a screen reader sees it, for tests that work with it from outside."""
 
 import subprocess
+import warnings
 
 import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib
+
+warnings.filterwarnings("ignore", category=DeprecationWarning, module=__name__)
 
 from support import call, dbus, run, turn, wait_for
 
@@ -80,7 +83,7 @@ class Tree:
     def press(self, name, role=None):
         part = self.wait(name, role)
         for index in range(part.get_n_actions()):
-            if Atspi.Action.get_name(part, index) in ("Press", "Toggle"):
+            if part.get_action_name(index) in ("Press", "Toggle"):
                 part.do_action(index)
                 turn(0.1)
                 return

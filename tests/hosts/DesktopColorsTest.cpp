@@ -1,5 +1,5 @@
-#include "desktop/WaitFor.h"
 #include "hosts/linux/DesktopColors.h"
+#include "desktop/WaitFor.h"
 
 #include <gtest/gtest.h>
 
@@ -32,9 +32,8 @@ public:
     }
 
     void change(const char* space, const char* key, unsigned value) {
-        QDBusMessage signal =
-            QDBusMessage::createSignal("/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings",
-                                       "SettingChanged");
+        QDBusMessage signal = QDBusMessage::createSignal("/org/freedesktop/portal/desktop",
+                                                         "org.freedesktop.portal.Settings", "SettingChanged");
         signal << QString::fromLatin1(space) << QString::fromLatin1(key)
                << QVariant::fromValue(QDBusVariant(value));
         bus_.send(signal);

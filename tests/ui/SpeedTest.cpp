@@ -1,6 +1,6 @@
-// How the SMS tab copes with a long history. Prints what it measured; fails only on gross slowness, since machines
-// that run tests are shared. A frame is timed from the change that asks for it to the moment in which it is
-// swapped; the processor time is that of this process over the same stretch.
+// How the SMS tab copes with a long history. Prints what it measured; fails only on gross slowness, since
+// machines that run tests are shared. A frame is timed from the change that asks for it to the moment in which
+// it is swapped; the processor time is that of this process over the same stretch.
 #include "ui/ViewTest.h"
 
 #include <QElapsedTimer>
@@ -88,7 +88,9 @@ protected:
         return median(times.processor);
     }
 
-    double now() const { return std::chrono::duration<double, std::milli>(on.host.time.time_since_epoch()).count(); }
+    double now() const {
+        return std::chrono::duration<double, std::milli>(on.host.time.time_since_epoch()).count();
+    }
 };
 
 TEST_F(SpeedTest, TenThousandMessagesInFiveHundredThreads) {

@@ -64,7 +64,8 @@ void DesktopColors::read() {
         }
         // The answer is wrapped once more than it need be.
         const QVariant value = reply.value().variant();
-        apply(value.canConvert<QDBusVariant>() ? value.value<QDBusVariant>().variant().toUInt() : value.toUInt());
+        apply(value.canConvert<QDBusVariant>() ? value.value<QDBusVariant>().variant().toUInt()
+                                               : value.toUInt());
     });
 }
 
