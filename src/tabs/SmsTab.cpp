@@ -69,6 +69,10 @@ ChatHeader chatHeader(const std::vector<Conversation>& all, const std::string& a
     return header;
 }
 
+bool isOutgoing(const SmsRecord& message) {
+    return message.type == sentType;
+}
+
 std::vector<SmsBubble> smsBubbles(const std::vector<const SmsRecord*>& messages, const Host& host) {
     std::vector<SmsBubble> bubbles;
     bubbles.reserve(messages.size());
@@ -76,7 +80,7 @@ std::vector<SmsBubble> smsBubbles(const std::vector<const SmsRecord*>& messages,
         bubbles.push_back({.id = message->id(),
                            .body = message->body,
                            .time = formatDate(message->date, host),
-                           .isOutgoing = message->type == sentType});
+                           .isOutgoing = isOutgoing(*message)});
     }
     return bubbles;
 }

@@ -62,6 +62,9 @@ struct ChatHeader {
     bool operator==(const ChatHeader&) const = default;
 };
 
+/// Whether the user sent it; everything else came in.
+bool isOutgoing(const SmsRecord& message);
+
 /// One bubble, identified by `id`; messages of the same millisecond share one.
 struct SmsBubble {
     double id = 0;

@@ -10,6 +10,7 @@ target_compile_definitions(test_linux_desktop PRIVATE
     DESKTOP_PROBE="$<TARGET_FILE:desktop_probe>"
     TRAY_HOST="${CMAKE_SOURCE_DIR}/tests/desktop/tray-host")
 
+velloway_desktop_test(test_desktop_colors DesktopColorsTest.cpp)
 velloway_desktop_test(test_linux_application LinuxApplicationTest.cpp)
 velloway_desktop_test(test_linux_workspace LinuxWorkspaceTest.cpp)
 velloway_desktop_test(test_linux_host LinuxHostTest.cpp FileUrisTest.cpp)

@@ -95,7 +95,8 @@ TEST_F(AccessibleTreeTest, EveryControlOfEveryTabHasAName) {
                                                           QAccessible::Window,     QAccessible::Client,
                                                           QAccessible::ScrollBar,  QAccessible::Heading,
                                                           QAccessible::Application};
-                EXPECT_TRUE(alright.count(part.role())) << tab.title << ": role " << part.role() << " at " << path;
+                EXPECT_TRUE(alright.count(part.role()))
+                    << tab.title << ": role " << part.role() << " at " << path;
             }
         });
         EXPECT_GT(controls, 8) << tab.title;
@@ -114,8 +115,8 @@ TEST_F(AccessibleTreeTest, TheSidebarListsTheEightTabsAndTellsWhichIsChosen) {
             }
         }
     });
-    EXPECT_THAT(names, ElementsAre("Call", "SMS", "File Drop", "Notifications", "Remote", "Clipboard", "Settings",
-                                   "Info"));
+    EXPECT_THAT(names, ElementsAre("Call", "SMS", "File Drop", "Notifications", "Remote", "Clipboard",
+                                   "Settings", "Info"));
     EXPECT_THAT(selected, ElementsAre("Remote"));
 }
 

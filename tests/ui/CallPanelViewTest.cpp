@@ -16,17 +16,18 @@ public:
 
     xcb_atom_t atom(std::string_view name) {
         auto* reply = xcb_intern_atom_reply(
-            connection_, xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr);
+            connection_, xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data()),
+            nullptr);
         const xcb_atom_t found = reply->atom;
         std::free(reply);
         return found;
     }
     std::vector<std::uint32_t> property(const QWindow& window, std::string_view name) {
-        auto* reply = xcb_get_property_reply(
-            connection_,
-            xcb_get_property(connection_, 0, static_cast<xcb_window_t>(window.winId()), atom(name),
-                             XCB_GET_PROPERTY_TYPE_ANY, 0, 64),
-            nullptr);
+        auto* reply =
+            xcb_get_property_reply(connection_,
+                                   xcb_get_property(connection_, 0, static_cast<xcb_window_t>(window.winId()),
+                                                    atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 64),
+                                   nullptr);
         std::vector<std::uint32_t> values;
         if (reply && reply->format == 32) {
             const auto* data = static_cast<const std::uint32_t*>(xcb_get_property_value(reply));

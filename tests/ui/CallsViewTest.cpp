@@ -47,7 +47,8 @@ TEST_F(CallsViewTest, DeleteOnAnEmptyNumberIsHandled) {
 
 TEST_F(CallsViewTest, LettersAndPlusArePassedOn) {
     for (const char* character : {"a", "+"}) {
-        QKeyEvent press(QEvent::KeyPress, *character == 'a' ? Qt::Key_A : Qt::Key_Plus, Qt::NoModifier, character);
+        QKeyEvent press(QEvent::KeyPress, *character == 'a' ? Qt::Key_A : Qt::Key_Plus, Qt::NoModifier,
+                        character);
         QGuiApplication::sendEvent(mainWindow(), &press);
         EXPECT_FALSE(press.isAccepted()) << character;
     }

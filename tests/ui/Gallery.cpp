@@ -1,5 +1,5 @@
-// Draws every tab and panel in every state into pictures to look at. Fails when a view complains or a picture is
-// blank.
+// Draws every tab and panel in every state into pictures to look at. Fails when a view complains or a picture
+// is blank.
 #include "bridge/SymbolProvider.h"
 #include "ui/ViewHarness.h"
 
@@ -53,20 +53,26 @@ std::vector<SmsRecord> ordinaryMessages(double now) {
         const char* address;
         const char* name;
     };
-    constexpr Person people[] = {{"+44 7700 900123", "Ada Winter"}, {"+44 7700 900456", "Bruno Keller"},
-                                 {"+90 532 555 0199", "Elif Demir"}, {"+1 555 010 1234", "Katherine Moss"},
-                                 {"+49 30 5550 112", "Jonas Brandt"}, {"16216", ""},
-                                 {"Bank ABC", ""},                   {"+81 3 5550 0102", "Yuki Tanaka"}};
+    constexpr Person people[] = {{"+44 7700 900123", "Ada Winter"},
+                                 {"+44 7700 900456", "Bruno Keller"},
+                                 {"+90 532 555 0199", "Elif Demir"},
+                                 {"+1 555 010 1234", "Katherine Moss"},
+                                 {"+49 30 5550 112", "Jonas Brandt"},
+                                 {"16216", ""},
+                                 {"Bank ABC", ""},
+                                 {"+81 3 5550 0102", "Yuki Tanaka"}};
     std::vector<SmsRecord> log;
     double age = 3 * minute;
     for (const Person& person : people) {
         const std::optional<std::string> name =
             *person.name ? std::optional<std::string>(person.name) : std::nullopt;
-        log.push_back({person.address, name, "Are we still on for tomorrow evening?", now - age - 60 * minute, 1});
-        log.push_back({person.address, name,
-                       "Yes! I booked a table for four, close to the river. Could you bring the charger that I left "
-                       "on your desk last week? It is the white one.",
-                       now - age - 55 * minute, 2});
+        log.push_back(
+            {person.address, name, "Are we still on for tomorrow evening?", now - age - 60 * minute, 1});
+        log.push_back(
+            {person.address, name,
+             "Yes! I booked a table for four, close to the river. Could you bring the charger that I left "
+             "on your desk last week? It is the white one.",
+             now - age - 55 * minute, 2});
         log.push_back({person.address, name, "Sure", now - age - 50 * minute, 1});
         log.push_back({person.address, name, "Yes 👍 see you at eight", now - age - 10 * minute, 2});
         log.push_back({person.address, name, "On my way. The train is five minutes late.", now - age, 1});
@@ -81,13 +87,15 @@ std::vector<SmsRecord> extremeMessages(double now) {
         {"+44 7700 900123", "Maximiliane-Alexandra von und zu Hohenstein-Wackernagel the Third", word + word,
          now - 9 * minute, 1},
         {"+44 7700 900123", std::nullopt, "👍", now - 8 * minute, 2},
-        {"+44 7700 900123", std::nullopt, "👩‍👩‍👧‍👦 🏳️‍🌈 🇯🇵 ✨🚲", now - 7 * minute, 1},
-        {"+44 7700 900123", std::nullopt, "مرحبا، كيف حالك اليوم؟ سأصل في الساعة الثامنة مساءً عند المحطة القديمة.",
-         now - 6 * minute, 1},
+        {"+44 7700 900123", std::nullopt, "👩‍👩‍👧‍👦 🏳️‍🌈 🇯🇵 ✨🚲",
+         now - 7 * minute, 1},
+        {"+44 7700 900123", std::nullopt,
+         "مرحبا، كيف حالك اليوم؟ سأصل في الساعة الثامنة مساءً عند المحطة القديمة.", now - 6 * minute, 1},
         {"+44 7700 900123", std::nullopt, "שלום! נתראה מחר בערב", now - 5 * minute, 2},
         {"+44 7700 900123", std::nullopt, "谢谢 — ありがとう — شكرا — спасибо", now - 4 * minute, 2},
         {"+44 7700 900123", std::nullopt,
-         "First line\nsecond line\n\nA link: https://example.org/a/very/long/path?with=a&long=query&that=does&not="
+         "First line\nsecond line\n\nA link: "
+         "https://example.org/a/very/long/path?with=a&long=query&that=does&not="
          "break&anywhere=at_all_because_it_is_one_word and on it goes.",
          now - 3 * minute, 1},
         {"السلام", std::nullopt, "رمز التحقق الخاص بك هو 123456", now - 40 * minute, 1},
@@ -106,12 +114,13 @@ std::vector<CallRecord> calls(double now, bool isExtreme) {
         {"+1 555 010 1234", "Katherine Moss", now - 9000 * minute, 80, 2},
     };
     if (isExtreme) {
-        log.insert(log.begin(), {"+4477009001234567890123456789012345678901234567890",
-                                 "A caller with a name that does not end before the row does, not by a long way 🚲",
-                                 now, 0, 3});
+        log.insert(log.begin(),
+                   {"+4477009001234567890123456789012345678901234567890",
+                    "A caller with a name that does not end before the row does, not by a long way 🚲", now, 0,
+                    3});
         for (int i = 0; i < 30; ++i) {
-            log.push_back({"+44 20 7946 0" + std::to_string(100 + i), "مريم العبدالله", now - (20000 + i) * minute, 3,
-                           1 + i % 3});
+            log.push_back({"+44 20 7946 0" + std::to_string(100 + i), "مريم العبدالله",
+                           now - (20000 + i) * minute, 3, 1 + i % 3});
         }
     }
     return log;
@@ -134,19 +143,28 @@ void fillStore(ViewHarness& harness, Filling filling) {
     }
     const std::string longText =
         "A text that runs on and on, over more lines than any row would show, so that it has to be cut: " +
-        std::string(60, 'w') + " and again and again and again, until there is nothing more to be said about it.";
+        std::string(60, 'w') +
+        " and again and again and again, until there is nothing more to be said about it.";
     store.add({.app = "Calendar", .title = "Dentist", .body = "Tomorrow at 9:30", .time = now - 90000});
     store.add({.app = "Chat", .title = "Ada Winter", .body = "See you at seven?", .time = now - 300});
     store.add({.app = "Messages", .title = "+44 7700 900456", .body = "On my way 🚲", .time = now - 60});
     if (isExtreme) {
         store.add({.app = "", .title = "", .body = longText, .time = now - 50});
-        store.add({.app = "تطبيق", .title = "رسالة جديدة من مريم", .body = "مرحبا، كيف حالك اليوم؟", .time = now});
-        store.add({.app = "messenger with a name that is far too long for one line of any row of this list at all",
-                   .title = longText, .body = longText, .time = now - 500000});
+        store.add(
+            {.app = "تطبيق", .title = "رسالة جديدة من مريم", .body = "مرحبا، كيف حالك اليوم؟", .time = now});
+        store.add(
+            {.app = "messenger with a name that is far too long for one line of any row of this list at all",
+             .title = longText,
+             .body = longText,
+             .time = now - 500000});
     }
     const auto send = [&](const char* name, bool isOutgoing, double progress, bool isCompleted, bool hasUrl) {
-        FileTransferRecord record{.id = Uuid::random(), .fileName = name, .fileSize = 3'200'000,
-                                  .date = harness.on.host.time, .isOutgoing = isOutgoing, .progress = progress,
+        FileTransferRecord record{.id = Uuid::random(),
+                                  .fileName = name,
+                                  .fileSize = 3'200'000,
+                                  .date = harness.on.host.time,
+                                  .isOutgoing = isOutgoing,
+                                  .progress = progress,
                                   .isCompleted = isCompleted};
         if (hasUrl) {
             record.url = std::filesystem::path("/tmp") / "file";
@@ -158,8 +176,10 @@ void fillStore(ViewHarness& harness, Filling filling) {
     send("presentation.key", true, 0.999, false, true);
     send("song.flac", false, 0.37, false, false);
     if (isExtreme) {
-        send("a-file-with-a-name-that-is-so-long-that-it-has-to-be-cut-in-its-middle-so-that-its-ending-can-still-be-"
-             "seen-by-whoever-looks-at-this-list-of-transfers.tar.gz", false, 1, true, true);
+        send("a-file-with-a-name-that-is-so-long-that-it-has-to-be-cut-in-its-middle-so-that-its-ending-can-"
+             "still-be-"
+             "seen-by-whoever-looks-at-this-list-of-transfers.tar.gz",
+             false, 1, true, true);
         send("صورة العائلة.jpg", false, 1, true, true);
         send("zero.bin", true, 0, false, false);
     }
@@ -259,9 +279,10 @@ void shootTabs(Gallery& gallery, Filling filling, const Look& look) {
         state.phoneCallLog.set(calls(now, isExtreme));
         state.dialpadNumber.set(isExtreme ? "004477009001230123456789012345" : "07700900123");
         state.activeRecipient.set("+44 7700 900123");
-        state.chatText.set(isExtreme ? "A text that I am writing and that is longer than the field in which I write it, "
-                                       "by quite a bit, and then some"
-                                     : "");
+        state.chatText.set(
+            isExtreme ? "A text that I am writing and that is longer than the field in which I write it, "
+                        "by quite a bit, and then some"
+                      : "");
         state.replyingTo.set(harness.program.historyStore().items.get().at(1).id);
         if (isExtreme) {
             state.port.set(65535);
@@ -308,26 +329,29 @@ void shootPanels(Gallery& gallery, const Look& look) {
         harness.settle();
         harness.wait([&] { return ViewHarness::panel() && ViewHarness::panel()->isExposed(); });
         QTest::qWait(30);
-        gallery.shoot(*ViewHarness::panel(), QStringLiteral("panel-ringing-%1-%2").arg(number).arg(QLatin1String(look.name)));
+        gallery.shoot(*ViewHarness::panel(),
+                      QStringLiteral("panel-ringing-%1-%2").arg(number).arg(QLatin1String(look.name)));
         QTest::mouseMove(ViewHarness::panel(), {0, 0});
         harness.click(ViewHarness::part("right", ViewHarness::panel()));
         harness.wait([&] { return ViewHarness::panel() && ViewHarness::panel()->isExposed(); });
         harness.program.notifications().post(AppNotification::callDurationUpdated, std::int64_t{3725});
         harness.settle();
         QTest::qWait(30);
-        gallery.shoot(*ViewHarness::panel(), QStringLiteral("panel-active-%1-%2").arg(number).arg(QLatin1String(look.name)));
+        gallery.shoot(*ViewHarness::panel(),
+                      QStringLiteral("panel-active-%1-%2").arg(number).arg(QLatin1String(look.name)));
         harness.click(ViewHarness::part("left", ViewHarness::panel()));
         QTest::qWait(30);
-        gallery.shoot(*ViewHarness::panel(), QStringLiteral("panel-muted-%1-%2").arg(number).arg(QLatin1String(look.name)));
+        gallery.shoot(*ViewHarness::panel(),
+                      QStringLiteral("panel-muted-%1-%2").arg(number).arg(QLatin1String(look.name)));
     }
 }
 
 int run(const QString& folder) {
     Gallery gallery(folder);
     gallery.symbols();
-    const Look looks[] = {
-        {{850, 550}, false, "850-light"},   {{850, 550}, true, "850-dark"},    {{800, 500}, false, "800-light"},
-        {{800, 500}, true, "800-dark"},     {{1600, 1000}, false, "1600-light"}, {{1600, 1000}, true, "1600-dark"}};
+    const Look looks[] = {{{850, 550}, false, "850-light"},    {{850, 550}, true, "850-dark"},
+                          {{800, 500}, false, "800-light"},    {{800, 500}, true, "800-dark"},
+                          {{1600, 1000}, false, "1600-light"}, {{1600, 1000}, true, "1600-dark"}};
     for (const Look& look : looks) {
         for (const Filling filling : {Filling::empty, Filling::ordinary, Filling::extreme}) {
             shootTabs(gallery, filling, look);

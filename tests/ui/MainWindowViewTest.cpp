@@ -36,9 +36,9 @@ TEST_F(MainWindowViewTest, OpensWithItsTitleAndSizeInTheMiddleOfTheScreen) {
 
 TEST_F(MainWindowViewTest, EveryRowOfTheSidebarShowsItsTab) {
     open(0);
-    const std::map<int, const char*> files{{4, "CallsTab.qml"},     {2, "SmsTab.qml"},    {5, "FileDropTab.qml"},
-                                           {1, "NotificationsTab.qml"}, {7, "RemoteTab.qml"}, {6, "ClipboardTab.qml"},
-                                           {0, "SettingsTab.qml"},  {3, "InfoTab.qml"}};
+    const std::map<int, const char*> files{
+        {4, "CallsTab.qml"},  {2, "SmsTab.qml"},       {5, "FileDropTab.qml"}, {1, "NotificationsTab.qml"},
+        {7, "RemoteTab.qml"}, {6, "ClipboardTab.qml"}, {0, "SettingsTab.qml"}, {3, "InfoTab.qml"}};
     double last = -1;
     for (const TabRow& tab : tabRows) {
         const std::string name = "tab" + std::to_string(tab.index);
@@ -127,7 +127,8 @@ TEST_F(MainWindowViewTest, AppearingAsksThePhoneForItsLogsEachTime) {
 
 TEST_F(MainWindowViewTest, ClosingDuringATransferDoesNotStopIt) {
     ContentView& window = open(5);
-    program.historyStore().addFileTransfer({.id = Uuid::random(), .fileName = "a", .fileSize = 10, .isOutgoing = true});
+    program.historyStore().addFileTransfer(
+        {.id = Uuid::random(), .fileName = "a", .fileSize = 10, .isOutgoing = true});
     const Uuid id = program.historyStore().fileTransfers.get().front().id;
     close(window);
     program.historyStore().updateFileTransfer(id, 0.5, false, std::nullopt);
@@ -161,7 +162,8 @@ TEST_F(MainWindowViewTest, FollowsTheColoursOfTheDesktop) {
     dark.setColor(QPalette::Window, Qt::black);
     QGuiApplication::setPalette(dark);
     settle();
-    const QColor darkText = text("label").isEmpty() ? QColor() : part("localIP")->property("color").value<QColor>();
+    const QColor darkText =
+        text("label").isEmpty() ? QColor() : part("localIP")->property("color").value<QColor>();
     EXPECT_GT(darkText.lightness(), 200);
     QPalette light;
     light.setColor(QPalette::Window, Qt::white);

@@ -7,17 +7,17 @@ namespace velloway::test {
 namespace {
 
 std::string messageOf(const RemoteButton& button) {
-    const char* action = button.operation == RemoteOperation::sendMediaCommand ? "media_command" : "nav_command";
+    const char* action =
+        button.operation == RemoteOperation::sendMediaCommand ? "media_command" : "nav_command";
     return std::string(R"({"action":")") + action + R"(","command":")" + std::string(button.command) + "\"}";
 }
 
 Qt::Key qtKey(KeyEquivalent::Key key) {
     using Key = KeyEquivalent::Key;
-    const std::map<Key, Qt::Key> keys{{Key::upArrow, Qt::Key_Up},       {Key::downArrow, Qt::Key_Down},
-                                      {Key::leftArrow, Qt::Key_Left},   {Key::rightArrow, Qt::Key_Right},
-                                      {Key::space, Qt::Key_Space},      {Key::escape, Qt::Key_Escape},
-                                      {Key::returnKey, Qt::Key_Return}, {Key::tab, Qt::Key_Tab},
-                                      {Key::n, Qt::Key_N}};
+    const std::map<Key, Qt::Key> keys{
+        {Key::upArrow, Qt::Key_Up},       {Key::downArrow, Qt::Key_Down}, {Key::leftArrow, Qt::Key_Left},
+        {Key::rightArrow, Qt::Key_Right}, {Key::space, Qt::Key_Space},    {Key::escape, Qt::Key_Escape},
+        {Key::returnKey, Qt::Key_Return}, {Key::tab, Qt::Key_Tab},        {Key::n, Qt::Key_N}};
     return keys.at(key);
 }
 

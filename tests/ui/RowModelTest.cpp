@@ -43,12 +43,13 @@ public:
                              rows.erase(rows.begin() + from);
                              rows.insert(rows.begin() + (to > from ? to - 1 : to), moved);
                          });
-        QObject::connect(&model, &Model::dataChanged, &model, [this](const QModelIndex& from, const QModelIndex& to) {
-            changes += to.row() - from.row() + 1;
-            for (int row = from.row(); row <= to.row(); ++row) {
-                rows.at(row) = read(row);
-            }
-        });
+        QObject::connect(&model, &Model::dataChanged, &model,
+                         [this](const QModelIndex& from, const QModelIndex& to) {
+                             changes += to.row() - from.row() + 1;
+                             for (int row = from.row(); row <= to.row(); ++row) {
+                                 rows.at(row) = read(row);
+                             }
+                         });
         QObject::connect(&model, &Model::modelReset, &model, [this] { ++resets; });
     }
 
@@ -64,7 +65,8 @@ public:
 private:
     Row read(int row) const {
         const QModelIndex at = model_.index(row, 0);
-        return {model_.data(at, Qt::UserRole).toInt(), model_.data(at, Qt::UserRole + 1).toString().toStdString()};
+        return {model_.data(at, Qt::UserRole).toInt(),
+                model_.data(at, Qt::UserRole + 1).toString().toStdString()};
     }
 
     const QAbstractItemModel& model_;
@@ -150,7 +152,8 @@ TEST_F(RowModelTest, RandomChangesAlwaysAddUp) {
             case 0:
             case 1:
                 // Few identities, so that many are shared.
-                rows.insert(rows.begin() + upTo(static_cast<unsigned>(size) + 1), {upTo(12), std::to_string(upTo(4))});
+                rows.insert(rows.begin() + upTo(static_cast<unsigned>(size) + 1),
+                            {upTo(12), std::to_string(upTo(4))});
                 break;
             case 2:
                 if (size > 0) {
@@ -159,7 +162,8 @@ TEST_F(RowModelTest, RandomChangesAlwaysAddUp) {
                 break;
             case 3:
                 if (size > 0) {
-                    rows[static_cast<std::size_t>(upTo(static_cast<unsigned>(size)))].text = std::to_string(upTo(9));
+                    rows[static_cast<std::size_t>(upTo(static_cast<unsigned>(size)))].text =
+                        std::to_string(upTo(9));
                 }
                 break;
             case 4:

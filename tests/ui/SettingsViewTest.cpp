@@ -61,7 +61,8 @@ TEST_F(SettingsTabViewTest, RestartListensOnTheNewPortAndGoesAtOnce) {
 }
 
 TEST_F(SettingsTabViewTest, TheAddressIsCopied) {
-    on.host.interfaces = {{.name = "en0", .flags = IFF_UP | IFF_RUNNING, .addressFamily = AF_INET, .numericAddress = "10.0.0.5"}};
+    on.host.interfaces = {
+        {.name = "en0", .flags = IFF_UP | IFF_RUNNING, .addressFamily = AF_INET, .numericAddress = "10.0.0.5"}};
     open(3);
     open(0);
     EXPECT_EQ(text("localIP"), "10.0.0.5");

@@ -208,7 +208,8 @@ TEST_F(SmsViewTest, AChatOpensAtItsEndAndFollowsANewMessage) {
     click("composer");
     type("one more");
     key(Qt::Key_Return);
-    EXPECT_TRUE(wait([&] { return list->property("count").toInt() == 301 && list->property("atYEnd").toBool(); }));
+    EXPECT_TRUE(
+        wait([&] { return list->property("count").toInt() == 301 && list->property("atYEnd").toBool(); }));
 }
 
 TEST_F(SmsViewTest, TheTextOfABubbleCanBeSelectedWhole) {

@@ -40,24 +40,23 @@ inline bool isShown(const QQuickItem* item) {
 class ViewHarness {
 public:
     ViewHarness()
-        : program(
-              Platform{.mainQueue = on.main,
-                       .serverQueue = on.server,
-                       .network = on.network,
-                       .userDefaults = on.userDefaults,
-                       .notificationCenter = on.notificationCenter,
-                       .pasteboard = on.pasteboard,
-                       .inputEvents = on.input,
-                       .scripts = on.scripts,
-                       .accessibility = on.accessibility,
-                       .loginItem = on.loginItem,
-                       .statusItem = on.statusItem,
-                       .application = on.application,
-                       .windows = windows,
-                       .workspace = on.workspace,
-                       .host = on.host,
-                       .log = on.log},
-              [] {}) {
+        : program(Platform{.mainQueue = on.main,
+                           .serverQueue = on.server,
+                           .network = on.network,
+                           .userDefaults = on.userDefaults,
+                           .notificationCenter = on.notificationCenter,
+                           .pasteboard = on.pasteboard,
+                           .inputEvents = on.input,
+                           .scripts = on.scripts,
+                           .accessibility = on.accessibility,
+                           .loginItem = on.loginItem,
+                           .statusItem = on.statusItem,
+                           .application = on.application,
+                           .windows = windows,
+                           .workspace = on.workspace,
+                           .host = on.host,
+                           .log = on.log},
+                  [] {}) {
         QGuiApplication::setWindowIcon(QIcon(":/icon/velloway.svg"));
         program.delegate().applicationDidFinishLaunching();
         on.drain();
@@ -120,8 +119,8 @@ public:
         std::vector<ContentView*> found;
         for (QWindow* window : QGuiApplication::topLevelWindows()) {
             auto* view = qobject_cast<ContentView*>(window);
-            if (view && view->rootObject() &&
-                (view->rootObject()->property("ringing").isValid()) == panels && view->isVisible()) {
+            if (view && view->rootObject() && (view->rootObject()->property("ringing").isValid()) == panels &&
+                view->isVisible()) {
                 found.push_back(view);
             }
         }
@@ -162,7 +161,9 @@ public:
         }
         return nullptr;
     }
-    static bool shows(const char* name, QQuickWindow* window = mainWindow()) { return part(name, window) != nullptr; }
+    static bool shows(const char* name, QQuickWindow* window = mainWindow()) {
+        return part(name, window) != nullptr;
+    }
     static QString text(const char* name, QQuickWindow* window = mainWindow()) {
         QQuickItem* item = part(name, window);
         return item ? item->property("text").toString() : QStringLiteral("(not there)");
@@ -194,7 +195,8 @@ public:
     /// Key presses for every character; the toolkit's own helper has no text for some of them.
     void type(const QString& text) {
         for (const QChar c : text) {
-            QKeyEvent press(QEvent::KeyPress, c.unicode() < 128 ? c.toUpper().unicode() : 0, Qt::NoModifier, QString(c));
+            QKeyEvent press(QEvent::KeyPress, c.unicode() < 128 ? c.toUpper().unicode() : 0, Qt::NoModifier,
+                            QString(c));
             QGuiApplication::sendEvent(mainWindow(), &press);
             QKeyEvent release(QEvent::KeyRelease, press.key(), Qt::NoModifier, QString(c));
             QGuiApplication::sendEvent(mainWindow(), &release);

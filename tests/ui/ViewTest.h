@@ -20,11 +20,12 @@ class ViewTest : public testing::Test, public ViewHarness {
 protected:
     ViewTest() {
         complaints().clear();
-        previous_ = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
-            if (type != QtDebugMsg && type != QtInfoMsg) {
-                complaints().push_back(message.toStdString());
-            }
-        });
+        previous_ =
+            qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
+                if (type != QtDebugMsg && type != QtInfoMsg) {
+                    complaints().push_back(message.toStdString());
+                }
+            });
     }
     ~ViewTest() override {
         qInstallMessageHandler(previous_);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hosts/linux/DesktopColors.h"
 #include "hosts/linux/LinuxApplication.h"
 #include "hosts/linux/LinuxHost.h"
 #include "hosts/linux/LinuxLoginItem.h"
@@ -51,6 +52,7 @@ private:
     void reopen();
     void showTraylessWindow();
 
+    DesktopColors colors_;
     TerminationSignals terminationSignals_{[this] { terminate(); }};
     SingleInstance instance_;
     SingleInstance::Request ownRequest_;

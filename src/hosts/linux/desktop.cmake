@@ -6,6 +6,7 @@ target_link_libraries(velloway_host_linux
     PRIVATE PkgConfig::XCB)
 set_target_properties(velloway_host_linux PROPERTIES AUTOMOC ON)
 target_sources(velloway_host_linux PRIVATE
+    DesktopColors.cpp
     FileUris.cpp
     LinuxApplication.cpp
     LinuxDesktop.cpp

@@ -163,10 +163,11 @@ SettingsBridge::SettingsBridge(std::shared_ptr<SettingsView> view, QObject* pare
                                                  role<SmsThreadRow>("date", &SmsThreadRow::date),
                                                  role<SmsThreadRow>("preview", &SmsThreadRow::preview),
                                                  role<SmsThreadRow>("isActive", &SmsThreadRow::isActive)})),
-      bubbles_([](const SmsBubble& row) { return row.id; },
-               roles<SmsBubble, double>({role<SmsBubble>("body", &SmsBubble::body),
-                                         role<SmsBubble>("time", &SmsBubble::time),
-                                         role<SmsBubble>("isOutgoing", &SmsBubble::isOutgoing)})),
+      bubbles_([](const ChatRow& row) { return row.date; },
+               roles<ChatRow, double>(
+                   {role<ChatRow>("body", &ChatRow::body),
+                    {"time", [this](const ChatRow& row) { return toVariant(view_->formatDate(row.date)); }},
+                    role<ChatRow>("isOutgoing", &ChatRow::isOutgoing)})),
       recentCalls_([](const RecentCallRow& row) { return row.id; },
                    roles<RecentCallRow, double>({role<RecentCallRow>("number", &RecentCallRow::number),
                                                  role<RecentCallRow>("name", &RecentCallRow::name),
@@ -349,7 +350,11 @@ void SettingsBridge::readSmsList() {
 
 void SettingsBridge::readSmsChat() {
     shown_.put("chatHeader", chatHeaderVariant(view_->chatHeader()));
-    bubbles_.assign(view_->smsBubbles());
+    std::vector<ChatRow> rows;
+    for (const SmsRecord* message : view_->activeMessages()) {
+        rows.push_back({.date = message->date, .body = message->body, .isOutgoing = isOutgoing(*message)});
+    }
+    bubbles_.assign(std::move(rows));
 }
 
 void SettingsBridge::readSettings() {

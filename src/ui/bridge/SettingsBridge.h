@@ -106,6 +106,15 @@ public:
 
 private:
     using Shown = SettingsView::Shown;
+
+    /// A bubble whose time is put into words only when it comes in sight: a chat can be thousands of them long.
+    struct ChatRow {
+        double date = 0;
+        std::string body;
+        bool isOutgoing = false;
+
+        bool operator==(const ChatRow&) const = default;
+    };
     static constexpr std::size_t shownCount = static_cast<std::size_t>(Shown::settings) + 1;
 
     void follow(Shown value);
@@ -120,7 +129,7 @@ private:
     PropertyBag fields_;
     PropertyBag shown_;
     RowModel<SmsThreadRow, std::string> threads_;
-    RowModel<SmsBubble, double> bubbles_;
+    RowModel<ChatRow, double> bubbles_;
     RowModel<RecentCallRow, double> recentCalls_;
     RowModel<NotificationRow, std::string> notifications_;
     RowModel<FileTransferRow, std::string> transfers_;

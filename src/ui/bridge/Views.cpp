@@ -4,9 +4,9 @@
 #include "bridge/SettingsBridge.h"
 #include "bridge/SymbolProvider.h"
 
-#include <QGuiApplication>
 #include <QFont>
 #include <QFontDatabase>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QQmlContext>
 #include <QQmlEngine>

@@ -1,0 +1,153 @@
+// How the SMS tab copes with a long history. Prints what it measured; fails only on gross slowness, since
+// machines that run tests are shared. A frame is timed from the change that asks for it to the moment in which
+// it is swapped; the processor time is that of this process over the same stretch.
+#include "ui/ViewTest.h"
+
+#include <QElapsedTimer>
+
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+
+namespace velloway::test {
+namespace {
+
+constexpr int threadCount = 500;
+constexpr int messageCount = 10'000;
+
+double processorMilliseconds() {
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1000 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
+/// Proportional memory in MiB.
+double memory() {
+    std::ifstream file("/proc/self/smaps_rollup");
+    std::string word;
+    while (file >> word) {
+        if (word == "Pss:") {
+            double kilobytes = 0;
+            file >> kilobytes;
+            return kilobytes / 1024;
+        }
+    }
+    return 0;
+}
+
+std::vector<SmsRecord> longHistory(int messages, int threads, double now) {
+    std::vector<SmsRecord> log;
+    for (int i = 0; i < messages; ++i) {
+        // Half of all messages lie in one thread.
+        const int person = i % 2 == 0 ? 0 : 1 + (i / 2) % (threads - 1);
+        log.push_back({"+4477009" + std::to_string(10000 + person), "Person " + std::to_string(person),
+                       "Could you bring the charger that I left on your desk last week? #" + std::to_string(i),
+                       now - (messages - i) * 60'000.0, 1 + i % 2});
+    }
+    return log;
+}
+
+class SpeedTest : public ViewTest {
+protected:
+    struct Times {
+        std::vector<double> wall;
+        std::vector<double> processor;
+    };
+
+    /// One change and the frame that shows it.
+    void measure(Times& times, const std::function<void()>& change) {
+        ContentView* window = mainWindow();
+        bool isSwapped = false;
+        const auto connection =
+            QObject::connect(window, &QQuickWindow::frameSwapped, window, [&isSwapped] { isSwapped = true; });
+        QElapsedTimer clock;
+        clock.start();
+        const double before = processorMilliseconds();
+        change();
+        on.drain();
+        window->update();
+        while (!isSwapped) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        times.wall.push_back(static_cast<double>(clock.nsecsElapsed()) / 1e6);
+        times.processor.push_back(processorMilliseconds() - before);
+        QObject::disconnect(connection);
+        // Animations and second thoughts of the list are not part of the next frame.
+        QTest::qWait(250);
+        settle();
+    }
+
+    static double median(std::vector<double> values) {
+        std::sort(values.begin(), values.end());
+        return values[values.size() / 2];
+    }
+    static double report(const char* what, const Times& times) {
+        const double worst = *std::max_element(times.processor.begin(), times.processor.end());
+        std::printf("%-28s %6.1f ms to the frame, %6.1f ms of processor time (worst %.1f), %zu times\n", what,
+                    median(times.wall), median(times.processor), worst, times.wall.size());
+        return median(times.processor);
+    }
+
+    double now() const {
+        return std::chrono::duration<double, std::milli>(on.host.time.time_since_epoch()).count();
+    }
+};
+
+TEST_F(SpeedTest, TenThousandMessagesInFiveHundredThreads) {
+    open(0);
+    state().phoneSmsLog.set(longHistory(messageCount, threadCount, now()));
+    settle();
+
+    Times openings;
+    for (int i = 0; i < 3; ++i) {
+        measure(openings, [&] { state().selectedTab.set(2); });
+        ASSERT_EQ(part("threads")->property("count").toInt(), threadCount);
+        open(3);
+    }
+    open(2);
+    Times letters;
+    click("search");
+    for (const char* typed : {"p", "e", "r", "s", "o", "n", " ", "4"}) {
+        measure(letters, [&] {
+            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(typed));
+            QGuiApplication::sendEvent(mainWindow(), &press);
+        });
+    }
+    click("clearSearch");
+    Times switches;
+    for (int i = 0; i < 6; ++i) {
+        measure(switches, [&] { state().openConversation("+4477009" + std::to_string(10000 + i % 2 * 7)); });
+    }
+    state().openConversation("+447700910000");
+    settle();
+    ASSERT_GE(part("messages")->property("count").toInt(), messageCount / 2);
+    Times sendings;
+    for (int i = 0; i < 5; ++i) {
+        state().chatText.set("hello");
+        settle();
+        measure(sendings, [&] { state().sendChatMessage(); });
+    }
+    Times nothing;
+    for (int i = 0; i < 5; ++i) {
+        measure(nothing, [] {});
+    }
+
+    report("an empty change", nothing);
+    EXPECT_LT(report("opening the tab", openings), 400);
+    EXPECT_LT(report("a letter in the search", letters), 200);
+    EXPECT_LT(report("switching the chat", switches), 200);
+    EXPECT_LT(report("sending", sendings), 200);
+}
+
+TEST_F(SpeedTest, MemoryWithFiveThousandMessages) {
+    open(2);
+    state().phoneSmsLog.set(longHistory(5000, 200, now()));
+    state().openConversation("+447700910000");
+    settle();
+    QTest::qWait(300);
+    std::printf("proportional memory of this test with the window open: %.1f MiB\n", memory());
+    EXPECT_LT(memory(), 200);
+}
+
+} // namespace
+} // namespace velloway::test
