@@ -37,20 +37,21 @@ std::string localizedDescriptionOf(nw_error_t error) {
     return text ? textOf(text.get()) : std::string();
 }
 
-} // namespace
-
-std::optional<NetworkError> networkErrorFrom(nw_error_t error) {
-    if (error == nullptr) {
-        return std::nullopt;
-    }
+NetworkError described(nw_error_t _Nonnull error) {
     std::string code = std::string(nameOf(nw_error_get_error_domain(error))) + " error " +
                        std::to_string(nw_error_get_error_code(error));
     std::string localized = localizedDescriptionOf(error);
     if (localized.empty()) {
-        return NetworkError{.localizedDescription = code, .description = code};
+        return {.localizedDescription = code, .description = code};
     }
     std::string description = code + ": " + localized;
-    return NetworkError{.localizedDescription = std::move(localized), .description = std::move(description)};
+    return {.localizedDescription = std::move(localized), .description = std::move(description)};
+}
+
+} // namespace
+
+std::optional<NetworkError> networkErrorFrom(nw_error_t error) {
+    return error != nullptr ? std::optional(described(static_cast<nw_error_t _Nonnull>(error))) : std::nullopt;
 }
 
 } // namespace velloway

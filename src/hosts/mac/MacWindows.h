@@ -23,7 +23,9 @@ public:
 /// toolkit, so nothing can set their properties back.
 class MacWindows final : public Windows {
 public:
-    using MakeSurface = std::function<std::unique_ptr<ContentSurface>(std::shared_ptr<WindowContent>)>;
+    enum class Look { opaque, translucent };
+    using MakeSurface =
+        std::function<std::unique_ptr<ContentSurface>(std::shared_ptr<WindowContent>, Look look)>;
 
     MacWindows(MacDelegate& delegate, MakeSurface makeSurface);
 

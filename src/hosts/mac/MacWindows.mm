@@ -107,7 +107,7 @@ std::shared_ptr<Window> MacWindows::makeMainWindow(const MainWindowProperties& p
                                                      backing:NSBackingStoreBuffered
                                                        defer:NO];
     window.title = nsString(properties.title);
-    auto surface = makeSurface_(std::move(content));
+    auto surface = makeSurface_(std::move(content), Look::opaque);
     fill(window.contentView, viewOf(*surface));
     window.initialFirstResponder = viewOf(*surface);
     delegate_.windowWillClose = std::move(onClose);
@@ -124,7 +124,7 @@ std::shared_ptr<Window> MacWindows::makePanel(const PanelProperties& properties,
                                                   backing:NSBackingStoreBuffered
                                                     defer:NO];
     apply(properties, panel);
-    auto surface = makeSurface_(std::move(content));
+    auto surface = makeSurface_(std::move(content), Look::translucent);
     NSVisualEffectView* background = makeBackground(properties.contentRect);
     fill(background, viewOf(*surface));
     panel.contentView = background;

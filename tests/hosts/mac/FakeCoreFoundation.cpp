@@ -80,7 +80,11 @@ Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
     if (options != nullptr) {
         const auto& entries = static_cast<Dictionary&>(object(options)).entries;
         const auto found = entries.find(kAXTrustedCheckOptionPrompt);
-        fakeAccessibility.prompts += found != entries.end() && found->second == kCFBooleanTrue ? 1 : 0;
+        const bool prompts = found != entries.end() && found->second == kCFBooleanTrue;
+        fakeAccessibility.prompts += prompts ? 1 : 0;
+        if (prompts && fakeAccessibility.onPrompt) {
+            fakeAccessibility.onPrompt();
+        }
     }
     return fakeAccessibility.isTrusted ? 1 : 0;
 }

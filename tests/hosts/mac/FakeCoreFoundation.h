@@ -2,6 +2,7 @@
 
 #include "hosts/mac/FakeObject.h"
 
+#include <functional>
 #include <string>
 
 namespace velloway::test {
@@ -18,6 +19,7 @@ struct FakeAccessibility {
     bool isTrusted = false;
     int questions = 0;
     int prompts = 0;
+    std::function<void()> onPrompt;
 };
 extern FakeAccessibility fakeAccessibility;
 

@@ -305,6 +305,9 @@ private:
 };
 
 void note(std::string call) {
+    if (fakeNetworkFramework.onCall) {
+        fakeNetworkFramework.onCall(call);
+    }
     fakeNetworkFramework.calls.push_back(std::move(call));
 }
 

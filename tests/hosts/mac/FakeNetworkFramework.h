@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,6 +12,8 @@ namespace velloway::test {
 /// What the framework was asked to do, and what it should do next.
 struct FakeNetworkFramework {
     std::vector<std::string> calls;
+    /// Hears each call as it comes.
+    std::function<void(const std::string&)> onCall;
     bool refusesListeners = false;
     /// How the far ends of new connections show themselves.
     enum class EndpointKind { address, host, service } endpointKind = EndpointKind::address;

@@ -24,7 +24,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<ContentSurface> makeFakeSurface(std::shared_ptr<WindowContent>) {
+std::unique_ptr<ContentSurface> makeFakeSurface(std::shared_ptr<WindowContent>, MacWindows::Look look) {
+    fakeMac.note(look == MacWindows::Look::opaque ? "opaque surface" : "translucent surface");
     return std::make_unique<FakeSurface>();
 }
 

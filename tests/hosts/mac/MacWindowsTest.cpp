@@ -49,8 +49,9 @@ TEST_F(MacWindowsTest, the_ringing_panel_gets_each_property_in_order) {
                             "key only if needed = 1", "collection behavior = 257", "movable by background = 1",
                             "shadow = 1", "clear background", "opaque = 0", "transparent title bar = 1",
                             "title visibility = 1", "released when closed = 0", "hides on deactivate = 0",
-                            "material = 13", "blending mode = 0", "effect state = 1", "corner radius = 12",
-                            "masks to bounds = 1", "subview 0 0 350 80, resizes 18", "content view"));
+                            "translucent surface", "material = 13", "blending mode = 0", "effect state = 1",
+                            "corner radius = 12", "masks to bounds = 1", "subview 0 0 350 80, resizes 18",
+                            "content view"));
 }
 
 TEST_F(MacWindowsTest, the_panel_of_a_running_call_leaves_two_properties_alone) {
@@ -100,8 +101,8 @@ TEST_F(MacWindowsTest, the_main_window_is_made_with_its_style_and_closing_it_is_
     window->center();
     window->makeKeyAndOrderFront();
     EXPECT_THAT(calls(), ElementsAre("window 0 0 850 550, style 15, backing 2", "title Velloway Settings",
-                                     "subview 0 0 850 550, resizes 18", "first responder", "delegate",
-                                     "released when closed = 0", "minimum size 800 500", "center",
+                                     "opaque surface", "subview 0 0 850 550, resizes 18", "first responder",
+                                     "delegate", "released when closed = 0", "minimum size 800 500", "center",
                                      "surface shown", "make key and order front"));
     EXPECT_TRUE(window->isVisible());
     fakeCloseMainWindow();

@@ -30,6 +30,7 @@ MACSDK_OPTIONAL
 @property(nullable, readonly, strong) NSEvent* currentEvent;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
 - (void)activateIgnoringOtherApps:(BOOL)ignoreOtherApps;
+- (void)activate MACSDK_SINCE(14.0);
 - (void)terminate:(nullable id)sender;
 @end
 
@@ -65,15 +66,16 @@ typedef NS_ENUM(NSInteger, NSVisualEffectState){NSVisualEffectStateFollowsWindow
 @end
 
 typedef CGFloat NSFontWeight;
-FOUNDATION_EXPORT const NSFontWeight NSFontWeightRegular;
+FOUNDATION_EXPORT const NSFontWeight NSFontWeightRegular MACSDK_SINCE(10.11);
+MACSDK_SINCE(11.0)
 @interface NSImageSymbolConfiguration : NSObject <NSCopying>
 + (instancetype)configurationWithPointSize:(CGFloat)pointSize weight:(NSFontWeight)weight;
 @end
 @interface NSImage : NSObject <NSCopying>
 + (nullable NSImage*)imageNamed:(NSString*)name;
 + (nullable instancetype)imageWithSystemSymbolName:(NSString*)name
-                          accessibilityDescription:(nullable NSString*)description;
-- (nullable NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration;
+                          accessibilityDescription:(nullable NSString*)description MACSDK_SINCE(11.0);
+- (nullable NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration MACSDK_SINCE(11.0);
 // The property is named with a word of C++, so these two stand for it.
 - (void)setTemplate:(BOOL)isTemplate;
 - (BOOL)isTemplate;

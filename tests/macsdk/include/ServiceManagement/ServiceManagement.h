@@ -8,6 +8,7 @@ NS_ASSUME_NONNULL_BEGIN
 typedef NS_ENUM(NSInteger, SMAppServiceStatus){SMAppServiceStatusNotRegistered = 0, SMAppServiceStatusEnabled = 1,
                                                SMAppServiceStatusRequiresApproval = 2,
                                                SMAppServiceStatusNotFound = 3};
+MACSDK_SINCE(13.0)
 @interface SMAppService : NSObject
 @property(class, readonly) SMAppService* mainAppService;
 @property(readonly) SMAppServiceStatus status;

@@ -7,8 +7,13 @@
 
 typedef struct objc_class* Class;
 typedef struct objc_selector* SEL;
+#if defined(__aarch64__)
+typedef bool BOOL;
+#else
 /// As on Intel Macs, where a careless conversion to it can lose bits.
 typedef signed char BOOL;
+#endif
+#define MACSDK_SINCE(version) __attribute__((availability(macos, introduced = version)))
 #define OBJC_BOOL_DEFINED
 #define YES __objc_yes
 #define NO __objc_no

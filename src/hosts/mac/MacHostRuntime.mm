@@ -1,0 +1,97 @@
+#include "hosts/HostRuntime.h"
+#include "hosts/mac/MacAccessibility.h"
+#include "hosts/mac/MacApplication.h"
+#include "hosts/mac/MacDispatchQueue.h"
+#include "hosts/mac/MacHost.h"
+#include "hosts/mac/MacInputEvents.h"
+#include "hosts/mac/MacLoginItem.h"
+#include "hosts/mac/MacNetwork.h"
+#include "hosts/mac/MacPasteboard.h"
+#include "hosts/mac/MacScripts.h"
+#include "hosts/mac/MacStatusItem.h"
+#include "hosts/mac/MacUserDefaults.h"
+#include "hosts/mac/MacUserNotificationCenter.h"
+#include "hosts/mac/MacWindows.h"
+#include "hosts/mac/MacWorkspace.h"
+#include "hosts/mac/QtSurface.h"
+#include "hosts/qt/QtMainQueue.h"
+#include "hosts/qt/StandardOutputLog.h"
+
+#include <QApplication>
+
+namespace velloway {
+
+namespace {
+
+/// What must be settled before the toolkit's application object is made: it would take this process for one
+/// with a place in the Dock, and bring it to the front.
+struct BackgroundStart {
+    BackgroundStart() { qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1"); }
+};
+
+class MacHostRuntime final : public HostRuntime {
+public:
+    MacHostRuntime(int& argc, char** argv) : qtApplication_(argc, argv) {
+        QCoreApplication::setApplicationName(QStringLiteral("Velloway"));
+        QGuiApplication::setQuitOnLastWindowClosed(false);
+    }
+
+    Platform platform() override {
+        return {.mainQueue = mainQueue_,
+                .serverQueue = serverQueue_,
+                .network = network_,
+                .userDefaults = userDefaults_,
+                .notificationCenter = notificationCenter_,
+                .pasteboard = pasteboard_,
+                .inputEvents = inputEvents_,
+                .scripts = scripts_,
+                .accessibility = accessibility_,
+                .loginItem = loginItem_,
+                .statusItem = statusItem_,
+                .application = application_,
+                .windows = windows_,
+                .workspace = workspace_,
+                .host = host_,
+                .log = log_};
+    }
+    int run(ApplicationDelegate& delegate) override {
+        delegate_.application = &delegate;
+        const int answer = QApplication::exec();
+        delegate_.application = nullptr;
+        return answer;
+    }
+    void terminate() override { application_.terminate(); }
+
+private:
+    StandardOutputLog log_;
+    BackgroundStart backgroundStart_;
+    MacDelegate delegate_;
+    MacApplication application_{delegate_};
+    QApplication qtApplication_;
+    QtMainQueue mainQueue_;
+    MacHost host_;
+    MacUserDefaults userDefaults_;
+    MacUserNotificationCenter notificationCenter_{delegate_};
+    MacPasteboard pasteboard_;
+    MacInputEvents inputEvents_;
+    MacScripts scripts_;
+    MacAccessibility accessibility_;
+    MacLoginItem loginItem_;
+    MacStatusItem statusItem_{delegate_};
+    QtSurfaces surfaces_;
+    MacWindows windows_{delegate_, [this](std::shared_ptr<WindowContent> content, MacWindows::Look look) {
+                            return surfaces_.make(std::move(content), look);
+                        }};
+    MacWorkspace workspace_;
+    MacDispatchQueue serverQueue_{"ws.server"};
+    MacNetwork network_;
+};
+
+} // namespace
+
+/// There is never a second instance in a session: the system hands another start to the one that runs.
+std::unique_ptr<HostRuntime> makeHost(int& argc, char** argv) {
+    return std::make_unique<MacHostRuntime>(argc, argv);
+}
+
+} // namespace velloway

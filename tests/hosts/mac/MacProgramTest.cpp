@@ -1,0 +1,172 @@
+#include "app/Program.h"
+#include "fakes/FakeDispatchQueue.h"
+#include "fakes/FakeLog.h"
+#include "hosts/mac/FakeCoreFoundation.h"
+#include "hosts/mac/FakeDispatch.h"
+#include "hosts/mac/FakeMac.h"
+#include "hosts/mac/FakeNetworkFramework.h"
+#include "hosts/mac/FakeSurface.h"
+#include "hosts/mac/MacAccessibility.h"
+#include "hosts/mac/MacApplication.h"
+#include "hosts/mac/MacDispatchQueue.h"
+#include "hosts/mac/MacHost.h"
+#include "hosts/mac/MacInputEvents.h"
+#include "hosts/mac/MacLoginItem.h"
+#include "hosts/mac/MacNetwork.h"
+#include "hosts/mac/MacPasteboard.h"
+#include "hosts/mac/MacScripts.h"
+#include "hosts/mac/MacStatusItem.h"
+#include "hosts/mac/MacUserDefaults.h"
+#include "hosts/mac/MacUserNotificationCenter.h"
+#include "hosts/mac/MacWindows.h"
+#include "hosts/mac/MacWorkspace.h"
+#include "runtime/ObjectiveC.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+namespace velloway::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// The whole program on the macOS adapters. Only the main queue, the log and the views are stand-ins of ours:
+/// on a Mac they come from Qt.
+class MacProgramTest : public testing::Test {
+protected:
+    MacProgramTest() {
+        resetFakeMac();
+        fakeNetworkFramework = {};
+        fakeAccessibility = {};
+        fakeNetworkFramework.onCall = [](const std::string& call) {
+            if (call == "listener start") {
+                fakeMac.note("the server listens");
+            }
+        };
+        fakeAccessibility.onPrompt = [] { fakeMac.note("trust prompt"); };
+        delegate.application = &program->delegate();
+    }
+    ~MacProgramTest() override {
+        // The program closes nothing when it ends, so the phone does.
+        if (phone) {
+            phone->fails(ECONNRESET);
+        }
+        runAll();
+        phone.reset();
+        delegate.application = nullptr;
+        program.reset();
+        runAll();
+        fakeNetworkFramework = {};
+        fakeAccessibility = {};
+        objc_autoreleasePoolPop(pool);
+    }
+
+    void runAll() {
+        for (int round = 0; round < 10; ++round) {
+            fakeDispatch::runAll();
+            main.runAll();
+            fakeMac.runLater();
+        }
+    }
+    std::vector<std::string> calls() { return std::exchange(fakeMac.calls, {}); }
+
+    Platform platform() {
+        return {.mainQueue = main,
+                .serverQueue = serverQueue,
+                .network = network,
+                .userDefaults = userDefaults,
+                .notificationCenter = notificationCenter,
+                .pasteboard = pasteboard,
+                .inputEvents = inputEvents,
+                .scripts = scripts,
+                .accessibility = accessibility,
+                .loginItem = loginItem,
+                .statusItem = statusItem,
+                .application = application,
+                .windows = windows,
+                .workspace = workspace,
+                .host = host,
+                .log = log};
+    }
+
+    void* pool = objc_autoreleasePoolPush();
+    FakeDispatchQueue main;
+    FakeLog log;
+    MacDelegate delegate;
+    MacApplication application{delegate};
+    MacHost host;
+    MacUserDefaults userDefaults;
+    MacUserNotificationCenter notificationCenter{delegate};
+    MacPasteboard pasteboard;
+    MacInputEvents inputEvents;
+    MacScripts scripts;
+    MacAccessibility accessibility;
+    MacLoginItem loginItem;
+    MacStatusItem statusItem{delegate};
+    MacWindows windows{delegate, makeFakeSurface};
+    MacWorkspace workspace;
+    MacDispatchQueue serverQueue{"ws.server"};
+    MacNetwork network;
+    std::unique_ptr<Program> program = std::make_unique<Program>(platform(), [] {});
+    std::shared_ptr<FakePhone> phone;
+};
+
+TEST_F(MacProgramTest, the_launch_goes_through_its_steps_in_order) {
+    fakeLaunch();
+    runAll();
+    EXPECT_THAT(calls(),
+                ElementsAre("notification delegate", "notification settings",
+                            StartsWith("category REPLY_CATEGORY"), "trust prompt", "status item of length -1",
+                            "the server listens", "services provider", "activation policy 1"));
+    EXPECT_EQ(fakeMac.buttonImage, "StatusIcon 0");
+    EXPECT_TRUE(fakeMac.isButtonImageTemplate);
+    ASSERT_EQ(fakeMenu().size(), 15u);
+    EXPECT_EQ(fakeMenu()[2].title, "Server: listening on :8765");
+}
+
+TEST_F(MacProgramTest, a_notification_comes_from_the_phone_and_its_answer_goes_back) {
+    fakeLaunch();
+    runAll();
+    phone = dialFake(8765);
+    ASSERT_TRUE(phone);
+    runAll();
+    phone->shakeHands();
+    runAll();
+    calls();
+    phone->farEnd->frames.clear();
+
+    phone->sends(R"({"app":"Chat","title":"Anna","body":"Hi","key":"key-1"})");
+    runAll();
+    EXPECT_THAT(calls(), Contains(StartsWith("add key-1|")));
+
+    EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "key-1", "on my way"), 1);
+    runAll();
+    ASSERT_EQ(phone->farEnd->frames.size(), 1u);
+    const FakePhone::Frame& frame = phone->farEnd->frames.front();
+    EXPECT_EQ(frame.identifier, "send");
+    EXPECT_EQ(frame.opcode, 1);
+    EXPECT_THAT(frame.text, HasSubstr(R"("key":"key-1")"));
+    EXPECT_THAT(frame.text, HasSubstr(R"("message":"on my way")"));
+}
+
+TEST_F(MacProgramTest, a_click_in_the_menu_opens_the_main_window_and_closing_it_leaves_the_dock) {
+    fakeLaunch();
+    runAll();
+    calls();
+    ASSERT_TRUE(clickFakeMenuItem(11));
+    runAll();
+    const auto opened = calls();
+    EXPECT_THAT(opened, Contains("activation policy 0"));
+    EXPECT_THAT(opened, Contains("make key and order front"));
+    EXPECT_EQ(opened.back(), "activate, ignoring others");
+    fakeCloseMainWindow();
+    EXPECT_EQ(calls().back(), "activation policy 1");
+}
+
+} // namespace
+} // namespace velloway::test
