@@ -14,7 +14,8 @@ std::string repairedUtf8(std::string_view bytes) {
         return std::string(bytes);
     }
     std::string repaired;
-    icu::UnicodeString::fromUTF8({bytes.data(), static_cast<std::int32_t>(bytes.size())}).toUTF8String(repaired);
+    icu::UnicodeString::fromUTF8({bytes.data(), static_cast<std::int32_t>(bytes.size())})
+        .toUTF8String(repaired);
     return repaired;
 }
 

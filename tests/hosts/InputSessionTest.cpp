@@ -70,7 +70,8 @@ TEST(InputSession, WithTheXServerOfThisTestIsReady) {
 }
 
 TEST(InputSession, OnWaylandIsNotReadyThoughAnXServerIsThere) {
-    const SessionVariables variables(Variables{{"XDG_SESSION_TYPE", "wayland"}, {"DISPLAY", std::getenv("DISPLAY")}});
+    const SessionVariables variables(
+        Variables{{"XDG_SESSION_TYPE", "wayland"}, {"DISPLAY", std::getenv("DISPLAY")}});
     EXPECT_FALSE(makeInputBackend()->isReady());
 }
 
