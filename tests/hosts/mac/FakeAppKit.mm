@@ -170,8 +170,9 @@ void set(const char* property, double value) {
                             backing:(NSBackingStoreType)backing
                               defer:(BOOL)defer {
     if ((self = [super init])) {
-        note(std::string([self isKindOfClass:[NSPanel class]] ? "panel " : "window ") + textOf(rect) + ", style " +
-             std::to_string(style) + ", backing " + std::to_string(backing) + (defer ? ", deferred" : ""));
+        note(std::string([self isKindOfClass:[NSPanel class]] ? "panel " : "window ") + textOf(rect) +
+             ", style " + std::to_string(style) + ", backing " + std::to_string(backing) +
+             (defer ? ", deferred" : ""));
         _contentView = [[NSView alloc] init];
         _contentView.bounds = NSRect{{0, 0}, rect.size};
     }
@@ -272,7 +273,7 @@ void set(const char* property, double value) {
 @implementation NSOpenPanel
 @synthesize allowsMultipleSelection, canChooseDirectories;
 + (NSOpenPanel*)openPanel {
-    return [[self alloc] initWithContentRect:NSRect{} styleMask:0 backing:NSBackingStoreBuffered defer:NO];
+    return [[self alloc] initWithContentRect:NSRect {} styleMask:0 backing:NSBackingStoreBuffered defer:NO];
 }
 - (NSArray<NSURL*>*)URLs {
     NSMutableArray<NSURL*>* urls = [[NSMutableArray alloc] init];
@@ -643,7 +644,8 @@ NSError* errorFrom(const std::optional<std::string>& text) {
 + (NSFileManager*)defaultManager {
     return [[self alloc] init];
 }
-- (NSArray<NSURL*>*)URLsForDirectory:(NSSearchPathDirectory)directory inDomains:(NSSearchPathDomainMask)domains {
+- (NSArray<NSURL*>*)URLsForDirectory:(NSSearchPathDirectory)directory
+                           inDomains:(NSSearchPathDomainMask)domains {
     if (!fakeMac.downloads || directory != NSDownloadsDirectory || domains != NSUserDomainMask) {
         return @[];
     }
@@ -733,7 +735,7 @@ bool fakeService() {
         return false;
     }
     NSString* error = nil;
-    using Service = void (*)(id, SEL, NSPasteboard*, NSString*, NSString* __autoreleasing*);
+    using Service = void (*)(id, SEL, NSPasteboard*, NSString*, NSString * __autoreleasing*);
     NSString* __autoreleasing place = error;
     reinterpret_cast<Service>(objc_msgSend)(provider, message, NSPasteboard.generalPasteboard, @"", &place);
     return place == nil;

@@ -83,8 +83,8 @@ using namespace velloway::test;
                 textInputButtonTitle:(NSString*)buttonTitle
                 textInputPlaceholder:(NSString*)placeholder {
     UNTextInputNotificationAction* action = [[self alloc] init];
-    action.summary = nsString(stdString(identifier) + "/" + stdString(title) + "/" + std::to_string(options) + "/" +
-                              stdString(buttonTitle) + "/" + stdString(placeholder));
+    action.summary = nsString(stdString(identifier) + "/" + stdString(title) + "/" + std::to_string(options) +
+                              "/" + stdString(buttonTitle) + "/" + stdString(placeholder));
     return action;
 }
 @end
@@ -215,7 +215,7 @@ int fakeAnswerNotification(const std::string& action, const std::string& identif
     [center().delegate userNotificationCenter:center()
                didReceiveNotificationResponse:response
                         withCompletionHandler:^{
-                            ++*counter;
+                          ++*counter;
                         }];
     return completions;
 }
@@ -226,7 +226,7 @@ unsigned long fakePresentNotification(const std::string& identifier) {
     [center().delegate userNotificationCenter:center()
                       willPresentNotification:notificationFor(identifier)
                         withCompletionHandler:^(UNNotificationPresentationOptions wanted) {
-                            *place = wanted;
+                          *place = wanted;
                         }];
     return options;
 }

@@ -97,7 +97,11 @@ std::string utf8(const std::uint16_t* units, long count) {
 bool isUtf8(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         const auto lead = static_cast<unsigned char>(text[at]);
-        const std::size_t length = lead < 0x80 ? 1 : lead >> 5 == 6 ? 2 : lead >> 4 == 14 ? 3 : lead >> 3 == 30 ? 4 : 0;
+        const std::size_t length = lead < 0x80       ? 1
+                                   : lead >> 5 == 6  ? 2
+                                   : lead >> 4 == 14 ? 3
+                                   : lead >> 3 == 30 ? 4
+                                                     : 0;
         if (length == 0 || at + length > text.size()) {
             return false;
         }
@@ -263,7 +267,9 @@ SEL NSSelectorFromString(NSString* name) {
 @implementation NSDictionary {
     std::vector<std::pair<id, id>> _entries;
 }
-+ (instancetype)dictionaryWithObjects:(const id[])objects forKeys:(const id<NSCopying>[])keys count:(NSUInteger)cnt {
++ (instancetype)dictionaryWithObjects:(const id[])objects
+                              forKeys:(const id<NSCopying>[])keys
+                                count:(NSUInteger)cnt {
     NSDictionary* dictionary = objc_autorelease([[self alloc] init]);
     for (NSUInteger index = 0; index < cnt; ++index) {
         dictionary->_entries.emplace_back(objc_retain(keys[index]), objc_retain(objects[index]));
@@ -273,7 +279,8 @@ SEL NSSelectorFromString(NSString* name) {
 - (NSString*)description {
     std::string text = "{";
     for (const auto& [key, value] : _entries) {
-        text += " " + std::string([[key description] UTF8String]) + " = " + [[value description] UTF8String] + ";";
+        text +=
+            " " + std::string([[key description] UTF8String]) + " = " + [[value description] UTF8String] + ";";
     }
     text += " }";
     return objc_autorelease([[NSString alloc] initWithBytes:text.data()
