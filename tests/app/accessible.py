@@ -8,7 +8,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib
 
-warnings.filterwarnings("ignore", category=DeprecationWarning, module=__name__)
+warnings.filterwarnings("ignore", category=DeprecationWarning)
 
 from support import call, dbus, run, turn, wait_for
 
