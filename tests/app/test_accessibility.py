@@ -74,6 +74,10 @@ class Windows(AppTest):
         self.got(action="make_call", number="1627")
 
     def test_a_ringing_call_is_accepted_muted_and_ended(self):
+        # The toolkit joins the accessibility bus with the first window that takes the keyboard; a panel takes none.
+        self.open("Info…")
+        self.tree.wait("Velloway", "heading")
+        main = visible_windows(self.app.pid)
         self.phone.write('incoming_call "+44 7700 900123" "Ada Winter"')
         self.tree.wait("Ada Winter")
         self.tree.wait("Incoming Call")
@@ -85,7 +89,7 @@ class Windows(AppTest):
         self.tree.press("Hang up", "push button")
         self.got(action="hangup_call")
         self.phone.write("call_ended")
-        wait_for(lambda: not visible_windows(self.app.pid), "the panel has gone")
+        wait_for(lambda: visible_windows(self.app.pid) == main, "the panel has gone")
 
     def test_a_notification_is_answered(self):
         self.phone.write('notification Chat Ada "See you at seven?" k1')
