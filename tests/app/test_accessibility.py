@@ -109,11 +109,11 @@ class Windows(AppTest):
         self.tree.press("Send Files...", "push button")
         panel = wait_for(lambda: visible_windows(self.app.pid) - before, "the open panel").pop()
         run("xdotool", "windowfocus", "--sync", str(panel))
-        home = os.environ["HOME"]
-        run("xdotool", "type", "--delay", "10", f'"{home}/one.txt" "{home}/two.txt"')
-        turn(0.3)
+        run("xdotool", "type", "--delay", "20", '"one.txt" "two.txt"')
+        turn(0.5)
         screenshot("app-open-panel")
         run("xdotool", "key", "Return")
+        wait_for(lambda: visible_windows(self.app.pid) == before, "the open panel has gone")
         for name in ("one.txt", "two.txt"):
             wait_for(lambda: (self.folder / name).exists()
                      and (self.folder / name).read_text() == f"the text of {name}", f"{name} on the phone")
