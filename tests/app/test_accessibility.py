@@ -10,12 +10,15 @@ from accessible import *
 
 
 class Windows(AppTest):
+    @classmethod
+    def setUpClass(cls):
+        start_accessibility(cls)
+
     def setUp(self):
         self.tray = TrayWatcher()
         self.addCleanup(self.tray.remove_from_connection)
         self.service = NotificationService(["body", "actions"])
         self.addCleanup(self.service.remove_from_connection)
-        start_accessibility(self)
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
