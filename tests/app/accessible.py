@@ -8,18 +8,21 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib
 
-warnings.filterwarnings("ignore", category=DeprecationWarning, module=__name__)
+warnings.filterwarnings("ignore", category=DeprecationWarning)
 
 from support import call, dbus, run, turn, wait_for
 
 
-def start_accessibility(test):
-    """Starts the bus of screen readers on the private desktop; programs that start afterwards join it."""
+def start_accessibility(case):
+    """Starts the bus of screen readers on the private desktop; programs that start afterwards join it.
+
+    Once for all tests of a class, as the library knows only one such bus in its life.
+    """
     # Its own children keep its output open, so that nobody may wait for the end of it.
     launcher = subprocess.Popen(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"],
                                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    test.addCleanup(launcher.wait)
-    test.addCleanup(launcher.terminate)
+    case.addClassCleanup(launcher.wait)
+    case.addClassCleanup(launcher.terminate)
     bus = dbus.SessionBus()
     wait_for(lambda: bus.name_has_owner("org.a11y.Bus"), "the accessibility bus")
     status = bus.get_object("org.a11y.Bus", "/org/a11y/bus", introspect=False)

@@ -10,12 +10,15 @@ from accessible import *
 
 
 class Windows(AppTest):
+    @classmethod
+    def setUpClass(cls):
+        start_accessibility(cls)
+
     def setUp(self):
         self.tray = TrayWatcher()
         self.addCleanup(self.tray.remove_from_connection)
         self.service = NotificationService(["body", "actions"])
         self.addCleanup(self.service.remove_from_connection)
-        start_accessibility(self)
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
@@ -74,6 +77,10 @@ class Windows(AppTest):
         self.got(action="make_call", number="1627")
 
     def test_a_ringing_call_is_accepted_muted_and_ended(self):
+        # The toolkit joins the accessibility bus with the first window that takes the keyboard; a panel takes none.
+        self.open("Info…")
+        self.tree.wait("Velloway", "heading")
+        main = visible_windows(self.app.pid)
         self.phone.write('incoming_call "+44 7700 900123" "Ada Winter"')
         self.tree.wait("Ada Winter")
         self.tree.wait("Incoming Call")
@@ -85,7 +92,7 @@ class Windows(AppTest):
         self.tree.press("Hang up", "push button")
         self.got(action="hangup_call")
         self.phone.write("call_ended")
-        wait_for(lambda: not visible_windows(self.app.pid), "the panel has gone")
+        wait_for(lambda: visible_windows(self.app.pid) == main, "the panel has gone")
 
     def test_a_notification_is_answered(self):
         self.phone.write('notification Chat Ada "See you at seven?" k1')
@@ -105,11 +112,11 @@ class Windows(AppTest):
         self.tree.press("Send Files...", "push button")
         panel = wait_for(lambda: visible_windows(self.app.pid) - before, "the open panel").pop()
         run("xdotool", "windowfocus", "--sync", str(panel))
-        home = os.environ["HOME"]
-        run("xdotool", "type", "--delay", "10", f'"{home}/one.txt" "{home}/two.txt"')
-        turn(0.3)
+        run("xdotool", "type", "--delay", "20", '"one.txt" "two.txt"')
+        turn(0.5)
         screenshot("app-open-panel")
         run("xdotool", "key", "Return")
+        wait_for(lambda: visible_windows(self.app.pid) == before, "the open panel has gone")
         for name in ("one.txt", "two.txt"):
             wait_for(lambda: (self.folder / name).exists()
                      and (self.folder / name).read_text() == f"the text of {name}", f"{name} on the phone")

@@ -4,6 +4,7 @@
 #include "hosts/qt/Compositing.h"
 #include "hosts/qt/WindowSpaces.h"
 
+#include <QDir>
 #include <QEvent>
 #include <QFileDialog>
 #include <QGuiApplication>
@@ -237,6 +238,7 @@ void QtWindows::beginOpenPanel(const OpenPanelOptions& options,
                                std::function<void(std::optional<std::vector<std::filesystem::path>>)> done) {
     auto* dialog = new QFileDialog;
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setDirectory(QDir::homePath());
     dialog->setFileMode(options.canChooseDirectories      ? QFileDialog::Directory
                         : options.allowsMultipleSelection ? QFileDialog::ExistingFiles
                                                           : QFileDialog::ExistingFile);
