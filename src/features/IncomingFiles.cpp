@@ -92,7 +92,7 @@ void IncomingFiles::chunk(std::string_view fileName, std::string_view fileData, 
 std::optional<std::string_view> IncomingFiles::decode(std::string_view fileData) {
     const std::size_t room = base64::decodeRoom(fileData.size());
     // One huge message must not hold its memory for ever.
-    constexpr std::size_t keptRoom = 8 * 1024 * 1024;
+    constexpr std::size_t keptRoom = 0x800000;
     if (room > bufferSize_ || bufferSize_ > keptRoom) {
         buffer_.reset();
         buffer_ = std::make_unique_for_overwrite<char[]>(room);

@@ -68,10 +68,11 @@ decodeList(const JsonValue& message, std::string_view key, std::optional<Record>
     std::vector<Record> records;
     const bool isGood = list && list->forEachElement([&](const JsonValue& element) {
         auto record = decode(element);
-        if (record) {
+        const bool isDecoded = record.has_value();
+        if (isDecoded) {
             records.push_back(*std::move(record));
         }
-        return record.has_value();
+        return isDecoded;
     });
     return isGood ? std::optional(std::move(records)) : std::nullopt;
 }

@@ -106,8 +106,8 @@ class QtWindows::Engine {
 public:
     Engine() {
         QQuickStyle::setStyle(QStringLiteral("Basic"));
-        // These views are text on plain grounds, which the processor draws fast enough without a graphics driver
-        // in the process.
+        // These views are text on plain grounds, which the processor draws fast enough without a graphics
+        // driver in the process.
         static const bool isBackendSet = [] {
             QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
             return true;
