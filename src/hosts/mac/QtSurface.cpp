@@ -2,10 +2,8 @@
 
 #include "bridge/Views.h"
 
-#include <QEvent>
 #include <QGuiApplication>
 #include <QMouseEvent>
-#include <QPalette>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickStyle>
@@ -16,10 +14,6 @@ namespace velloway {
 
 namespace {
 
-bool desktopIsDark() {
-    return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
-}
-
 /// A view that tells of presses which none of its controls takes.
 class SurfaceView : public ContentView {
 public:
@@ -29,9 +23,10 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override {
-        event->ignore();
         ContentView::mousePressEvent(event);
-        if (!event->isAccepted() && event->button() == Qt::LeftButton && backgroundPressed) {
+        // The event answers the same whether or not a control took it; whoever took it holds its point.
+        const bool isTaken = event->exclusiveGrabber(event->point(0)) != nullptr;
+        if (!isTaken && event->button() == Qt::LeftButton && backgroundPressed) {
             backgroundPressed();
         }
     }
@@ -64,25 +59,16 @@ private:
 
 } // namespace
 
-/// Follows the colours of the desktop.
-class QtSurfaces::Engine : public QObject {
+/// The engine of the views, which follow the colours of the desktop by themselves. It lives as long as any
+/// window.
+class QtSurfaces::Engine {
 public:
     Engine() {
         QQuickStyle::setStyle(QStringLiteral("Basic"));
         prepareEngine(qml);
-        setDarkTheme(qml, desktopIsDark());
-        qApp->installEventFilter(this);
     }
 
     QQmlEngine qml;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange) {
-            setDarkTheme(qml, desktopIsDark());
-        }
-        return QObject::eventFilter(watched, event);
-    }
 };
 
 QtSurfaces::QtSurfaces() = default;
