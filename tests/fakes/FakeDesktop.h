@@ -241,6 +241,12 @@ private:
 class FakeWindows : public Windows {
 public:
     explicit FakeWindows(Journal* journal = nullptr) : journal_(journal) {}
+    ~FakeWindows() override {
+        // A panel's buttons hold their owner, which holds the panel; with the desktop gone, nothing shows it.
+        for (const auto& panel : panels) {
+            panel->content.reset();
+        }
+    }
 
     std::shared_ptr<Window> makeMainWindow(const MainWindowProperties& properties,
                                            std::shared_ptr<WindowContent> content,
