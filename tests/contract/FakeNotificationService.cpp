@@ -37,6 +37,10 @@ FakeNotificationService::~FakeNotificationService() {
 
 QStringList FakeNotificationService::GetCapabilities() {
     ++capabilityQuestions;
+    if (holdsCapabilities) {
+        setDelayedReply(true);
+        held.push_back(message().createReply(capabilities));
+    }
     return capabilities;
 }
 
@@ -73,9 +77,10 @@ void FakeNotificationService::close(uint id, uint reason) {
     emit NotificationClosed(id, reason);
 }
 
-void FakeNotificationService::answerHeld() {
-    for (const QDBusMessage& answer : std::exchange(held, {})) {
-        bus_.send(answer);
+void FakeNotificationService::answerHeld(std::size_t most) {
+    for (; most > 0 && !held.empty(); --most) {
+        bus_.send(held.front());
+        held.pop_front();
     }
 }
 

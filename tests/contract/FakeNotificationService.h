@@ -7,7 +7,9 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <cstddef>
 #include <deque>
+#include <limits>
 #include <map>
 #include <vector>
 
@@ -37,11 +39,12 @@ public:
     void invoke(uint id, const QString& key) { emit ActionInvoked(id, key); }
     void close(uint id, uint reason);
 
-    /// Answers the calls of Notify that were held back.
-    void answerHeld();
+    /// Answers the calls that were held back, or the oldest so many of them.
+    void answerHeld(std::size_t most = std::numeric_limits<std::size_t>::max());
 
     QStringList capabilities;
     int capabilityQuestions = 0;
+    bool holdsCapabilities = false;
     bool holdsAnswers = false;
     /// Reports each notification as closed by the user before it tells its id.
     bool closesBeforeAnswering = false;

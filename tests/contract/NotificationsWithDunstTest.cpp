@@ -219,8 +219,13 @@ TEST_F(NotificationsWithDunst, ABurstIsShownWhole) {
                 ++answers;
             });
     }
-    ASSERT_TRUE(waitFor([&] { return answers == burst; }));
+    // The service asks the X server many things for each, so that a busy machine may make it slow; it is waited
+    // for as long as it gets on.
+    while (answers < burst) {
+        ASSERT_TRUE(waitFor([&, before = answers] { return answers > before; })) << "after " << answers;
+    }
     EXPECT_TRUE(showsSoon(burst));
+    EXPECT_TRUE(visible<NotificationBanner>().empty());
 }
 
 } // namespace

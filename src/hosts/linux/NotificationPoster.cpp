@@ -37,10 +37,10 @@ ReplyField replyFieldOf(const TextInputNotificationAction& action) {
 
 NotificationPoster::NotificationPoster(DispatchQueue& main)
     : main_(main),
-      service_({.closed = [this](uint id, uint reason) { onClosed(id, reason); },
-                .actionInvoked = [this](uint id, const QString& key) { onActionInvoked(id, key); },
-                .replied = [this](uint id, const QString& text) { onReplied(id, text); },
-                .ownerChanged = [this] { forgetService(); }}) {}
+      service_(main, {.closed = [this](uint id, uint reason) { onClosed(id, reason); },
+                      .actionInvoked = [this](uint id, const QString& key) { onActionInvoked(id, key); },
+                      .replied = [this](uint id, const QString& text) { onReplied(id, text); },
+                      .ownerChanged = [this] { forgetService(); }}) {}
 
 // Hand-over.
 
@@ -166,14 +166,36 @@ void NotificationPoster::send(const std::string& identifier, Entry& entry) {
     }
     entry.stage = Stage::sent;
     ++inFlight_;
-    service_.notify(wireForm(entry), [this, identifier](const NotificationService::Answer& answer) {
+    service_.notify(
+        wireForm(entry),
+        [this, identifier, turn = entry.turn](const NotificationService::Answer& answer) {
+            if (isSent(identifier, turn)) {
+                --inFlight_;
+                answered(identifier, answer);
+                if (inFlight_ == 0) {
+                    early_.clear();
+                }
+                sendReady();
+            } else if (answer.outcome == NotificationService::Outcome::shown) {
+                service_.close(answer.id);
+            }
+        },
+        [this, identifier] { overdue(identifier); });
+}
+
+bool NotificationPoster::isSent(const std::string& identifier, std::uint64_t turn) const {
+    const auto found = entries_.find(identifier);
+    return found != entries_.end() && found->second.turn == turn && found->second.stage == Stage::sent;
+}
+
+void NotificationPoster::overdue(const std::string& identifier) {
+    Entry& entry = entries_.at(identifier);
+    if (entry.closeWhenShown || putOnBanner(identifier, entry)) {
         --inFlight_;
-        answered(identifier, answer);
-        if (inFlight_ == 0) {
-            early_.clear();
-        }
-        sendReady();
-    });
+        finish(identifier, std::nullopt);
+    }
+    capabilities_.reset();
+    sendReady();
 }
 
 NotificationService::Notification NotificationPoster::wireForm(const Entry& entry) const {
@@ -279,6 +301,14 @@ void NotificationPoster::showOnBanner(const std::string& identifier, Entry& entr
     if (!NotificationPanels::canShow()) {
         return finish(identifier, nowhereToShow);
     }
+    finish(identifier,
+           putOnBanner(identifier, entry) ? std::nullopt : std::optional<std::string>(tooManyWaiting));
+}
+
+bool NotificationPoster::putOnBanner(const std::string& identifier, Entry& entry) {
+    if (!NotificationPanels::canShow()) {
+        return false;
+    }
     entry.content = entry.current->request.content;
     entry.reply = replyActionOf(entry.content);
     NotificationBanner::Content content{.title = displayableText(entry.content.title, titleLimit),
@@ -301,11 +331,11 @@ void NotificationPoster::showOnBanner(const std::string& identifier, Entry& entr
         }
     };
     if (!panels_.showBanner(identifier, content, std::move(events))) {
-        return finish(identifier, tooManyWaiting);
+        return false;
     }
     closeAtService(entry);
     entry.isOnBanner = true;
-    finish(identifier, std::nullopt);
+    return true;
 }
 
 // Afterwards.

@@ -20,6 +20,9 @@ namespace velloway {
 /// Per identifier one request is under way and at most one waits: a later one takes the place of the one that
 /// waits, as it would on screen. So a replacement never overtakes the answer that tells what to replace.
 ///
+/// What the service leaves unanswered for too long goes to our own banner, which then stands for it: should the
+/// service show it after all, it is closed there. Where no banner has room, it stays with the service.
+///
 /// A request that can be answered goes to our own banner when the service has no actions at all, because on
 /// such a service nobody could answer it.
 class NotificationPoster : public std::enable_shared_from_this<NotificationPoster> {
@@ -74,11 +77,14 @@ private:
     void askCapabilities();
     void send(const std::string& identifier, Entry& entry);
     NotificationService::Notification wireForm(const Entry& entry) const;
+    bool isSent(const std::string& identifier, std::uint64_t turn) const;
     void answered(const std::string& identifier, const NotificationService::Answer& answer);
+    void overdue(const std::string& identifier);
     void tryAgain(const std::string& identifier, Entry& entry);
     void pauseSending();
     void shownByService(const std::string& identifier, Entry& entry, uint id);
     void showOnBanner(const std::string& identifier, Entry& entry);
+    bool putOnBanner(const std::string& identifier, Entry& entry);
     void finish(const std::string& identifier, const std::optional<std::string>& error);
     void forgetIfIdle(const std::string& identifier);
     void forgetOldestShown();

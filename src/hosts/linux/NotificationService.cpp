@@ -3,7 +3,10 @@
 #include <QDBusError>
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
+#include <QPointer>
 
+#include <chrono>
+#include <limits>
 #include <utility>
 
 namespace velloway {
@@ -14,8 +17,10 @@ const QString serviceName = QStringLiteral("org.freedesktop.Notifications");
 const QString servicePath = QStringLiteral("/org/freedesktop/Notifications");
 const QString appName = QStringLiteral("Velloway");
 const QString appIcon = QStringLiteral("org.velloway.Velloway");
-/// Long enough for a service that the bus has to start first.
-constexpr int answerTimeoutMs = 10'000;
+/// How long we wait for any sign of life; long enough for a service that the bus has to start first.
+constexpr std::chrono::seconds patience{10};
+/// The bus itself answers for a service that goes away. Whatever it forgot, we could not take back.
+constexpr int noTimeout = std::numeric_limits<int>::max();
 /// A service that goes away while it is asked is asked again when the next one has come, but not for ever.
 constexpr int capabilityAttempts = 3;
 constexpr int serverChoosesExpiry = -1;
@@ -39,6 +44,10 @@ NotificationService::Outcome outcomeOf(const QDBusMessage& error) {
         return Outcome::unavailable;
     }
     switch (QDBusError(error).type()) {
+    case QDBusError::LimitsExceeded:
+    case QDBusError::NoMemory:
+        return Outcome::tooMany;
+    case QDBusError::AccessDenied:
     case QDBusError::ServiceUnknown:
     case QDBusError::NoReply:
     case QDBusError::Timeout:
@@ -56,7 +65,8 @@ NotificationService::Outcome outcomeOf(const QDBusMessage& error) {
 
 } // namespace
 
-NotificationService::NotificationService(Events events) : events_(std::move(events)), bus_(QString()) {}
+NotificationService::NotificationService(DispatchQueue& main, Events events)
+    : main_(main), events_(std::move(events)), bus_(QString()) {}
 
 NotificationService::~NotificationService() {
     QDBusConnection::disconnectFromBus(bus_.name());
@@ -90,12 +100,47 @@ bool NotificationService::open() {
 }
 
 void NotificationService::call(const QDBusMessage& message,
-                               std::function<void(const QDBusMessage& reply)> answered) {
-    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(message, answerTimeoutMs), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this, [pending, answered = std::move(answered)] {
-        pending->deleteLater();
-        answered(pending->reply());
+                               std::function<void(const QDBusMessage& reply, bool isLate)> answered,
+                               std::function<void()> overdue) {
+    const std::uint64_t number = ++calls_;
+    awaited_[number].overdue = std::move(overdue);
+    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(message, noTimeout), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this,
+            [this, pending, number, answered = std::move(answered)] {
+                pending->deleteLater();
+                const bool isLate = noteAnswer(number);
+                answered(pending->reply(), isLate);
+            });
+    lookLater(number);
+}
+
+bool NotificationService::noteAnswer(std::uint64_t number) {
+    const bool isLate = awaited_.erase(number) == 0;
+    for (auto later = awaited_.upper_bound(number); later != awaited_.end(); ++later) {
+        later->second.hasProgress = true;
+    }
+    return isLate;
+}
+
+void NotificationService::lookLater(std::uint64_t number) {
+    main_.asyncAfter(patience, [self = QPointer(this), number] {
+        if (self) {
+            self->look(number);
+        }
     });
+}
+
+void NotificationService::look(std::uint64_t number) {
+    const auto found = awaited_.find(number);
+    if (found == awaited_.end()) {
+        return;
+    }
+    if (std::exchange(found->second.hasProgress, false)) {
+        return lookLater(number);
+    }
+    const auto overdue = std::move(found->second.overdue);
+    awaited_.erase(found);
+    overdue();
 }
 
 void NotificationService::askCapabilities(CapabilitiesAnswer answered) {
@@ -103,25 +148,34 @@ void NotificationService::askCapabilities(CapabilitiesAnswer answered) {
 }
 
 void NotificationService::askCapabilities(CapabilitiesAnswer answered, int attemptsLeft) {
-    if (attemptsLeft == 0 || !open()) {
+    if (attemptsLeft == 0 || !open() || isSilent_) {
         return answered(nullptr);
     }
-    call(methodCall(QStringLiteral("GetCapabilities")),
-         [=, this, ownersAtCall = owners_](const QDBusMessage& reply) {
-             if (owners_ != ownersAtCall && reply.service() != owner_) {
-                 return askCapabilities(answered, attemptsLeft - 1);
-             }
-             if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
-                 return answered(nullptr);
-             }
-             owner_ = reply.service();
-             const QStringList names = reply.arguments().constFirst().toStringList();
-             answered(&names);
-         });
+    call(
+        methodCall(QStringLiteral("GetCapabilities")),
+        [=, this, ownersAtCall = owners_](const QDBusMessage& reply, bool isLate) {
+            if (isLate) {
+                isSilent_ = isSilent_ && owners_ != ownersAtCall;
+                return;
+            }
+            if (owners_ != ownersAtCall && reply.service() != owner_) {
+                return askCapabilities(answered, attemptsLeft - 1);
+            }
+            if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+                return answered(nullptr);
+            }
+            owner_ = reply.service();
+            const QStringList names = reply.arguments().constFirst().toStringList();
+            answered(&names);
+        },
+        [=, this] {
+            isSilent_ = true;
+            answered(nullptr);
+        });
 }
 
-void NotificationService::notify(const Notification& notification,
-                                 std::function<void(const Answer&)> answered) {
+void NotificationService::notify(const Notification& notification, std::function<void(const Answer&)> answered,
+                                 std::function<void()> overdue) {
     if (!bus_.isConnected()) {
         onOwnerChanged(serviceName, owner_, {});
         return answered({Outcome::ownerGone, 0, {}});
@@ -129,9 +183,12 @@ void NotificationService::notify(const Notification& notification,
     QDBusMessage message = methodCall(QStringLiteral("Notify"));
     message << appName << notification.replacesId << appIcon << notification.summary << notification.body
             << notification.actions << notification.hints << serverChoosesExpiry;
-    call(message, [this, ownersAtCall = owners_, answered = std::move(answered)](const QDBusMessage& reply) {
-        answered(answerFrom(reply, ownersAtCall));
-    });
+    call(
+        message,
+        [this, ownersAtCall = owners_, answered = std::move(answered)](const QDBusMessage& reply, bool) {
+            answered(answerFrom(reply, ownersAtCall));
+        },
+        std::move(overdue));
 }
 
 NotificationService::Answer NotificationService::answerFrom(const QDBusMessage& reply, int ownersAtCall) const {
@@ -180,6 +237,7 @@ void NotificationService::onReplied(const QDBusMessage& message) {
 void NotificationService::onOwnerChanged(const QString&, const QString&, const QString& after) {
     owner_ = after;
     ++owners_;
+    isSilent_ = false;
     events_.ownerChanged();
 }
 
