@@ -19,6 +19,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <string>
+#include <thread>
 
 namespace velloway::test {
 
@@ -173,6 +174,31 @@ TEST_F(X11Typing, TypesMoreCharactersThanThereAreUnusedKeys) {
     }
     type(text + text);
     EXPECT_TRUE(editor.receives(text + text)) << editor.text().toStdString();
+}
+
+TEST_F(X11Typing, WaitsForAProgramThatIsTooBusyToReadItsKeys) {
+    QtEditor editor;
+    ASSERT_TRUE(editor.isReady());
+    QString first;
+    QString second;
+    for (char16_t offset = 0; offset < 150; ++offset) {
+        first += QChar(u'\u4E00' + offset);
+        second += QChar(u'\u5E00' + offset);
+    }
+    type(first + second);
+    // The editor lives on this thread, and reads nothing meanwhile.
+    std::this_thread::sleep_for(1500ms);
+    EXPECT_TRUE(editor.receives(first + second)) << editor.text().toStdString();
+}
+
+TEST_F(X11Typing, LeavesTheKeysOnLoanUntilABusyProgramHasReadThem) {
+    QtEditor editor;
+    ASSERT_TRUE(editor.isReady());
+    const QString text = QStringLiteral("你好世界");
+    type(text);
+    std::this_thread::sleep_for(3s);
+    EXPECT_TRUE(editor.receives(text)) << editor.text().toStdString();
+    EXPECT_TRUE(waitFor([&] { return server_.keymaps() == keymapsBefore_; }));
 }
 
 TEST_F(X11Typing, TypesPlainTextWithoutTouchingTheKeymap) {

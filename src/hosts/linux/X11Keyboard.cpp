@@ -16,8 +16,10 @@ using namespace std::chrono_literals;
 
 /// For input methods and holders of key grabs, which learn of a new keymap beside the stream of key events.
 constexpr auto readingTime = 50ms;
-/// A client that reads its events later than this after the last key may find that key gone.
+/// So long after the last key its meaning stands in any case.
 constexpr auto catchUpTime = 400ms;
+/// So long a busy program is waited for before the keys that it has not read yet lose their meaning.
+constexpr auto patience = 5s;
 /// The keys stay on loan this long, so that somebody who types on and on changes the keymap rarely.
 constexpr auto loanTime = 2s;
 
@@ -74,7 +76,9 @@ void X11Keyboard::run() {
         if (!keymap_.isLending()) {
             wake_.wait(lock, hasWork);
         } else if (!wake_.wait_until(lock, lastTyped_ + loanTime, hasWork)) {
-            keymap_.giveBack();
+            lock.unlock();
+            giveBackOnceRead();
+            lock.lock();
             continue;
         }
         if (isEnding_) {
@@ -95,9 +99,15 @@ void X11Keyboard::run() {
 
 void X11Keyboard::giveBackOnceRead() {
     if (keymap_.isLending()) {
+        ping_.await(patience, [this] { return !isEnding(); });
         std::this_thread::sleep_until(lastTyped_ + catchUpTime);
         keymap_.giveBack();
     }
+}
+
+bool X11Keyboard::isEnding() {
+    const std::lock_guard lock(mutex_);
+    return isEnding_;
 }
 
 void X11Keyboard::fake(std::uint8_t keycode, bool isDown) {

@@ -3,6 +3,7 @@
 #include "hosts/linux/InputBackend.h"
 #include "hosts/linux/X11Connection.h"
 #include "hosts/linux/X11Keymap.h"
+#include "hosts/linux/X11Ping.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -21,9 +22,10 @@ namespace velloway {
 /// The keyboard of an X server. Keys and texts are typed in the order of the calls, on a thread of its own:
 /// after a change of the keymap other programs need a moment, and the caller must not wait for it.
 ///
-/// Characters that the layout lacks are typed with unused keys on loan. The server tells nobody when its
-/// clients have caught up, so the keys are given back only after a while without typing; destruction waits for
-/// what is left of a shorter while. What is still to be typed then is dropped.
+/// Characters that the layout lacks are typed with unused keys on loan. They are given back after a while
+/// without typing, when more characters are needed than there are keys, and at the end, each time once the
+/// program that has the keyboard has read its keys; one that can't be asked gets a fixed time. Destruction
+/// waits only for what is left of that time, and drops what is still to be typed then.
 class X11Keyboard {
 public:
     X11Keyboard();
@@ -40,6 +42,7 @@ private:
     void post(Job job);
     void run();
     void giveBackOnceRead();
+    bool isEnding();
 
     void sendKey(const KeyStroke& stroke, bool isDown);
     void type(std::u16string_view text);
@@ -53,6 +56,7 @@ private:
 
     X11Connection connection_;
     X11Keymap keymap_{connection_};
+    X11Ping ping_{connection_};
     const bool isUsable_;
     Clock::time_point lastTyped_;
 

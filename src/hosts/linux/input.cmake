@@ -15,5 +15,6 @@ target_sources(velloway_host_linux PRIVATE
     X11Input.cpp
     X11Keyboard.cpp
     X11Keymap.cpp
+    X11Ping.cpp
     X11Pointer.cpp
 )
