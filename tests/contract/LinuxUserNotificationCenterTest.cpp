@@ -480,6 +480,26 @@ TEST_F(LinuxUserNotificationCenterTest, AServiceThatHasTooManyIsAskedAgainALittl
     EXPECT_TRUE(visible<NotificationBanner>().empty());
 }
 
+TEST_F(LinuxUserNotificationCenterTest, WhatIsAskedAgainComesInTheOrderInWhichItCame) {
+    start({"body", "actions"});
+    service_->errorName = "org.freedesktop.Notifications.Error.ExcessNotificationGeneration";
+    service_->errorsLeft = 3;
+    QStringList added;
+    for (int i = 0; i < 6; ++i) {
+        added += "identifier " + QString::number(i);
+        auto request = plain(added.back().toStdString());
+        request.content.title = added.back().toStdString();
+        add(request);
+    }
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 6; }));
+    QStringList shown;
+    for (const auto& call : service_->calls) {
+        shown += call.summary;
+    }
+    // The first three were refused once.
+    EXPECT_EQ(shown, added.last(3) + added.first(3));
+}
+
 TEST_F(LinuxUserNotificationCenterTest, WhatTheServiceNeverTakesStandsOnOurOwnBanner) {
     start({"body", "actions"});
     service_->errorName = "org.freedesktop.Notifications.Error.ExcessNotificationGeneration";

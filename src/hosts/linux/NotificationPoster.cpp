@@ -257,7 +257,9 @@ void NotificationPoster::tryAgain(const std::string& identifier, Entry& entry) {
         return showOnBanner(identifier, entry);
     }
     entry.stage = Stage::ready;
-    ready_.emplace_front(identifier, entry.turn);
+    const auto later = std::find_if(ready_.begin(), ready_.end(),
+                                    [&](const auto& waiting) { return waiting.second > entry.turn; });
+    ready_.emplace(later, identifier, entry.turn);
 }
 
 void NotificationPoster::pauseSending() {
