@@ -98,11 +98,11 @@ void NotificationService::call(const QDBusMessage& message,
     });
 }
 
-void NotificationService::askCapabilities(CapabilitiesAnswer answered) {
-    askCapabilities(std::move(answered), capabilityAttempts);
+void NotificationService::askCapabilities(const CapabilitiesAnswer& answered) {
+    askCapabilities(answered, capabilityAttempts);
 }
 
-void NotificationService::askCapabilities(CapabilitiesAnswer answered, int attemptsLeft) {
+void NotificationService::askCapabilities(const CapabilitiesAnswer& answered, int attemptsLeft) {
     if (attemptsLeft == 0 || !open()) {
         return answered(nullptr);
     }

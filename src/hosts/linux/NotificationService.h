@@ -63,7 +63,7 @@ public:
     ~NotificationService() override;
 
     /// Starts the service if the bus knows how. The answer is null when there is none.
-    void askCapabilities(CapabilitiesAnswer answered);
+    void askCapabilities(const CapabilitiesAnswer& answered);
     /// Only after the capabilities have come.
     void notify(const Notification& notification, std::function<void(const Answer&)> answered);
     void close(uint id);
@@ -76,7 +76,7 @@ private slots:
 
 private:
     bool open();
-    void askCapabilities(CapabilitiesAnswer answered, int attemptsLeft);
+    void askCapabilities(const CapabilitiesAnswer& answered, int attemptsLeft);
     void call(const QDBusMessage& message, std::function<void(const QDBusMessage& reply)> answered);
     bool comesFromOwner(const QDBusMessage& message, qsizetype arguments) const;
     Answer answerFrom(const QDBusMessage& reply, int ownersAtCall) const;
