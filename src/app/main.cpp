@@ -2,9 +2,10 @@
 #include "hosts/HostRuntime.h"
 
 int main(int argc, char** argv) {
-    const auto host = velloway::makeHost(argc, argv);
+    const velloway::HostStart start = velloway::makeHost(argc, argv);
+    const auto& host = start.host;
     if (!host) {
-        return 0; // Another instance of this session has taken the call.
+        return start.answer;
     }
     velloway::Program program(host->platform(), [&host] { host->terminate(); });
     velloway::WebSocketServer::setShared(program.sharedServer());

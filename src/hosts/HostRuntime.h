@@ -21,10 +21,16 @@ public:
     virtual void terminate() = 0;
 };
 
+/// How the process goes on after `makeHost`.
+struct HostStart {
+    /// Null when the process should end at once.
+    std::unique_ptr<HostRuntime> host;
+    /// What it then ends with: 0 when the program already runs in this session and has taken over what this
+    /// start asked for. Anything else was told on standard error.
+    int answer = 0;
+};
+
 /// The host that this program was built for. To be called first in `main`. `argc` and `argv` must outlive it.
-///
-/// Null when the program already runs in this session: what this start asked for was handed over to it, and the
-/// process should end, with 0.
-std::unique_ptr<HostRuntime> makeHost(int& argc, char** argv);
+HostStart makeHost(int& argc, char** argv);
 
 } // namespace velloway

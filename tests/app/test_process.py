@@ -17,6 +17,13 @@ class Life(AppTest):
         wait_for(lambda: visible_windows(self.app.pid), "the main window of the first")
         self.assertTrue(self.app.is_running())
 
+    def test_a_second_start_beside_one_that_hangs_says_so_and_fails(self):
+        os.kill(self.app.pid, signal.SIGSTOP)
+        self.addCleanup(os.kill, self.app.pid, signal.SIGCONT)
+        second = self.start(Process(APP))
+        self.assertEqual(second.wait_end(), 1)
+        self.assertEqual(second.lines, ["Velloway is already running but does not answer"])
+
     def test_quit_in_the_menu_ends_the_process_with_0_and_tells_the_phone_nothing(self):
         one = self.start_node(self.app.port)
         self.tray.choose("Quit Velloway")

@@ -40,7 +40,7 @@ std::optional<std::string> prettyHostName(const std::filesystem::path& machineIn
     if (!file.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
-    for (const QByteArray& line : file.read(64 * 1024).split('\n')) {
+    for (const QByteArray& line : file.read(qint64{64} * 1024).split('\n')) {
         constexpr QByteArrayView key("PRETTY_HOSTNAME=");
         if (line.startsWith(key)) {
             const QByteArray name = unquoted(line.mid(key.size()));

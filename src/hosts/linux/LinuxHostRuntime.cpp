@@ -8,12 +8,31 @@
 #include "hosts/linux/LinuxUserNotificationCenter.h"
 #include "hosts/qt/QtWindows.h"
 
+#include <xcb/xcb.h>
+
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace velloway {
 
 namespace {
+
+bool isSet(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+/// Qt, finding none, would abort the process with advice for programmers.
+bool hasScreen() {
+    if (isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM")) {
+        return true; // Qt knows better how to look there.
+    }
+    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+    const bool isThere = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return isThere;
+}
 
 class LinuxHostRuntime : public HostRuntime {
 public:
@@ -59,18 +78,22 @@ private:
 
 } // namespace
 
-std::unique_ptr<HostRuntime> makeHost(int& argc, char** argv) {
+HostStart makeHost(int& argc, char** argv) {
+    if (!hasScreen()) {
+        std::fputs("Velloway needs a desktop: neither DISPLAY nor WAYLAND_DISPLAY leads to one\n", stderr);
+        return {.answer = 1};
+    }
     auto runtime = std::make_unique<LinuxHostRuntime>(argc, argv);
     switch (runtime->claimSession()) {
     case SingleInstance::Outcome::first:
-        return runtime;
+        return {.host = std::move(runtime)};
     case SingleInstance::Outcome::handedOver:
-        break;
+        return {};
     case SingleInstance::Outcome::notAnswered:
-        std::fputs("Velloway is already running but does not answer\n", stderr);
         break;
     }
-    return nullptr;
+    std::fputs("Velloway is already running but does not answer\n", stderr);
+    return {.answer = 1};
 }
 
 } // namespace velloway

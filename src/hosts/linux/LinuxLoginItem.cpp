@@ -71,11 +71,10 @@ QByteArray programOf(const QByteArray& line) {
     bool isQuoted = false;
     for (qsizetype at = 0; at < text.size(); ++at) {
         const char byte = text[at];
+        const bool hasNext = at + 1 < text.size();
         if (byte == '"') {
             isQuoted = !isQuoted;
-        } else if (isQuoted && byte == '\\' && at + 1 < text.size()) {
-            word.append(text[++at]);
-        } else if (byte == '%' && at + 1 < text.size() && text[at + 1] == '%') {
+        } else if (hasNext && ((isQuoted && byte == '\\') || (byte == '%' && text[at + 1] == '%'))) {
             word.append(text[++at]);
         } else if (!isQuoted && (byte == ' ' || byte == '\t')) {
             break;
@@ -93,7 +92,7 @@ QMap<QByteArray, QByteArray> readEntry(const std::filesystem::path& path) {
         return values;
     }
     bool isOurGroup = false;
-    for (const QByteArray& untrimmed : file.read(1024 * 1024).split('\n')) {
+    for (const QByteArray& untrimmed : file.read(qint64{1024} * 1024).split('\n')) {
         const QByteArray line = untrimmed.trimmed();
         if (line.startsWith('[')) {
             isOurGroup = line == "[Desktop Entry]";
@@ -113,8 +112,8 @@ bool isThere(const QByteArray& program) {
 
 } // namespace
 
-LinuxLoginItem::LinuxLoginItem(std::filesystem::path program, std::filesystem::path folder)
-    : program_(std::move(program)), entry_(std::move(folder) / "velloway.desktop") {}
+LinuxLoginItem::LinuxLoginItem(std::filesystem::path program, const std::filesystem::path& folder)
+    : program_(std::move(program)), entry_(folder / "velloway.desktop") {}
 
 std::filesystem::path LinuxLoginItem::ownProgram() {
     const char* image = std::getenv("APPIMAGE");

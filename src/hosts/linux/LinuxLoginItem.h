@@ -12,7 +12,7 @@ class LinuxLoginItem : public LoginItem {
 public:
     /// `program` is what the entry starts.
     explicit LinuxLoginItem(std::filesystem::path program = ownProgram(),
-                            std::filesystem::path folder = autostartFolder());
+                            const std::filesystem::path& folder = autostartFolder());
 
     /// Where this program lies for good: the image that it was unpacked from, where there is one.
     static std::filesystem::path ownProgram();

@@ -16,9 +16,10 @@ void LinuxUserNotificationCenter::setDelegate(UserNotificationCenterDelegate* de
 
 void LinuxUserNotificationCenter::add(const NotificationRequest& request,
                                       std::function<void(const std::optional<std::string>& error)> completion) {
-    hop(main_, std::weak_ptr(poster_), [request, completion = std::move(completion)](auto& poster) mutable {
-        poster.add(std::move(request), std::move(completion));
-    });
+    hop(main_, std::weak_ptr(poster_),
+        [request = request, completion = std::move(completion)](auto& poster) mutable {
+            poster.add(std::move(request), std::move(completion));
+        });
 }
 
 void LinuxUserNotificationCenter::removeDelivered(const std::vector<std::string>& identifiers) {

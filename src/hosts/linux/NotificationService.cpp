@@ -143,11 +143,11 @@ void NotificationService::look(std::uint64_t number) {
     overdue();
 }
 
-void NotificationService::askCapabilities(CapabilitiesAnswer answered) {
-    askCapabilities(std::move(answered), capabilityAttempts);
+void NotificationService::askCapabilities(const CapabilitiesAnswer& answered) {
+    askCapabilities(answered, capabilityAttempts);
 }
 
-void NotificationService::askCapabilities(CapabilitiesAnswer answered, int attemptsLeft) {
+void NotificationService::askCapabilities(const CapabilitiesAnswer& answered, int attemptsLeft) {
     if (attemptsLeft == 0 || !open() || isSilent_) {
         return answered(nullptr);
     }

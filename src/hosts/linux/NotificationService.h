@@ -71,7 +71,7 @@ public:
 
     /// Starts the service if the bus knows how. The answer is null when there is none or it is overdue; until
     /// the service then stirs, null is the answer at once.
-    void askCapabilities(CapabilitiesAnswer answered);
+    void askCapabilities(const CapabilitiesAnswer& answered);
     /// Only after the capabilities have come. `answered` comes once, as late as the service likes; `overdue`
     /// may come once before it.
     void notify(const Notification& notification, std::function<void(const Answer&)> answered,
@@ -92,7 +92,7 @@ private:
     };
 
     bool open();
-    void askCapabilities(CapabilitiesAnswer answered, int attemptsLeft);
+    void askCapabilities(const CapabilitiesAnswer& answered, int attemptsLeft);
     void call(const QDBusMessage& message, std::function<void(const QDBusMessage& reply, bool isLate)> answered,
               std::function<void()> overdue);
     bool noteAnswer(std::uint64_t number);

@@ -27,7 +27,7 @@ const QString interfaceName = QStringLiteral("org.freedesktop.Application");
 constexpr int answerBound = 5000;
 constexpr int retryPause = 20;
 /// More than any list of files that a command line can hold.
-constexpr qint64 longestRequest = 8 * 1024 * 1024;
+constexpr qint64 longestRequest = qint64{8} * 1024 * 1024;
 constexpr char answer = '!';
 
 QString runtimeFolder() {

@@ -90,8 +90,8 @@ private:
 } // namespace
 
 /// There is never a second instance in a session: the system hands another start to the one that runs.
-std::unique_ptr<HostRuntime> makeHost(int& argc, char** argv) {
-    return std::make_unique<MacHostRuntime>(argc, argv);
+HostStart makeHost(int& argc, char** argv) {
+    return {.host = std::make_unique<MacHostRuntime>(argc, argv)};
 }
 
 } // namespace velloway

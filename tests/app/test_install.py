@@ -1,0 +1,288 @@
+"""The program as it is installed, and the entries of the file managers: from the menu to the phone."""
+
+import hashlib
+import re
+import shutil
+import tempfile
+
+import entries
+import gi
+from support import *
+
+gi.require_version("Gio", "2.0")
+from gi.repository import Gio
+
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+BUILD = pathlib.Path(os.environ["VELLOWAY_BUILD"])
+
+APPLICATION = "share/applications/org.velloway.Velloway.desktop"
+DOLPHIN = "share/kio/servicemenus/velloway-send.desktop"
+NEMO = "share/nemo/actions/velloway-send.nemo_action"
+PCMANFM = "share/file-manager/actions/velloway-send.desktop"
+SCRIPT = "share/velloway/scripts/Send to Android"
+THUNAR = "share/Thunar/sendto/velloway-send.desktop"
+ENTRIES = [APPLICATION, DOLPHIN, NEMO, PCMANFM, THUNAR]
+ICON = "share/icons/hicolor/scalable/apps/org.velloway.Velloway.svg"
+
+# What trips up whoever takes a name for something else. No quotes or backslashes: the announcement of such a file
+# is a broken message by the protocol, so that no phone can follow; they have a test of their own.
+NAMES = ["two words.bin", "-rf.bin", "it's $HOME `id` & more;.bin", "100% %F %u %%.bin", "Grüße 日本.bin",
+         "#1?[a-z]*.bin", "~.bin"]
+
+
+def setUpModule():
+    global PREFIX
+    folder = tempfile.TemporaryDirectory()
+    unittest.addModuleCleanup(folder.cleanup)
+    PREFIX = pathlib.Path(folder.name) / "installed here"
+    run("cmake", "--install", str(BUILD), "--prefix", str(PREFIX))
+    path = os.environ["PATH"]
+    unittest.addModuleCleanup(os.environ.__setitem__, "PATH", path)
+    os.environ["PATH"] = f"{PREFIX}/bin:{path}"
+
+
+def files_of(folder):
+    return sorted(str(path.relative_to(folder)) for path in folder.rglob("*") if path.is_file())
+
+
+class Tree(unittest.TestCase):
+    def test_has_all_its_files(self):
+        self.assertEqual(files_of(PREFIX), sorted(["bin/velloway", ICON, SCRIPT, *ENTRIES]))
+
+    def test_names_no_folder_of_the_place_where_it_was_built(self):
+        for name in files_of(PREFIX):
+            data = (PREFIX / name).read_bytes()
+            for folder in (BUILD, SOURCE, PREFIX):
+                self.assertNotIn(bytes(folder), data, name)
+        self.assertNotRegex(run("readelf", "-d", str(PREFIX / "bin/velloway")), "R(UN)?PATH")
+
+    def test_entries_for_the_application_hold_to_the_format(self):
+        for name in (APPLICATION, THUNAR):
+            self.assertEqual(run("desktop-file-validate", "--warn-kde", str(PREFIX / name)), "", name)
+
+    def test_entries_call_the_program_and_show_the_icon_that_are_there(self):
+        self.assertEqual(shutil.which("velloway"), str(PREFIX / "bin/velloway"))
+        for name in ENTRIES:
+            groups = entries.read(PREFIX / name).values()
+            values = {key: text for group in groups for key, text in group.items()}
+            self.assertEqual(values["Exec"].split()[0], "velloway", name)
+            self.assertEqual(values.get("TryExec", values.get("Dependencies", "")).rstrip(";"), "velloway", name)
+            self.assertEqual(values.get("Icon", values.get("Icon-Name")), pathlib.Path(ICON).stem, name)
+
+    def test_what_must_be_executable_for_its_file_manager_is(self):
+        for name in (DOLPHIN, SCRIPT):
+            self.assertTrue(os.access(PREFIX / name, os.X_OK), name)
+
+    def test_no_file_is_opened_with_it_unasked(self):
+        run("update-desktop-database", str(PREFIX / "share/applications"))
+        environment = dict(os.environ, XDG_DATA_DIRS=f"{PREFIX}/share:/usr/share")
+        for kind in ("application/octet-stream", "text/plain"):
+            self.assertNotIn("velloway", run("gio", "mime", kind, env=environment).lower())
+        # It can be chosen all the same.
+        self.assertTrue(Gio.DesktopAppInfo.new_from_filename(str(PREFIX / APPLICATION)).supports_files())
+
+
+class Package(AppTest):
+    """The Debian package, unpacked but not installed."""
+
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = pathlib.Path(folder.name)
+        subprocess.run(["cpack", "-G", "DEB", "-B", str(cls.folder), "--config", str(BUILD / "CPackConfig.cmake")],
+                       check=True, capture_output=True, text=True, timeout=120)
+        (cls.package,) = cls.folder.glob("velloway_*.deb")
+
+    def test_holds_what_is_installed_and_starts(self):
+        run("dpkg-deb", "--extract", str(self.package), str(self.folder / "root"))
+        self.assertEqual(files_of(self.folder / "root/usr"), files_of(PREFIX))
+        self.start(App(free_port(), program=str(self.folder / "root/usr/bin/velloway"))).wait_listening()
+
+    def test_needs_what_the_program_is_linked_with_and_what_it_loads_by_name(self):
+        needed = run("dpkg-deb", "--field", str(self.package), "Depends")
+        packages = {each.split()[0] for each in needed.split(",")}
+        self.assertLessEqual({"libc6", "libqt6quick6", "libxcb-xtest0"}, packages)
+        imported = {line.split()[1] for view in (SOURCE / "src/ui").rglob("*.qml")
+                    for line in view.read_text().splitlines() if re.match(r"import Qt", line)}
+        for module in imported:
+            folder = "/usr/lib/*/qt6/qml/" + module.removesuffix(".Basic").replace(".", "/")
+            (owner,) = {line.split(":")[0] for line in run("dpkg", "--search", f"{folder}/qmldir").splitlines()}
+            self.assertIn(owner, packages, module)
+        self.assertNotIn("xvfb", packages)
+
+
+class Expansion(unittest.TestCase):
+    """Our reading of an Exec line against that of the library under most file managers."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.record = self.folder / "record"
+        recorder = self.folder / "bin" / "velloway"
+        recorder.parent.mkdir()
+        recorder.write_text(f"#!/bin/sh\nprintf '%s\\0' \"$@\" >'{self.record}.part'\n"
+                            f"mv '{self.record}.part' '{self.record}'\n")
+        recorder.chmod(0o755)
+        self.addCleanup(os.environ.__setitem__, "PATH", os.environ["PATH"])
+        os.environ["PATH"] = f"{recorder.parent}:{os.environ['PATH']}"
+
+    def launched(self, entry, files):
+        self.record.unlink(missing_ok=True)
+        application = Gio.DesktopAppInfo.new_from_filename(str(entry))
+        self.assertTrue(application.launch([Gio.File.new_for_path(str(file)) for file in files], None))
+        wait_for(self.record.exists, "the start that was recorded")
+        return self.record.read_bytes().decode().split("\0")[:-1]
+
+    def test_is_the_same_for_every_entry_of_an_application(self):
+        files = [self.folder / name for name in [*NAMES, 'say "hello".bin', "back\\slash.bin"]]
+        for name in (APPLICATION, THUNAR):
+            words = entries.command(entries.read(PREFIX / name)["Desktop Entry"]["Exec"], files)
+            self.assertEqual(words, ["velloway", *map(str, files)])
+            self.assertEqual(self.launched(PREFIX / name, files), words[1:])
+
+    def test_is_the_same_for_words_in_quotes(self):
+        files = [self.folder / name for name in [*NAMES, 'say "hello".bin', "back\\slash.bin"]]
+        entry = self.folder / "other.desktop"
+        # Each backslash stands twice, because the text of every key has escapes of its own.
+        line = r'velloway "two words" "\\"\\$\\\\" plain %F'
+        entry.write_text(f"[Desktop Entry]\nType=Application\nName=Other\nExec={line}\n")
+        words = entries.command(entries.read(entry)["Desktop Entry"]["Exec"], files)
+        self.assertEqual(words[1:4], ["two words", '"$\\', "plain"])
+        self.assertEqual(self.launched(entry, files), words[1:])
+
+
+class Sending(AppTest):
+    def setUp(self):
+        self.tray = TrayWatcher()
+        self.addCleanup(self.tray.remove_from_connection)
+        self.service = NotificationService(["body", "actions"])
+        self.addCleanup(self.service.remove_from_connection)
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name) / "a folder"
+        self.folder.mkdir()
+        self.phone_folder = pathlib.Path(folder.name) / "phone"
+        self.phone_folder.mkdir()
+
+    def make(self, *names):
+        files = [self.folder / name for name in names]
+        for number, file in enumerate(files):
+            file.write_bytes(os.urandom(1000 + 700_000 * number))
+        return files
+
+    def start_installed(self, *words):
+        return self.start(App(free_port(), *words, program="velloway", cwd="/"))
+
+    def start_saving_phone(self, count):
+        saving = self.start_phone(self.app.port, "--save-to", str(self.phone_folder), "--exec",
+                                  '; '.join(['expect {"action":"file_chunk","isLast":true} 60'] * count))
+        saving.wait_line("< connected")
+        return saving
+
+    def choose(self, words, **options):
+        """A file manager starts what its entry says, from a folder of no importance."""
+        start = self.start(Process(*words, **{"cwd": "/", **options}))
+        self.assertEqual(start.wait_end(), 0, start.lines)
+
+    def triggered(self):
+        return [line.removeprefix("[AppDelegate] Service triggered for file: ") for line in list(self.app.lines)
+                if line.startswith("[AppDelegate] Service triggered for file: ")]
+
+    def wait_file_drop(self):
+        """The main window has come up, and its tab is the one for files."""
+        settings = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "velloway" / "velloway.conf"
+        wait_for(lambda: visible_windows(self.app.pid), "the main window")
+        wait_for(lambda: re.search("^selectedSettingsTab=5$", settings.read_text(), re.M), "the tab for files")
+
+    def check_arrival(self, words, **options):
+        """Chooses `words` for the files of NAMES; these must come to the phone in this order, byte for byte."""
+        self.app = self.start_installed().wait_listening()
+        saving = self.start_saving_phone(len(NAMES))
+        files = self.make(*NAMES)
+        self.choose(words(files), **options)
+        self.assertEqual(saving.wait_end(90), 0, "\n".join(saving.lines[-8:]))
+        self.assertEqual(self.triggered(), NAMES)
+        arrived = [re.fullmatch(r".*\breceived (.*), \d+ bytes as announced", line) for line in saving.lines]
+        self.assertEqual([each[1] for each in arrived if each], NAMES)
+        for file in files:
+            self.assertEqual(hashlib.sha256((self.phone_folder / file.name).read_bytes()).hexdigest(),
+                             hashlib.sha256(file.read_bytes()).hexdigest(), file.name)
+        self.wait_file_drop()
+
+    def application_command(self, files):
+        return entries.command(entries.read(PREFIX / APPLICATION)["Desktop Entry"]["Exec"], files)
+
+    def test_by_open_with(self):
+        self.check_arrival(self.application_command)
+
+    def test_by_thunar(self):
+        self.check_arrival(
+            lambda files: entries.command(entries.read(PREFIX / THUNAR)["Desktop Entry"]["Exec"], files))
+
+    def test_by_dolphin(self):
+        groups = entries.read(PREFIX / DOLPHIN)
+        action = groups["Desktop Entry"]["Actions"].rstrip(";")
+        self.check_arrival(lambda files: entries.command(groups[f"Desktop Action {action}"]["Exec"], files))
+
+    def test_by_nemo(self):
+        self.check_arrival(lambda files: entries.nemo_command(entries.read(PREFIX / NEMO)["Nemo Action"], files))
+
+    def test_by_pcmanfm(self):
+        groups = entries.read(PREFIX / PCMANFM)
+        profile = groups["Desktop Entry"]["Profiles"].rstrip(";")
+        self.check_arrival(lambda files: entries.pcmanfm_command(groups[f"X-Action-Profile {profile}"], files))
+
+    def test_by_the_script(self):
+        for manager in ("NAUTILUS", "CAJA", "NEMO"):
+            with self.subTest(manager):
+                uris = "".join(entries.uri(self.folder / name) + "\n" for name in NAMES)
+                environment = dict(os.environ, **{f"{manager}_SCRIPT_SELECTED_URIS": uris})
+                self.check_arrival(lambda files: [str(PREFIX / SCRIPT), *NAMES], cwd=self.folder, env=environment)
+                self.app.stop()
+
+    def test_the_script_with_nothing_selected_starts_nothing(self):
+        self.choose([str(PREFIX / SCRIPT)], env=dict(os.environ, NAUTILUS_SCRIPT_SELECTED_URIS=""))
+
+    def test_names_with_quotes_and_backslashes_come_whole_by_every_entry(self):
+        self.app = self.start_installed().wait_listening()
+        files = self.make('say "hello".bin', "back\\slash.bin", "both \\\" \\' '.bin")
+        names = [file.name for file in files]
+        nemo = entries.nemo_command(entries.read(PREFIX / NEMO)["Nemo Action"], files)
+        pcmanfm = entries.pcmanfm_command(entries.read(PREFIX / PCMANFM)["X-Action-Profile send"], files)
+        for number, words in enumerate([self.application_command(files), nemo, pcmanfm], 1):
+            self.choose(words)
+            wait_for(lambda: self.triggered() == names * number, f"all three names; so far {self.triggered()}")
+
+    def test_a_folder_among_the_files_fails_alone(self):
+        self.app = self.start_installed().wait_listening()
+        saving = self.start_saving_phone(1)
+        (self.folder / "inner").mkdir()
+        (file,) = self.make("file.bin")
+        self.choose(self.application_command([self.folder / "inner", file]))
+        self.assertEqual(saving.wait_end(90), 0)
+        self.assertEqual((self.phone_folder / "file.bin").read_bytes(), file.read_bytes())
+        self.assertIn("inner", self.service.wait_shown("File Send Failed")["body"])
+
+    def test_with_the_program_not_running_it_starts_and_sends(self):
+        files = self.make("one.bin", "two.bin")
+        self.app = self.start_installed(*self.application_command(files)[1:])
+        wait_for(lambda: self.triggered() == ["one.bin", "two.bin"], "both files")
+        self.wait_file_drop()
+        wait_for(lambda: sum(each["summary"] == "File Sent" for each in self.service.shown) == 2, f"both are told; so far {self.service.shown}")
+
+
+class NoScreen(unittest.TestCase):
+    def test_is_told_in_one_line(self):
+        environment = {key: value for key, value in os.environ.items()
+                       if key not in ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")}
+        for display in ({}, {"DISPLAY": ""}, {"DISPLAY": ":64999"}):
+            ended = subprocess.run(["velloway"], env={**environment, **display}, capture_output=True, text=True,
+                                   timeout=PATIENCE)
+            self.assertEqual((ended.returncode, ended.stdout), (1, ""))
+            self.assertRegex(ended.stderr, r"\AVelloway needs a desktop: .*\n\Z")
+
+
+if __name__ == "__main__":
+    unittest.main()
