@@ -141,6 +141,8 @@ TEST_F(InfoViewTest, ShowsTheFixedVersionAndTheIcon) {
     open(3);
     EXPECT_EQ(text("version"), "Version 1.0 (Build 1)");
     EXPECT_EQ(part("icon")->property("status").toInt(), 1) << "the picture is loaded";
+    EXPECT_FALSE(part("icon")->property("asynchronous").toBool())
+        << "a system may give it on the main thread alone";
 }
 
 TEST_F(InfoViewTest, TheLinkOpensTheProfileAndTheWalletCanBeCopied) {

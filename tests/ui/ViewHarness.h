@@ -8,7 +8,6 @@
 #include "hosts/qt/QtWindows.h"
 
 #include <QGuiApplication>
-#include <QIcon>
 #include <QQuickItem>
 #include <QTest>
 
@@ -57,7 +56,6 @@ public:
                            .host = on.host,
                            .log = on.log},
                   [] {}) {
-        QGuiApplication::setWindowIcon(QIcon(":/icon/velloway.svg"));
         program.delegate().applicationDidFinishLaunching();
         on.drain();
         on.network.listener().report(ListenerState::ready);

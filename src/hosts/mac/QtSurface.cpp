@@ -1,6 +1,7 @@
 #include "hosts/mac/QtSurface.h"
 
 #include "bridge/Views.h"
+#include "hosts/mac/MacSystemImages.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -65,7 +66,7 @@ class QtSurfaces::Engine {
 public:
     Engine() {
         QQuickStyle::setStyle(QStringLiteral("Basic"));
-        prepareEngine(qml);
+        prepareEngine(qml, std::make_shared<MacSystemImages>());
     }
 
     QQmlEngine qml;

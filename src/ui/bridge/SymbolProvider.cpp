@@ -1,6 +1,7 @@
 #include "bridge/SymbolProvider.h"
 
-#include <QFile>
+#include "bridge/Variants.h"
+
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -12,11 +13,11 @@ QString fileOf(const QString& name) {
     return QStringLiteral(":/symbols/") + QString(name).replace('.', '_') + QStringLiteral(".svg");
 }
 
-} // namespace
-
-bool hasSymbol(const QString& name) {
-    return QFile::exists(fileOf(name));
+Tint toTint(const QColor& color) {
+    return {color.redF(), color.greenF(), color.blueF(), color.alphaF()};
 }
+
+} // namespace
 
 QImage drawSymbol(const QString& name, const QColor& color, QSize size) {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
@@ -35,7 +36,12 @@ QImage SymbolProvider::requestImage(const QString& id, QSize* size, const QSize&
     if (size) {
         *size = pixels;
     }
-    return drawSymbol(id.section('/', 0, 0), QColor('#' + id.section('/', 1)), pixels);
+    const QString name = id.section('/', 0, 0);
+    const QColor color('#' + id.section('/', 1));
+    const std::optional<Bitmap> own =
+        system_ ? system_->symbol(fromQt(name), {pixels.width(), pixels.height()}, toTint(color))
+                : std::nullopt;
+    return own ? toQt(*own) : drawSymbol(name, color, pixels);
 }
 
 } // namespace velloway

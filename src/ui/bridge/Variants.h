@@ -1,7 +1,9 @@
 #pragma once
 
+#include "platform/SystemImages.h"
 #include "tabs/Style.h"
 
+#include <QImage>
 #include <QString>
 #include <QVariant>
 
@@ -18,6 +20,12 @@ inline QString toQt(std::string_view text) {
 
 inline std::string fromQt(const QString& text) {
     return text.toStdString();
+}
+
+inline QImage toQt(const Bitmap& bitmap) {
+    const auto [width, height] = bitmap.size;
+    return QImage(bitmap.rgba.data(), width, height, 4 * width, QImage::Format_RGBA8888_Premultiplied)
+        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 /// How a value of the core looks in QML; an absent one is null.

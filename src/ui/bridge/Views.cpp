@@ -3,6 +3,7 @@
 #include "bridge/CallPanelBridge.h"
 #include "bridge/SettingsBridge.h"
 #include "bridge/SymbolProvider.h"
+#include "bridge/Variants.h"
 
 #include <QFont>
 #include <QFontDatabase>
@@ -12,6 +13,8 @@
 #include <QQmlEngine>
 #include <QQuickImageProvider>
 
+#include <utility>
+
 /// Generated with the module. Called by name, it stays in programs that link this library statically.
 void qml_register_types_Velloway();
 
@@ -19,17 +22,25 @@ namespace velloway {
 
 namespace {
 
-/// The application's icon, in any size.
+/// The application's icon, in any size. The system gives it on the main thread alone, so an Image that shows it
+/// must not be asynchronous.
 class ApplicationIconProvider : public QQuickImageProvider {
 public:
-    ApplicationIconProvider() : QQuickImageProvider(Pixmap) {}
+    explicit ApplicationIconProvider(std::shared_ptr<const SystemImages> system)
+        : QQuickImageProvider(Pixmap), system_(std::move(system)) {}
     QPixmap requestPixmap(const QString&, QSize* size, const QSize& requestedSize) override {
         const QSize wanted = requestedSize.isEmpty() ? QSize(64, 64) : requestedSize;
         if (size) {
             *size = wanted;
         }
-        return QGuiApplication::windowIcon().pixmap(wanted);
+        const std::optional<Bitmap> own =
+            system_ ? system_->applicationIcon({wanted.width(), wanted.height()}) : std::nullopt;
+        return own ? QPixmap::fromImage(toQt(*own))
+                   : QIcon(QStringLiteral(":/icon/velloway.svg")).pixmap(wanted);
     }
+
+private:
+    std::shared_ptr<const SystemImages> system_;
 };
 
 QUrl viewFile(const char* name) {
@@ -38,11 +49,12 @@ QUrl viewFile(const char* name) {
 
 } // namespace
 
-void prepareEngine(QQmlEngine& engine) {
+void prepareEngine(QQmlEngine& engine, std::shared_ptr<const SystemImages> systemImages) {
     qml_register_types_Velloway();
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.addImageProvider(QStringLiteral("symbol"), new SymbolProvider);
-    engine.addImageProvider(QStringLiteral("application-icon"), new ApplicationIconProvider);
+    engine.addImageProvider(QStringLiteral("symbol"), new SymbolProvider(systemImages));
+    engine.addImageProvider(QStringLiteral("application-icon"),
+                            new ApplicationIconProvider(std::move(systemImages)));
     engine.rootContext()->setContextProperty(QStringLiteral("fixedFontFamily"),
                                              QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
     QFont font = QGuiApplication::font();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/SystemImages.h"
 #include "platform/Windows.h"
 
 #include <QQuickView>
@@ -10,8 +11,9 @@ class QQmlEngine;
 
 namespace velloway {
 
-/// Sets up an engine for the views: their images, and fonts that cover every script. Once per engine.
-void prepareEngine(QQmlEngine& engine);
+/// Sets up an engine for the views: their images, and fonts that cover every script. Once per engine. An image
+/// that the system does not have is the project's own; without `systemImages` that is every one.
+void prepareEngine(QQmlEngine& engine, std::shared_ptr<const SystemImages> systemImages = nullptr);
 
 /// A window with the view of one of the core's values in it, not yet shown. The engine must outlive it.
 class ContentView : public QQuickView {

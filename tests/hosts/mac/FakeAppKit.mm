@@ -21,15 +21,6 @@ NSStatusItem* statusItem;
 __weak NSWindow* mainWindow;
 void (^becameActive)(NSNotification*);
 
-std::string number(double value) {
-    std::string text = std::to_string(value);
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') {
-        text.pop_back();
-    }
-    return text;
-}
-
 std::string textOf(NSRect rect) {
     return number(rect.origin.x) + " " + number(rect.origin.y) + " " + number(rect.size.width) + " " +
            number(rect.size.height);
@@ -50,6 +41,7 @@ void set(const char* property, double value) {
 
 @implementation NSApplication
 @synthesize delegate;
+@dynamic applicationIconImage;
 @synthesize servicesProvider = _servicesProvider;
 + (NSApplication*)sharedApplication {
     static NSApplication* const application = [[self alloc] init];
@@ -61,6 +53,9 @@ void set(const char* property, double value) {
 }
 - (NSEvent*)currentEvent {
     return fakeMac.hasCurrentEvent ? [[NSEvent alloc] init] : nil;
+}
+- (NSImage*)applicationIconImage {
+    return fakeMac.hasApplicationIcon ? [[NSImage alloc] init] : nil;
 }
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy {
     note("activation policy " + std::to_string(policy));
@@ -150,10 +145,23 @@ void set(const char* property, double value) {
 @implementation NSButton
 @synthesize image;
 @end
-@implementation NSColor
+@implementation NSColor {
+    double _red, _green, _blue, _alpha;
+}
 + (NSColor*)clearColor {
     static NSColor* const color = [[self alloc] init];
     return color;
+}
++ (NSColor*)colorWithDeviceRed:(CGFloat)red green:(CGFloat)green blue:(CGFloat)blue alpha:(CGFloat)alpha {
+    NSColor* color = [[self alloc] init];
+    color->_red = red;
+    color->_green = green;
+    color->_blue = blue;
+    color->_alpha = alpha;
+    return color;
+}
+- (void)set {
+    setFakeColor(_red, _green, _blue, _alpha);
 }
 @end
 
@@ -310,6 +318,7 @@ void set(const char* property, double value) {
 @end
 @implementation NSImage
 @synthesize name, pointSize, isTinted;
+@dynamic size;
 + (NSImage*)imageNamed:(NSString*)imageName {
     NSImage* image = fakeMac.hasAsset ? [[self alloc] init] : nil;
     image.name = imageName;
@@ -331,6 +340,17 @@ void set(const char* property, double value) {
 }
 - (BOOL)isTemplate {
     return self.isTinted;
+}
+- (NSSize)size {
+    if (self.name == nil) {
+        return {fakeMac.iconWidth, fakeMac.iconHeight};
+    }
+    return {self.pointSize * fakeMac.symbolWidth, self.pointSize * fakeMac.symbolHeight};
+}
+- (void)drawInRect:(NSRect)rect {
+    const std::string drawn =
+        self.name == nil ? "the icon" : stdString(self.name) + " " + number(self.pointSize);
+    drawFakeImage(drawn, rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
 }
 @end
 @implementation NSStatusBarButton
@@ -674,6 +694,15 @@ NSError* errorFrom(const std::optional<std::string>& text) {
 namespace velloway::test {
 
 FakeMac fakeMac;
+
+std::string number(double value) {
+    std::string text = std::to_string(value);
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') {
+        text.pop_back();
+    }
+    return text;
+}
 
 void FakeMac::runLater() {
     const auto jobs = std::exchange(later, {});

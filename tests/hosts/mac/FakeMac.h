@@ -40,6 +40,17 @@ struct FakeMac {
     std::string buttonImage;
     bool isButtonImageTemplate = false;
 
+    // Images
+    /// Of a symbol, in shares of its point size.
+    double symbolWidth = 1;
+    double symbolHeight = 1;
+    bool hasApplicationIcon = true;
+    double iconWidth = 32;
+    double iconHeight = 32;
+    bool makesBitmaps = true;
+    bool makesGraphicsContexts = true;
+    bool bitmapsHaveBytes = true;
+
     // Pasteboard
     bool pasteboardHasTypes = true;
     std::optional<std::string> pasteboardText;
@@ -74,6 +85,16 @@ struct FakeMac {
     void runLater();
 };
 extern FakeMac fakeMac;
+
+/// Without zeros that say nothing.
+std::string number(double value);
+
+/// What an image and a colour do to the bitmap that this thread draws into. An image covers its rectangle with
+/// black, the lower half of it half as densely as the upper one.
+void drawFakeImage(const std::string& name, double x, double y, double width, double height);
+void setFakeColor(double red, double green, double blue, double alpha);
+/// Whether this thread has a context to draw into.
+bool hasFakeContext();
 
 std::vector<FakeMenuItem> fakeMenu();
 /// What a click on the item does; false when it has no target that answers to its action.

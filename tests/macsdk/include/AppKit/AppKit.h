@@ -28,6 +28,7 @@ MACSDK_OPTIONAL
 @property(nullable, weak) id<NSApplicationDelegate> delegate;
 @property(nullable, strong) id servicesProvider;
 @property(nullable, readonly, strong) NSEvent* currentEvent;
+@property(null_resettable, strong) NSImage* applicationIconImage;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
 - (void)activateIgnoringOtherApps:(BOOL)ignoreOtherApps;
 - (void)activate MACSDK_SINCE(14.0);
@@ -79,7 +80,39 @@ MACSDK_SINCE(11.0)
 // The property is named with a word of C++, so these two stand for it.
 - (void)setTemplate:(BOOL)isTemplate;
 - (BOOL)isTemplate;
+@property NSSize size;
+- (void)drawInRect:(NSRect)rect MACSDK_SINCE(10.9);
 @end
+
+typedef NSString* NSColorSpaceName;
+FOUNDATION_EXPORT const NSColorSpaceName NSDeviceRGBColorSpace;
+@interface NSImageRep : NSObject <NSCopying>
+@end
+@interface NSBitmapImageRep : NSImageRep
+- (nullable instancetype)initWithBitmapDataPlanes:(unsigned char* _Nullable* _Nullable)planes
+                                       pixelsWide:(NSInteger)width
+                                       pixelsHigh:(NSInteger)height
+                                    bitsPerSample:(NSInteger)bps
+                                  samplesPerPixel:(NSInteger)spp
+                                         hasAlpha:(BOOL)alpha
+                                         isPlanar:(BOOL)isPlanar
+                                   colorSpaceName:(NSColorSpaceName)colorSpaceName
+                                      bytesPerRow:(NSInteger)rBytes
+                                     bitsPerPixel:(NSInteger)pBits NS_DESIGNATED_INITIALIZER;
+- (instancetype)init NS_UNAVAILABLE;
+@property(nullable, readonly) unsigned char* bitmapData;
+@property(readonly) NSInteger bytesPerRow;
+@end
+@interface NSGraphicsContext : NSObject
++ (nullable NSGraphicsContext*)graphicsContextWithBitmapImageRep:(NSBitmapImageRep*)bitmapRep;
+@property(class, nullable, strong) NSGraphicsContext* currentContext;
++ (void)saveGraphicsState;
++ (void)restoreGraphicsState;
+@end
+typedef NS_ENUM(NSUInteger, NSCompositingOperation){NSCompositingOperationClear = 0, NSCompositingOperationCopy = 1,
+                                                    NSCompositingOperationSourceOver = 2,
+                                                    NSCompositingOperationSourceIn = 3};
+FOUNDATION_EXPORT void NSRectFillUsingOperation(NSRect rect, NSCompositingOperation op);
 
 @interface NSMenuItem : NSObject <NSCopying>
 + (NSMenuItem*)separatorItem;
@@ -135,6 +168,8 @@ typedef NS_ENUM(NSInteger, NSWindowTitleVisibility){NSWindowTitleVisible = 0, NS
 typedef NS_ENUM(NSUInteger, NSBackingStoreType){NSBackingStoreBuffered = 2};
 @interface NSColor : NSObject <NSCopying>
 @property(class, strong, readonly) NSColor* clearColor;
++ (NSColor*)colorWithDeviceRed:(CGFloat)red green:(CGFloat)green blue:(CGFloat)blue alpha:(CGFloat)alpha;
+- (void)set;
 @end
 @protocol NSWindowDelegate <NSObject>
 MACSDK_OPTIONAL
@@ -191,7 +226,6 @@ static const NSModalResponse NSModalResponseOK = 1;
 
 typedef NS_ENUM(NSUInteger, NSEventType){NSEventTypeSystemDefined = 14};
 typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags){NSEventModifierFlagCommand = 1 << 20};
-@class NSGraphicsContext;
 @interface NSEvent : NSObject <NSCopying>
 + (nullable NSEvent*)otherEventWithType:(NSEventType)type
                                location:(NSPoint)location

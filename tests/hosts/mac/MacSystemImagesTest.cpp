@@ -1,0 +1,132 @@
+#include "hosts/mac/MacSystemImages.h"
+#include "hosts/mac/FakeMac.h"
+#include "runtime/ObjectiveC.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace velloway::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr Tint orange{.red = 1, .green = 0.5, .blue = 0, .alpha = 1};
+constexpr std::array<int, 4> nothing{0, 0, 0, 0};
+
+/// Red, green, blue and alpha, counted from the top left.
+std::array<int, 4> pixelAt(const Bitmap& bitmap, int x, int y) {
+    const std::uint8_t* pixel = bitmap.rgba.data() + 4 * (y * bitmap.size.width + x);
+    return {pixel[0], pixel[1], pixel[2], pixel[3]};
+}
+
+/// Ends with the number of objects that it began with.
+class MacSystemImagesTest : public testing::Test {
+protected:
+    MacSystemImagesTest() {
+        resetFakeMac();
+        // The fake application is made by the first who asks for it.
+        aliveBefore = runtimeObjectsAlive();
+    }
+    ~MacSystemImagesTest() override {
+        EXPECT_FALSE(hasFakeContext()) << "what this thread draws next would go into our bitmap";
+        objc_autoreleasePoolPop(pool);
+        EXPECT_EQ(runtimeObjectsAlive(), aliveBefore);
+        resetFakeMac();
+    }
+
+    std::vector<std::string> calls() { return std::exchange(fakeMac.calls, {}); }
+
+    int aliveBefore = 0;
+    void* pool = objc_autoreleasePoolPush();
+    MacSystemImages images;
+};
+
+TEST_F(MacSystemImagesTest, a_symbol_is_drawn_by_its_name_and_tinted_in_a_bitmap_of_exactly_the_size) {
+    const auto symbol = images.symbol("phone.fill", {20, 20}, orange);
+    EXPECT_THAT(calls(), ElementsAre("bitmap 20 20", "clear 0 0 20 20", "draw phone.fill 16 at 2 2 16 16",
+                                     "fill what is there 0 0 20 20"));
+    ASSERT_TRUE(symbol);
+    EXPECT_EQ(symbol->size.width, 20);
+    EXPECT_EQ(symbol->size.height, 20);
+    EXPECT_EQ(symbol->rgba.size(), 20u * 20 * 4);
+}
+
+TEST_F(MacSystemImagesTest, pixels_come_row_by_row_from_the_top_without_gaps_and_premultiplied) {
+    fakeMac.symbolHeight = 0.5;
+    const auto symbol = images.symbol("minus", {10, 10}, {.red = 1, .green = 0.5, .blue = 0, .alpha = 0.5});
+    ASSERT_TRUE(symbol);
+    ASSERT_EQ(symbol->rgba.size(), 10u * 10 * 4);
+    // The symbol is 8 by 4 pixels, its lower half drawn half as densely.
+    for (int y = 0; y < 10; ++y) {
+        for (int x = 0; x < 10; ++x) {
+            const bool isInside = x >= 1 && x < 9 && y >= 3 && y < 7;
+            const std::array<int, 4> upper{128, 64, 0, 128};
+            const std::array<int, 4> lower{64, 32, 0, 64};
+            EXPECT_EQ(pixelAt(*symbol, x, y), !isInside ? nothing : y < 5 ? upper : lower) << x << " " << y;
+        }
+    }
+}
+
+TEST_F(MacSystemImagesTest, a_symbol_too_wide_or_too_high_for_its_box_is_shrunk_in_its_proportions) {
+    fakeMac.symbolWidth = 2;
+    images.symbol("bubbles", {20, 20}, orange);
+    EXPECT_THAT(calls(), testing::Contains("draw bubbles 16 at 0 5 20 10"));
+    fakeMac.symbolWidth = 0.5;
+    fakeMac.symbolHeight = 2;
+    images.symbol("bar", {20, 20}, orange);
+    EXPECT_THAT(calls(), testing::Contains("draw bar 16 at 8 0 5 20"));
+}
+
+TEST_F(MacSystemImagesTest, the_smaller_side_of_a_box_sets_the_size_and_the_place_is_on_whole_pixels) {
+    images.symbol("dot", {40, 15}, orange);
+    EXPECT_THAT(calls(), ElementsAre("bitmap 40 15", "clear 0 0 40 15", "draw dot 12 at 14 2 12 12",
+                                     "fill what is there 0 0 40 15"));
+}
+
+TEST_F(MacSystemImagesTest, a_symbol_that_the_system_does_not_know_is_left_to_others) {
+    fakeMac.hasSymbol = false;
+    EXPECT_FALSE(images.symbol("no.such.symbol", {20, 20}, orange));
+    EXPECT_THAT(calls(), IsEmpty());
+}
+
+TEST_F(MacSystemImagesTest, without_a_bitmap_a_context_or_bytes_there_is_no_image) {
+    fakeMac.bitmapsHaveBytes = false;
+    EXPECT_FALSE(images.symbol("phone", {20, 20}, orange));
+    EXPECT_FALSE(images.applicationIcon({64, 64}));
+    calls();
+    fakeMac.makesGraphicsContexts = false;
+    EXPECT_FALSE(images.symbol("phone", {20, 20}, orange));
+    EXPECT_FALSE(images.applicationIcon({64, 64}));
+    fakeMac.makesBitmaps = false;
+    EXPECT_FALSE(images.symbol("phone", {20, 20}, orange));
+    EXPECT_FALSE(images.applicationIcon({64, 64}));
+    EXPECT_THAT(calls(), ElementsAre("bitmap 20 20", "bitmap 64 64", "bitmap 20 20", "bitmap 64 64"))
+        << "nothing is drawn anywhere else";
+}
+
+TEST_F(MacSystemImagesTest, the_icon_of_the_application_fills_its_box_in_its_own_colours) {
+    const auto icon = images.applicationIcon({128, 128});
+    EXPECT_THAT(calls(), ElementsAre("bitmap 128 128", "clear 0 0 128 128", "draw the icon at 0 0 128 128"));
+    ASSERT_TRUE(icon);
+    EXPECT_EQ(pixelAt(*icon, 0, 0), (std::array<int, 4>{0, 0, 0, 255}));
+    EXPECT_EQ(pixelAt(*icon, 127, 127), (std::array<int, 4>{0, 0, 0, 128}));
+    fakeMac.iconHeight = 16;
+    images.applicationIcon({128, 128});
+    EXPECT_THAT(calls(), testing::Contains("draw the icon at 0 32 128 64"));
+}
+
+TEST_F(MacSystemImagesTest, an_icon_that_is_absent_or_empty_is_left_to_others) {
+    fakeMac.iconWidth = 0;
+    EXPECT_FALSE(images.applicationIcon({64, 64}));
+    fakeMac.hasApplicationIcon = false;
+    EXPECT_FALSE(images.applicationIcon({64, 64}));
+    EXPECT_THAT(calls(), IsEmpty());
+}
+
+} // namespace
+} // namespace velloway::test
