@@ -46,6 +46,7 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions){NSViewWidthSizable = 2
 @property BOOL wantsLayer;
 @property(nullable, strong) CALayer* layer;
 - (void)addSubview:(NSView*)view;
+- (void)removeFromSuperview;
 @end
 typedef NS_ENUM(NSInteger, NSVisualEffectMaterial){NSVisualEffectMaterialHUDWindow = 13};
 typedef NS_ENUM(NSInteger, NSVisualEffectBlendingMode){NSVisualEffectBlendingModeBehindWindow = 0,
@@ -149,7 +150,6 @@ MACSDK_OPTIONAL
 @property(copy) NSString* title;
 @property(nullable, weak) id<NSWindowDelegate> delegate;
 @property(nullable, strong) NSView* contentView;
-@property(nullable, assign) NSView* initialFirstResponder;
 @property NSSize minSize;
 @property NSWindowLevel level;
 @property NSWindowCollectionBehavior collectionBehavior;
@@ -162,6 +162,8 @@ MACSDK_OPTIONAL
 @property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
 @property BOOL hidesOnDeactivate;
 @property(readonly, getter=isVisible) BOOL visible;
+@property(readonly) BOOL canBecomeKeyWindow;
+- (BOOL)makeFirstResponder:(nullable NSResponder*)responder;
 - (void)setIsVisible:(BOOL)flag;
 - (void)center;
 - (void)setFrameOrigin:(NSPoint)point;
@@ -189,7 +191,8 @@ static const NSModalResponse NSModalResponseOK = 1;
 - (void)beginWithCompletionHandler:(void (^)(NSModalResponse result))handler;
 @end
 
-typedef NS_ENUM(NSUInteger, NSEventType){NSEventTypeSystemDefined = 14};
+typedef NS_ENUM(NSUInteger, NSEventType){NSEventTypeLeftMouseDown = 1, NSEventTypeLeftMouseUp = 2,
+                                         NSEventTypeLeftMouseDragged = 6, NSEventTypeSystemDefined = 14};
 typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags){NSEventModifierFlagCommand = 1 << 20};
 @class NSGraphicsContext;
 @interface NSEvent : NSObject <NSCopying>
@@ -202,6 +205,7 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags){NSEventModifierFlagCommand 
                                 subtype:(short)subtype
                                   data1:(NSInteger)data1
                                   data2:(NSInteger)data2;
+@property(readonly) NSEventType type;
 @property(nullable, readonly) CGEventRef CGEvent;
 @end
 
