@@ -167,7 +167,8 @@ void set(const char* property, double value) {
             backgroundColor = _backgroundColor, opaque = _opaque,
             titlebarAppearsTransparent = _titlebarAppearsTransparent, titleVisibility = _titleVisibility,
             releasedWhenClosed = _releasedWhenClosed, hidesOnDeactivate = _hidesOnDeactivate,
-            visible = _visible;
+            visible = _visible,
+            preventsApplicationTerminationWhenModal = _preventsApplicationTerminationWhenModal;
 - (instancetype)initWithContentRect:(NSRect)rect
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backing
@@ -192,6 +193,9 @@ void set(const char* property, double value) {
 - (void)setContentView:(NSView*)view {
     _contentView = view;
     note("content view");
+}
+- (void)setPreventsApplicationTerminationWhenModal:(BOOL)value {
+    set("prevents the end", value);
 }
 - (BOOL)canBecomeKeyWindow {
     return [self isKindOfClass:[NSPanel class]] ? NO : YES;
@@ -494,7 +498,13 @@ void set(const char* property, double value) {
 @implementation NSAlert {
     std::string _buttons;
 }
-@synthesize messageText, informativeText, alertStyle;
+@synthesize messageText, informativeText, alertStyle, window = _window;
+- (NSWindow*)window {
+    if (_window == nil) {
+        _window = [NSPanel alloc];
+    }
+    return _window;
+}
 - (NSButton*)addButtonWithTitle:(NSString*)title {
     _buttons += "[" + stdString(title) + "]";
     return [[NSButton alloc] init];

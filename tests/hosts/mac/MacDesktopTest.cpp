@@ -175,7 +175,7 @@ TEST_F(MacDelegateTest, an_alert_shows_its_texts_and_buttons_and_answers_with_th
                                              .informativeText = "More\n\nlines",
                                              .buttons = {"First", "Second"}});
     EXPECT_EQ(answer, 1000);
-    EXPECT_THAT(calls(), ElementsAre("alert 0 Message|More\n\nlines|[First][Second]"));
+    EXPECT_THAT(calls(), ElementsAre("prevents the end = 0", "alert 0 Message|More\n\nlines|[First][Second]"));
 }
 
 // Status item

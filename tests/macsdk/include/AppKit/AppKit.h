@@ -163,6 +163,7 @@ MACSDK_OPTIONAL
 @property BOOL hidesOnDeactivate;
 @property(readonly, getter=isVisible) BOOL visible;
 @property(readonly) BOOL canBecomeKeyWindow;
+@property BOOL preventsApplicationTerminationWhenModal;
 - (BOOL)makeFirstResponder:(nullable NSResponder*)responder;
 - (void)setIsVisible:(BOOL)flag;
 - (void)center;
@@ -222,6 +223,7 @@ typedef NS_ENUM(NSUInteger, NSAlertStyle){NSAlertStyleWarning = 0, NSAlertStyleI
 @property(copy) NSString* informativeText;
 @property NSAlertStyle alertStyle;
 - (NSButton*)addButtonWithTitle:(NSString*)title;
+@property(readonly, strong) NSWindow* window;
 - (NSModalResponse)runModal;
 @end
 
