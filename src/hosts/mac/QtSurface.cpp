@@ -71,12 +71,7 @@ private:
 class QtSurfaces::Engine {
 public:
     Engine() {
-        // Can be chosen only before the first view.
-        static const bool isStyleSet = [] {
-            QQuickStyle::setStyle(QStringLiteral("Basic"));
-            return true;
-        }();
-        static_cast<void>(isStyleSet);
+        QQuickStyle::setStyle(QStringLiteral("Basic"));
         prepareEngine(qml);
     }
 
