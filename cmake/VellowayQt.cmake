@@ -1,2 +1,5 @@
 # Qt, for every folder that uses it: imported targets are seen only where they were looked for and below.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets DBus Network Svg Qml Quick QuickControls2)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network Svg Qml Quick QuickControls2)
+if(NOT APPLE)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
+endif()

@@ -16,7 +16,7 @@ public:
     /// Stands as long as the runtime.
     virtual Platform platform() = 0;
     /// Launches `delegate`, which must live until the runtime has gone, and runs until `terminate`. Returns the
-    /// answer of the process.
+    /// answer of the process, unless the platform ends the process by itself.
     virtual int run(ApplicationDelegate& delegate) = 0;
     virtual void terminate() = 0;
 };

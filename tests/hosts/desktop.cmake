@@ -20,3 +20,9 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 velloway_desktop_test(test_x11_tray X11TrayTest.cpp)
 target_link_libraries(test_x11_tray PRIVATE PkgConfig::XCB)
+
+# What macOS shows in its own windows needs nothing of that platform.
+velloway_desktop_test(test_qt_surface QtSurfaceTest.cpp ${CMAKE_SOURCE_DIR}/src/hosts/mac/QtSurface.cpp)
+target_link_libraries(test_qt_surface PRIVATE velloway_program Qt6::Test Qt6::QuickControls2)
+set_tests_properties(test_qt_surface PROPERTIES LABELS mac ENVIRONMENT
+    "QT_QUICK_BACKEND=software;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/desktop/leaks.supp:print_suppressions=0")

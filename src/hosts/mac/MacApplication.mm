@@ -51,6 +51,8 @@ int MacApplication::runModal(const Alert& alert) {
     for (const std::string& title : alert.buttons) {
         [native addButtonWithTitle:nsString(title)];
     }
+    // Nothing holds up the end of the process.
+    native.window.preventsApplicationTerminationWhenModal = NO;
     return static_cast<int>([native runModal]);
 }
 

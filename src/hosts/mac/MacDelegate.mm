@@ -27,6 +27,11 @@ using namespace velloway;
 
 namespace {
 
+/// Something else than a file opens as a file of that name would: not at all.
+std::string fileOf(NSURL* url) {
+    return stdString(url.fileURL ? url.path : url.absoluteString);
+}
+
 ServicePasteboard contentOf(NSPasteboard* pasteboard) {
     NSArray<NSPasteboardType>* types = pasteboard.types;
     ServicePasteboard content{.hasTypes = types.count > 0,
@@ -36,7 +41,7 @@ ServicePasteboard contentOf(NSPasteboard* pasteboard) {
     if (urls != nil) {
         content.urls.emplace();
         for (NSURL* url in urls) {
-            content.urls->emplace_back(stdString(url.path));
+            content.urls->emplace_back(fileOf(url));
         }
     }
     return content;

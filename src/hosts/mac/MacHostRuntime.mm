@@ -18,6 +18,9 @@
 #include "hosts/qt/StandardOutputLog.h"
 
 #include <QApplication>
+#include <QEvent>
+
+#include <cstdlib>
 
 namespace velloway {
 
@@ -27,6 +30,22 @@ namespace {
 /// with a place in the Dock, and bring it to the front.
 struct BackgroundStart {
     BackgroundStart() { qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1"); }
+};
+
+/// `terminate:` ends the process there and then. The toolkit would turn it down, close every window and come
+/// back from its event loop, for which a running alert would have to be answered first.
+class EndingApplication final : public QApplication {
+public:
+    using QApplication::QApplication;
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::Quit) {
+            // Nothing is to be run down either: other threads are still at work.
+            std::_Exit(EXIT_SUCCESS);
+        }
+        return QApplication::event(event);
+    }
 };
 
 class MacHostRuntime final : public HostRuntime {
@@ -67,7 +86,7 @@ private:
     BackgroundStart backgroundStart_;
     MacDelegate delegate_;
     MacApplication application_{delegate_};
-    QApplication qtApplication_;
+    EndingApplication qtApplication_;
     QtMainQueue mainQueue_;
     MacHost host_;
     MacUserDefaults userDefaults_;

@@ -56,16 +56,28 @@ void apply(const PanelProperties& properties, NSPanel* panel) {
     }
 }
 
+NSView* viewOf(ContentSurface& surface) {
+    return (__bridge NSView*)surface.nativeView();
+}
+
 class MacWindow final : public Window {
 public:
-    MacWindow(NSWindow* window, std::unique_ptr<ContentSurface> surface)
+    MacWindow(NSWindow* window, std::shared_ptr<ContentSurface> surface)
         : window_(window), surface_(std::move(surface)) {}
-    ~MacWindow() override { orderOut(); }
+    ~MacWindow() override {
+        orderOut();
+        // The view's maker expects to be there as long as the view is in a window.
+        [viewOf(*surface_) removeFromSuperview];
+    }
 
     bool isVisible() const override { return window_.visible != NO; }
     void center() override { [window_ center]; }
     void makeKeyAndOrderFront() override {
         surface_->setShown(true);
+        if (window_.canBecomeKeyWindow) {
+            // A view that was hidden since has lost the keys.
+            [window_ makeFirstResponder:viewOf(*surface_)];
+        }
         [window_ makeKeyAndOrderFront:nil];
     }
     void orderFrontRegardless() override {
@@ -87,11 +99,15 @@ public:
 
 private:
     NSWindow* window_;
-    std::unique_ptr<ContentSurface> surface_;
+    std::shared_ptr<ContentSurface> surface_;
 };
 
-NSView* viewOf(ContentSurface& surface) {
-    return (__bridge NSView*)surface.nativeView();
+/// What a press at the background is handled by drags the panel, unless the button is already up again.
+void drag(NSPanel* panel) {
+    NSEvent* press = NSApplication.sharedApplication.currentEvent;
+    if (press.type == NSEventTypeLeftMouseDown || press.type == NSEventTypeLeftMouseDragged) {
+        [panel performWindowDragWithEvent:press];
+    }
 }
 
 } // namespace
@@ -107,14 +123,18 @@ std::shared_ptr<Window> MacWindows::makeMainWindow(const MainWindowProperties& p
                                                      backing:NSBackingStoreBuffered
                                                        defer:NO];
     window.title = nsString(properties.title);
-    auto surface = makeSurface_(std::move(content), Look::opaque);
+    const std::shared_ptr<ContentSurface> surface = makeSurface_(std::move(content), Look::opaque);
     fill(window.contentView, viewOf(*surface));
-    window.initialFirstResponder = viewOf(*surface);
-    delegate_.windowWillClose = std::move(onClose);
+    delegate_.windowWillClose = [closed = std::weak_ptr(surface), onClose = std::move(onClose)] {
+        if (const auto hidden = closed.lock()) {
+            hidden->setShown(false);
+        }
+        onClose();
+    };
     window.delegate = (__bridge id<NSWindowDelegate>)delegate_.object();
     window.releasedWhenClosed = properties.isReleasedWhenClosed;
     window.minSize = NSSize{properties.minWidth, properties.minHeight};
-    return std::make_shared<MacWindow>(window, std::move(surface));
+    return std::make_shared<MacWindow>(window, surface);
 }
 
 std::shared_ptr<Window> MacWindows::makePanel(const PanelProperties& properties,
@@ -130,11 +150,7 @@ std::shared_ptr<Window> MacWindows::makePanel(const PanelProperties& properties,
     panel.contentView = background;
     // A press that reaches the view no longer reaches the window under it, which would drag it.
     __weak NSPanel* dragged = panel;
-    surface->setBackgroundPressed([dragged] {
-        if (NSEvent* press = NSApplication.sharedApplication.currentEvent) {
-            [dragged performWindowDragWithEvent:press];
-        }
-    });
+    surface->setBackgroundPressed([dragged] { drag(dragged); });
     return std::make_shared<MacWindow>(panel, std::move(surface));
 }
 

@@ -23,11 +23,20 @@ public:
     std::function<void()> backgroundPressed;
 
 protected:
-    void mousePressEvent(QMouseEvent* event) override {
-        ContentView::mousePressEvent(event);
-        // The event answers the same whether or not a control took it; whoever took it holds its point.
-        const bool isTaken = event->exclusiveGrabber(event->point(0)) != nullptr;
-        if (!isTaken && event->button() == Qt::LeftButton && backgroundPressed) {
+    bool event(QEvent* event) override {
+        const bool answer = ContentView::event(event);
+        // Only here have the controls had it. The answer is the same whether or not one of them took it;
+        // whoever took it holds its point.
+        if (event->type() == QEvent::MouseButtonPress) {
+            pressed(static_cast<QMouseEvent&>(*event));
+        }
+        return answer;
+    }
+
+private:
+    void pressed(QMouseEvent& event) {
+        const bool isTaken = event.exclusiveGrabber(event.point(0)) != nullptr;
+        if (!isTaken && event.button() == Qt::LeftButton && backgroundPressed) {
             backgroundPressed();
         }
     }
@@ -39,11 +48,10 @@ public:
         : engine_(std::move(engine)), view_(std::move(view)) {}
     ~QtSurface() override {
         // A press on one of its own buttons can end a window; its view must outlive the handling of the press,
-        // and the engine the view.
+        // and the engine the view, also when a nested event loop puts off the end of the view.
         view_->hide();
+        QObject::connect(view_.get(), &QObject::destroyed, [engine = engine_] {});
         view_.release()->deleteLater();
-        QMetaObject::invokeMethod(
-            qApp, [engine = engine_] {}, Qt::QueuedConnection);
     }
 
     void* nativeView() override { return reinterpret_cast<void*>(view_->winId()); }
@@ -60,8 +68,7 @@ private:
 
 } // namespace
 
-/// The engine of the views, which follow the colours of the desktop by themselves. It lives as long as any
-/// window.
+/// The engine of the views, which follow the colours of the desktop by themselves.
 class QtSurfaces::Engine {
 public:
     Engine() {
@@ -74,21 +81,29 @@ public:
 
 QtSurfaces::QtSurfaces() = default;
 
-QtSurfaces::~QtSurfaces() = default;
+QtSurfaces::~QtSurfaces() {
+    // No event loop may come after this that would delete the views of surfaces that have gone.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
 
 std::unique_ptr<ContentSurface> QtSurfaces::make(std::shared_ptr<WindowContent> content,
                                                  MacWindows::Look look) {
-    if (!engine_) {
-        engine_ = std::make_shared<Engine>();
+    auto engine = engine_.lock();
+    if (!engine) {
+        engine = std::make_shared<Engine>();
+        engine_ = engine;
     }
-    auto view = std::make_unique<SurfaceView>(engine_->qml, std::move(content));
+    auto view = std::make_unique<SurfaceView>(engine->qml, std::move(content));
     if (look == MacWindows::Look::translucent) {
+        // A panel can't become key; without this a press in it would still take the toolkit's focus, and with
+        // it the keys, from the main window.
+        view->setFlag(Qt::WindowDoesNotAcceptFocus);
         view->setColor(Qt::transparent);
         if (auto* root = view->rootObject()) {
             root->setProperty("translucent", true);
         }
     }
-    return std::make_unique<QtSurface<Engine>>(engine_, std::move(view));
+    return std::make_unique<QtSurface<Engine>>(std::move(engine), std::move(view));
 }
 
 } // namespace velloway

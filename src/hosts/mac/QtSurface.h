@@ -6,8 +6,8 @@
 
 namespace velloway {
 
-/// Makes surfaces of the shared Qt views. The engine under them is made with the first one and lives as long as
-/// any of them. Main thread only.
+/// Makes surfaces of the shared Qt views. The engine under them is made with the first one and goes with the
+/// last one. Main thread only.
 class QtSurfaces {
 public:
     QtSurfaces();
@@ -17,7 +17,7 @@ public:
 
 private:
     class Engine;
-    std::shared_ptr<Engine> engine_;
+    std::weak_ptr<Engine> engine_;
 };
 
 } // namespace velloway

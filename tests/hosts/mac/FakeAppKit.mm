@@ -52,7 +52,7 @@ void set(const char* property, double value) {
     _servicesProvider = provider;
 }
 - (NSEvent*)currentEvent {
-    return fakeMac.hasCurrentEvent ? [[NSEvent alloc] init] : nil;
+    return fakeMac.currentEvent ? [[NSEvent alloc] init] : nil;
 }
 - (NSImage*)applicationIconImage {
     return fakeMac.hasApplicationIcon ? [[NSImage alloc] init] : nil;
@@ -127,6 +127,9 @@ void set(const char* property, double value) {
     [_subviews addObject:view];
     note("subview " + textOf(view.frame) + ", resizes " + std::to_string(view.autoresizingMask));
 }
+- (void)removeFromSuperview {
+    note("view taken out");
+}
 @end
 @implementation NSVisualEffectView
 @synthesize material = _material, blendingMode = _blendingMode, state = _state;
@@ -172,7 +175,8 @@ void set(const char* property, double value) {
             backgroundColor = _backgroundColor, opaque = _opaque,
             titlebarAppearsTransparent = _titlebarAppearsTransparent, titleVisibility = _titleVisibility,
             releasedWhenClosed = _releasedWhenClosed, hidesOnDeactivate = _hidesOnDeactivate,
-            initialFirstResponder = _initialFirstResponder, visible = _visible;
+            visible = _visible,
+            preventsApplicationTerminationWhenModal = _preventsApplicationTerminationWhenModal;
 - (instancetype)initWithContentRect:(NSRect)rect
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backing
@@ -198,8 +202,15 @@ void set(const char* property, double value) {
     _contentView = view;
     note("content view");
 }
-- (void)setInitialFirstResponder:(NSView*)view {
-    note(view != nil ? "first responder" : "no first responder");
+- (void)setPreventsApplicationTerminationWhenModal:(BOOL)value {
+    set("prevents the end", value);
+}
+- (BOOL)canBecomeKeyWindow {
+    return [self isKindOfClass:[NSPanel class]] ? NO : YES;
+}
+- (BOOL)makeFirstResponder:(NSResponder*)responder {
+    note([responder isKindOfClass:[NSView class]] ? "first responder" : "no first responder");
+    return YES;
 }
 - (void)setMinSize:(NSSize)value {
     note("minimum size " + number(value.width) + " " + number(value.height));
@@ -482,7 +493,9 @@ void set(const char* property, double value) {
     }
     NSMutableArray<NSURL*>* urls = [[NSMutableArray alloc] init];
     for (const std::string& file : *fakeMac.pasteboardFiles) {
-        [urls addObject:[NSURL fileURLWithPath:nsString(file)]];
+        const bool isAddress = file.find("://") != std::string::npos;
+        [urls addObject:isAddress ? [NSURL URLWithString:nsString(file)]
+                                  : [NSURL fileURLWithPath:nsString(file)]];
     }
     return urls;
 }
@@ -505,7 +518,13 @@ void set(const char* property, double value) {
 @implementation NSAlert {
     std::string _buttons;
 }
-@synthesize messageText, informativeText, alertStyle;
+@synthesize messageText, informativeText, alertStyle, window = _window;
+- (NSWindow*)window {
+    if (_window == nil) {
+        _window = [NSPanel alloc];
+    }
+    return _window;
+}
 - (NSButton*)addButtonWithTitle:(NSString*)title {
     _buttons += "[" + stdString(title) + "]";
     return [[NSButton alloc] init];
@@ -545,6 +564,9 @@ class SystemEvent : public FakeObject {};
 }
 - (CGEventRef)CGEvent {
     return _postable;
+}
+- (NSEventType)type {
+    return static_cast<NSEventType>(*fakeMac.currentEvent);
 }
 - (void)dealloc {
     if (_postable != nullptr) {
@@ -618,20 +640,27 @@ NSError* errorFrom(const std::optional<std::string>& text) {
 @interface NSURL ()
 @property(readwrite, copy) NSString* path;
 @property(readwrite, copy) NSString* absoluteString;
+@property(readwrite) BOOL fileURL;
 @end
 @implementation NSURL
-@synthesize path, absoluteString;
+@synthesize path, absoluteString, fileURL;
 + (instancetype)URLWithString:(NSString*)string {
     if (stdString(string).find(' ') != std::string::npos) {
         return nil;
     }
     NSURL* url = [[self alloc] init];
+    const std::string text = stdString(string);
+    const std::size_t host = text.find("://");
+    const std::size_t end = host == std::string::npos ? host : text.find('/', host + 3);
     url.absoluteString = string;
+    url.path = nsString(end == std::string::npos ? "" : text.substr(end));
     return url;
 }
 + (NSURL*)fileURLWithPath:(NSString*)path {
     NSURL* url = [[self alloc] init];
     url.path = path;
+    url.absoluteString = nsString("file://" + stdString(path));
+    url.fileURL = YES;
     return url;
 }
 @end

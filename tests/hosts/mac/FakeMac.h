@@ -29,8 +29,9 @@ struct FakeMac {
 
     // Application
     int modalAnswer = 1001;
-    /// Brings up an event that is just being handled.
-    bool hasCurrentEvent = true;
+    /// The type of the event that is just being handled, by the platform's number, or absent when there is
+    /// none.
+    std::optional<unsigned long> currentEvent = 1;
 
     // Status bar
     bool hasButton = true;
@@ -54,6 +55,7 @@ struct FakeMac {
     // Pasteboard
     bool pasteboardHasTypes = true;
     std::optional<std::string> pasteboardText;
+    /// Paths, or whole addresses of something else than files.
     std::optional<std::vector<std::string>> pasteboardFiles;
     bool pasteboardIsReadable = true;
 

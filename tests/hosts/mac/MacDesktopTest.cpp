@@ -125,6 +125,14 @@ TEST_F(MacDelegateTest, files_given_to_the_service_arrive_as_paths_in_order) {
     EXPECT_THAT(*recorder.given.urls, ElementsAre("/tmp/a b.txt", "/tmp/\u00fc.png"));
 }
 
+TEST_F(MacDelegateTest, an_address_given_to_the_service_arrives_whole) {
+    application.setServicesProvider(&recorder);
+    fakeMac.pasteboardFiles = {"https://example.org/etc/hosts", "/tmp/a"};
+    EXPECT_TRUE(fakeService());
+    ASSERT_TRUE(recorder.given.urls);
+    EXPECT_THAT(*recorder.given.urls, ElementsAre("https://example.org/etc/hosts", "/tmp/a"));
+}
+
 TEST_F(MacDelegateTest, a_service_pasteboard_without_types_or_files_says_so) {
     application.setServicesProvider(&recorder);
     fakeMac.pasteboardText = "text";
@@ -167,7 +175,7 @@ TEST_F(MacDelegateTest, an_alert_shows_its_texts_and_buttons_and_answers_with_th
                                              .informativeText = "More\n\nlines",
                                              .buttons = {"First", "Second"}});
     EXPECT_EQ(answer, 1000);
-    EXPECT_THAT(calls(), ElementsAre("alert 0 Message|More\n\nlines|[First][Second]"));
+    EXPECT_THAT(calls(), ElementsAre("prevents the end = 0", "alert 0 Message|More\n\nlines|[First][Second]"));
 }
 
 // Status item

@@ -77,16 +77,21 @@ TEST_F(MacWindowsTest, a_panel_is_placed_shown_given_other_content_and_taken_awa
     EXPECT_THAT(calls(), ElementsAre("origin 1070 775", "surface shown", "visible", "surface shown",
                                      "make key and order front", "surface shown", "order front regardless",
                                      "surface shows something else", "surface hidden", "not visible",
-                                     "order out", "surface hidden", "surface gone"));
+                                     "order out", "surface hidden", "view taken out", "surface gone"));
 }
 
 TEST_F(MacWindowsTest, a_press_beside_the_controls_drags_the_panel) {
     const auto panel = windows.makePanel(panelProperties(), nullptr);
     calls();
     pressFakeBackground();
-    fakeMac.hasCurrentEvent = false;
+    // Handled when the button has moved already, is up again, and when the system brings up something else.
+    for (const unsigned long type : {6, 2, 14}) {
+        fakeMac.currentEvent = type;
+        pressFakeBackground();
+    }
+    fakeMac.currentEvent.reset();
     pressFakeBackground();
-    EXPECT_THAT(calls(), ElementsAre("drag"));
+    EXPECT_THAT(calls(), ElementsAre("drag", "drag"));
 }
 
 TEST_F(MacWindowsTest, the_main_window_is_made_with_its_style_and_closing_it_is_told) {
@@ -101,13 +106,27 @@ TEST_F(MacWindowsTest, the_main_window_is_made_with_its_style_and_closing_it_is_
     window->center();
     window->makeKeyAndOrderFront();
     EXPECT_THAT(calls(), ElementsAre("window 0 0 850 550, style 15, backing 2", "title Velloway Settings",
-                                     "opaque surface", "subview 0 0 850 550, resizes 18", "first responder",
-                                     "delegate", "released when closed = 0", "minimum size 800 500", "center",
-                                     "surface shown", "make key and order front"));
+                                     "opaque surface", "subview 0 0 850 550, resizes 18", "delegate",
+                                     "released when closed = 0", "minimum size 800 500", "center",
+                                     "surface shown", "first responder", "make key and order front"));
     EXPECT_TRUE(window->isVisible());
     fakeCloseMainWindow();
     EXPECT_EQ(closed, 1);
     EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(MacWindowsTest, a_closed_window_draws_no_more_and_takes_the_keys_again_when_it_comes_back) {
+    int closed = 0;
+    auto window = windows.makeMainWindow({.contentRect = {0, 0, 850, 550}}, nullptr, [&] { ++closed; });
+    window->makeKeyAndOrderFront();
+    calls();
+    fakeCloseMainWindow();
+    EXPECT_THAT(calls(), ElementsAre("order out", "surface hidden"));
+    window->makeKeyAndOrderFront();
+    EXPECT_THAT(calls(), ElementsAre("surface shown", "first responder", "make key and order front"));
+    window.reset();
+    delegate.windowWillClose();
+    EXPECT_EQ(closed, 2);
 }
 
 TEST_F(MacWindowsTest, the_usable_part_of_the_screen_is_known_when_there_is_a_screen) {

@@ -47,6 +47,7 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions){NSViewWidthSizable = 2
 @property BOOL wantsLayer;
 @property(nullable, strong) CALayer* layer;
 - (void)addSubview:(NSView*)view;
+- (void)removeFromSuperview;
 @end
 typedef NS_ENUM(NSInteger, NSVisualEffectMaterial){NSVisualEffectMaterialHUDWindow = 13};
 typedef NS_ENUM(NSInteger, NSVisualEffectBlendingMode){NSVisualEffectBlendingModeBehindWindow = 0,
@@ -184,7 +185,6 @@ MACSDK_OPTIONAL
 @property(copy) NSString* title;
 @property(nullable, weak) id<NSWindowDelegate> delegate;
 @property(nullable, strong) NSView* contentView;
-@property(nullable, assign) NSView* initialFirstResponder;
 @property NSSize minSize;
 @property NSWindowLevel level;
 @property NSWindowCollectionBehavior collectionBehavior;
@@ -197,6 +197,9 @@ MACSDK_OPTIONAL
 @property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
 @property BOOL hidesOnDeactivate;
 @property(readonly, getter=isVisible) BOOL visible;
+@property(readonly) BOOL canBecomeKeyWindow;
+@property BOOL preventsApplicationTerminationWhenModal;
+- (BOOL)makeFirstResponder:(nullable NSResponder*)responder;
 - (void)setIsVisible:(BOOL)flag;
 - (void)center;
 - (void)setFrameOrigin:(NSPoint)point;
@@ -224,7 +227,8 @@ static const NSModalResponse NSModalResponseOK = 1;
 - (void)beginWithCompletionHandler:(void (^)(NSModalResponse result))handler;
 @end
 
-typedef NS_ENUM(NSUInteger, NSEventType){NSEventTypeSystemDefined = 14};
+typedef NS_ENUM(NSUInteger, NSEventType){NSEventTypeLeftMouseDown = 1, NSEventTypeLeftMouseUp = 2,
+                                         NSEventTypeLeftMouseDragged = 6, NSEventTypeSystemDefined = 14};
 typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags){NSEventModifierFlagCommand = 1 << 20};
 @interface NSEvent : NSObject <NSCopying>
 + (nullable NSEvent*)otherEventWithType:(NSEventType)type
@@ -236,6 +240,7 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags){NSEventModifierFlagCommand 
                                 subtype:(short)subtype
                                   data1:(NSInteger)data1
                                   data2:(NSInteger)data2;
+@property(readonly) NSEventType type;
 @property(nullable, readonly) CGEventRef CGEvent;
 @end
 
@@ -252,6 +257,7 @@ typedef NS_ENUM(NSUInteger, NSAlertStyle){NSAlertStyleWarning = 0, NSAlertStyleI
 @property(copy) NSString* informativeText;
 @property NSAlertStyle alertStyle;
 - (NSButton*)addButtonWithTitle:(NSString*)title;
+@property(readonly, strong) NSWindow* window;
 - (NSModalResponse)runModal;
 @end
 

@@ -111,6 +111,7 @@ typedef struct {
 + (nullable instancetype)URLWithString:(NSString*)URLString;
 + (NSURL*)fileURLWithPath:(NSString*)path;
 @property(nullable, readonly, copy) NSString* path;
+@property(readonly, getter=isFileURL) BOOL fileURL;
 @property(nullable, readonly, copy) NSString* absoluteString;
 @end
 

@@ -1,0 +1,251 @@
+#include "hosts/mac/QtSurface.h"
+#include "shell/IncomingCallBanner.h"
+#include "ui/ViewHarness.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QEventLoop>
+#include <QPointer>
+#include <QQmlEngine>
+
+namespace velloway::test {
+namespace {
+
+using testing::IsEmpty;
+
+/// The surfaces that macOS puts into its own windows. Here nothing holds their views, so that each is a window.
+/// A test fails when a view complains while it runs.
+class QtSurfaceTest : public testing::Test {
+protected:
+    using Look = MacWindows::Look;
+
+    QtSurfaceTest() {
+        complaints().clear();
+        previous_ =
+            qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
+                if (type != QtDebugMsg && type != QtInfoMsg) {
+                    complaints().push_back(message.toStdString());
+                }
+            });
+    }
+    ~QtSurfaceTest() override {
+        qInstallMessageHandler(previous_);
+        EXPECT_THAT(complaints(), IsEmpty());
+    }
+
+    std::shared_ptr<WindowContent> ringing(
+        std::string number, std::function<void()> onAnswer = [] {}) {
+        return std::make_shared<IncomingCallBanner>(IncomingCallInfo{std::move(number), std::nullopt},
+                                                    std::move(onAnswer), [this] { ++hangups; });
+    }
+
+    static ContentView* viewOf(ContentSurface& surface) {
+        const auto id = reinterpret_cast<WId>(surface.nativeView());
+        for (QWindow* window : QGuiApplication::topLevelWindows()) {
+            if (window->handle() && window->winId() == id) {
+                return qobject_cast<ContentView*>(window);
+            }
+        }
+        return nullptr;
+    }
+    static ContentView& show(ContentSurface& surface) {
+        surface.setShown(true);
+        ContentView* view = viewOf(surface);
+        if (!view || !waitFor([&] { return view->isExposed(); })) {
+            throw std::runtime_error("the view did not come up");
+        }
+        processPending();
+        return *view;
+    }
+    /// As the program drops them: in the handling of an event.
+    static void drop(std::unique_ptr<ContentSurface>& surface) {
+        QTimer::singleShot(0, qApp, [&surface] { surface.reset(); });
+        waitFor([&] { return surface == nullptr; });
+    }
+    static QPoint middleOf(const char* name, ContentView& view) {
+        QQuickItem* item = ViewHarness::part(name, &view);
+        if (!item) {
+            throw std::runtime_error(std::string("not on screen: ") + name);
+        }
+        return item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
+    }
+
+    FakePlatform on;
+    int hangups = 0;
+    QtSurfaces surfaces;
+
+private:
+    static std::vector<std::string>& complaints() {
+        static std::vector<std::string> heard;
+        return heard;
+    }
+    QtMessageHandler previous_;
+};
+
+TEST_F(QtSurfaceTest, a_press_at_the_background_is_told) {
+    const auto surface = surfaces.make(ringing("123"), Look::translucent);
+    int presses = 0;
+    surface->setBackgroundPressed([&] { ++presses; });
+    ContentView& view = show(*surface);
+    QTest::mousePress(&view, Qt::LeftButton, {}, {200, 6});
+    EXPECT_EQ(presses, 1) << "at the press, not at the release";
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, {200, 6});
+    QTest::mouseClick(&view, Qt::RightButton, {}, {200, 6});
+    EXPECT_EQ(presses, 1);
+    QTest::mouseClick(&view, Qt::LeftButton, {}, middleOf("firstLine", view));
+    EXPECT_EQ(presses, 2) << "a text is no control";
+}
+
+TEST_F(QtSurfaceTest, a_press_on_a_button_acts_on_the_button_alone) {
+    int answers = 0;
+    int presses = 0;
+    const auto surface = surfaces.make(ringing("123", [&] { ++answers; }), Look::translucent);
+    surface->setBackgroundPressed([&] { ++presses; });
+    ContentView& view = show(*surface);
+    QTest::mouseClick(&view, Qt::LeftButton, {}, middleOf("right", view));
+    EXPECT_EQ(answers, 1);
+    QTest::mouseClick(&view, Qt::LeftButton, {}, middleOf("left", view));
+    EXPECT_EQ(hangups, 1);
+    EXPECT_EQ(presses, 0);
+}
+
+TEST_F(QtSurfaceTest, a_press_with_nobody_to_tell_does_nothing) {
+    const auto surface = surfaces.make(ringing("123"), Look::translucent);
+    ContentView& view = show(*surface);
+    QTest::mouseClick(&view, Qt::LeftButton, {}, {200, 6});
+    EXPECT_EQ(hangups, 0);
+}
+
+TEST_F(QtSurfaceTest, is_drawn_only_while_it_is_shown) {
+    const auto surface = surfaces.make(ringing("123"), Look::translucent);
+    ASSERT_NE(viewOf(*surface), nullptr);
+    EXPECT_FALSE(viewOf(*surface)->isVisible());
+    ContentView& view = show(*surface);
+    EXPECT_TRUE(view.isVisible());
+    surface->setShown(false);
+    EXPECT_FALSE(view.isVisible());
+    EXPECT_TRUE(waitFor([&] { return !view.isExposed(); }));
+    show(*surface);
+    EXPECT_EQ(&view, viewOf(*surface));
+}
+
+TEST_F(QtSurfaceTest, other_content_comes_in_the_same_view) {
+    const auto surface = surfaces.make(ringing("123"), Look::translucent);
+    ContentView& view = show(*surface);
+    EXPECT_EQ(ViewHarness::text("firstLine", &view), "123");
+    int answers = 0;
+    surface->setContent(ringing("456", [&] { ++answers; }));
+    processPending();
+    EXPECT_EQ(viewOf(*surface), &view);
+    EXPECT_EQ(ViewHarness::text("firstLine", &view), "456");
+    QTest::mouseClick(&view, Qt::LeftButton, {}, middleOf("right", view));
+    EXPECT_EQ(answers, 1);
+}
+
+TEST_F(QtSurfaceTest, can_go_in_the_press_of_its_own_button) {
+    std::unique_ptr<ContentSurface> surface;
+    QPointer<ContentView> view;
+    bool isHiddenAtOnce = false;
+    surface = surfaces.make(ringing("123",
+                                    [&] {
+                                        surface.reset();
+                                        isHiddenAtOnce = view && !view->isVisible();
+                                    }),
+                            Look::translucent);
+    view = &show(*surface);
+    QTest::mouseClick(view, Qt::LeftButton, {}, middleOf("right", *view));
+    EXPECT_EQ(surface, nullptr);
+    EXPECT_TRUE(isHiddenAtOnce);
+    EXPECT_TRUE(waitFor([&] { return view.isNull(); }));
+}
+
+TEST_F(QtSurfaceTest, the_engine_outlives_a_view_that_a_nested_event_loop_holds_back) {
+    std::unique_ptr<ContentSurface> surface;
+    QPointer<ContentView> view;
+    QPointer<QQmlEngine> engine;
+    bool hasNested = false;
+    surface = surfaces.make(ringing("123",
+                                    [&] {
+                                        surface.reset();
+                                        QEventLoop nested;
+                                        QTimer::singleShot(0, &nested, &QEventLoop::quit);
+                                        nested.exec();
+                                        hasNested = true;
+                                        EXPECT_FALSE(view.isNull());
+                                        EXPECT_FALSE(engine.isNull());
+                                    }),
+                            Look::translucent);
+    view = &show(*surface);
+    engine = view->engine();
+    QTest::mouseClick(view, Qt::LeftButton, {}, middleOf("right", *view));
+    EXPECT_TRUE(hasNested);
+    EXPECT_TRUE(waitFor([&] { return view.isNull() && engine.isNull(); }));
+}
+
+TEST_F(QtSurfaceTest, the_engine_comes_with_the_first_surface_and_goes_with_the_last) {
+    auto first = surfaces.make(ringing("123"), Look::translucent);
+    auto second = surfaces.make(ringing("456"), Look::opaque);
+    const QPointer<QQmlEngine> engine = show(*first).engine();
+    EXPECT_EQ(show(*second).engine(), engine);
+    const QPointer<ContentView> view = viewOf(*first);
+    drop(first);
+    ASSERT_TRUE(waitFor([&] { return view.isNull(); }));
+    EXPECT_FALSE(engine.isNull());
+    EXPECT_EQ(ViewHarness::text("firstLine", viewOf(*second)), "456");
+    drop(second);
+    EXPECT_TRUE(waitFor([&] { return engine.isNull(); }));
+
+    const auto third = surfaces.make(ringing("789"), Look::translucent);
+    EXPECT_EQ(ViewHarness::text("firstLine", &show(*third)), "789");
+}
+
+TEST_F(QtSurfaceTest, nothing_is_left_when_the_maker_goes) {
+    QPointer<ContentView> view;
+    {
+        QtSurfaces maker;
+        auto surface = maker.make(ringing("123"), Look::translucent);
+        view = &show(*surface);
+        surface.reset();
+    }
+    EXPECT_TRUE(view.isNull());
+}
+
+TEST_F(QtSurfaceTest, a_panel_is_see_through_at_its_corners_and_takes_no_keys) {
+    const auto surface = surfaces.make(ringing("123"), Look::translucent);
+    ContentView& view = show(*surface);
+    EXPECT_EQ(view.color(), QColor(Qt::transparent));
+    EXPECT_GT(view.requestedFormat().alphaBufferSize(), 0);
+    EXPECT_TRUE(view.rootObject()->property("translucent").toBool());
+    EXPECT_TRUE(view.flags() & Qt::WindowDoesNotAcceptFocus);
+    view.resize(350, 80);
+    ASSERT_TRUE(waitFor([&] { return view.size() == QSize(350, 80); }));
+    const QImage picture = view.grabWindow();
+    EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0);
+    EXPECT_GT(qAlpha(picture.pixel(175, 40)), 200);
+}
+
+TEST_F(QtSurfaceTest, the_main_window_is_opaque_takes_keys_and_hears_when_it_is_shown_again) {
+    Program program(on.platform(), [] {});
+    program.delegate().applicationDidFinishLaunching();
+    program.delegate().showSettings(0);
+    on.drain();
+    auto surface = surfaces.make(on.windows.mainWindow->content, Look::opaque);
+    ContentView& view = show(*surface);
+    EXPECT_FALSE(view.flags() & Qt::WindowDoesNotAcceptFocus);
+    EXPECT_EQ(view.color().alpha(), 255);
+    view.resize(850, 550);
+    EXPECT_TRUE(waitFor([&] { return ViewHarness::shows("sidebar", &view); }));
+    const int checks = on.accessibility.checks;
+    surface->setShown(false);
+    on.drain();
+    EXPECT_EQ(on.accessibility.checks, checks);
+    show(*surface);
+    on.drain();
+    EXPECT_GT(on.accessibility.checks, checks);
+    surface.reset();
+    on.windows.mainWindow->content.reset();
+}
+
+} // namespace
+} // namespace velloway::test

@@ -1,0 +1,234 @@
+#include "app/Program.h"
+#include "hosts/HostRuntime.h"
+#include "hosts/mac/FakeCoreFoundation.h"
+#include "hosts/mac/FakeDispatch.h"
+#include "hosts/mac/FakeMac.h"
+#include "hosts/mac/FakeNetworkFramework.h"
+#include "hosts/mac/FakeSurface.h"
+#include "hosts/mac/QtSurface.h"
+#include "runtime/ObjectiveC.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <cerrno>
+#include <thread>
+
+namespace velloway {
+
+// The one part that only a Mac can have: views of the toolkit inside windows of the platform.
+
+class QtSurfaces::Engine {};
+
+QtSurfaces::QtSurfaces() = default;
+
+QtSurfaces::~QtSurfaces() = default;
+
+std::unique_ptr<ContentSurface> QtSurfaces::make(std::shared_ptr<WindowContent> content,
+                                                 MacWindows::Look look) {
+    return test::makeFakeSurface(std::move(content), look);
+}
+
+} // namespace velloway
+
+namespace velloway::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ExitedWithCode;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+/// What stands when the toolkit's application object begins to be made.
+struct ToolkitStart {
+    int times = 0;
+    bool hasDelegate = false;
+    QByteArray transform;
+} toolkitStart;
+
+void noteToolkitStart() {
+    ++toolkitStart.times;
+    toolkitStart.hasDelegate = fakeDelegateAnswers("applicationDidFinishLaunching:");
+    toolkitStart.transform = qgetenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM");
+}
+Q_COREAPP_STARTUP_FUNCTION(noteToolkitStart)
+
+class MacHostRuntimeTest : public testing::Test {
+protected:
+    MacHostRuntimeTest() {
+        resetFakeMac();
+        fakeNetworkFramework = {};
+        fakeAccessibility = {};
+        fakeNetworkFramework.onCall = [](const std::string& call) {
+            if (call == "listener start") {
+                fakeMac.note("the server listens");
+            }
+        };
+        fakeAccessibility.onPrompt = [] { fakeMac.note("trust prompt"); };
+        toolkitStart = {};
+        qunsetenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM");
+        host = makeHost(argumentCount, arguments);
+        program = std::make_unique<Program>(host->platform(), [this] { host->terminate(); });
+    }
+    ~MacHostRuntimeTest() override {
+        // The program closes nothing when it ends.
+        settle();
+        program.reset();
+        settle();
+        host.reset();
+        fakeDispatch::runAll();
+        fakeNetworkFramework = {};
+        fakeAccessibility = {};
+        objc_autoreleasePoolPop(pool);
+    }
+
+    void settle() {
+        for (int round = 0; round < 10; ++round) {
+            fakeDispatch::runAll();
+            QCoreApplication::processEvents();
+            fakeMac.runLater();
+        }
+    }
+    std::vector<std::string> calls() { return std::exchange(fakeMac.calls, {}); }
+
+    /// Runs the event loop as main does, for as long as `body` in it.
+    void runWith(std::function<void()> body) {
+        constexpr int answer = 7;
+        QTimer::singleShot(0, [body] {
+            body();
+            QCoreApplication::exit(answer);
+        });
+        EXPECT_EQ(host->run(program->delegate()), answer);
+    }
+
+    void* pool = objc_autoreleasePoolPush();
+    char name[9] = "Velloway";
+    char option[10] = "-platform";
+    char platform[10] = "offscreen";
+    char* arguments[4] = {name, option, platform, nullptr};
+    int argumentCount = 3;
+    std::unique_ptr<HostRuntime> host;
+    std::unique_ptr<Program> program;
+};
+
+TEST_F(MacHostRuntimeTest, the_toolkit_starts_in_the_background_and_finds_our_delegate) {
+    EXPECT_EQ(toolkitStart.times, 1);
+    EXPECT_TRUE(toolkitStart.hasDelegate);
+    EXPECT_EQ(toolkitStart.transform, "1");
+    EXPECT_FALSE(QGuiApplication::quitOnLastWindowClosed());
+    EXPECT_EQ(QCoreApplication::applicationName(), "Velloway");
+}
+
+TEST_F(MacHostRuntimeTest, the_launch_inside_the_event_loop_goes_through_its_steps_in_order) {
+    bool hasRun = false;
+    runWith([&] {
+        EXPECT_THAT(calls(), IsEmpty()) << "before the system says that the launch is done";
+        fakeLaunch();
+        settle();
+        EXPECT_THAT(calls(), ElementsAre("notification delegate", "notification settings",
+                                         StartsWith("category REPLY_CATEGORY"), "trust prompt",
+                                         "status item of length -1", "the server listens", "services provider",
+                                         "activation policy 1"));
+        hasRun = true;
+    });
+    EXPECT_TRUE(hasRun);
+}
+
+TEST_F(MacHostRuntimeTest, calls_of_the_system_outside_the_event_loop_do_nothing) {
+    fakeLaunch();
+    EXPECT_THAT(calls(), IsEmpty());
+    runWith([] {});
+    fakeLaunch();
+    settle();
+    EXPECT_THAT(calls(), IsEmpty());
+}
+
+TEST_F(MacHostRuntimeTest, the_status_line_waits_for_the_server) {
+    runWith([&] {
+        fakeLaunch();
+        EXPECT_EQ(fakeMenu().at(2).title, "Server: starting\u2026");
+        fakeDispatch::runAll();
+        EXPECT_EQ(fakeMenu().at(2).title, "Server: starting\u2026") << "set on another queue than the main one";
+        settle();
+        EXPECT_EQ(fakeMenu().at(2).title, "Server: listening on :8765");
+    });
+}
+
+TEST_F(MacHostRuntimeTest, work_from_any_thread_runs_on_the_main_thread_in_order_and_in_nested_loops) {
+    DispatchQueue& main = host->platform().mainQueue;
+    std::vector<int> order;
+    std::vector<std::thread::id> threads;
+    const auto note = [&](int number) {
+        order.push_back(number);
+        threads.push_back(std::this_thread::get_id());
+    };
+    runWith([&] {
+        std::thread([&] {
+            main.async([&] {
+                note(1);
+                QEventLoop nested;
+                main.async([&] {
+                    note(3);
+                    nested.quit();
+                });
+                nested.exec();
+                note(4);
+            });
+            main.async([&] { note(2); });
+            EXPECT_FALSE(main.isCurrent());
+        }).join();
+        EXPECT_THAT(order, IsEmpty());
+        settle();
+        EXPECT_TRUE(main.isCurrent());
+    });
+    EXPECT_THAT(order, ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(threads, testing::Each(std::this_thread::get_id()));
+}
+
+TEST_F(MacHostRuntimeTest, the_menu_opens_the_main_window_and_closing_it_leaves_the_dock) {
+    runWith([&] {
+        fakeLaunch();
+        settle();
+        calls();
+        ASSERT_TRUE(clickFakeMenuItem(11));
+        settle();
+        const auto opened = calls();
+        EXPECT_THAT(opened, Contains("activation policy 0"));
+        EXPECT_THAT(opened, Contains("opaque surface"));
+        EXPECT_THAT(opened, Contains("make key and order front"));
+        EXPECT_EQ(opened.back(), "activate, ignoring others");
+        fakeCloseMainWindow();
+        EXPECT_EQ(calls().back(), "activation policy 1");
+    });
+}
+
+TEST_F(MacHostRuntimeTest, the_end_is_asked_of_the_platform) {
+    runWith([&] {
+        host->terminate();
+        EXPECT_THAT(calls(), ElementsAre("terminate"));
+    });
+}
+
+// What the toolkit makes of `terminate:` on a Mac.
+TEST_F(MacHostRuntimeTest, the_end_waits_for_no_nested_event_loop_and_runs_nothing_down) {
+    const auto end = [&] {
+        runWith([&] {
+            fakeLaunch();
+            settle();
+            QEventLoop alert;
+            QTimer::singleShot(0, [] { QCoreApplication::quit(); });
+            alert.exec();
+            std::_Exit(3);
+        });
+        std::_Exit(4);
+    };
+    EXPECT_EXIT(end(), ExitedWithCode(0), "");
+}
+
+} // namespace
+} // namespace velloway::test
