@@ -171,7 +171,9 @@ def wrong_lines(table, declared):
 
 def new_line(name, declared):
     told = declared.get(name)
-    return f"| `{name}` | `{told.signature}` | {told.since or 'FIRST VERSION'} | |" if told else "declare it in include/"
+    if told is None:
+        return "declare it in include/"
+    return f"| `{name}` | `{told.signature}` | {told.since or 'FIRST VERSION'} | |"
 
 
 class Uses:
