@@ -74,8 +74,8 @@ class Compiler:
         for way in ways:
             for name in ("any.cpp", "any.mm"):
                 made.append(subprocess.Popen([str(part) for part in (
-                    *self.ways[way], *language(name, "-header"), "-fpch-instantiate-templates", self.standard, "-o",
-                    self.ahead(way, name))]))
+                    *self.ways[way], *language(name, "-header"), "-fpch-instantiate-templates", self.standard,
+                    "-o", self.ahead(way, name))]))
         if any(each.wait() != 0 for each in made):
             raise RuntimeError("the headers of the standard library do not compile")
 

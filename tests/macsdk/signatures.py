@@ -64,7 +64,8 @@ def plain_type(text):
 
 def signature(parameters, result):
     result = plain_type(result)
-    return f"({', '.join(plain_type(each) for each in parameters)})" + ("" if result == "void" else f" -> {result}")
+    given = ", ".join(plain_type(each) for each in parameters)
+    return f"({given})" + ("" if result == "void" else f" -> {result}")
 
 
 def function_signature(text):
