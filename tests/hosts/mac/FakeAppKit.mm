@@ -742,12 +742,15 @@ void FakeMac::runLater() {
 
 std::vector<FakeMenuItem> fakeMenu() {
     std::vector<FakeMenuItem> items;
-    for (NSMenuItem* item in statusItem.menu->_items) {
+    NSMenu* menu = statusItem.menu;
+    for (NSMenuItem* item in menu->_items) {
         const char* action = reinterpret_cast<const char*>(item.action);
+        const bool canAct =
+            action != nullptr && (item.target == nil || [item.target respondsToSelector:item.action] != NO);
         items.push_back({.title = stdString(item.title),
                          .keyEquivalent = stdString(item.keyEquivalent),
                          .tag = item.tag,
-                         .isEnabled = item.enabled != NO,
+                         .isEnabled = menu.autoenablesItems ? canAct : item.enabled != NO,
                          .isSeparator = item.isSeparator != NO,
                          .action = action != nullptr ? action : "",
                          .hasTarget = item.target != nil});

@@ -114,6 +114,16 @@ TEST_F(MacDelegateTest, before_the_program_stands_calls_do_nothing) {
     EXPECT_THAT(recorder.notes, IsEmpty());
 }
 
+TEST_F(MacDelegateTest, activation_is_told_to_nobody_after_the_end) {
+    resetFakeMac();
+    {
+        const MacApplication another(delegate);
+        fakeBecomeActive();
+    }
+    fakeBecomeActive();
+    EXPECT_THAT(recorder.notes, ElementsAre("active"));
+}
+
 TEST_F(MacDelegateTest, files_given_to_the_service_arrive_as_paths_in_order) {
     EXPECT_FALSE(fakeService()) << "there is no provider yet";
     application.setServicesProvider(&recorder);
@@ -252,6 +262,14 @@ TEST_F(MacStatusItemTest, the_menu_has_titles_keys_tags_actions_and_targets) {
                                      .hasTarget = false}));
 }
 
+TEST_F(MacStatusItemTest, an_item_with_an_action_is_disabled_when_the_core_says_so) {
+    item->create();
+    item->setMenu(
+        {{.title = "Call", .isEnabled = false, .action = MenuItem::Action::call, .selector = "onMenuCall"}});
+    ASSERT_EQ(fakeMenu().size(), 1u);
+    EXPECT_FALSE(fakeMenu()[0].isEnabled);
+}
+
 TEST_F(MacStatusItemTest, a_click_runs_what_the_item_stands_for) {
     item->create();
     item->setMenu(items());
@@ -357,6 +375,13 @@ TEST_F(MacNotificationsTest, without_a_delegate_nothing_is_delivered) {
     EXPECT_THAT(recorder.notes, IsEmpty());
 }
 
+TEST_F(MacNotificationsTest, what_nobody_takes_is_completed_and_not_shown) {
+    center.setDelegate(&recorder);
+    delegate.notifications = nullptr;
+    EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", "hello"), 1);
+    EXPECT_EQ(fakePresentNotification("k1"), 0ul);
+}
+
 // Scripts, login item, pasteboard, defaults, workspace, facts
 
 TEST_F(MacTest, a_script_runs_from_its_source_text_and_tells_its_error) {
@@ -409,6 +434,8 @@ TEST_F(MacTest, defaults_are_kept_and_each_write_is_observed) {
     EXPECT_THAT(seen, ElementsAre(9000, 9000));
     EXPECT_TRUE(defaults.has("port"));
     EXPECT_EQ(MacUserDefaults().integer("port"), 1);
+    defaults.setInteger("zero", 0);
+    EXPECT_TRUE(defaults.has("zero"));
 }
 
 TEST_F(MacTest, addresses_are_opened_settings_reached_and_files_shown) {

@@ -94,6 +94,18 @@ TEST_F(MacWindowsTest, a_press_beside_the_controls_drags_the_panel) {
     EXPECT_THAT(calls(), ElementsAre("drag", "drag"));
 }
 
+TEST_F(MacWindowsTest, a_panel_goes_with_its_last_owner) {
+    const auto makeAndDrop = [&] {
+        void* const inner = objc_autoreleasePoolPush();
+        windows.makePanel(panelProperties(), nullptr);
+        objc_autoreleasePoolPop(inner);
+    };
+    makeAndDrop();
+    const int before = runtimeObjectsAlive();
+    makeAndDrop();
+    EXPECT_EQ(runtimeObjectsAlive(), before);
+}
+
 TEST_F(MacWindowsTest, the_main_window_is_made_with_its_style_and_closing_it_is_told) {
     int closed = 0;
     const auto window = windows.makeMainWindow({.contentRect = {0, 0, 850, 550},

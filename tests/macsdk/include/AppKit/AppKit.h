@@ -30,7 +30,7 @@ MACSDK_OPTIONAL
 @property(nullable, readonly, strong) NSEvent* currentEvent;
 @property(null_resettable, strong) NSImage* applicationIconImage;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
-- (void)activateIgnoringOtherApps:(BOOL)ignoreOtherApps;
+- (void)activateIgnoringOtherApps:(BOOL)ignoreOtherApps MACSDK_BETWEEN(10.0, 14.0);
 - (void)activate MACSDK_SINCE(14.0);
 - (void)terminate:(nullable id)sender;
 @end

@@ -7,13 +7,15 @@
 
 typedef struct objc_class* Class;
 typedef struct objc_selector* SEL;
-#if defined(__aarch64__)
+#if defined(__arm64__)
 typedef bool BOOL;
 #else
 /// As on Intel Macs, where a careless conversion to it can lose bits.
 typedef signed char BOOL;
 #endif
 #define MACSDK_SINCE(version) __attribute__((availability(macos, introduced = version)))
+#define MACSDK_BETWEEN(version, successor) \
+    __attribute__((availability(macos, introduced = version, deprecated = successor)))
 #define OBJC_BOOL_DEFINED
 #define YES __objc_yes
 #define NO __objc_no
