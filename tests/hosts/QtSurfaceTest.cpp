@@ -1,4 +1,5 @@
 #include "hosts/mac/QtSurface.h"
+#include "fakes/FakeSystemImages.h"
 #include "shell/IncomingCallBanner.h"
 #include "ui/ViewHarness.h"
 
@@ -8,6 +9,9 @@
 #include <QEventLoop>
 #include <QPointer>
 #include <QQmlEngine>
+
+#include <algorithm>
+#include <memory>
 
 namespace velloway::test {
 namespace {
@@ -73,7 +77,8 @@ protected:
 
     FakePlatform on;
     int hangups = 0;
-    QtSurfaces surfaces;
+    std::shared_ptr<FakeSystemImages> images = std::make_shared<FakeSystemImages>();
+    QtSurfaces surfaces{images};
 
 private:
     static std::vector<std::string>& complaints() {
@@ -128,6 +133,16 @@ TEST_F(QtSurfaceTest, is_drawn_only_while_it_is_shown) {
     EXPECT_TRUE(waitFor([&] { return !view.isExposed(); }));
     show(*surface);
     EXPECT_EQ(&view, viewOf(*surface));
+}
+
+TEST_F(QtSurfaceTest, shows_the_symbols_of_the_system) {
+    const auto surface = surfaces.make(ringing("123"), Look::translucent);
+    show(*surface);
+    EXPECT_TRUE(waitFor([&] {
+        const auto asked = images->asked();
+        return std::any_of(asked.begin(), asked.end(),
+                           [](const std::string& symbol) { return symbol.starts_with("phone.fill "); });
+    }));
 }
 
 TEST_F(QtSurfaceTest, other_content_comes_in_the_same_view) {
@@ -203,7 +218,7 @@ TEST_F(QtSurfaceTest, the_engine_comes_with_the_first_surface_and_goes_with_the_
 TEST_F(QtSurfaceTest, nothing_is_left_when_the_maker_goes) {
     QPointer<ContentView> view;
     {
-        QtSurfaces maker;
+        QtSurfaces maker{images};
         auto surface = maker.make(ringing("123"), Look::translucent);
         view = &show(*surface);
         surface.reset();

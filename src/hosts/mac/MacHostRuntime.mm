@@ -9,6 +9,7 @@
 #include "hosts/mac/MacPasteboard.h"
 #include "hosts/mac/MacScripts.h"
 #include "hosts/mac/MacStatusItem.h"
+#include "hosts/mac/MacSystemImages.h"
 #include "hosts/mac/MacUserDefaults.h"
 #include "hosts/mac/MacUserNotificationCenter.h"
 #include "hosts/mac/MacWindows.h"
@@ -97,7 +98,7 @@ private:
     MacAccessibility accessibility_;
     MacLoginItem loginItem_;
     MacStatusItem statusItem_{delegate_};
-    QtSurfaces surfaces_;
+    QtSurfaces surfaces_{std::make_shared<MacSystemImages>()};
     MacWindows windows_{delegate_, [this](std::shared_ptr<WindowContent> content, MacWindows::Look look) {
                             return surfaces_.make(std::move(content), look);
                         }};

@@ -1,7 +1,6 @@
 #include "hosts/mac/QtSurface.h"
 
 #include "bridge/Views.h"
-#include "hosts/mac/MacSystemImages.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -71,15 +70,15 @@ private:
 /// The engine of the views, which follow the colours of the desktop by themselves.
 class QtSurfaces::Engine {
 public:
-    Engine() {
+    explicit Engine(std::shared_ptr<const SystemImages> images) {
         QQuickStyle::setStyle(QStringLiteral("Basic"));
-        prepareEngine(qml, std::make_shared<MacSystemImages>());
+        prepareEngine(qml, std::move(images));
     }
 
     QQmlEngine qml;
 };
 
-QtSurfaces::QtSurfaces() = default;
+QtSurfaces::QtSurfaces(std::shared_ptr<const SystemImages> images) : images_(std::move(images)) {}
 
 QtSurfaces::~QtSurfaces() {
     // No event loop may come after this that would delete the views of surfaces that have gone.
@@ -90,7 +89,7 @@ std::unique_ptr<ContentSurface> QtSurfaces::make(std::shared_ptr<WindowContent> 
                                                  MacWindows::Look look) {
     auto engine = engine_.lock();
     if (!engine) {
-        engine = std::make_shared<Engine>();
+        engine = std::make_shared<Engine>(images_);
         engine_ = engine;
     }
     auto view = std::make_unique<SurfaceView>(engine->qml, std::move(content));

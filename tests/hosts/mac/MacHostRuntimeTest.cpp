@@ -24,12 +24,13 @@ namespace velloway {
 
 class QtSurfaces::Engine {};
 
-QtSurfaces::QtSurfaces() = default;
+QtSurfaces::QtSurfaces(std::shared_ptr<const SystemImages> images) : images_(std::move(images)) {}
 
 QtSurfaces::~QtSurfaces() = default;
 
 std::unique_ptr<ContentSurface> QtSurfaces::make(std::shared_ptr<WindowContent> content,
                                                  MacWindows::Look look) {
+    EXPECT_NE(images_, nullptr);
     return test::makeFakeSurface(std::move(content), look);
 }
 
@@ -72,7 +73,7 @@ protected:
         fakeAccessibility.onPrompt = [] { fakeMac.note("trust prompt"); };
         toolkitStart = {};
         qunsetenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM");
-        host = makeHost(argumentCount, arguments);
+        host = makeHost(argumentCount, arguments).host;
         program = std::make_unique<Program>(host->platform(), [this] { host->terminate(); });
     }
     ~MacHostRuntimeTest() override {
