@@ -80,13 +80,17 @@ void LoadClient::write(std::string_view bytes) {
     }
 }
 
+std::size_t LoadClient::read(char* to, std::size_t room) {
+    const ssize_t count = recv(socket_, to, room, 0);
+    if (count <= 0) {
+        giveUp("the far end ended early");
+    }
+    return static_cast<std::size_t>(count);
+}
+
 std::string LoadClient::read() {
     std::string bytes(4096, '\0');
-    const ssize_t count = recv(socket_, bytes.data(), bytes.size(), 0);
-    if (count <= 0) {
-        giveUp("the receiver ended early");
-    }
-    bytes.resize(static_cast<std::size_t>(count));
+    bytes.resize(read(bytes.data(), bytes.size()));
     return bytes;
 }
 

@@ -23,6 +23,11 @@ public:
     /// Ends the stream and waits until the far end has closed too.
     void finish();
 
+    /// For waiting on several.
+    int descriptor() const { return socket_; }
+    /// What has come, at least a byte.
+    std::size_t read(char* to, std::size_t room);
+
 private:
     std::string read();
 

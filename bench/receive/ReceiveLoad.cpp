@@ -2,6 +2,7 @@
 // All of it runs on loopback and in memory-backed storage.
 
 #include "LoadClient.h"
+#include "MeasuredProcess.h"
 #include "text/Base64.h"
 
 #include <algorithm>
@@ -11,30 +12,12 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <map>
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-#include <netinet/in.h>
-#include <signal.h>
-#include <sys/resource.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 namespace velloway::bench {
 namespace {
-
-using Clock = std::chrono::steady_clock;
-using Command = std::vector<std::string>;
-
-[[noreturn]] void giveUp(const std::string& what) {
-    std::fprintf(stderr, "receive_load: %s\n", what.c_str());
-    std::exit(1);
-}
 
 struct Settings {
     int rounds = 5;
@@ -45,119 +28,6 @@ struct Settings {
     std::filesystem::path nodeScript;
     std::filesystem::path folder;
 };
-
-int freePort() {
-    const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    if (bind(probe, reinterpret_cast<sockaddr*>(&address), size) != 0) {
-        giveUp("no free port");
-    }
-    getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size);
-    close(probe);
-    return ntohs(address.sin_port);
-}
-
-/// A receiver as a process of its own, whose log goes to a file.
-class Receiver {
-public:
-    Receiver(Command command, const std::filesystem::path& folder) : port(freePort()), log(folder / "log.txt") {
-        command.push_back(std::to_string(port));
-        command.push_back(folder.string());
-        int pipe[2];
-        if (::pipe2(pipe, O_CLOEXEC) != 0) {
-            giveUp("pipe");
-        }
-        input_ = pipe[1];
-        process_ = fork();
-        if (process_ == 0) {
-            dup2(pipe[0], STDIN_FILENO);
-            dup2(::open(log.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_APPEND, 0644), STDOUT_FILENO);
-            dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
-            std::vector<char*> arguments;
-            for (std::string& argument : command) {
-                arguments.push_back(argument.data());
-            }
-            arguments.push_back(nullptr);
-            execvp(arguments[0], arguments.data());
-            _exit(127);
-        }
-        close(pipe[0]);
-    }
-    ~Receiver() { end(); }
-
-    /// Processor time so far, in seconds.
-    double processorTime() const {
-        std::ifstream file("/proc/" + std::to_string(process_) + "/stat");
-        std::string stat((std::istreambuf_iterator<char>(file)), {});
-        unsigned long user = 0;
-        unsigned long system = 0;
-        std::sscanf(stat.c_str() + stat.rfind(')') + 2, "%*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %lu %lu",
-                    &user, &system);
-        return static_cast<double>(user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
-    }
-
-    double peakMegabytes() const {
-        std::ifstream file("/proc/" + std::to_string(process_) + "/status");
-        for (std::string line; std::getline(file, line);) {
-            if (line.starts_with("VmHWM:")) {
-                return std::atof(line.c_str() + 6) / 1024;
-            }
-        }
-        return 0;
-    }
-
-    void end() {
-        if (process_ <= 0) {
-            return;
-        }
-        close(input_);
-        for (int waited = 0; waited < 200; ++waited) {
-            if (waitpid(process_, nullptr, WNOHANG) == process_) {
-                process_ = 0;
-                return;
-            }
-            usleep(10'000);
-        }
-        kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-        process_ = 0;
-    }
-
-    const int port;
-    const std::filesystem::path log;
-
-private:
-    pid_t process_ = 0;
-    int input_ = -1;
-};
-
-/// What was measured under one name, one value a round.
-class Figures {
-public:
-    void add(const std::string& name, double value) { values_[name].push_back(value); }
-    double last(const std::string& name) const { return values_.at(name).back(); }
-    double median(const std::string& name) const {
-        auto values = values_.at(name);
-        std::sort(values.begin(), values.end());
-        const std::size_t half = values.size() / 2;
-        return values.size() % 2 ? values[half] : (values[half - 1] + values[half]) / 2;
-    }
-    void print(const std::string& name, const char* unit) const {
-        const auto& values = values_.at(name);
-        const auto [least, most] = std::minmax_element(values.begin(), values.end());
-        std::printf("  %-58s %12.1f %-14s (%.1f to %.1f)\n", name.c_str(), median(name), unit, *least, *most);
-    }
-
-private:
-    std::map<std::string, std::vector<double>> values_;
-};
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 constexpr std::string_view pointerMove =
     R"({"action":"remote_control","type":"mouse_move","command":"m","dx":1.5,"dy":-2})";
@@ -200,7 +70,7 @@ std::string fileLoad(std::string_view file) {
     return all;
 }
 
-void expectLogLines(const Receiver& receiver, int messages) {
+void expectLogLines(const MeasuredProcess& receiver, int messages) {
     std::ifstream file(receiver.log);
     int lines = 0;
     for (std::string line; std::getline(file, line);) {
@@ -223,7 +93,7 @@ void expectFile(const std::filesystem::path& path, std::string_view expected) {
 
 void measureSmall(const std::string& name, const Command& command, const Settings& settings,
                   const std::string& load, Figures& figures) {
-    Receiver receiver(command, settings.folder);
+    MeasuredProcess receiver(command, settings.folder);
     LoadClient client(receiver.port);
     client.shakeHands();
     const double processorBefore = receiver.processorTime();
@@ -239,7 +109,7 @@ void measureSmall(const std::string& name, const Command& command, const Setting
 
 void measureFile(const std::string& name, const Command& command, const Settings& settings,
                  const std::string& load, std::string_view file, Figures& figures) {
-    Receiver receiver(command, settings.folder);
+    MeasuredProcess receiver(command, settings.folder);
     LoadClient client(receiver.port);
     client.shakeHands();
     const auto start = Clock::now();
@@ -253,7 +123,7 @@ void measureFile(const std::string& name, const Command& command, const Settings
 }
 
 void measureRaw(const Settings& settings, std::string_view file, Figures& figures) {
-    Receiver receiver({settings.rawSink.string()}, settings.folder);
+    MeasuredProcess receiver({settings.rawSink.string()}, settings.folder);
     LoadClient client(receiver.port);
     const auto start = Clock::now();
     client.write(file);

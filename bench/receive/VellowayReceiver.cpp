@@ -1,5 +1,6 @@
 // The whole bridge server on the real network, with a quiet desktop: port, folder for files.
-// Log lines go to standard output; ends when standard input ends, and then tells how many events were posted.
+// Sends the file that each line of standard input names to all connections; ends when standard input ends, and
+// then tells how many events were posted. Log lines go to standard output.
 
 #include "QuietPorts.h"
 #include "features/NotificationManager.h"
@@ -13,19 +14,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <future>
-
-#include <unistd.h>
+#include <iostream>
+#include <string>
 
 using namespace velloway;
 using namespace velloway::bench;
 
 namespace {
-
-void waitForEndOfInput() {
-    char byte;
-    while (read(STDIN_FILENO, &byte, 1) > 0) {
-    }
-}
 
 void runOn(DispatchQueue& queue, const std::function<void()>& act) {
     std::promise<void> done;
@@ -76,7 +71,9 @@ int main(int count, char** arguments) {
         server->setHistoryStore(store);
         server->start();
     });
-    waitForEndOfInput();
+    for (std::string path; std::getline(std::cin, path);) {
+        server->sendFile(path);
+    }
     runOn(main, [] {});
     std::fprintf(stderr, "posted %ld\n", input.posted.load());
     // The process ends here as the program does: without a word to anybody.

@@ -1,5 +1,7 @@
 #include "json/JsonReader.h"
 
+#include "json/LongTexts.h"
+
 #include <boost/json/src.hpp>
 #include <simdjson.h>
 
@@ -22,8 +24,21 @@ struct Handle {
 };
 static_assert(sizeof(dom::element) == sizeof(Handle) && std::is_trivially_copyable_v<dom::element>);
 
+/// What a `JsonValue` of simdjson calls its document.
+struct Parsed {
+    explicit Parsed(std::size_t longText) : longTexts(longText) {}
+
+    dom::parser parser;
+    /// Of them, the parser has seen an empty text.
+    LongTexts longTexts;
+};
+
+const LongTexts& longTextsOf(const void* document) {
+    return static_cast<const Parsed*>(document)->longTexts;
+}
+
 dom::element elementOf(const void* document, std::size_t index) {
-    return std::bit_cast<dom::element>(Handle{document, index});
+    return std::bit_cast<dom::element>(Handle{&static_cast<const Parsed*>(document)->parser.doc, index});
 }
 
 const boost::json::value& valueOf(const void* document) {
@@ -38,36 +53,54 @@ std::optional<std::int64_t> wholeNumber(double number) {
     return std::nullopt;
 }
 
-/// Whether containers are nested at most `maxDepth` deep. simdjson does not count an empty innermost one, so
-/// the tape that it writes is read again: a word for each bracket and value, with its kind in the top byte.
+/// The words that simdjson leaves of a document, one for each bracket and value, with its kind in the top byte.
+class Tape {
+public:
+    explicit Tape(const dom::document& document)
+        : words_(document.tape.get()), end_(words_[0] & ((std::uint64_t{1} << kindShift) - 1)) {}
+
+    bool atEnd() const { return at_ >= end_; }
+    std::size_t index() const { return at_; }
+    char kind() const { return static_cast<char>(words_[at_] >> kindShift); }
+    void advance() {
+        // A number itself takes the next word.
+        const bool isNumber = kind() == 'l' || kind() == 'u' || kind() == 'd';
+        at_ += isNumber ? 2 : 1;
+    }
+
+private:
+    static constexpr int kindShift = 56;
+    const std::uint64_t* words_;
+    std::size_t end_;
+    std::size_t at_ = 1;
+};
+
+/// Whether containers are nested at most `maxDepth` deep; simdjson does not count an empty innermost one.
 bool isWithinDepth(const dom::document& document) {
-    constexpr int kindShift = 56;
     std::size_t depth = 0;
-    const std::uint64_t* tape = document.tape.get();
-    const std::size_t end = tape[0] & ((std::uint64_t{1} << kindShift) - 1);
-    for (std::size_t at = 1; at < end; ++at) {
-        switch (static_cast<char>(tape[at] >> kindShift)) {
-        case '{':
-        case '[':
+    for (Tape tape(document); !tape.atEnd(); tape.advance()) {
+        const char kind = tape.kind();
+        if (kind == '{' || kind == '[') {
             if (++depth > JsonReader::maxDepth) {
                 return false;
             }
-            break;
-        case '}':
-        case ']':
+        } else if (kind == '}' || kind == ']') {
             --depth;
-            break;
-        case 'l':
-        case 'u':
-        case 'd':
-            // The number itself takes the next word.
-            ++at;
-            break;
-        default:
-            break;
         }
     }
     return true;
+}
+
+void findPlaces(LongTexts& texts, const dom::document& document) {
+    Tape tape(document);
+    std::size_t passed = 0;
+    texts.setPlaces([&](std::size_t ordinal) {
+        while (tape.kind() != '"' || passed < ordinal) {
+            passed += tape.kind() == '"';
+            tape.advance();
+        }
+        return tape.index();
+    });
 }
 
 std::string_view withoutByteOrderMark(std::string_view text) {
@@ -87,7 +120,10 @@ constexpr std::string_view neitherObjectNorArray = "The text holds no object or 
 } // namespace
 
 struct JsonReader::State {
-    dom::parser parser;
+    explicit State(std::size_t longText) : parsed(longText) {}
+
+    Parsed parsed;
+    dom::parser& parser = parsed.parser;
     /// Texts that may not be read beyond their end are copied here.
     std::unique_ptr<char[]> padded;
     std::size_t paddedCapacity = 0;
@@ -97,8 +133,10 @@ struct JsonReader::State {
 
     simdjson::error_code makeRoom(std::size_t size);
     const char* copyPadded(std::string_view text);
-    std::optional<Handle> parseQuickly(std::string_view text, std::size_t readableAfter,
-                                       simdjson::error_code& error);
+    /// The index of the root. With 64 bytes behind the text.
+    std::optional<std::size_t> parsePadded(std::string_view text, simdjson::error_code& error);
+    std::optional<std::size_t> parseQuickly(std::string_view text, std::size_t readableAfter,
+                                            simdjson::error_code& error);
     bool parseAnyNumber(std::string_view text, std::string& error);
 };
 
@@ -134,24 +172,33 @@ const char* JsonReader::State::copyPadded(std::string_view text) {
     return padded.get();
 }
 
-std::optional<Handle> JsonReader::State::parseQuickly(std::string_view text, std::size_t readableAfter,
-                                                      simdjson::error_code& error) {
+std::optional<std::size_t> JsonReader::State::parsePadded(std::string_view text, simdjson::error_code& error) {
+    dom::element root;
+    error = parser.parse(text.data(), text.size(), false).get(root);
+    if (!error && !isWithinDepth(parser.doc)) {
+        error = simdjson::DEPTH_ERROR;
+    }
+    return error ? std::nullopt : std::optional(std::bit_cast<Handle>(root).index);
+}
+
+std::optional<std::size_t> JsonReader::State::parseQuickly(std::string_view text, std::size_t readableAfter,
+                                                           simdjson::error_code& error) {
+    const bool inPlace = readableAfter >= simdjson::SIMDJSON_PADDING;
+    parsed.longTexts.clear();
+    const auto rest = inPlace ? parsed.longTexts.cut(text, simdjson::SIMDJSON_PADDING) : std::nullopt;
+    if (rest && makeRoom(rest->size()) == simdjson::SUCCESS) {
+        if (const auto root = parsePadded(*rest, error)) {
+            findPlaces(parsed.longTexts, parser.doc);
+            return root;
+        }
+    }
+    // What is wrong is told of the whole text.
+    parsed.longTexts.clear();
     error = makeRoom(text.size());
     if (error) {
         return std::nullopt;
     }
-    const bool inPlace = readableAfter >= simdjson::SIMDJSON_PADDING;
-    const char* bytes = inPlace ? text.data() : copyPadded(text);
-    dom::element root;
-    error = parser.parse(bytes, text.size(), false).get(root);
-    if (error) {
-        return std::nullopt;
-    }
-    if (!isWithinDepth(parser.doc)) {
-        error = simdjson::DEPTH_ERROR;
-        return std::nullopt;
-    }
-    return std::bit_cast<Handle>(root);
+    return parsePadded({inPlace ? text.data() : copyPadded(text), text.size()}, error);
 }
 
 /// Slower, but takes numbers of any size.
@@ -166,7 +213,7 @@ bool JsonReader::State::parseAnyNumber(std::string_view text, std::string& error
     return !failure;
 }
 
-JsonReader::JsonReader() : state_(std::make_unique<State>()) {}
+JsonReader::JsonReader(std::size_t longText) : state_(std::make_unique<State>(longText)) {}
 JsonReader::~JsonReader() = default;
 
 std::size_t JsonReader::capacity() const {
@@ -179,8 +226,8 @@ std::optional<JsonValue> JsonReader::parse(std::string_view text, std::size_t re
     const std::string_view body = withoutByteOrderMark(text);
     simdjson::error_code failure = simdjson::SUCCESS;
     std::optional<JsonValue> root;
-    if (const auto handle = state_->parseQuickly(body, readableAfter, failure)) {
-        root = JsonValue(JsonValue::Backend::simdjson, handle->document, handle->index);
+    if (const auto index = state_->parseQuickly(body, readableAfter, failure)) {
+        root = JsonValue(JsonValue::Backend::simdjson, &state_->parsed, *index);
     } else if (failure != simdjson::NUMBER_ERROR) {
         error = reason(failure);
         return std::nullopt;
@@ -213,6 +260,9 @@ bool JsonValue::isArray() const {
 
 std::optional<std::string_view> JsonValue::text() const {
     if (backend_ == Backend::simdjson) {
+        if (longTextsOf(document_).escaped(index_)) {
+            return longTextsOf(document_).plain(index_);
+        }
         std::string_view text;
         return elementOf(document_, index_).get(text) ? std::nullopt : std::optional(text);
     }
@@ -220,6 +270,11 @@ std::optional<std::string_view> JsonValue::text() const {
         return std::string_view(text->data(), text->size());
     }
     return std::nullopt;
+}
+
+std::optional<std::string_view> JsonValue::slashEscapedText() const {
+    const auto* escaped = backend_ == Backend::simdjson ? longTextsOf(document_).escaped(index_) : nullptr;
+    return escaped ? *escaped : text();
 }
 
 std::optional<std::int64_t> JsonValue::integer() const {
@@ -273,8 +328,7 @@ std::optional<JsonValue> JsonValue::member(std::string_view key) const {
         }
         for (const auto field : object) {
             if (field.key == key) {
-                const auto handle = std::bit_cast<Handle>(field.value);
-                found = JsonValue(Backend::simdjson, handle.document, handle.index);
+                found = JsonValue(Backend::simdjson, document_, std::bit_cast<Handle>(field.value).index);
             }
         }
         return found;
@@ -294,8 +348,7 @@ bool JsonValue::forEachElement(const std::function<bool(const JsonValue&)>& visi
             return false;
         }
         for (const dom::element element : array) {
-            const auto handle = std::bit_cast<Handle>(element);
-            if (!visit(JsonValue(Backend::simdjson, handle.document, handle.index))) {
+            if (!visit(JsonValue(Backend::simdjson, document_, std::bit_cast<Handle>(element).index))) {
                 return false;
             }
         }

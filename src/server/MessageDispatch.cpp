@@ -213,7 +213,8 @@ void MessageDispatch::Reading::fileStart(const JsonValue& message) {
 
 void MessageDispatch::Reading::filePiece(const JsonValue& message, bool isWholeFile) {
     const auto fileName = textOf(message, "fileName");
-    const auto fileData = textOf(message, "fileData");
+    const auto fileDataValue = message.member("fileData");
+    const auto fileData = fileDataValue ? fileDataValue->slashEscapedText() : std::nullopt;
     if (fileName && fileData) {
         targets_.incomingFiles.chunk(*fileName, *fileData, isWholeFile || isTrue(message, "isLast"));
     }

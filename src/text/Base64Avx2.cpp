@@ -37,6 +37,11 @@ struct Avx2 {
         return _mm256_and_si256(low, _mm256_shuffle_epi8(byHigh, highNibbles(chars)));
     }
 
+    static unsigned unknownMask(Register chars) {
+        const Register bad = _mm256_cmpgt_epi8(unknown(chars), _mm256_setzero_si256());
+        return static_cast<unsigned>(_mm256_movemask_epi8(bad));
+    }
+
     static bool translate(Register chars, Register& values) {
         const Register offsets = twice(_mm_setr_epi8(0, 16, 19, 4, -65, -65, -71, -71, 0, 0, 0, 0, 0, 0, 0, 0));
         const Register slash = _mm256_cmpeq_epi8(chars, _mm256_set1_epi8('/'));
@@ -55,11 +60,9 @@ struct Avx2 {
         _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(values, moves));
         return byteMoves.keptCount[mask];
     }
-    static std::size_t storeKnown(Register chars, Register values, std::uint8_t* to) {
-        const Register bad = _mm256_cmpgt_epi8(unknown(chars), _mm256_setzero_si256());
-        const unsigned mask = static_cast<unsigned>(_mm256_movemask_epi8(bad));
-        const __m128i low = _mm256_castsi256_si128(values);
-        const __m128i high = _mm256_extracti128_si256(values, 1);
+    static std::size_t storeKnown(Register chars, unsigned mask, std::uint8_t* to) {
+        const __m128i low = _mm256_castsi256_si128(chars);
+        const __m128i high = _mm256_extracti128_si256(chars, 1);
         std::size_t count = storeKnownQuarter(low, mask & 0xff, to);
         count += storeKnownQuarter(_mm_srli_si128(low, 8), mask >> 8 & 0xff, to + count);
         count += storeKnownQuarter(high, mask >> 16 & 0xff, to + count);

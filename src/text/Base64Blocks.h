@@ -10,17 +10,21 @@ namespace velloway::base64 {
 
 namespace {
 
+// The loops walk with pointers of their own: bytes that are stored could be a part of `Decoding`.
+
 /// Blocks that hold nothing but the alphabet, straight from text to bytes.
 template <class Vector> void decodeClean(Decoding& decoding) {
-    while (static_cast<std::size_t>(decoding.end - decoding.in) >= Vector::width) {
-        typename Vector::Register values;
-        if (!Vector::translate(Vector::load(decoding.in), values)) {
-            return;
-        }
-        Vector::pack(values, decoding.out);
-        decoding.in += Vector::width;
-        decoding.out += Vector::width / 4 * 3;
+    const std::uint8_t* in = decoding.in;
+    std::uint8_t* out = decoding.out;
+    typename Vector::Register values;
+    while (static_cast<std::size_t>(decoding.end - in) >= Vector::width &&
+           Vector::translate(Vector::load(in), values)) {
+        Vector::pack(values, out);
+        in += Vector::width;
+        out += Vector::width / 4 * 3;
     }
+    decoding.in = in;
+    decoding.out = out;
 }
 
 inline std::uint8_t* packGroup(const std::uint8_t* values, std::uint8_t* out) {
@@ -30,40 +34,64 @@ inline std::uint8_t* packGroup(const std::uint8_t* values, std::uint8_t* out) {
     return out + 3;
 }
 
-/// Collects the values of the next blocks without their unknown bytes, then packs them. False if no block could
-/// be taken.
+/// Copies a block without its unknown bytes, and returns how many there are. Reads and writes up to a block and
+/// a byte beyond.
+///
+/// Mostly there is one such byte or none, and nobody can foretell which: both take the same steps.
+template <class Vector> std::size_t copyKnown(const std::uint8_t* in, std::uint8_t* to) {
+    const auto chars = Vector::load(in);
+    const unsigned unknown = Vector::unknownMask(chars);
+    if ((unknown & (unknown - 1)) != 0) {
+        return Vector::storeKnown(chars, unknown, to);
+    }
+    Vector::store(chars, to);
+    const int first = __builtin_ctzll(unknown | 1ULL << Vector::width);
+    Vector::store(Vector::load(in + first + 1), to + first);
+    return Vector::width - (unknown != 0);
+}
+
+/// Packs the text of known bytes alone; what makes no whole group is held back.
+template <class Vector> void packKnown(const std::uint8_t* text, std::size_t count, Decoding& decoding) {
+    std::uint8_t* out = decoding.out;
+    typename Vector::Register values;
+    for (; count >= Vector::width; count -= Vector::width) {
+        Vector::translate(Vector::load(text), values);
+        Vector::pack(values, out);
+        text += Vector::width;
+        out += Vector::width / 4 * 3;
+    }
+    std::uint8_t last[Vector::width];
+    Vector::translate(Vector::load(text), values);
+    Vector::store(values, last);
+    std::size_t packed = 0;
+    for (; count - packed >= 4; packed += 4) {
+        out = packGroup(last + packed, out);
+    }
+    decoding.out = out;
+    decoding.heldCount = count - packed;
+    for (std::size_t index = 0; index < decoding.heldCount; ++index) {
+        decoding.held[index] = last[packed + index];
+    }
+}
+
+/// Copies the next blocks without their unknown bytes, then packs the copy. False if no block could be taken.
 template <class Vector> bool decodeStaged(Decoding& decoding) {
     constexpr std::size_t capacity = 2048;
-    std::uint8_t values[capacity + Vector::width];
+    std::uint8_t text[capacity + 3 * Vector::width] = {};
+    std::memcpy(text, decoding.held, sizeof decoding.held);
+    Vector::store(Vector::letters(Vector::load(text)), text);
     std::size_t count = decoding.heldCount;
-    std::memcpy(values, decoding.held, sizeof decoding.held);
-    const std::uint8_t* const start = decoding.in;
-    while (static_cast<std::size_t>(decoding.end - decoding.in) >= Vector::width &&
-           count + Vector::width <= capacity) {
-        const auto chars = Vector::load(decoding.in);
-        typename Vector::Register translated;
-        if (Vector::translate(chars, translated)) {
-            Vector::store(translated, values + count);
-            count += Vector::width;
-        } else if (Vector::holdsPadding(chars)) {
-            break;
-        } else {
-            count += Vector::storeKnown(chars, translated, values + count);
-        }
-        decoding.in += Vector::width;
+    const std::uint8_t* in = decoding.in;
+    const auto left = static_cast<std::size_t>(decoding.end - in);
+    const std::uint8_t* const stop = in + (left < capacity ? left : capacity);
+    while (static_cast<std::size_t>(stop - in) > 2 * Vector::width && !Vector::holdsPadding(Vector::load(in))) {
+        count += copyKnown<Vector>(in, text + count);
+        in += Vector::width;
     }
-
-    std::size_t packed = 0;
-    for (; count - packed >= Vector::width; packed += Vector::width) {
-        Vector::pack(Vector::load(values + packed), decoding.out);
-        decoding.out += Vector::width / 4 * 3;
-    }
-    for (; count - packed >= 4; packed += 4) {
-        decoding.out = packGroup(values + packed, decoding.out);
-    }
-    decoding.heldCount = count - packed;
-    std::memcpy(decoding.held, values + packed, sizeof decoding.held);
-    return decoding.in != start;
+    const bool isAnyTaken = in != decoding.in;
+    decoding.in = in;
+    packKnown<Vector>(text, count, decoding);
+    return isAnyTaken;
 }
 
 template <class Vector> void decodeBlocks(Decoding& decoding) {

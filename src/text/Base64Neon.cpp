@@ -42,13 +42,14 @@ struct Neon {
 
     static bool holdsPadding(Register chars) { return vmaxvq_u8(vceqq_u8(chars, vdupq_n_u8('='))) != 0; }
 
-    static std::size_t storeKnown(Register chars, Register values, std::uint8_t* to) {
-        const unsigned mask = bits(unknown(chars));
+    static unsigned unknownMask(Register chars) { return bits(unknown(chars)); }
+
+    static std::size_t storeKnown(Register chars, unsigned mask, std::uint8_t* to) {
         const unsigned low = mask & 0xff;
         const unsigned high = mask >> 8;
-        vst1_u8(to, vtbl1_u8(vget_low_u8(values), vld1_u8(byteMoves.kept[low])));
+        vst1_u8(to, vtbl1_u8(vget_low_u8(chars), vld1_u8(byteMoves.kept[low])));
         const std::size_t first = byteMoves.keptCount[low];
-        vst1_u8(to + first, vtbl1_u8(vget_high_u8(values), vld1_u8(byteMoves.kept[high])));
+        vst1_u8(to + first, vtbl1_u8(vget_high_u8(chars), vld1_u8(byteMoves.kept[high])));
         return first + byteMoves.keptCount[high];
     }
 

@@ -32,8 +32,9 @@ struct Ssse3 {
         return _mm_and_si128(low, _mm_shuffle_epi8(byHigh, highNibbles(chars)));
     }
 
-    static int unknownMask(Register chars) {
-        return _mm_movemask_epi8(_mm_cmpgt_epi8(unknown(chars), _mm_setzero_si128()));
+    static unsigned unknownMask(Register chars) {
+        const Register bad = _mm_cmpgt_epi8(unknown(chars), _mm_setzero_si128());
+        return static_cast<unsigned>(_mm_movemask_epi8(bad));
     }
 
     static bool translate(Register chars, Register& values) {
@@ -52,10 +53,9 @@ struct Ssse3 {
         _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(values, moves));
         return byteMoves.keptCount[mask];
     }
-    static std::size_t storeKnown(Register chars, Register values, std::uint8_t* to) {
-        const unsigned mask = static_cast<unsigned>(unknownMask(chars));
-        const std::size_t first = storeKnownHalf(values, mask & 0xff, to);
-        return first + storeKnownHalf(_mm_srli_si128(values, 8), mask >> 8, to + first);
+    static std::size_t storeKnown(Register chars, unsigned mask, std::uint8_t* to) {
+        const std::size_t first = storeKnownHalf(chars, mask & 0xff, to);
+        return first + storeKnownHalf(_mm_srli_si128(chars, 8), mask >> 8, to + first);
     }
 
     static void pack(Register values, std::uint8_t* to) {

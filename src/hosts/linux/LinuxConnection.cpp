@@ -41,6 +41,8 @@ constexpr std::uint32_t maxHeaderBytes = 16 * 1024;
 constexpr std::size_t keptBufferBytes = std::size_t{4} << 20;
 /// A message's memory grows with what has come, never with what a frame header claims.
 constexpr std::size_t firstReadBytes = std::size_t{64} << 10;
+/// Handling a message of this size takes long enough for others to be let go first.
+constexpr std::size_t largeMessageBytes = std::size_t{128} << 10;
 constexpr std::size_t discardBytes = std::size_t{16} << 10;
 /// What an entry of the send queue costs beside its text.
 constexpr std::size_t bytesPerSend = 128;
@@ -176,6 +178,7 @@ private:
     void readMore();
     void didRead(const error_code& error, std::size_t count);
     void deliver();
+    void deliverAfterOthers();
     void endWithBadText();
 
     void writeNext();
@@ -370,6 +373,8 @@ void LinuxConnection::Session::didRead(const error_code& error, std::size_t coun
         readMore();
     } else if (count == 0 && stream_->got_text() && endsInsideCharacter(buffer_.text())) {
         endWithBadText();
+    } else if (buffer_.size() >= largeMessageBytes) {
+        deliverAfterOthers();
     } else {
         deliver();
     }
@@ -389,6 +394,19 @@ void LinuxConnection::Session::deliver() {
     if (receive_) {
         readMore();
     }
+}
+
+/// What has come on other connections meanwhile is found at the end of this turn of the event loop and handled
+/// in the next; the large message is behind it. A pointer move so waits for one large message at most.
+void LinuxConnection::Session::deliverAfterOthers() {
+    auto& loop = AsioQueueAccess::context(queue);
+    net::post(loop, [self = shared_from_this(), &loop] {
+        net::post(loop, [self] {
+            if (self->phase_ == Phase::ready) {
+                self->deliver();
+            }
+        });
+    });
 }
 
 /// Beast checks the end of a text only when its last fragment has bytes.
