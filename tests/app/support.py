@@ -160,14 +160,14 @@ class Process:
 class App(Process):
     """The program, with its settings written before it starts."""
 
-    def __init__(self, port, *files):
+    def __init__(self, port, *files, program=APP):
         self.port = port
         self.downloads = pathlib.Path(os.environ["HOME"]) / "Downloads"
         self.downloads.mkdir(parents=True, exist_ok=True)
         settings = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "velloway" / "velloway.conf"
         settings.parent.mkdir(parents=True, exist_ok=True)
         settings.write_text(f"[General]\nport={port}\n")
-        super().__init__(APP, *files)
+        super().__init__(program, *files)
 
     def wait_listening(self):
         def answers():
@@ -371,8 +371,8 @@ class AppTest(unittest.TestCase):
         self.addCleanup(process.stop)
         return process
 
-    def start_app(self, *files, port=None):
-        return self.start(App(port or free_port(), *files))
+    def start_app(self, *files, port=None, program=APP):
+        return self.start(App(port or free_port(), *files, program=program))
 
     def start_phone(self, port, *words, **options):
         return self.start(phone(port, *words, **options))

@@ -6,6 +6,7 @@
 #include "desktop/WaitFor.h"
 #include "fakes/FakePlatform.h"
 #include "hosts/qt/QtWindows.h"
+#include "hosts/qt/QuickWindows.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -227,7 +228,7 @@ public:
     }
 
     FakePlatform on;
-    QtWindows windows;
+    QtWindows windows{&makeQuickWindows};
     Program program;
     std::shared_ptr<FakeConnection> phone;
 };

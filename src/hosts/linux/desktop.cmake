@@ -29,6 +29,8 @@ if(EXISTS ${symbols}/antenna_radiowaves_left_and_right.svg)
     list(APPEND status_images ${symbols}/antenna_radiowaves_left_and_right.svg)
 endif()
 qt_add_resources(velloway_host_linux status_images PREFIX /velloway/status BASE ${symbols} FILES ${status_images})
+set(icon ${CMAKE_SOURCE_DIR}/src/ui/icon)
+qt_add_resources(velloway_host_linux icon PREFIX /icon BASE ${icon} FILES ${icon}/velloway.svg)
 
 # The host as one whole.
-target_sources(velloway_host_linux PRIVATE LinuxHostRuntime.cpp)
+target_sources(velloway_host_linux PRIVATE LinuxHostRuntime.cpp ViewsLibrary.cpp)
