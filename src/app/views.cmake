@@ -14,5 +14,4 @@ set_target_properties(velloway PROPERTIES
     ENABLE_EXPORTS ON
     LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,velloway_core")
 
-install(TARGETS velloway RUNTIME DESTINATION bin)
 install(TARGETS velloway_views LIBRARY DESTINATION lib/velloway)

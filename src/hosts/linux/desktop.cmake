@@ -2,12 +2,13 @@ include(VellowayQt)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 target_link_libraries(velloway_host_linux
-    PUBLIC velloway_host_qt Qt6::Widgets Qt6::DBus Qt6::Network Qt6::Svg
+    PUBLIC velloway_host_qt Qt6::Widgets Qt6::DBus Qt6::Svg
     PRIVATE PkgConfig::XCB)
 set_target_properties(velloway_host_linux PROPERTIES AUTOMOC ON)
 target_sources(velloway_host_linux PRIVATE
     DesktopColors.cpp
     FileUris.cpp
+    HandoverSocket.cpp
     LinuxApplication.cpp
     LinuxDesktop.cpp
     LinuxHost.cpp
