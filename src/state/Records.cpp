@@ -7,7 +7,7 @@ namespace velloway {
 std::string NotifPayload::formattedTime(const Host& host) const {
     const DateContext context{host.locale(), host.timeZone()};
     const double now = std::chrono::duration<double>(host.now().time_since_epoch()).count();
-    return isToday(time, now, context) ? shortTime(time, context) : shortDateAndTime(time, context);
+    return RecentDays(now, context).isToday(time) ? shortTime(time, context) : shortDateAndTime(time, context);
 }
 
 } // namespace velloway

@@ -37,11 +37,12 @@ std::vector<RecentCallRow> recentCallRows(const std::vector<CallRecord>& callLog
                                           const Host& host) {
     std::vector<RecentCallRow> rows;
     rows.reserve(callLog.size());
+    const RelativeDates dates(host);
     for (const CallRecord& call : callLog) {
         rows.push_back({.id = call.id(),
                         .number = call.number,
                         .name = names.contactName(call.number, call.name),
-                        .date = formatRelativeDate(call.date, host),
+                        .date = dates.text(call.date),
                         .symbol = directionSymbol(call.type),
                         .color = call.type == missedType ? ColorRole::red : ColorRole::primary});
     }

@@ -1,7 +1,6 @@
 #include "tabs/Conversations.h"
 
 #include "text/Case.h"
-#include "text/DateText.h"
 #include "text/Digits.h"
 #include "text/Graphemes.h"
 #include "text/Trim.h"
@@ -225,38 +224,35 @@ std::vector<Conversation> conversations(const std::vector<SmsRecord>& smsLog) {
     return std::move(threads).finish();
 }
 
-std::vector<Conversation> filteredConversations(std::vector<Conversation> all, std::string_view contactQuery,
-                                                const CallNames& names) {
+std::vector<const Conversation*> filteredConversations(const std::vector<Conversation>& all,
+                                                       std::string_view contactQuery, const CallNames& names) {
     const std::string_view trimmed = trimBlanks(contactQuery);
-    if (trimmed.empty()) {
-        return all;
-    }
     const CaseBlindSearch query(lowerCased(trimmed));
-    std::erase_if(all, [&](const Conversation& conversation) {
-        const bool isFound =
-            query.isIn(names.contactName(conversation.displayAddress, conversation.contactName)) ||
-            query.isIn(conversation.displayAddress) ||
-            std::any_of(conversation.messages.begin(), conversation.messages.end(),
-                        [&](const SmsRecord* message) { return query.isIn(message->body); });
-        return !isFound;
-    });
-    return all;
-}
-
-std::vector<const SmsRecord*> activeMessages(const std::vector<SmsRecord>& smsLog,
-                                             const std::optional<std::string>& activeRecipient) {
-    std::vector<const SmsRecord*> messages;
-    if (!activeRecipient) {
-        return messages;
-    }
-    const std::string key = normalizeAddress(*activeRecipient);
-    for (const SmsRecord& record : smsLog) {
-        if (normalizeAddress(record.address) == key) {
-            messages.push_back(&record);
+    const auto isFound = [&](const Conversation& conversation) {
+        return trimmed.empty() ||
+               query.isIn(names.contactName(conversation.displayAddress, conversation.contactName)) ||
+               query.isIn(conversation.displayAddress) ||
+               std::any_of(conversation.messages.begin(), conversation.messages.end(),
+                           [&](const SmsRecord* message) { return query.isIn(message->body); });
+    };
+    std::vector<const Conversation*> found;
+    for (const Conversation& conversation : all) {
+        if (isFound(conversation)) {
+            found.push_back(&conversation);
         }
     }
-    sortByDate(messages);
-    return messages;
+    return found;
+}
+
+std::vector<const SmsRecord*> activeMessages(const std::vector<Conversation>& all,
+                                             const std::optional<std::string>& activeRecipient) {
+    if (!activeRecipient) {
+        return {};
+    }
+    const std::string key = normalizeAddress(*activeRecipient);
+    const auto thread = std::find_if(all.begin(), all.end(),
+                                     [&](const Conversation& conversation) { return conversation.id == key; });
+    return thread == all.end() ? std::vector<const SmsRecord*>() : thread->messages;
 }
 
 std::string avatarInitials(std::string_view address, const CallNames& names) {
@@ -272,14 +268,16 @@ std::string formatDate(double milliseconds, const Host& host) {
     return shortTime(milliseconds / millisecondsPerSecond, dateContext(host));
 }
 
-std::string formatRelativeDate(double milliseconds, const Host& host) {
+RelativeDates::RelativeDates(const Host& host)
+    : context_(dateContext(host)),
+      days_(std::chrono::duration<double>(host.now().time_since_epoch()).count(), context_) {}
+
+std::string RelativeDates::text(double milliseconds) const {
     const double seconds = milliseconds / millisecondsPerSecond;
-    const double now = std::chrono::duration<double>(host.now().time_since_epoch()).count();
-    const DateContext context = dateContext(host);
-    if (isToday(seconds, now, context)) {
-        return shortTime(seconds, context);
+    if (days_.isToday(seconds)) {
+        return shortTime(seconds, context_);
     }
-    return isYesterday(seconds, now, context) ? "Yesterday" : shortDate(seconds, context);
+    return days_.isYesterday(seconds) ? "Yesterday" : shortDate(seconds, context_);
 }
 
 } // namespace velloway

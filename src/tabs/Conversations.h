@@ -2,6 +2,7 @@
 
 #include "platform/Host.h"
 #include "state/Records.h"
+#include "text/DateText.h"
 
 #include <optional>
 #include <string>
@@ -53,20 +54,35 @@ private:
 std::vector<Conversation> conversations(const std::vector<SmsRecord>& smsLog);
 
 /// The threads in whose name, address or messages the query occurs, whatever its case. A query of blanks
-/// keeps them all.
-std::vector<Conversation> filteredConversations(std::vector<Conversation> all, std::string_view contactQuery,
-                                                const CallNames& names);
+/// keeps them all. The answer points into `all`.
+std::vector<const Conversation*> filteredConversations(const std::vector<Conversation>& all,
+                                                       std::string_view contactQuery, const CallNames& names);
 
 /// The messages exchanged with one address, oldest first; valid as long as the log lives unchanged.
-std::vector<const SmsRecord*> activeMessages(const std::vector<SmsRecord>& smsLog,
+std::vector<const SmsRecord*> activeMessages(const std::vector<Conversation>& all,
                                              const std::optional<std::string>& activeRecipient);
 
 /// One or two characters, or "?".
 std::string avatarInitials(std::string_view address, const CallNames& names);
 
-/// A time of day. Both take milliseconds since 1970.
+/// A time of day. Takes milliseconds since 1970.
 std::string formatDate(double milliseconds, const Host& host);
-/// A time of day for today, "Yesterday", or a date.
-std::string formatRelativeDate(double milliseconds, const Host& host);
+
+/// How instants read beside a name: a time of day for today, "Yesterday", or a date. Holds for the moment and
+/// the settings of the host in which it was made: one for all rows of a list, which may be many.
+class RelativeDates {
+public:
+    explicit RelativeDates(const Host& host);
+
+    /// Takes milliseconds since 1970.
+    std::string text(double milliseconds) const;
+
+    /// Whether the other one gives the same text for every instant.
+    bool agreesWith(const RelativeDates& other) const { return days_.agreesWith(other.days_); }
+
+private:
+    DateContext context_;
+    RecentDays days_;
+};
 
 } // namespace velloway

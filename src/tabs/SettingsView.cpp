@@ -84,6 +84,15 @@ void SettingsView::followUserDefaults() {
 }
 
 void SettingsView::followOwnFields() {
+    // Before all other observers, so that none sees what was made from the log before.
+    cancellables_.push_back(phoneSmsLog.observe([this](const auto&) {
+        conversations_.reset();
+        threadRows_.reset();
+    }));
+    cancellables_.push_back(phoneCallLog.observe([this](const auto&) {
+        callNames_.reset();
+        threadRows_.reset();
+    }));
     cancellables_.push_back(port.observe([this](std::int64_t value) {
         if (std::exchange(lastPort_, value) == value) {
             return;
@@ -198,8 +207,8 @@ Subscription SettingsView::observe(Shown value, std::function<void()> changed) {
 }
 
 SmsList SettingsView::smsList() const {
-    return velloway::smsList(conversations(), contactQuery.get(), looksNumeric.get(), activeRecipient.get(),
-                             callNames(), on_.host);
+    return velloway::smsList(conversations(), threadRows(), contactQuery.get(), looksNumeric.get(),
+                             activeRecipient.get(), callNames());
 }
 
 std::optional<ChatHeader> SettingsView::chatHeader() const {
@@ -248,16 +257,35 @@ std::string SettingsView::portText() const {
 
 // Conversations
 
-std::vector<Conversation> SettingsView::conversations() const {
-    return velloway::conversations(phoneSmsLog.get());
+const std::vector<Conversation>& SettingsView::conversations() const {
+    if (!conversations_) {
+        conversations_ = velloway::conversations(phoneSmsLog.get());
+    }
+    return *conversations_;
 }
 
-std::vector<Conversation> SettingsView::filteredConversations() const {
+const CallNames& SettingsView::callNames() const {
+    if (!callNames_) {
+        callNames_.emplace(phoneCallLog.get());
+    }
+    return *callNames_;
+}
+
+const std::vector<SmsThreadRow>& SettingsView::threadRows() const {
+    // The same instant reads otherwise on another day, in another place.
+    const RelativeDates dates(on_.host);
+    if (!threadRows_ || !threadRows_->dates.agreesWith(dates)) {
+        threadRows_ = {.dates = dates, .rows = smsThreadRows(conversations(), callNames(), dates)};
+    }
+    return threadRows_->rows;
+}
+
+std::vector<const Conversation*> SettingsView::filteredConversations() const {
     return velloway::filteredConversations(conversations(), contactQuery.get(), callNames());
 }
 
 std::vector<const SmsRecord*> SettingsView::activeMessages() const {
-    return velloway::activeMessages(phoneSmsLog.get(), activeRecipient.get());
+    return velloway::activeMessages(conversations(), activeRecipient.get());
 }
 
 std::string SettingsView::contactName(const std::string& address,
@@ -274,7 +302,7 @@ std::string SettingsView::formatDate(double milliseconds) const {
 }
 
 std::string SettingsView::formatRelativeDate(double milliseconds) const {
-    return velloway::formatRelativeDate(milliseconds, on_.host);
+    return RelativeDates(on_.host).text(milliseconds);
 }
 
 // SMS tab

@@ -106,7 +106,7 @@ public:
     void tabAppears(std::int64_t tab);
     void applicationDidBecomeActive();
 
-    // What the tabs show. Each is computed anew at each call.
+    // What the tabs show now. What comes from the logs alone is worked out once for each change of them.
 
     /// The values below, as units of redrawing.
     enum class Shown {
@@ -157,10 +157,11 @@ public:
         return velloway::notificationPermissionRow(notifAuthStatus.get());
     }
 
-    // Conversations over the present logs. The records belong to `phoneSmsLog`.
+    // Conversations over the present logs. The records belong to `phoneSmsLog`, and all of it is valid until
+    // that changes.
 
-    std::vector<Conversation> conversations() const;
-    std::vector<Conversation> filteredConversations() const;
+    const std::vector<Conversation>& conversations() const;
+    std::vector<const Conversation*> filteredConversations() const;
     std::vector<const SmsRecord*> activeMessages() const;
     std::string contactName(const std::string& address, const std::optional<std::string>& providedName) const;
     std::string avatarInitials(const std::string& address) const;
@@ -231,9 +232,19 @@ private:
     void followStore();
     void followOwnFields();
     void followNotifications();
-    CallNames callNames() const { return CallNames(phoneCallLog.get()); }
+    const CallNames& callNames() const;
+    const std::vector<SmsThreadRow>& threadRows() const;
+
+    struct DatedRows {
+        RelativeDates dates;
+        std::vector<SmsThreadRow> rows;
+    };
 
     Dependencies on_;
+    /// Worked out when first asked for, and absent again with every change of the logs that they come from.
+    mutable std::optional<std::vector<Conversation>> conversations_;
+    mutable std::optional<CallNames> callNames_;
+    mutable std::optional<DatedRows> threadRows_;
     /// What a field held before, to tell a change from an assignment of the same value.
     std::int64_t lastPort_ = 0;
     bool lastLaunchAtLogin_ = false;

@@ -14,17 +14,15 @@ namespace {
 constexpr std::size_t suggestionDigits = 3;
 constexpr std::int64_t sentType = 2;
 
-SmsThreadRow threadRow(const Conversation& conversation, const std::optional<std::string>& activeRecipient,
-                       const CallNames& names, const Host& host) {
+SmsThreadRow threadRow(const Conversation& conversation, const CallNames& names, const RelativeDates& dates) {
     SmsThreadRow row{
         .id = conversation.id,
         .displayAddress = conversation.displayAddress,
         .avatarInitials = avatarInitials(conversation.displayAddress, names),
         .name = names.contactName(conversation.displayAddress, conversation.contactName),
-        .isActive = activeRecipient == conversation.displayAddress,
     };
     if (const SmsRecord* last = conversation.lastMessage()) {
-        row.date = formatRelativeDate(last->date, host);
+        row.date = dates.text(last->date);
         row.preview = last->body;
     }
     return row;
@@ -40,15 +38,29 @@ SearchTextTraits searchTextTraits(std::string_view contactQuery) {
             .showSuggestions = looksNumeric && graphemeCount(digits) >= suggestionDigits};
 }
 
-SmsList smsList(const std::vector<Conversation>& all, std::string_view contactQuery, bool looksNumeric,
-                const std::optional<std::string>& activeRecipient, const CallNames& names, const Host& host) {
+std::vector<SmsThreadRow> smsThreadRows(const std::vector<Conversation>& all, const CallNames& names,
+                                        const RelativeDates& dates) {
+    std::vector<SmsThreadRow> rows;
+    rows.reserve(all.size());
+    for (const Conversation& conversation : all) {
+        rows.push_back(threadRow(conversation, names, dates));
+    }
+    return rows;
+}
+
+SmsList smsList(const std::vector<Conversation>& all, const std::vector<SmsThreadRow>& rows,
+                std::string_view contactQuery, bool looksNumeric,
+                const std::optional<std::string>& activeRecipient, const CallNames& names) {
     SmsList list{.showsEmptyState = all.empty() && contactQuery.empty(),
                  .showsClearButton = !contactQuery.empty()};
     if (!contactQuery.empty() && looksNumeric) {
         list.newMessageTo = std::string(contactQuery);
     }
-    for (const Conversation& conversation : filteredConversations(all, contactQuery, names)) {
-        list.rows.push_back(threadRow(conversation, activeRecipient, names, host));
+    const std::vector<const Conversation*> found = filteredConversations(all, contactQuery, names);
+    list.rows.reserve(found.size());
+    for (const Conversation* conversation : found) {
+        SmsThreadRow& row = list.rows.emplace_back(rows[static_cast<std::size_t>(conversation - all.data())]);
+        row.isActive = activeRecipient == conversation->displayAddress;
     }
     return list;
 }

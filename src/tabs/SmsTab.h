@@ -81,8 +81,14 @@ struct Composer {
     bool operator==(const Composer&) const = default;
 };
 
-SmsList smsList(const std::vector<Conversation>& all, std::string_view contactQuery, bool looksNumeric,
-                const std::optional<std::string>& activeRecipient, const CallNames& names, const Host& host);
+/// One row for each thread, in their order, as it reads while no chat is open.
+std::vector<SmsThreadRow> smsThreadRows(const std::vector<Conversation>& all, const CallNames& names,
+                                        const RelativeDates& dates);
+
+/// `rows` are those of `all`.
+SmsList smsList(const std::vector<Conversation>& all, const std::vector<SmsThreadRow>& rows,
+                std::string_view contactQuery, bool looksNumeric,
+                const std::optional<std::string>& activeRecipient, const CallNames& names);
 
 ChatHeader chatHeader(const std::vector<Conversation>& all, const std::string& activeRecipient,
                       const std::vector<SimInfo>& availableSIMs, const CallNames& names);

@@ -12,6 +12,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <utility>
@@ -21,6 +22,11 @@ namespace velloway {
 namespace {
 
 enum class Style : std::size_t { shortTime, shortDate, shortDateAndTime, abbreviated };
+
+constexpr double millisecondsPerDay = 24 * 3600 * 1000;
+constexpr double noDay = std::numeric_limits<double>::quiet_NaN();
+/// Further away than any clock can put yesterday, in seconds.
+constexpr double surelyLongAgo = 4 * 24 * 3600;
 
 UDate toDate(double seconds) {
     return std::isfinite(seconds) ? seconds * 1000.0 : 0.0;
@@ -51,27 +57,30 @@ public:
         return out;
     }
 
-    /// Whether `seconds` lies on the day of `now` moved by `dayOffset` days.
-    bool isOnDay(double seconds, double now, int dayOffset) {
+    /// The number of the local day that `seconds` lies on. No number when it can't be told, which equals none.
+    double day(double seconds) const {
+        UErrorCode error = U_ZERO_ERROR;
+        std::int32_t fromGreenwich = 0;
+        std::int32_t summerTime = 0;
+        zone_->getOffset(toDate(seconds), false, fromGreenwich, summerTime, error);
+        return U_SUCCESS(error)
+                   ? std::floor((toDate(seconds) + fromGreenwich + summerTime) / millisecondsPerDay)
+                   : noDay;
+    }
+
+    /// The number of the day before that of `seconds`, where the calendar's rules count and not the hours.
+    double dayBefore(double seconds) const {
         if (!calendar_) {
-            return false;
+            return noDay;
         }
         UErrorCode error = U_ZERO_ERROR;
-        calendar_->setTime(toDate(now), error);
-        calendar_->add(UCAL_DATE, dayOffset, error);
-        const Day wanted = day(error);
         calendar_->setTime(toDate(seconds), error);
-        return day(error) == wanted && U_SUCCESS(error);
+        calendar_->add(UCAL_DATE, -1, error);
+        const UDate before = calendar_->getTime(error);
+        return U_SUCCESS(error) ? day(before / 1000.0) : noDay;
     }
 
 private:
-    using Day = std::array<std::int32_t, 3>;
-
-    Day day(UErrorCode& error) const {
-        return {calendar_->get(UCAL_ERA, error), calendar_->get(UCAL_YEAR, error),
-                calendar_->get(UCAL_DAY_OF_YEAR, error)};
-    }
-
     std::unique_ptr<icu::DateFormat> make(Style style) const {
         using icu::DateFormat;
         std::unique_ptr<DateFormat> format;
@@ -137,12 +146,16 @@ std::string abbreviatedDateAndShortTime(double seconds, const DateContext& conte
     return formatters(context).format(seconds, Style::abbreviated);
 }
 
-bool isToday(double seconds, double now, const DateContext& context) {
-    return formatters(context).isOnDay(seconds, now, 0);
-}
+RecentDays::RecentDays(double now, const DateContext& context)
+    : context_(context),
+      now_(toDate(now) / 1000),
+      today_(formatters(context).day(now)),
+      yesterday_(formatters(context).dayBefore(now)) {}
 
-bool isYesterday(double seconds, double now, const DateContext& context) {
-    return formatters(context).isOnDay(seconds, now, -1);
+bool RecentDays::isOn(double day, double seconds) const {
+    // Most instants are settled without asking the zone, and none comes near what it can't number.
+    const bool isNear = std::abs(toDate(seconds) / 1000 - now_) < surelyLongAgo;
+    return isNear && formatters(context_).day(seconds) == day;
 }
 
 } // namespace velloway

@@ -371,8 +371,8 @@ class AppTest(unittest.TestCase):
         self.addCleanup(process.stop)
         return process
 
-    def start_app(self, *files, port=None):
-        return self.start(App(port or free_port(), *files))
+    def start_app(self, *files, port=None, program=APP):
+        return self.start(App(port or free_port(), *files, program=program))
 
     def start_phone(self, port, *words, **options):
         return self.start(phone(port, *words, **options))

@@ -1,5 +1,8 @@
 """How the process starts twice and how it ends."""
 
+import shutil
+import tempfile
+
 from support import *
 
 
@@ -45,6 +48,48 @@ class Life(AppTest):
         wait_for(lambda: not visible_windows(self.app.pid), "the window has gone")
         self.assertTrue(self.app.is_running())
         self.start_node(self.app.port)
+
+
+class Views(AppTest):
+    """The library of the views, which the program finds by where it lies itself."""
+
+    LIBRARY = "libvelloway-views.so"
+
+    def setUp(self):
+        self.tray = TrayWatcher()
+        self.addCleanup(self.tray.remove_from_connection)
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.prefix = pathlib.Path(folder.name)
+        (self.prefix / "bin").mkdir()
+        self.program = shutil.copy(APP, self.prefix / "bin" / "velloway")
+
+    def start_installed(self):
+        app = self.start_app(program=self.program).wait_listening()
+        wait_for(lambda: self.tray.status(), "the menu")
+        return app
+
+    def test_they_come_into_memory_with_the_first_window_from_the_folder_of_an_installed_program(self):
+        library = self.prefix / "lib" / "velloway" / self.LIBRARY
+        library.parent.mkdir(parents=True)
+        shutil.copy(pathlib.Path(APP).with_name(self.LIBRARY), library)
+        app = self.start_installed()
+        self.assertNotIn("libQt6Quick", pathlib.Path(f"/proc/{app.pid}/maps").read_text())
+        self.tray.choose("Settings…")
+        wait_for(lambda: visible_windows(app.pid), "the main window")
+        self.assertIn(str(library), pathlib.Path(f"/proc/{app.pid}/maps").read_text())
+
+    def test_without_them_a_line_in_the_log_says_why_no_window_comes_and_all_else_goes_on(self):
+        app = self.start_installed()
+        self.tray.choose("Settings…")
+        line = app.wait_line(r"^\[Windows\] No window can be shown: ")
+        self.assertIn(self.LIBRARY, line)
+        phone = self.start_node(app.port)
+        phone.send({"action": "incoming_call", "number": "+49 151 5551000", "name": "Ada Winter"})
+        wait_for(lambda: sum("No window can be shown" in each for each in app.lines) == 2, "the line of the panel")
+        phone.send({"action": "call_ended"})
+        self.tray.choose("Quit Velloway")
+        self.assertEqual(app.wait_end(), 0)
 
 
 if __name__ == "__main__":

@@ -35,6 +35,14 @@ std::vector<std::string> ids(const std::vector<Conversation>& threads) {
     return out;
 }
 
+std::vector<std::string> ids(const std::vector<const Conversation*>& threads) {
+    std::vector<std::string> out;
+    for (const Conversation* thread : threads) {
+        out.push_back(thread->id);
+    }
+    return out;
+}
+
 std::vector<std::string> bodies(const std::vector<const SmsRecord*>& messages) {
     std::vector<std::string> out;
     for (const SmsRecord* message : messages) {
@@ -122,9 +130,9 @@ TEST(ConversationsTest, WithoutAnyNameTheNameIsAbsent) {
 TEST(ConversationsTest, ActiveMessagesFollowTheKeyAndNotTheSpelling) {
     const std::vector<SmsRecord> log{sms("+447700900123", 2, "b"), sms("5", 3, "x"),
                                      sms("07700900123", 1, "a")};
-    EXPECT_THAT(bodies(activeMessages(log, "7700 900123")), ElementsAre("a", "b"));
-    EXPECT_THAT(activeMessages(log, std::nullopt), IsEmpty());
-    EXPECT_THAT(activeMessages(log, "999"), IsEmpty());
+    EXPECT_THAT(bodies(activeMessages(conversations(log), "7700 900123")), ElementsAre("a", "b"));
+    EXPECT_THAT(activeMessages(conversations(log), std::nullopt), IsEmpty());
+    EXPECT_THAT(activeMessages(conversations(log), "999"), IsEmpty());
 }
 
 // Search
@@ -228,10 +236,10 @@ TEST(ConversationDatesTest, ATimeStampIsATimeOfDay) {
 
 TEST(ConversationDatesTest, ARelativeDateIsATimeOrYesterdayOrADate) {
     const FakeHost host;
-    EXPECT_EQ(formatRelativeDate(lastMidnight + 1, host), "00:00");
-    EXPECT_EQ(formatRelativeDate(lastMidnight - 1, host), "Yesterday");
-    EXPECT_EQ(formatRelativeDate(lastMidnight - 86'400'000, host), "Yesterday");
-    EXPECT_EQ(formatRelativeDate(lastMidnight - 86'400'001, host), "12/11/2023");
+    EXPECT_EQ(RelativeDates(host).text(lastMidnight + 1), "00:00");
+    EXPECT_EQ(RelativeDates(host).text(lastMidnight - 1), "Yesterday");
+    EXPECT_EQ(RelativeDates(host).text(lastMidnight - 86'400'000), "Yesterday");
+    EXPECT_EQ(RelativeDates(host).text(lastMidnight - 86'400'001), "12/11/2023");
 }
 
 // The quick ways against the plain ones
@@ -360,18 +368,23 @@ TEST(ConversationsRandomTest, TheQuickWaysGiveWhatThePlainOnesGive) {
             calls.push_back(call(dice.below(2) == 0 ? log.back().address : dice.text(4), dice.name()));
         }
         const auto plain = plainThreads(log);
-        expectSame(conversations(log), plain);
+        const auto threads = conversations(log);
+        expectSame(threads, plain);
 
         const CallNames names(calls);
         for (const SmsRecord& record : log) {
             EXPECT_EQ(names.contactName(record.address, record.name),
                       plainContactName(record.address, record.name, calls));
-            EXPECT_EQ(activeMessages(log, record.address).size(),
-                      plain.at(plainKey(record.address)).messages.size());
+            const auto& expected = plain.at(plainKey(record.address)).messages;
+            std::vector<SmsRecord> active;
+            for (const SmsRecord* message : activeMessages(threads, record.address)) {
+                active.push_back(*message);
+            }
+            EXPECT_EQ(active, expected);
         }
         for (int i = 0; i < 10; ++i) {
             const std::string query = lowerCased(trimBlanks(dice.text(3)));
-            auto kept = ids(filteredConversations(conversations(log), query, names));
+            auto kept = ids(filteredConversations(threads, query, names));
             std::vector<std::string> expected;
             for (const auto& [key, thread] : plain) {
                 if (query.empty() || plainlyMatches(thread, query, calls)) {

@@ -292,6 +292,45 @@ TEST_F(SmsTabTest, ARedrawAfterASearchAlreadySeesWhetherItLooksNumeric) {
     EXPECT_EQ(shown, "123");
 }
 
+// List and chat share what they are made from; no redraw may see what was made from an older log.
+
+TEST_F(SmsTabTest, ARedrawAfterAChangeOfTheMessagesSeesTheNewOnes) {
+    view->activeRecipient.set("5");
+    std::vector<std::size_t> rows;
+    std::vector<std::size_t> bubbles;
+    const auto list =
+        view->observe(SettingsView::Shown::smsList, [&] { rows.push_back(view->smsList().rows.size()); });
+    const auto chats =
+        view->observe(SettingsView::Shown::smsChat, [&] { bubbles.push_back(view->smsBubbles().size()); });
+    view->phoneSmsLog.set({{.address = "5", .body = "a", .date = 1}, {.address = "6", .body = "b", .date = 2}});
+    view->phoneSmsLog.modify([](auto& log) { log.push_back(log.front()); });
+    view->phoneSmsLog.modify([](auto& log) { log.erase(log.begin()); });
+    view->phoneSmsLog.set({});
+    EXPECT_THAT(rows, ElementsAre(2, 2, 2, 0));
+    EXPECT_THAT(bubbles, ElementsAre(1, 2, 1, 0));
+}
+
+TEST_F(SmsTabTest, ARedrawAfterAChangeOfTheCallsSeesTheNewNames) {
+    view->phoneSmsLog.set({{.address = "5", .body = "a", .date = 1}});
+    std::vector<std::string> names;
+    const auto list = view->observe(SettingsView::Shown::smsList, [&] { names = rowNames(); });
+    view->phoneCallLog.set({{.number = "5", .name = "Anna"}});
+    EXPECT_THAT(names, ElementsAre("Anna"));
+    view->phoneCallLog.modify([](auto& log) { log.front().name = "Bella"; });
+    EXPECT_THAT(names, ElementsAre("Bella"));
+    view->phoneCallLog.set({});
+    EXPECT_THAT(names, ElementsAre("5"));
+}
+
+TEST_F(SmsTabTest, ListAndChatAskForTheConversationsOnceBetweenTwoChanges) {
+    view->phoneSmsLog.set({{.address = "5", .body = "a", .date = 1}, {.address = "6", .body = "b", .date = 2}});
+    const Conversation* first = view->conversations().data();
+    view->activeRecipient.set("5");
+    view->contactQuery.set("a");
+    EXPECT_EQ(view->conversations().data(), first);
+    EXPECT_EQ(view->filteredConversations().at(0), &view->conversations().at(1));
+}
+
 TEST(SmsTextsTest, AreExact) {
     EXPECT_EQ(smsTexts::searchPlaceholder, "To: Search or type number…");
     EXPECT_EQ(smsTexts::noChat, "Select a conversation or search for a contact to begin.");

@@ -15,6 +15,14 @@ constexpr double instant = 1'700'000'000;
 constexpr double hour = 3600;
 constexpr double day = 24 * hour;
 
+bool isToday(double seconds, double now, const DateContext& context) {
+    return RecentDays(now, context).isToday(seconds);
+}
+
+bool isYesterday(double seconds, double now, const DateContext& context) {
+    return RecentDays(now, context).isYesterday(seconds);
+}
+
 TEST(DateText, writesTimesAndDatesByTheHabitsOfTheLocale) {
     EXPECT_EQ(shortTime(instant, london), "22:13");
     EXPECT_EQ(shortDate(instant, london), "14/11/2023");
@@ -58,6 +66,26 @@ TEST(DateText, findsYesterdayAcrossAYearAndAcrossAClockChange) {
     constexpr double backToWinter = 1'698'534'000; // 2023-10-29 00:00 in London, a day of 25 hours
     EXPECT_TRUE(isYesterday(backToWinter, backToWinter + 25 * hour, london));
     EXPECT_TRUE(isToday(backToWinter, backToWinter + 24.5 * hour, london));
+}
+
+/// By the written date, which is another one for every day.
+TEST(DateText, tellsTheDaysApartAsTheWrittenDatesDo) {
+    // Zones whose clocks were set back across midnight, moved at midnight, or left out a day among them.
+    for (const char* zone : {"Europe/London", "America/St_Johns", "America/Sao_Paulo", "Asia/Beirut",
+                             "Pacific/Apia", "Pacific/Kiritimati", "Asia/Kathmandu"}) {
+        const DateContext context{"en_GB", zone};
+        // Changes of the clock in October 1987, October 2000, and at the end of 2011.
+        for (const double now : {562'132'800.0, 972'777'600.0, 1'325'332'800.0, instant}) {
+            for (int step = -120; step <= 120; ++step) {
+                const double moment = now + step * 3170;
+                const RecentDays days(moment, context);
+                for (const double seconds : {moment - 60, now, now - day / 2, moment + hour}) {
+                    EXPECT_EQ(days.isToday(seconds), shortDate(seconds, context) == shortDate(moment, context))
+                        << zone << ' ' << moment << ' ' << seconds;
+                }
+            }
+        }
+    }
 }
 
 TEST(DateText, survivesInstantsThatNoCalendarKnows) {

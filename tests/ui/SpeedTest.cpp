@@ -99,7 +99,7 @@ TEST_F(SpeedTest, TenThousandMessagesInFiveHundredThreads) {
     settle();
 
     Times openings;
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 25; ++i) {
         measure(openings, [&] { state().selectedTab.set(2); });
         ASSERT_EQ(part("threads")->property("count").toInt(), threadCount);
         open(3);
@@ -115,20 +115,20 @@ TEST_F(SpeedTest, TenThousandMessagesInFiveHundredThreads) {
     }
     click("clearSearch");
     Times switches;
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < 40; ++i) {
         measure(switches, [&] { state().openConversation("+4477009" + std::to_string(10000 + i % 2 * 7)); });
     }
     state().openConversation("+447700910000");
     settle();
     ASSERT_GE(part("messages")->property("count").toInt(), messageCount / 2);
     Times sendings;
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < 20; ++i) {
         state().chatText.set("hello");
         settle();
         measure(sendings, [&] { state().sendChatMessage(); });
     }
     Times nothing;
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < 20; ++i) {
         measure(nothing, [] {});
     }
 

@@ -6,6 +6,7 @@
 #include "desktop/WaitFor.h"
 #include "fakes/FakePlatform.h"
 #include "hosts/qt/QtWindows.h"
+#include "hosts/qt/QuickWindows.h"
 
 #include <QGuiApplication>
 #include <QQuickItem>
@@ -225,7 +226,7 @@ public:
     }
 
     FakePlatform on;
-    QtWindows windows;
+    QtWindows windows{&makeQuickWindows};
     Program program;
     std::shared_ptr<FakeConnection> phone;
 };

@@ -178,6 +178,7 @@ private:
     void readMore();
     void didRead(const error_code& error, std::size_t count);
     void deliver();
+    void handOver();
     void deliverAfterOthers();
     void endWithBadText();
 
@@ -206,6 +207,8 @@ private:
     ReceiveCompletion receive_;
     bool isReading_ = false;
     bool isDelivering_ = false;
+    /// A whole message waits in the buffer.
+    bool isDeliveryDue_ = false;
 
     std::deque<Outgoing> outgoing_;
     std::size_t queuedBytes_ = 0;
@@ -381,6 +384,13 @@ void LinuxConnection::Session::didRead(const error_code& error, std::size_t coun
 }
 
 void LinuxConnection::Session::deliver() {
+    handOver();
+    if (receive_) {
+        readMore();
+    }
+}
+
+void LinuxConnection::Session::handOver() {
     const auto completion = std::exchange(receive_, nullptr);
     isDelivering_ = true;
     if (!isAbandoned) {
@@ -391,18 +401,16 @@ void LinuxConnection::Session::deliver() {
     }
     isDelivering_ = false;
     buffer_.clear(keptBufferBytes);
-    if (receive_) {
-        readMore();
-    }
 }
 
 /// What has come on other connections meanwhile is found at the end of this turn of the event loop and handled
 /// in the next; the large message is behind it. A pointer move so waits for one large message at most.
 void LinuxConnection::Session::deliverAfterOthers() {
+    isDeliveryDue_ = true;
     auto& loop = AsioQueueAccess::context(queue);
     net::post(loop, [self = shared_from_this(), &loop] {
         net::post(loop, [self] {
-            if (self->phase_ == Phase::ready) {
+            if (std::exchange(self->isDeliveryDue_, false)) {
                 self->deliver();
             }
         });
@@ -502,6 +510,10 @@ void LinuxConnection::Session::fail(const error_code& error) {
 }
 
 void LinuxConnection::Session::end(ConnectionState state, const NetworkError& error) {
+    // What has come whole is not lost with the connection.
+    if (std::exchange(isDeliveryDue_, false)) {
+        handOver();
+    }
     phase_ = Phase::ended;
     timer_->cancel();
     // They may hold the last reference to the port object, and go when all has been told.

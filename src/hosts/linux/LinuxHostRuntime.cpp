@@ -6,6 +6,7 @@
 #include "hosts/linux/LinuxNetwork.h"
 #include "hosts/linux/LinuxScripts.h"
 #include "hosts/linux/LinuxUserNotificationCenter.h"
+#include "hosts/linux/ViewsLibrary.h"
 #include "hosts/qt/QtWindows.h"
 
 #include <xcb/xcb.h>
@@ -70,7 +71,7 @@ private:
     LinuxScripts scripts_{[this](const std::string& error) {
         desktop_.log.line({"[WebSocketServer] AppleScript Error: ", error});
     }};
-    QtWindows windows_;
+    QtWindows windows_{[this] { return loadViewsLibrary(desktop_.log); }};
     // Last, so that its thread ends first: jobs there may use all of the above.
     AsioQueue serverQueue_{"ws.server"};
     LinuxNetwork network_{serverQueue_};

@@ -8,7 +8,6 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
-#include <QLocalSocket>
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
@@ -26,9 +25,6 @@ const QString interfaceName = QStringLiteral("org.freedesktop.Application");
 /// A first instance that hangs must not make the second one hang as well. Milliseconds.
 constexpr int answerBound = 5000;
 constexpr int retryPause = 20;
-/// More than any list of files that a command line can hold.
-constexpr qint64 longestRequest = qint64{8} * 1024 * 1024;
-constexpr char answer = '!';
 
 QString runtimeFolder() {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
@@ -111,7 +107,6 @@ SingleInstance::Outcome SingleInstance::claimBySocket(const Request& request) {
     const QString socketPath = inRuntimeFolder("socket");
     lock_ = makeLock();
     const QDeadlineTimer deadline(answerBound);
-    QLocalSocket socket;
     while (true) {
         if (lock_->tryLock()) {
             listen(socketPath);
@@ -121,8 +116,12 @@ SingleInstance::Outcome SingleInstance::claimBySocket(const Request& request) {
             // No place for a lock: better two instances than none.
             return Outcome::first;
         }
-        socket.connectToServer(socketPath);
-        if (socket.waitForConnected(answerBound)) {
+        switch (HandoverSocket::handOver(socketPath, asLines(request), answerBound)) {
+        case HandoverSocket::Outcome::answered:
+            return Outcome::handedOver;
+        case HandoverSocket::Outcome::notAnswered:
+            return Outcome::notAnswered;
+        case HandoverSocket::Outcome::nobodyListens:
             break;
         }
         // The other one may have just started and not listen yet, or be about to end.
@@ -131,9 +130,6 @@ SingleInstance::Outcome SingleInstance::claimBySocket(const Request& request) {
         }
         QThread::msleep(retryPause);
     }
-    socket.write(asLines(request));
-    const bool isAnswered = socket.waitForReadyRead(answerBound) && socket.read(1) == QByteArray(1, answer);
-    return isAnswered ? Outcome::handedOver : Outcome::notAnswered;
 }
 
 void SingleInstance::listenToo() {
@@ -145,37 +141,17 @@ void SingleInstance::listenToo() {
 
 bool SingleInstance::listen(const QString& socketPath) {
     // The lock is ours, so that a socket of this name is a dead one.
-    QLocalServer::removeServer(socketPath);
-    server_ = std::make_unique<QLocalServer>();
-    server_->setSocketOptions(QLocalServer::UserAccessOption);
-    connect(server_.get(), &QLocalServer::newConnection, this, [this] {
-        while (QLocalSocket* socket = server_->nextPendingConnection()) {
-            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-            connect(socket, &QLocalSocket::readyRead, this, [this, socket] { read(*socket); });
-            read(*socket);
-        }
-    });
-    return server_->listen(socketPath);
+    socket_ = std::make_unique<HandoverSocket>([this](const QByteArray& lines) { read(lines); });
+    return socket_->listen(socketPath);
 }
 
-void SingleInstance::read(QLocalSocket& socket) {
-    const QByteArray lines = socket.peek(longestRequest);
-    const bool isWhole = lines == "\n" || lines.endsWith("\n\n");
-    if (!isWhole) {
-        if (lines.size() >= longestRequest) {
-            socket.abort();
-        }
-        return;
-    }
-    socket.readAll();
+void SingleInstance::read(const QByteArray& lines) {
     Request request;
     for (const QByteArray& line : lines.split('\n')) {
         if (!line.isEmpty()) {
             request.uris.push_back(line.toStdString());
         }
     }
-    socket.write(&answer, 1);
-    socket.flush();
     take(std::move(request));
 }
 

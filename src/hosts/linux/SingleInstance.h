@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QLocalServer>
+#include "hosts/linux/HandoverSocket.h"
+
 #include <QLockFile>
 #include <QObject>
 #include <QStringList>
@@ -12,8 +13,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-class QLocalSocket;
 
 namespace velloway {
 
@@ -64,14 +63,14 @@ private:
     /// For later starts, should the bus die.
     void listenToo();
     bool listen(const QString& socketPath);
-    void read(QLocalSocket& socket);
+    void read(const QByteArray& lines);
     void take(Request request);
     void deliver();
 
     std::function<void(const Request&)> handler_;
     std::vector<Request> waiting_;
     std::unique_ptr<QLockFile> lock_;
-    std::unique_ptr<QLocalServer> server_;
+    std::unique_ptr<HandoverSocket> socket_;
 };
 
 } // namespace velloway

@@ -1,19 +1,9 @@
 #include "hosts/qt/QtWindows.h"
 
-#include "bridge/Views.h"
-#include "hosts/qt/Compositing.h"
-#include "hosts/qt/WindowSpaces.h"
+#include "hosts/qt/ScreenHeight.h"
 
 #include <QDir>
-#include <QEvent>
 #include <QFileDialog>
-#include <QGuiApplication>
-#include <QPainterPath>
-#include <QQmlEngine>
-#include <QQuickItem>
-#include <QQuickStyle>
-#include <QQuickWindow>
-#include <QScreen>
 
 #include <utility>
 
@@ -21,207 +11,47 @@ namespace velloway {
 
 namespace {
 
-constexpr double cornerRadius = 12;
-
-/// Positions of the port count from the bottom of the main screen, those of Qt from its top.
-int flipped(double y, int height) {
-    const QRect screen = QGuiApplication::primaryScreen()->geometry();
-    return screen.y() + screen.height() - static_cast<int>(y) - height;
-}
-
-/// The main window: closing it only hides it.
-class MainView : public ContentView {
+/// Stands where a window could not be made, so that the rest of the program goes on.
+class NoWindow : public Window {
 public:
-    MainView(QQmlEngine& engine, std::shared_ptr<WindowContent> content, std::function<void()> onClose)
-        : ContentView(engine, std::move(content)), onClose_(std::move(onClose)) {}
-
-protected:
-    bool event(QEvent* event) override {
-        if (event->type() == QEvent::Close) {
-            event->ignore();
-            hide();
-            onClose_();
-            return true;
-        }
-        return ContentView::event(event);
-    }
-
-private:
-    std::function<void()> onClose_;
-};
-
-/// A panel: what no control of it takes drags it.
-class PanelView : public ContentView {
-public:
-    using ContentView::ContentView;
-
-protected:
-    bool event(QEvent* event) override {
-        const bool answer = ContentView::event(event);
-        // The views have had it by now; they answer the same whether or not a control took it.
-        switch (event->type()) {
-        case QEvent::MouseButtonPress:
-            pressed(static_cast<QMouseEvent&>(*event));
-            break;
-        case QEvent::MouseMove:
-            moved(static_cast<QMouseEvent&>(*event));
-            break;
-        case QEvent::MouseButtonRelease:
-            grip_.reset();
-            isMoving_ = false;
-            break;
-        default:
-            break;
-        }
-        return answer;
-    }
-
-private:
-    void pressed(QMouseEvent& event) {
-        const bool isTaken = event.exclusiveGrabber(event.point(0)) != nullptr;
-        if (!isTaken && event.button() == Qt::LeftButton) {
-            grip_ = event.globalPosition().toPoint() - position();
-        }
-    }
-    void moved(const QMouseEvent& event) {
-        if (!grip_) {
-            return;
-        }
-        if (!std::exchange(isMoving_, true) && startSystemMove()) {
-            grip_.reset();
-            isMoving_ = false;
-            return;
-        }
-        setPosition(event.globalPosition().toPoint() - *grip_);
-    }
-
-    std::optional<QPoint> grip_;
-    bool isMoving_ = false;
+    bool isVisible() const override { return false; }
+    void center() override {}
+    void makeKeyAndOrderFront() override {}
+    void orderFrontRegardless() override {}
+    void orderOut() override {}
+    void setIsVisible(bool /*visible*/) override {}
+    void setFrameOrigin(double /*x*/, double /*y*/) override {}
+    void setContent(std::shared_ptr<WindowContent> /*content*/) override {}
 };
 
 } // namespace
 
-/// The engine of the views. It lives as long as any window.
-class QtWindows::Engine {
-public:
-    Engine() {
-        QQuickStyle::setStyle(QStringLiteral("Basic"));
-        // These views are text on plain grounds, which the processor draws fast enough without a graphics
-        // driver in the process.
-        static const bool isBackendSet = [] {
-            QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-            return true;
-        }();
-        static_cast<void>(isBackendSet);
-        prepareEngine(qml);
+QtWindows::QtWindows(LoadViews loadViews) : loadViews_(std::move(loadViews)) {}
+
+QtWindows::~QtWindows() = default;
+
+ViewWindows* QtWindows::views() {
+    if (!views_) {
+        views_ = loadViews_();
     }
-
-    QQmlEngine qml;
-};
-
-namespace {
-
-/// One window of the port over one view. The engine is held so that it outlives the view.
-template <class Engine> class QtWindow : public Window {
-public:
-    QtWindow(std::shared_ptr<Engine> engine, std::unique_ptr<ContentView> view)
-        : engine_(std::move(engine)), view_(std::move(view)) {}
-    ~QtWindow() override {
-        // A press on one of its own buttons can end a window; its view must outlive the handling of the press.
-        view_->hide();
-        QObject::connect(view_.get(), &QObject::destroyed, [engine = engine_] {});
-        view_.release()->deleteLater();
-    }
-
-    bool isVisible() const override { return view_->isVisible(); }
-    void center() override {
-        const QRect usable = QGuiApplication::primaryScreen()->availableGeometry();
-        view_->setPosition(usable.center() - QPoint(view_->width() / 2, view_->height() / 2));
-    }
-    void makeKeyAndOrderFront() override {
-        if (view_->windowStates() & Qt::WindowMinimized) {
-            view_->setWindowStates(view_->windowStates() & ~Qt::WindowMinimized);
-        }
-        show();
-        if (!(view_->flags() & Qt::WindowDoesNotAcceptFocus)) {
-            view_->requestActivate();
-        }
-    }
-    void orderFrontRegardless() override { show(); }
-    void orderOut() override { view_->hide(); }
-    void setIsVisible(bool visible) override { view_->setVisible(visible); }
-    void setFrameOrigin(double x, double y) override {
-        view_->setPosition(static_cast<int>(x), flipped(y, view_->height()));
-    }
-    void setContent(std::shared_ptr<WindowContent> content) override { view_->setContent(std::move(content)); }
-
-private:
-    void show() {
-        view_->show();
-        view_->raise();
-    }
-
-    std::shared_ptr<Engine> engine_;
-    std::unique_ptr<ContentView> view_;
-};
-
-/// Rounded corners: by what shines through where windows can be see-through, by a mask elsewhere.
-void roundCorners(ContentView& view) {
-    const bool translucent = isCompositing();
-    if (auto* root = view.rootObject()) {
-        root->setProperty("translucent", translucent);
-    }
-    if (translucent) {
-        view.setColor(Qt::transparent);
-        return;
-    }
-    QPainterPath outline;
-    outline.addRoundedRect(QRectF(QPointF(), QSizeF(view.size())), cornerRadius, cornerRadius);
-    view.setMask(QRegion(outline.toFillPolygon().toPolygon()));
-}
-
-} // namespace
-
-QtWindows::QtWindows() = default;
-
-QtWindows::~QtWindows() {
-    // No event loop may come after this that would delete the views of windows that have gone.
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-const std::shared_ptr<QtWindows::Engine>& QtWindows::engine() {
-    if (!engine_) {
-        engine_ = std::make_shared<Engine>();
-    }
-    return engine_;
+    return views_.get();
 }
 
 std::shared_ptr<Window> QtWindows::makeMainWindow(const MainWindowProperties& properties,
                                                   std::shared_ptr<WindowContent> content,
                                                   std::function<void()> onClose) {
-    auto view = std::make_unique<MainView>(engine()->qml, std::move(content), std::move(onClose));
-    view->setTitle(QString::fromStdString(properties.title));
-    view->setFlags(Qt::Window);
-    view->setMinimumSize({static_cast<int>(properties.minWidth), static_cast<int>(properties.minHeight)});
-    view->resize(static_cast<int>(properties.contentRect.width),
-                 static_cast<int>(properties.contentRect.height));
-    return std::make_shared<QtWindow<Engine>>(engine(), std::move(view));
+    if (ViewWindows* made = views()) {
+        return made->makeMainWindow(properties, std::move(content), std::move(onClose));
+    }
+    return std::make_shared<NoWindow>();
 }
 
 std::shared_ptr<Window> QtWindows::makePanel(const PanelProperties& properties,
                                              std::shared_ptr<WindowContent> content) {
-    auto view = std::make_unique<PanelView>(engine()->qml, std::move(content));
-    view->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                   Qt::WindowDoesNotAcceptFocus);
-    view->setTitle(QStringLiteral("Velloway"));
-    const QSize size(static_cast<int>(properties.contentRect.width),
-                     static_cast<int>(properties.contentRect.height));
-    view->setMinimumSize(size);
-    view->setMaximumSize(size);
-    view->resize(size);
-    roundCorners(*view);
-    joinAllSpaces(*view);
-    return std::make_shared<QtWindow<Engine>>(engine(), std::move(view));
+    if (ViewWindows* made = views()) {
+        return made->makePanel(properties, std::move(content));
+    }
+    return std::make_shared<NoWindow>();
 }
 
 std::optional<Rect> QtWindows::mainScreenVisibleFrame() const {

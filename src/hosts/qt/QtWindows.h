@@ -1,15 +1,16 @@
 #pragma once
 
-#include "platform/Windows.h"
-
-#include <memory>
+#include "hosts/qt/ViewWindows.h"
 
 namespace velloway {
 
-/// Windows of the Qt views. The engine under them is made with the first window, and costs nothing before.
+/// Windows of the Qt views, which are asked for with the first window and cost nothing before.
 class QtWindows : public Windows {
 public:
-    QtWindows();
+    /// Null when there are none now; the window is then one that never shows, and the next one asks again.
+    using LoadViews = std::function<std::unique_ptr<ViewWindows>()>;
+
+    explicit QtWindows(LoadViews loadViews);
     ~QtWindows() override;
 
     std::shared_ptr<Window> makeMainWindow(const MainWindowProperties& properties,
@@ -22,10 +23,10 @@ public:
                         std::function<void(std::optional<std::vector<std::filesystem::path>>)> done) override;
 
 private:
-    class Engine;
-    const std::shared_ptr<Engine>& engine();
+    ViewWindows* views();
 
-    std::shared_ptr<Engine> engine_;
+    LoadViews loadViews_;
+    std::unique_ptr<ViewWindows> views_;
 };
 
 } // namespace velloway

@@ -79,11 +79,30 @@ private:
         }
     }
 
-    void removeUnwanted(std::size_t first, std::size_t end, const std::vector<Row>& next, std::size_t nextEnd) {
+    /// How often the identity of each row occurs in `next`. Where one list is long and the other short, such as
+    /// when another chat is opened, only the short one is put into a table.
+    std::unordered_map<Key, int> countWanted(std::size_t first, std::size_t end, const std::vector<Row>& next,
+                                             std::size_t nextEnd) const {
         std::unordered_map<Key, int> wanted;
-        for (std::size_t i = first; i < nextEnd; ++i) {
-            ++wanted[identity_(next[i])];
+        if (nextEnd < end) {
+            for (std::size_t i = first; i < nextEnd; ++i) {
+                ++wanted[identity_(next[i])];
+            }
+            return wanted;
         }
+        for (std::size_t i = first; i < end; ++i) {
+            wanted.try_emplace(identity_(rows_[i]), 0);
+        }
+        for (std::size_t i = first; i < nextEnd && !wanted.empty(); ++i) {
+            if (const auto found = wanted.find(identity_(next[i])); found != wanted.end()) {
+                ++found->second;
+            }
+        }
+        return wanted;
+    }
+
+    void removeUnwanted(std::size_t first, std::size_t end, const std::vector<Row>& next, std::size_t nextEnd) {
+        std::unordered_map<Key, int> wanted = countWanted(first, end, next, nextEnd);
         std::vector<bool> keep(end - first);
         for (std::size_t i = first; i < end; ++i) {
             auto found = wanted.find(identity_(rows_[i]));
@@ -113,10 +132,14 @@ private:
         for (std::size_t i = first; i < rows_.size() - tail; ++i) {
             ++present[identity_(rows_[i])];
         }
+        const auto isPresent = [&present](const Key& key) {
+            const auto found = present.find(key);
+            return found != present.end() && found->second > 0;
+        };
         std::size_t i = first;
         while (i < nextEnd) {
             const Key key = identity_(next[i]);
-            if (present[key] > 0) {
+            if (isPresent(key)) {
                 bringUp(i, key);
                 --present[key];
                 update(i, next[i]);
@@ -124,7 +147,7 @@ private:
                 continue;
             }
             std::size_t stop = i + 1;
-            while (stop < nextEnd && present[identity_(next[stop])] == 0) {
+            while (stop < nextEnd && !isPresent(identity_(next[stop]))) {
                 ++stop;
             }
             beginInsertRows({}, static_cast<int>(i), static_cast<int>(stop) - 1);

@@ -350,8 +350,10 @@ void SettingsBridge::readSmsList() {
 
 void SettingsBridge::readSmsChat() {
     shown_.put("chatHeader", chatHeaderVariant(view_->chatHeader()));
+    const std::vector<const SmsRecord*> messages = view_->activeMessages();
     std::vector<ChatRow> rows;
-    for (const SmsRecord* message : view_->activeMessages()) {
+    rows.reserve(messages.size());
+    for (const SmsRecord* message : messages) {
         rows.push_back({.date = message->date, .body = message->body, .isOutgoing = isOutgoing(*message)});
     }
     bubbles_.assign(std::move(rows));
