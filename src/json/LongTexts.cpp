@@ -66,7 +66,6 @@ bool isKey(std::string_view message, std::size_t end) {
 } // namespace
 
 void LongTexts::findTexts(std::string_view message) {
-    texts_.clear();
     std::size_t at = 0;
     for (std::size_t ordinal = 0; ordinal < mostTexts; ++ordinal) {
         const std::size_t open = message.find('"', at);
@@ -87,6 +86,10 @@ void LongTexts::findTexts(std::string_view message) {
 }
 
 std::optional<std::string_view> LongTexts::cut(std::string_view message, std::size_t readableAfter) {
+    texts_.clear();
+    if (message.size() < least_) {
+        return std::nullopt;
+    }
     findTexts(message);
     std::size_t size = message.size();
     for (const Text& text : texts_) {

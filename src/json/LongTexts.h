@@ -25,7 +25,6 @@ public:
     std::optional<std::string_view> cut(std::string_view message, std::size_t readableAfter);
     void clear() { texts_.clear(); }
 
-    bool empty() const { return texts_.empty(); }
     /// Calls `place` with the number of each text among all texts and keys that are left, in order, and keeps
     /// what it returns to find the text by.
     template <class Place> void setPlaces(Place place) {
