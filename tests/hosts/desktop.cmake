@@ -24,5 +24,6 @@ target_link_libraries(test_x11_tray PRIVATE PkgConfig::XCB)
 # What macOS shows in its own windows needs nothing of that platform.
 velloway_desktop_test(test_qt_surface QtSurfaceTest.cpp ${CMAKE_SOURCE_DIR}/src/hosts/mac/QtSurface.cpp)
 target_link_libraries(test_qt_surface PRIVATE velloway_program velloway_quick_windows Qt6::Test Qt6::QuickControls2)
-set_tests_properties(test_qt_surface PROPERTIES LABELS mac ENVIRONMENT
-    "QT_QUICK_BACKEND=software;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/desktop/leaks.supp:print_suppressions=0")
+set(toolkit_leaks "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/desktop/leaks.supp:print_suppressions=0")
+set_tests_properties(test_linux_desktop PROPERTIES ENVIRONMENT "${toolkit_leaks}")
+set_tests_properties(test_qt_surface PROPERTIES LABELS mac ENVIRONMENT "QT_QUICK_BACKEND=software;${toolkit_leaks}")
