@@ -141,7 +141,7 @@ void HandoverSocket::accept() {
 
 HandoverSocket::Outcome HandoverSocket::handOver(const QString& path, const QByteArray& lines, int bound) {
     const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const timeval patience{.tv_sec = bound / 1000, .tv_usec = bound % 1000 * 1000};
+    const timeval patience{.tv_sec = bound / 1000, .tv_usec = suseconds_t{1000} * (bound % 1000)};
     ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
     ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     Outcome outcome = Outcome::nobodyListens;

@@ -13,7 +13,7 @@ namespace velloway {
 namespace {
 
 /// Lines are short; a text that was once longer than this doesn't keep its memory.
-constexpr std::size_t keptCapacity = 64 * 1024;
+constexpr std::size_t keptCapacity = std::size_t{64} * 1024;
 
 void fillMissingStreams() {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {

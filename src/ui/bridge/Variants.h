@@ -24,7 +24,8 @@ inline std::string fromQt(const QString& text) {
 
 inline QImage toQt(const Bitmap& bitmap) {
     const auto [width, height] = bitmap.size;
-    return QImage(bitmap.rgba.data(), width, height, 4 * width, QImage::Format_RGBA8888_Premultiplied)
+    return QImage(bitmap.rgba.data(), width, height, qsizetype{4} * width,
+                  QImage::Format_RGBA8888_Premultiplied)
         .convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
