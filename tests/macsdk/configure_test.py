@@ -104,6 +104,11 @@ class ConfigureTest(unittest.TestCase):
             self.assertIn(library, program)
         self.assertNotRegex(program, r"libX11|libxcb|DBus")
 
+    def test_the_files_that_views_ask_for_by_name_are_in_the_program(self):
+        program = self.statement("Velloway.app/Contents/MacOS/Velloway")
+        for resource in ("icon", "symbols"):
+            self.assertRegex(program, rf"qrc_{resource}(_init)?\.cpp\.o", resource)
+
     def test_the_bundle_gets_its_images_and_what_it_says_of_itself(self):
         for image in ("StatusIcon.png", "StatusIcon@2x.png", "Velloway.icns"):
             self.statement(f"Velloway.app/Contents/Resources/{image}")
