@@ -7,6 +7,10 @@
 # Its main function comes from here: a QApplication stands while the cases run. WaitFor.h has what they wait with.
 include(VellowayQt)
 
+# The toolkit's own leaks, seen by the address sanitizer alone.
+set(VELLOWAY_TOOLKIT_LEAKS
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/desktop/leaks.supp:print_suppressions=0")
+
 function(velloway_desktop_test name)
     add_executable(${name} ${ARGN} ${CMAKE_SOURCE_DIR}/tests/desktop/DesktopTestMain.cpp)
     set_target_properties(${name} PROPERTIES AUTOMOC ON)

@@ -4,8 +4,8 @@
 
 #include "QuietPorts.h"
 #include "features/NotificationManager.h"
-#include "hosts/linux/AsioQueue.h"
-#include "hosts/linux/LinuxNetwork.h"
+#include "hosts/linux/network/AsioQueue.h"
+#include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/qt/StandardOutputLog.h"
 #include "server/WebSocketServer.h"
 #include "state/AppNotificationCenter.h"

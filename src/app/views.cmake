@@ -1,6 +1,6 @@
 # The views as a library that the program loads with its first window: the toolkit under them stays out of memory
 # until then. What they show, the core, is in the program alone, which therefore holds all of it and exports it.
-add_library(velloway_views MODULE ${CMAKE_SOURCE_DIR}/src/hosts/linux/ViewsModule.cpp)
+add_library(velloway_views MODULE ${CMAKE_SOURCE_DIR}/src/hosts/linux/windows/ViewsModule.cpp)
 set_target_properties(velloway_views PROPERTIES
     OUTPUT_NAME velloway-views
     # So that the libraries that it is made of leave out those of the program.

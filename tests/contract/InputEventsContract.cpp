@@ -1,6 +1,6 @@
 #include "fakes/FakeInput.h"
-#include "hosts/linux/InputBackend.h"
-#include "hosts/linux/LinuxInputEvents.h"
+#include "hosts/linux/input/InputBackend.h"
+#include "hosts/linux/input/LinuxInputEvents.h"
 
 #include <gtest/gtest.h>
 

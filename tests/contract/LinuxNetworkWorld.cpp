@@ -1,6 +1,6 @@
 #include "contract/NetworkContract.h"
-#include "hosts/RawPhone.h"
-#include "hosts/linux/LinuxListener.h"
+#include "hosts/linux/network/LinuxListener.h"
+#include "hosts/network/RawPhone.h"
 
 #include <chrono>
 #include <thread>

@@ -1,10 +1,10 @@
-#include "hosts/linux/LinuxUserNotificationCenter.h"
+#include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 
 #include "contract/FakeNotificationService.h"
 #include "desktop/WaitFor.h"
-#include "hosts/qt/NotificationBanner.h"
+#include "hosts/linux/notifications/NotificationBanner.h"
+#include "hosts/linux/notifications/ReplyPanel.h"
 #include "hosts/qt/QtMainQueue.h"
-#include "hosts/qt/ReplyPanel.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "desktop/TemporaryFolder.h"
 #include "fakes/FakeDesktop.h"
-#include "hosts/linux/LinuxLoginItem.h"
+#include "hosts/linux/desktop/LinuxLoginItem.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

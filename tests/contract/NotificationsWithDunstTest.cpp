@@ -1,8 +1,8 @@
 #include "desktop/WaitFor.h"
-#include "hosts/linux/LinuxUserNotificationCenter.h"
-#include "hosts/qt/NotificationBanner.h"
+#include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
+#include "hosts/linux/notifications/NotificationBanner.h"
+#include "hosts/linux/notifications/ReplyPanel.h"
 #include "hosts/qt/QtMainQueue.h"
-#include "hosts/qt/ReplyPanel.h"
 
 #include <gtest/gtest.h>
 

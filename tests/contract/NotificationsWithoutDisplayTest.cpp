@@ -1,6 +1,6 @@
 #include "contract/FakeNotificationService.h"
 #include "desktop/WaitFor.h"
-#include "hosts/linux/LinuxUserNotificationCenter.h"
+#include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 #include "hosts/qt/QtMainQueue.h"
 
 #include <gtest/gtest.h>

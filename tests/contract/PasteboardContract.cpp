@@ -1,6 +1,6 @@
 #include "desktop/WaitFor.h"
 #include "fakes/FakeDesktop.h"
-#include "hosts/linux/LinuxPasteboard.h"
+#include "hosts/linux/desktop/LinuxPasteboard.h"
 
 #include <gtest/gtest.h>
 

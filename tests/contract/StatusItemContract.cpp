@@ -1,6 +1,6 @@
 #include "desktop/TrayHost.h"
 #include "desktop/WaitFor.h"
-#include "hosts/linux/LinuxStatusItem.h"
+#include "hosts/linux/desktop/LinuxStatusItem.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "desktop/TemporaryFolder.h"
 #include "fakes/FakeUserDefaults.h"
-#include "hosts/linux/LinuxUserDefaults.h"
+#include "hosts/linux/desktop/LinuxUserDefaults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

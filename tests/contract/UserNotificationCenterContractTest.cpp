@@ -1,8 +1,8 @@
 #include "contract/FakeNotificationService.h"
 #include "desktop/WaitFor.h"
 #include "fakes/FakeUserNotificationCenter.h"
-#include "hosts/linux/LinuxUserNotificationCenter.h"
-#include "hosts/qt/NotificationBanner.h"
+#include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
+#include "hosts/linux/notifications/NotificationBanner.h"
 #include "hosts/qt/QtMainQueue.h"
 
 #include <gtest/gtest.h>

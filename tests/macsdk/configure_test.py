@@ -76,7 +76,6 @@ class ConfigureTest(unittest.TestCase):
         ours = {file for file in HOST.iterdir() if file.suffix in (".cpp", ".mm")}
         self.assertEqual({file for file in hosts if file.parent == HOST}, ours)
         self.assertEqual({file.parent.name for file in hosts}, {"mac", "qt"})
-        self.assertNotIn(TOP / "src/hosts/qt/CompositingX11.cpp", hosts)
 
     def test_objects_are_counted_by_the_compiler_in_every_file_that_has_some(self):
         files = [file for file in self.commands if file.suffix == ".mm"]

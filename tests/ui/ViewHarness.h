@@ -5,8 +5,8 @@
 #include "bridge/Views.h"
 #include "desktop/WaitFor.h"
 #include "fakes/FakePlatform.h"
-#include "hosts/qt/QtWindows.h"
-#include "hosts/qt/QuickWindows.h"
+#include "hosts/linux/windows/QtWindows.h"
+#include "hosts/linux/windows/QuickWindows.h"
 
 #include <QGuiApplication>
 #include <QQuickItem>

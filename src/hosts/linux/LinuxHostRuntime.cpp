@@ -1,13 +1,13 @@
 #include "hosts/HostRuntime.h"
-#include "hosts/linux/AsioQueue.h"
-#include "hosts/linux/LinuxAccessibility.h"
-#include "hosts/linux/LinuxDesktop.h"
-#include "hosts/linux/LinuxInputEvents.h"
-#include "hosts/linux/LinuxNetwork.h"
-#include "hosts/linux/LinuxScripts.h"
-#include "hosts/linux/LinuxUserNotificationCenter.h"
-#include "hosts/linux/ViewsLibrary.h"
-#include "hosts/qt/QtWindows.h"
+#include "hosts/linux/desktop/LinuxDesktop.h"
+#include "hosts/linux/desktop/LinuxScripts.h"
+#include "hosts/linux/input/LinuxAccessibility.h"
+#include "hosts/linux/input/LinuxInputEvents.h"
+#include "hosts/linux/network/AsioQueue.h"
+#include "hosts/linux/network/LinuxNetwork.h"
+#include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
+#include "hosts/linux/windows/QtWindows.h"
+#include "hosts/linux/windows/ViewsLibrary.h"
 
 #include <xcb/xcb.h>
 

@@ -1,0 +1,223 @@
+#include "hosts/linux/input/X11Keyboard.h"
+
+#include "hosts/linux/input/TextKeysyms.h"
+
+#include <xkbcommon/xkbcommon-keysyms.h>
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace velloway {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// For input methods and holders of key grabs, which learn of a new keymap beside the stream of key events.
+constexpr auto readingTime = 50ms;
+/// So long after the last key its meaning stands in any case.
+constexpr auto catchUpTime = 400ms;
+/// So long a busy program is waited for before the keys that it has not read yet lose their meaning.
+constexpr auto patience = 5s;
+/// The keys stay on loan this long, so that somebody who types on and on changes the keymap rarely.
+constexpr auto loanTime = 2s;
+
+bool isCharacter(std::uint32_t keysym) {
+    return keysym < 0xFD00 || keysym > 0xFFFF;
+}
+
+char32_t characterOf(std::uint32_t keysym) {
+    return keysym & 0x00FFFFFFU;
+}
+
+} // namespace
+
+X11Keyboard::X11Keyboard() : isUsable_(keymap_.isUsable()) {
+    if (isUsable_) {
+        thread_ = std::thread([this] { run(); });
+    }
+}
+
+X11Keyboard::~X11Keyboard() {
+    if (thread_.joinable()) {
+        {
+            const std::lock_guard lock(mutex_);
+            isEnding_ = true;
+        }
+        wake_.notify_one();
+        thread_.join();
+    }
+}
+
+void X11Keyboard::postKey(KeyStroke stroke, bool isDown) {
+    post([this, stroke = std::move(stroke), isDown] { sendKey(stroke, isDown); });
+}
+
+void X11Keyboard::postText(std::u16string text) {
+    post([this, text = std::move(text)] { type(text); });
+}
+
+void X11Keyboard::post(Job job) {
+    if (!isUsable_) {
+        return;
+    }
+    {
+        const std::lock_guard lock(mutex_);
+        jobs_.push_back(std::move(job));
+    }
+    wake_.notify_one();
+}
+
+void X11Keyboard::run() {
+    std::unique_lock lock(mutex_);
+    const auto hasWork = [this] { return isEnding_ || !jobs_.empty(); };
+    while (!isEnding_) {
+        if (!keymap_.isLending()) {
+            wake_.wait(lock, hasWork);
+        } else if (!wake_.wait_until(lock, lastTyped_ + loanTime, hasWork)) {
+            lock.unlock();
+            giveBackOnceRead();
+            lock.lock();
+            continue;
+        }
+        if (isEnding_) {
+            break;
+        }
+        const Job job = std::move(jobs_.front());
+        jobs_.pop_front();
+        lock.unlock();
+        if (keymap_.refresh()) {
+            job();
+        }
+        connection_.discardEvents();
+        lock.lock();
+    }
+    lock.unlock();
+    giveBackOnceRead();
+}
+
+void X11Keyboard::giveBackOnceRead() {
+    if (keymap_.isLending()) {
+        ping_.await(patience, [this] { return !isEnding(); });
+        std::this_thread::sleep_until(lastTyped_ + catchUpTime);
+        keymap_.giveBack();
+    }
+}
+
+bool X11Keyboard::isEnding() {
+    const std::lock_guard lock(mutex_);
+    return isEnding_;
+}
+
+void X11Keyboard::fake(std::uint8_t keycode, bool isDown) {
+    connection_.fakeInput(isDown ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode);
+}
+
+void X11Keyboard::press(X11KeyPress key) {
+    const auto shift = key.isShifted ? keymap_.find(XKB_KEY_Shift_L) : std::nullopt;
+    if (shift) {
+        fake(shift->keycode, true);
+    }
+    fake(key.keycode, true);
+    fake(key.keycode, false);
+    if (shift) {
+        fake(shift->keycode, false);
+    }
+}
+
+void X11Keyboard::sendKey(const KeyStroke& stroke, bool isDown) {
+    std::vector<std::uint8_t> keycodes;
+    for (const std::uint32_t modifier : stroke.modifiers) {
+        if (const auto keycode = keycodeOf(modifier)) {
+            keycodes.push_back(*keycode);
+        }
+    }
+    const auto keycode = keycodeOf(stroke.keysym);
+    if (!keycode) {
+        return;
+    }
+    keycodes.push_back(*keycode);
+    if (!isDown) {
+        std::reverse(keycodes.begin(), keycodes.end());
+    }
+    for (const std::uint8_t each : keycodes) {
+        fake(each, isDown);
+    }
+    connection_.flush();
+    lastTyped_ = Clock::now();
+}
+
+std::optional<std::uint8_t> X11Keyboard::keycodeOf(std::uint32_t keysym) {
+    if (!keymap_.find(keysym)) {
+        if (keymap_.available() == 0) {
+            giveBackOnceRead();
+        }
+        const std::uint32_t missing[] = {keysym};
+        borrow(missing);
+    }
+    const auto press = keymap_.find(keysym);
+    return press ? std::optional(press->keycode) : std::nullopt;
+}
+
+std::optional<X11KeyPress> X11Keyboard::find(std::uint32_t keysym) const {
+    return isCharacter(keysym) ? keymap_.findCharacter(characterOf(keysym)) : keymap_.find(keysym);
+}
+
+/// Caps Lock is off meanwhile, as it would change what the keys mean.
+void X11Keyboard::type(std::u16string_view text) {
+    const bool wasCapsLocked = keymap_.isCapsLocked();
+    if (wasCapsLocked) {
+        keymap_.setCapsLocked(false);
+    }
+    typeWith(keysymsOf(text));
+    if (wasCapsLocked) {
+        keymap_.setCapsLocked(true);
+    }
+    connection_.flush();
+}
+
+/// Borrows for the whole text at once, or for as much of it as there are unused keys.
+void X11Keyboard::typeWith(std::span<const std::uint32_t> keysyms) {
+    while (!keysyms.empty()) {
+        auto missing = missingIn(keysyms);
+        if (missing.size() > keymap_.available() && keymap_.isLending()) {
+            giveBackOnceRead();
+            missing = missingIn(keysyms);
+        }
+        if (!missing.empty() && !borrow(missing)) {
+            return;
+        }
+        const auto end = std::find_if(keysyms.begin(), keysyms.end(),
+                                      [this](std::uint32_t keysym) { return !find(keysym); });
+        std::for_each(keysyms.begin(), end, [this](std::uint32_t keysym) { press(*find(keysym)); });
+        connection_.flush();
+        lastTyped_ = Clock::now();
+        keysyms = keysyms.subspan(static_cast<std::size_t>(end - keysyms.begin()));
+    }
+}
+
+std::vector<std::uint32_t> X11Keyboard::missingIn(std::span<const std::uint32_t> keysyms) const {
+    std::vector<std::uint32_t> missing;
+    std::unordered_set<std::uint32_t> seen;
+    for (const std::uint32_t keysym : keysyms) {
+        if (!find(keysym) && seen.insert(keysym).second) {
+            missing.push_back(keysym);
+        }
+    }
+    return missing;
+}
+
+/// Borrows all of these, or as many as can be had. False when there is no unused key at all.
+bool X11Keyboard::borrow(std::span<const std::uint32_t> keysyms) {
+    const std::size_t count = std::min(keysyms.size(), keymap_.available());
+    if (count == 0) {
+        return false;
+    }
+    keymap_.borrow(keysyms.first(count));
+    lastTyped_ = Clock::now();
+    std::this_thread::sleep_for(readingTime);
+    return true;
+}
+
+} // namespace velloway

@@ -1,0 +1,290 @@
+#include "hosts/linux/network/LinuxListener.h"
+
+#include "hosts/linux/network/AsioQueueAccess.h"
+#include "hosts/linux/network/LinuxConnection.h"
+#include "hosts/linux/network/LinuxNetworkError.h"
+#include "platform/Fatal.h"
+
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/ip/v6_only.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include <atomic>
+#include <cerrno>
+#include <optional>
+#include <utility>
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace velloway {
+
+namespace net = boost::asio;
+using boost::system::error_code;
+using net::ip::tcp;
+
+namespace {
+
+/// Nobody waits longer for the event loop than this many accepts take.
+constexpr int acceptsPerTurn = 64;
+
+Endpoint describe(const tcp::endpoint& peer) {
+    net::ip::address address = peer.address();
+    if (address.is_v6() && address.to_v6().is_v4_mapped()) {
+        address = net::ip::make_address_v4(net::ip::v4_mapped, address.to_v6());
+    }
+    const std::string host = address.to_string();
+    const std::string port = std::to_string(peer.port());
+    return {.host = host, .description = (address.is_v6() ? "[" + host + "]" : host) + ":" + port};
+}
+
+/// Whether there may be descriptors and memory again in a while.
+bool isShortage(int code) {
+    return code == EMFILE || code == ENFILE || code == ENOBUFS || code == ENOMEM;
+}
+
+bool meansNoIPv6(const error_code& error) {
+    return error == net::error::address_family_not_supported || error.value() == EADDRNOTAVAIL ||
+           error.value() == EPROTONOSUPPORT;
+}
+
+} // namespace
+
+class LinuxListener::Core final : public AsioResident, public std::enable_shared_from_this<Core> {
+public:
+    Core(AsioQueue& madeOn, const LinuxNetworkLimits& bounds, const ListenerParameters& asked)
+        : queue(madeOn), limits_(bounds), parameters_(asked) {
+        AsioQueueAccess::add(queue, *this);
+    }
+
+    ~Core() {
+        if (hasQueue) {
+            AsioQueueAccess::remove(queue, *this);
+        }
+    }
+
+    void start();
+    void cancel();
+    void abandon();
+    void queueEnds() override;
+
+    AsioQueue& queue;
+    StateHandler stateHandler;
+    NewConnectionHandler newConnectionHandler;
+    std::atomic<std::uint16_t> boundPort = 0;
+    /// The port object has gone without a cancel: nobody is called any more.
+    std::atomic<bool> isAbandoned = false;
+    std::atomic<bool> isCancelRequested = false;
+    std::atomic<bool> hasQueue = true;
+
+private:
+    void open(const tcp& protocol, error_code& error);
+    void listen(error_code& error);
+    void waitForConnection();
+    void acceptWhatIsThere();
+    bool acceptOne();
+    void pauseAccepting();
+    void fail(const error_code& error);
+    void close();
+    void report(ListenerState state, const std::optional<NetworkError>& error = {});
+
+    LinuxNetworkLimits limits_;
+    ListenerParameters parameters_;
+    std::optional<tcp::acceptor> acceptor_;
+    std::optional<net::steady_timer> pause_;
+    bool isIPv6_ = false;
+    bool isStarted_ = false;
+    bool isCancelled_ = false;
+};
+
+void LinuxListener::Core::start() {
+    if (isStarted_ || isCancelled_ || isAbandoned) {
+        return;
+    }
+    isStarted_ = true;
+    error_code error;
+    listen(error);
+    if (error) {
+        fail(error);
+        return;
+    }
+    boundPort = acceptor_->local_endpoint(error).port();
+    report(ListenerState::ready);
+    waitForConnection();
+}
+
+void LinuxListener::Core::listen(error_code& error) {
+    if (limits_.usesIPv6) {
+        open(tcp::v6(), error);
+        if (!error || !meansNoIPv6(error)) {
+            return;
+        }
+        error = {};
+    }
+    open(tcp::v4(), error);
+}
+
+/// The descriptor is made here and not by Asio, so that programs started by this one never inherit the port.
+void LinuxListener::Core::open(const tcp& protocol, error_code& error) {
+    close();
+    const int descriptor = ::socket(protocol.family(), SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP);
+    if (descriptor < 0) {
+        error.assign(errno, boost::system::system_category());
+        return;
+    }
+    isIPv6_ = protocol == tcp::v6();
+    acceptor_.emplace(AsioQueueAccess::context(queue), protocol, descriptor);
+    pause_.emplace(AsioQueueAccess::context(queue));
+    if (isIPv6_) {
+        acceptor_->set_option(net::ip::v6_only(false), error);
+    }
+    if (!error && parameters_.allowLocalEndpointReuse) {
+        acceptor_->set_option(net::socket_base::reuse_address(true), error);
+    }
+    if (!error) {
+        acceptor_->bind({protocol, parameters_.port}, error);
+    }
+    if (!error) {
+        acceptor_->listen(net::socket_base::max_listen_connections, error);
+    }
+}
+
+void LinuxListener::Core::waitForConnection() {
+    if (!acceptor_) {
+        return;
+    }
+    acceptor_->async_wait(tcp::acceptor::wait_read, [self = shared_from_this()](const error_code& error) {
+        if (!error) {
+            self->acceptWhatIsThere();
+        }
+    });
+}
+
+void LinuxListener::Core::acceptWhatIsThere() {
+    for (int count = 0; count < acceptsPerTurn && acceptor_; ++count) {
+        if (acceptOne()) {
+            continue;
+        }
+        const int code = errno;
+        if (isShortage(code)) {
+            pauseAccepting();
+            return;
+        }
+        if (code == EAGAIN || code == EWOULDBLOCK) {
+            break;
+        }
+        if (code == EBADF || code == EINVAL || code == ENOTSOCK) {
+            fail(error_code(code, boost::system::system_category()));
+            return;
+        }
+        // Anything else tells of a peer that has gone already.
+    }
+    waitForConnection();
+}
+
+bool LinuxListener::Core::acceptOne() {
+    tcp::endpoint peer;
+    socklen_t size = static_cast<socklen_t>(peer.capacity());
+    const int descriptor =
+        ::accept4(acceptor_->native_handle(), peer.data(), &size, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (descriptor < 0) {
+        return false;
+    }
+    peer.resize(size);
+    auto connection = std::make_shared<LinuxConnection>(queue, limits_, descriptor, isIPv6_, describe(peer));
+    if (newConnectionHandler && !isAbandoned) {
+        newConnectionHandler(std::move(connection));
+    }
+    return true;
+}
+
+/// The socket stays readable while a connection waits that cannot be taken, so waiting for it would spin.
+void LinuxListener::Core::pauseAccepting() {
+    pause_->expires_after(limits_.acceptPause);
+    pause_->async_wait([self = shared_from_this()](const error_code& error) {
+        if (!error) {
+            self->acceptWhatIsThere();
+        }
+    });
+}
+
+void LinuxListener::Core::fail(const error_code& error) {
+    close();
+    report(ListenerState::failed, networkError(error));
+}
+
+void LinuxListener::Core::cancel() {
+    if (isCancelled_) {
+        return;
+    }
+    isCancelled_ = true;
+    close();
+    report(ListenerState::cancelled);
+    stateHandler = nullptr;
+    newConnectionHandler = nullptr;
+}
+
+void LinuxListener::Core::abandon() {
+    isCancelled_ = true;
+    close();
+    stateHandler = nullptr;
+    newConnectionHandler = nullptr;
+}
+
+void LinuxListener::Core::queueEnds() {
+    hasQueue = false;
+    close();
+    stateHandler = nullptr;
+    newConnectionHandler = nullptr;
+}
+
+void LinuxListener::Core::close() {
+    acceptor_.reset();
+    pause_.reset();
+}
+
+void LinuxListener::Core::report(ListenerState state, const std::optional<NetworkError>& error) {
+    if (stateHandler && !isAbandoned) {
+        stateHandler(state, error);
+    }
+}
+
+LinuxListener::LinuxListener(AsioQueue& queue, const LinuxNetworkLimits& limits,
+                             const ListenerParameters& parameters)
+    : core_(std::make_shared<Core>(queue, limits, parameters)) {}
+
+LinuxListener::~LinuxListener() {
+    core_->isAbandoned = !core_->isCancelRequested;
+    if (core_->hasQueue) {
+        AsioQueue& queue = core_->queue;
+        queue.async([core = std::move(core_)] { core->abandon(); });
+    }
+}
+
+void LinuxListener::setStateHandler(StateHandler handler) {
+    core_->stateHandler = std::move(handler);
+}
+
+void LinuxListener::setNewConnectionHandler(NewConnectionHandler handler) {
+    core_->newConnectionHandler = std::move(handler);
+}
+
+void LinuxListener::start(DispatchQueue& queue) {
+    if (&queue != &core_->queue) {
+        fatal("LinuxListener started on a foreign queue");
+    }
+    core_->queue.async([core = core_] { core->start(); });
+}
+
+void LinuxListener::cancel() {
+    core_->isCancelRequested = true;
+    if (core_->hasQueue) {
+        core_->queue.async([core = core_] { core->cancel(); });
+    }
+}
+
+std::uint16_t LinuxListener::boundPort() const {
+    return core_->boundPort;
+}
+
+} // namespace velloway

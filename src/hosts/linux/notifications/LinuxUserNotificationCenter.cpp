@@ -1,0 +1,54 @@
+#include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
+
+#include "hosts/linux/notifications/NotificationPoster.h"
+
+namespace velloway {
+
+LinuxUserNotificationCenter::LinuxUserNotificationCenter(DispatchQueue& main)
+    : main_(main), poster_(std::make_shared<NotificationPoster>(main)) {}
+
+LinuxUserNotificationCenter::~LinuxUserNotificationCenter() = default;
+
+void LinuxUserNotificationCenter::setDelegate(UserNotificationCenterDelegate* delegate) {
+    // At once, so that a delegate that takes itself out on the main thread is not called afterwards.
+    poster_->setDelegate(delegate);
+}
+
+void LinuxUserNotificationCenter::add(const NotificationRequest& request,
+                                      std::function<void(const std::optional<std::string>& error)> completion) {
+    hop(main_, std::weak_ptr(poster_),
+        [request = request, completion = std::move(completion)](auto& poster) mutable {
+            poster.add(std::move(request), std::move(completion));
+        });
+}
+
+void LinuxUserNotificationCenter::removeDelivered(const std::vector<std::string>& identifiers) {
+    hop(main_, std::weak_ptr(poster_), [identifiers](auto& poster) {
+        for (const auto& identifier : identifiers) {
+            poster.removeDelivered(identifier);
+        }
+    });
+}
+
+void LinuxUserNotificationCenter::removePending(const std::vector<std::string>& identifiers) {
+    hop(main_, std::weak_ptr(poster_), [identifiers](auto& poster) {
+        for (const auto& identifier : identifiers) {
+            poster.removePending(identifier);
+        }
+    });
+}
+
+void LinuxUserNotificationCenter::getAuthorizationStatus(std::function<void(AuthorizationStatus)> completion) {
+    main_.async([completion = std::move(completion)] { completion(AuthorizationStatus::authorized); });
+}
+
+void LinuxUserNotificationCenter::requestAuthorization(
+    unsigned, std::function<void(bool granted, const std::optional<std::string>& error)> completion) {
+    main_.async([completion = std::move(completion)] { completion(true, std::nullopt); });
+}
+
+void LinuxUserNotificationCenter::setCategories(const std::vector<NotificationCategory>& categories) {
+    hop(main_, std::weak_ptr(poster_), [categories](auto& poster) { poster.setCategories(categories); });
+}
+
+} // namespace velloway

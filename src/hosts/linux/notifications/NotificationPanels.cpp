@@ -1,0 +1,145 @@
+#include "hosts/linux/notifications/NotificationPanels.h"
+
+#include <QApplication>
+#include <QScreen>
+
+#include <algorithm>
+#include <utility>
+
+namespace velloway {
+
+namespace {
+
+constexpr std::size_t maxBanners = 4;
+constexpr std::size_t maxWaiting = 50;
+constexpr int screenMargin = 20;
+constexpr int gap = 10;
+
+template <class List> auto withIdentifier(List& list, const std::string& identifier) {
+    return std::find_if(list.begin(), list.end(),
+                        [&](const auto& entry) { return entry.identifier == identifier; });
+}
+
+/// Out of sight now, gone once the event that is being handled has been.
+void discard(FloatingPanel* panel) {
+    panel->hide();
+    panel->disconnect();
+    panel->deleteLater();
+}
+
+} // namespace
+
+NotificationPanels::~NotificationPanels() {
+    for (const auto* list : {&banners_, &replies_}) {
+        for (const Shown& shown : *list) {
+            delete shown.panel;
+        }
+    }
+}
+
+bool NotificationPanels::canShow() {
+    return qobject_cast<QApplication*>(QCoreApplication::instance()) && QGuiApplication::primaryScreen();
+}
+
+NotificationBanner* NotificationPanels::makeBanner(const NotificationBanner::Content& content,
+                                                   BannerEvents events) {
+    auto* banner = new NotificationBanner(content);
+    const auto end = [this, banner, gone = std::move(events.gone)](const auto& report) {
+        take(banner);
+        report();
+        gone();
+        showWaiting();
+    };
+    QObject::connect(
+        banner, &NotificationBanner::replied, banner,
+        [end, replied = std::move(events.replied)](const QString& text) { end([&] { replied(text); }); });
+    QObject::connect(banner, &NotificationBanner::clicked, banner,
+                     [end, clicked = std::move(events.clicked)] { end(clicked); });
+    QObject::connect(banner, &NotificationBanner::dismissed, banner,
+                     [end, dismissed = std::move(events.dismissed)] { end(dismissed); });
+    QObject::connect(banner, &NotificationBanner::expired, banner, [end] { end([] {}); });
+    return banner;
+}
+
+bool NotificationPanels::showBanner(const std::string& identifier, const NotificationBanner::Content& content,
+                                    BannerEvents events) {
+    if (const auto shown = withIdentifier(banners_, identifier); shown != banners_.end()) {
+        discard(std::exchange(shown->panel, makeBanner(content, std::move(events))));
+        arrange();
+        return true;
+    }
+    if (const auto waits = withIdentifier(waiting_, identifier); waits != waiting_.end()) {
+        *waits = {identifier, content, std::move(events)};
+        return true;
+    }
+    if (waiting_.size() >= maxWaiting) {
+        return false;
+    }
+    waiting_.push_back({identifier, content, std::move(events)});
+    showWaiting();
+    return true;
+}
+
+void NotificationPanels::closeBanner(const std::string& identifier) {
+    std::erase_if(waiting_, [&](const Waiting& waiting) { return waiting.identifier == identifier; });
+    if (const auto shown = withIdentifier(banners_, identifier); shown != banners_.end()) {
+        take(shown->panel);
+        showWaiting();
+    }
+}
+
+void NotificationPanels::openReply(const std::string& identifier, const ReplyPanel::Prompt& prompt,
+                                   std::function<void(const QString& text)> replied) {
+    if (const auto open = withIdentifier(replies_, identifier); open != replies_.end()) {
+        return static_cast<ReplyPanel*>(open->panel)->takeKeyboard();
+    }
+    auto* panel = new ReplyPanel(prompt);
+    QObject::connect(panel, &ReplyPanel::replied, panel,
+                     [this, panel, replied = std::move(replied)](const QString& text) {
+                         take(panel);
+                         replied(text);
+                         arrange();
+                     });
+    QObject::connect(panel, &ReplyPanel::cancelled, panel, [this, panel] {
+        take(panel);
+        arrange();
+    });
+    replies_.push_back({identifier, panel});
+    arrange();
+    panel->takeKeyboard();
+}
+
+void NotificationPanels::take(FloatingPanel* panel) {
+    const auto isIt = [panel](const Shown& shown) { return shown.panel == panel; };
+    std::erase_if(banners_, isIt);
+    std::erase_if(replies_, isIt);
+    discard(panel);
+}
+
+void NotificationPanels::showWaiting() {
+    while (!waiting_.empty() && banners_.size() < maxBanners) {
+        Waiting next = std::move(waiting_.front());
+        waiting_.pop_front();
+        auto* banner = makeBanner(next.content, std::move(next.events));
+        banners_.push_back({std::move(next.identifier), banner});
+    }
+    arrange();
+}
+
+void NotificationPanels::arrange() {
+    const QRect usable = QGuiApplication::primaryScreen()->availableGeometry();
+    int top = usable.top() + screenMargin;
+    for (const auto* list : {&replies_, &banners_}) {
+        for (const Shown& shown : *list) {
+            if (shown.panel->wasMovedByUser()) {
+                continue;
+            }
+            const int left = usable.left() + usable.width() - screenMargin - FloatingPanel::panelWidth;
+            shown.panel->placePanelAt({left, top});
+            shown.panel->show();
+            top += shown.panel->panelGeometry().height() + gap;
+        }
+    }
+}
+
+} // namespace velloway

@@ -1,0 +1,231 @@
+#include "hosts/linux/windows/QuickWindows.h"
+
+#include "bridge/Views.h"
+#include "hosts/linux/windows/Compositing.h"
+#include "hosts/linux/windows/ScreenHeight.h"
+#include "hosts/linux/windows/WindowSpaces.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QPainterPath>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QScreen>
+
+#include <utility>
+
+namespace velloway {
+
+namespace {
+
+constexpr double cornerRadius = 12;
+
+/// The main window: closing it only hides it.
+class MainView : public ContentView {
+public:
+    MainView(QQmlEngine& engine, std::shared_ptr<WindowContent> content, std::function<void()> onClose)
+        : ContentView(engine, std::move(content)), onClose_(std::move(onClose)) {}
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::Close) {
+            event->ignore();
+            hide();
+            onClose_();
+            return true;
+        }
+        return ContentView::event(event);
+    }
+
+private:
+    std::function<void()> onClose_;
+};
+
+/// A panel: what no control of it takes drags it.
+class PanelView : public ContentView {
+public:
+    using ContentView::ContentView;
+
+protected:
+    bool event(QEvent* event) override {
+        const bool answer = ContentView::event(event);
+        // The views have had it by now; they answer the same whether or not a control took it.
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+            pressed(static_cast<QMouseEvent&>(*event));
+            break;
+        case QEvent::MouseMove:
+            moved(static_cast<QMouseEvent&>(*event));
+            break;
+        case QEvent::MouseButtonRelease:
+            grip_.reset();
+            isMoving_ = false;
+            break;
+        default:
+            break;
+        }
+        return answer;
+    }
+
+private:
+    void pressed(QMouseEvent& event) {
+        const bool isTaken = event.exclusiveGrabber(event.point(0)) != nullptr;
+        if (!isTaken && event.button() == Qt::LeftButton) {
+            grip_ = event.globalPosition().toPoint() - position();
+        }
+    }
+    void moved(const QMouseEvent& event) {
+        if (!grip_) {
+            return;
+        }
+        if (!std::exchange(isMoving_, true) && startSystemMove()) {
+            grip_.reset();
+            isMoving_ = false;
+            return;
+        }
+        setPosition(event.globalPosition().toPoint() - *grip_);
+    }
+
+    std::optional<QPoint> grip_;
+    bool isMoving_ = false;
+};
+
+/// The engine of the views. It lives as long as any window.
+class Engine {
+public:
+    Engine() {
+        QQuickStyle::setStyle(QStringLiteral("Basic"));
+        // These views are text on plain grounds, which the processor draws fast enough without a graphics
+        // driver in the process.
+        static const bool isBackendSet = [] {
+            QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+            return true;
+        }();
+        static_cast<void>(isBackendSet);
+        prepareEngine(qml);
+    }
+
+    QQmlEngine qml;
+};
+
+/// One window of the port over one view. The engine is held so that it outlives the view.
+class QuickWindow : public Window {
+public:
+    QuickWindow(std::shared_ptr<Engine> engine, std::unique_ptr<ContentView> view)
+        : engine_(std::move(engine)), view_(std::move(view)) {}
+    ~QuickWindow() override {
+        // A press on one of its own buttons can end a window; its view must outlive the handling of the press.
+        view_->hide();
+        QObject::connect(view_.get(), &QObject::destroyed, [engine = engine_] {});
+        view_.release()->deleteLater();
+    }
+
+    bool isVisible() const override { return view_->isVisible(); }
+    void center() override {
+        const QRect usable = QGuiApplication::primaryScreen()->availableGeometry();
+        view_->setPosition(usable.center() - QPoint(view_->width() / 2, view_->height() / 2));
+    }
+    void makeKeyAndOrderFront() override {
+        if (view_->windowStates() & Qt::WindowMinimized) {
+            view_->setWindowStates(view_->windowStates() & ~Qt::WindowMinimized);
+        }
+        show();
+        if (!(view_->flags() & Qt::WindowDoesNotAcceptFocus)) {
+            view_->requestActivate();
+        }
+    }
+    void orderFrontRegardless() override { show(); }
+    void orderOut() override { view_->hide(); }
+    void setIsVisible(bool visible) override { view_->setVisible(visible); }
+    void setFrameOrigin(double x, double y) override {
+        view_->setPosition(static_cast<int>(x), flipped(y, view_->height()));
+    }
+    void setContent(std::shared_ptr<WindowContent> content) override { view_->setContent(std::move(content)); }
+
+private:
+    void show() {
+        view_->show();
+        view_->raise();
+    }
+
+    std::shared_ptr<Engine> engine_;
+    std::unique_ptr<ContentView> view_;
+};
+
+/// Rounded corners: by what shines through where windows can be see-through, by a mask elsewhere.
+void roundCorners(ContentView& view) {
+    const bool translucent = isCompositing();
+    if (auto* root = view.rootObject()) {
+        root->setProperty("translucent", translucent);
+    }
+    if (translucent) {
+        view.setColor(Qt::transparent);
+        return;
+    }
+    QPainterPath outline;
+    outline.addRoundedRect(QRectF(QPointF(), QSizeF(view.size())), cornerRadius, cornerRadius);
+    view.setMask(QRegion(outline.toFillPolygon().toPolygon()));
+}
+
+/// Makes windows over one engine, which comes with the first of them.
+class QuickWindows : public ViewWindows {
+public:
+    ~QuickWindows() override {
+        // No event loop may come after this that would delete the views of windows that have gone.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    std::shared_ptr<Window> makeMainWindow(const MainWindowProperties& properties,
+                                           std::shared_ptr<WindowContent> content,
+                                           std::function<void()> onClose) override;
+    std::shared_ptr<Window> makePanel(const PanelProperties& properties,
+                                      std::shared_ptr<WindowContent> content) override;
+
+private:
+    const std::shared_ptr<Engine>& engine() {
+        if (!engine_) {
+            engine_ = std::make_shared<Engine>();
+        }
+        return engine_;
+    }
+
+    std::shared_ptr<Engine> engine_;
+};
+
+std::shared_ptr<Window> QuickWindows::makeMainWindow(const MainWindowProperties& properties,
+                                                     std::shared_ptr<WindowContent> content,
+                                                     std::function<void()> onClose) {
+    auto view = std::make_unique<MainView>(engine()->qml, std::move(content), std::move(onClose));
+    view->setTitle(QString::fromStdString(properties.title));
+    view->setFlags(Qt::Window);
+    view->setMinimumSize({static_cast<int>(properties.minWidth), static_cast<int>(properties.minHeight)});
+    view->resize(static_cast<int>(properties.contentRect.width),
+                 static_cast<int>(properties.contentRect.height));
+    return std::make_shared<QuickWindow>(engine(), std::move(view));
+}
+
+std::shared_ptr<Window> QuickWindows::makePanel(const PanelProperties& properties,
+                                                std::shared_ptr<WindowContent> content) {
+    auto view = std::make_unique<PanelView>(engine()->qml, std::move(content));
+    view->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                   Qt::WindowDoesNotAcceptFocus);
+    view->setTitle(QStringLiteral("Velloway"));
+    const QSize size(static_cast<int>(properties.contentRect.width),
+                     static_cast<int>(properties.contentRect.height));
+    view->setMinimumSize(size);
+    view->setMaximumSize(size);
+    view->resize(size);
+    roundCorners(*view);
+    joinAllSpaces(*view);
+    return std::make_shared<QuickWindow>(engine(), std::move(view));
+}
+
+} // namespace
+
+std::unique_ptr<ViewWindows> makeQuickWindows() {
+    return std::make_unique<QuickWindows>();
+}
+
+} // namespace velloway

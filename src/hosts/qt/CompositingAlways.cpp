@@ -1,9 +1,0 @@
-#include "hosts/qt/Compositing.h"
-
-namespace velloway {
-
-bool isCompositing() {
-    return true;
-}
-
-} // namespace velloway

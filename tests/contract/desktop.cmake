@@ -1,7 +1,0 @@
-include(VellowayDesktopTest)
-velloway_desktop_test(test_dispatch_queue_contract DispatchQueueContract.cpp)
-velloway_desktop_test(test_user_defaults_contract UserDefaultsContract.cpp)
-velloway_desktop_test(test_pasteboard_contract PasteboardContract.cpp)
-velloway_desktop_test(test_login_item_contract LoginItemContract.cpp)
-velloway_desktop_test(test_status_item_contract StatusItemContract.cpp)
-target_compile_definitions(test_status_item_contract PRIVATE TRAY_HOST="${CMAKE_SOURCE_DIR}/tests/desktop/tray-host")

@@ -1,2 +1,0 @@
-include(VellowayDesktopTest)
-velloway_desktop_test(test_input_events_contract InputEventsContract.cpp)

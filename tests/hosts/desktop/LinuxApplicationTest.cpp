@@ -1,0 +1,141 @@
+#include "hosts/linux/desktop/LinuxApplication.h"
+#include "desktop/WaitFor.h"
+#include "hosts/qt/QtMainQueue.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QWidget>
+#include <QWindow>
+
+#include <string>
+#include <vector>
+
+namespace velloway::test {
+namespace {
+
+using testing::ElementsAre;
+
+const Alert alert{.style = Alert::Style::warning,
+                  .messageText = "Permission <b>Required</b>",
+                  .informativeText = "First line.\n\nOpen Settings → Notifications & more.",
+                  .buttons = {"Open System Settings", "Not Now"}};
+
+class LinuxApplicationTest : public testing::Test {
+protected:
+    /// Runs the alert and does this to it once it is there.
+    int runAlert(const std::function<void(QMessageBox&)>& act) {
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                timer.stop();
+                act(*box);
+            }
+        });
+        timer.start(5);
+        return application.runModal(alert);
+    }
+
+    LinuxApplication application;
+};
+
+class CountingDelegate : public ApplicationDelegate {
+public:
+    void applicationDidFinishLaunching() override {}
+    bool applicationShouldTerminateAfterLastWindowClosed() override { return false; }
+    bool applicationShouldHandleReopen(bool) override { return true; }
+    void applicationDidBecomeActive() override { ++activations; }
+
+    int activations = 0;
+};
+
+// The first of the cases: it needs a process that is not in front yet.
+TEST_F(LinuxApplicationTest, tells_its_delegate_when_it_comes_to_the_front) {
+    CountingDelegate delegate;
+    application.setDelegate(&delegate);
+    QWidget window;
+    window.show();
+    // There is no window manager that could do it.
+    ASSERT_TRUE(waitFor([&] { return window.windowHandle()->isExposed(); }));
+    QProcess::execute("xdotool", {"windowfocus", QString::number(window.winId())});
+    EXPECT_TRUE(waitFor([&] { return delegate.activations > 0; }));
+    application.setDelegate(nullptr);
+}
+
+TEST_F(LinuxApplicationTest, an_alert_shows_its_texts_as_they_are) {
+    std::vector<std::string> shown;
+    runAlert([&](QMessageBox& box) {
+        shown = {box.text().toStdString(), box.informativeText().toStdString()};
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        EXPECT_EQ(box.icon(), QMessageBox::Warning);
+        for (const QAbstractButton* button : box.buttons()) {
+            shown.push_back(button->text().toStdString());
+        }
+        box.reject();
+    });
+    EXPECT_THAT(shown,
+                ElementsAre(alert.messageText, alert.informativeText, "Open System Settings", "Not Now"));
+}
+
+TEST_F(LinuxApplicationTest, each_button_answers_by_its_place) {
+    for (const int place : {0, 1}) {
+        EXPECT_EQ(runAlert([&](QMessageBox& box) { box.buttons().at(place)->click(); }), 1000 + place);
+    }
+}
+
+TEST_F(LinuxApplicationTest, escape_and_closing_answer_like_the_second_button) {
+    EXPECT_EQ(runAlert([](QMessageBox& box) {
+                  QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+                  QApplication::sendEvent(&box, &escape);
+              }),
+              1001);
+    EXPECT_EQ(runAlert([](QMessageBox& box) { box.close(); }), 1001);
+}
+
+TEST_F(LinuxApplicationTest, return_answers_like_the_first_button) {
+    EXPECT_EQ(runAlert([](QMessageBox& box) {
+                  QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+                  QApplication::sendEvent(&box, &enter);
+              }),
+              1000);
+}
+
+TEST_F(LinuxApplicationTest, the_main_queue_goes_on_while_an_alert_is_up) {
+    QtMainQueue queue;
+    int answer = 0;
+    bool ranInside = false;
+    queue.async([&] { answer = application.runModal(alert); });
+    queue.async([&] {
+        ranInside = answer == 0 && QApplication::activeModalWidget() != nullptr;
+        queue.asyncAfter(std::chrono::milliseconds(1), [] {
+            qobject_cast<QMessageBox*>(QApplication::activeModalWidget())->buttons().at(0)->click();
+        });
+    });
+    EXPECT_TRUE(waitFor([&] { return answer == 1000; }));
+    EXPECT_TRUE(ranInside);
+}
+
+TEST_F(LinuxApplicationTest, knows_whether_a_window_is_on_screen) {
+    EXPECT_FALSE(LinuxApplication::hasVisibleWindows());
+    QWidget window;
+    window.show();
+    EXPECT_TRUE(LinuxApplication::hasVisibleWindows());
+    window.hide();
+    EXPECT_FALSE(LinuxApplication::hasVisibleWindows());
+    QWidget popup(nullptr, Qt::Popup);
+    popup.show();
+    EXPECT_FALSE(LinuxApplication::hasVisibleWindows());
+}
+
+TEST_F(LinuxApplicationTest, keeps_the_activation_policy) {
+    application.setActivationPolicy(ActivationPolicy::accessory);
+    EXPECT_EQ(application.activationPolicy(), ActivationPolicy::accessory);
+}
+
+} // namespace
+} // namespace velloway::test

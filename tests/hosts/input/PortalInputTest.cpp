@@ -1,0 +1,187 @@
+#include "hosts/linux/input/PortalInput.h"
+
+#include "FakePortal.h"
+#include "desktop/WaitFor.h"
+#include "hosts/linux/input/LinuxAccessibility.h"
+#include "hosts/linux/input/LinuxInputEvents.h"
+#include "remote/InputInjection.h"
+
+#include <gtest/gtest.h>
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+
+#include <thread>
+
+namespace velloway::test {
+
+namespace {
+
+class Portal : public ::testing::Test {
+protected:
+    bool asks() {
+        accessibility_.isTrustedWithPrompt();
+        return waitFor([this] { return portal_.isAsking(); });
+    }
+    bool becomesTrusted(bool expected) {
+        return waitFor([&] { return accessibility_.isTrusted() == expected; });
+    }
+    bool opensSession() {
+        if (!asks()) {
+            return false;
+        }
+        portal_.answer(0);
+        return becomesTrusted(true);
+    }
+    void expectInput(const QStringList& expected) {
+        waitFor([&] { return portal_.input.size() >= expected.size(); });
+        EXPECT_EQ(portal_.input.join('\n').toStdString(), expected.join('\n').toStdString());
+    }
+
+    FakePortal portal_;
+    PortalInput input_;
+    LinuxAccessibility accessibility_{input_};
+    LinuxInputEvents events_{input_};
+    InputInjection injection_{events_};
+};
+
+TEST_F(Portal, IsNotAskedUntilAPromptIsWanted) {
+    EXPECT_FALSE(accessibility_.isTrusted());
+    injection_.movePointer(1, 1);
+    injection_.sendUnicodeText("a");
+    // Whatever had been asked for by now would come before this question.
+    ASSERT_TRUE(asks());
+    EXPECT_EQ(portal_.calls, QStringList({"CreateSession", "SelectDevices", "Start"}));
+    EXPECT_TRUE(portal_.input.isEmpty());
+}
+
+TEST_F(Portal, TrustComesOnceTheUserHasAgreed) {
+    ASSERT_TRUE(asks());
+    EXPECT_FALSE(accessibility_.isTrusted());
+    portal_.answer(0);
+    EXPECT_TRUE(becomesTrusted(true));
+    EXPECT_EQ(portal_.selectOptions.value("types").toUInt(), 3U);
+    EXPECT_EQ(portal_.selectOptions.value("persist_mode").toUInt(), 1U);
+    EXPECT_FALSE(portal_.selectOptions.contains("restore_token"));
+}
+
+TEST_F(Portal, SessionIsCreatedOnce) {
+    ASSERT_TRUE(asks());
+    accessibility_.isTrustedWithPrompt();
+    accessibility_.isTrustedWithPrompt();
+    portal_.answer(0);
+    ASSERT_TRUE(becomesTrusted(true));
+    accessibility_.isTrustedWithPrompt();
+    injection_.click("left");
+    expectInput({"PointerButton 272 1", "PointerButton 272 0"});
+    EXPECT_EQ(portal_.calls, QStringList({"CreateSession", "SelectDevices", "Start"}));
+}
+
+TEST_F(Portal, DenialLeavesItUntrustedUntilTheUserIsAskedAgain) {
+    ASSERT_TRUE(asks());
+    portal_.answer(1);
+    // Denied sessions are closed by us.
+    ASSERT_TRUE(waitFor([this] { return portal_.calls.contains("Close"); }));
+    EXPECT_FALSE(accessibility_.isTrusted());
+    EXPECT_TRUE(opensSession());
+}
+
+TEST_F(Portal, SessionClosedByTheUserEndsTrustAndInput) {
+    ASSERT_TRUE(opensSession());
+    portal_.closeSession();
+    ASSERT_TRUE(becomesTrusted(false));
+    EXPECT_FALSE(events_.makeEvent());
+    injection_.sendUnicodeText("lost");
+
+    ASSERT_TRUE(opensSession());
+    injection_.sendUnicodeText("b");
+    expectInput({"KeyboardKeysym 98 1", "KeyboardKeysym 98 0"});
+    EXPECT_EQ(portal_.selectOptions.value("restore_token").toString(), QString("token1"));
+}
+
+TEST_F(Portal, ADesktopThatGoesAwayEndsTrust) {
+    ASSERT_TRUE(opensSession());
+    portal_.leaveTheBus();
+    EXPECT_TRUE(becomesTrusted(false));
+}
+
+TEST_F(Portal, ADesktopWithoutSuchSessionsIsNotTrusted) {
+    portal_.refusesSessions = true;
+    accessibility_.isTrustedWithPrompt();
+    ASSERT_TRUE(waitFor([this] { return !portal_.calls.isEmpty(); }));
+    EXPECT_FALSE(accessibility_.isTrusted());
+    portal_.refusesSessions = false;
+    // The refusal may still be on its way; the prompt works again once it has come.
+    EXPECT_TRUE(waitFor([this] {
+        accessibility_.isTrustedWithPrompt();
+        return portal_.isAsking();
+    }));
+}
+
+TEST_F(Portal, OldDesktopsMayChooseTheirOwnRequestPaths) {
+    portal_.choosesItsOwnPaths = true;
+    const auto answerHeld = [this] {
+        const auto held = portal_.takeHeld();
+        // Brings the replies that name the paths to our side before the answers.
+        QDBusConnection::sessionBus().interface()->isServiceRegistered("org.freedesktop.portal.Desktop");
+        processPending();
+        for (const auto& send : held) {
+            send();
+        }
+    };
+    accessibility_.isTrustedWithPrompt();
+    ASSERT_TRUE(waitFor([&] {
+        answerHeld();
+        return portal_.isAsking();
+    }));
+    portal_.answer(0);
+    answerHeld();
+    EXPECT_TRUE(becomesTrusted(true));
+}
+
+TEST_F(Portal, PointerMovesByFractionsAreHandedOnUnrounded) {
+    ASSERT_TRUE(opensSession());
+    injection_.movePointer(1.5, -0.25);
+    injection_.movePointer(-2000, 4);
+    injection_.movePointer(0, 0);
+    expectInput({"PointerMotion 1.5 -0.25", "PointerMotion -2000 4", "PointerMotion 0 0"});
+}
+
+TEST_F(Portal, ClicksPressAndReleaseTheButton) {
+    ASSERT_TRUE(opensSession());
+    injection_.click("right");
+    expectInput({"PointerButton 273 1", "PointerButton 273 0"});
+}
+
+TEST_F(Portal, KeysFromAnotherThreadKeepTheirOrderAndTheirModifiers) {
+    ASSERT_TRUE(opensSession());
+    std::thread server([this] {
+        const std::string_view modifiers[] = {"cmd", "shift"};
+        injection_.sendCGKey(123, modifiers);
+        injection_.sendSystemMediaKey(16);
+    });
+    server.join();
+    expectInput({"KeyboardKeysym 65515 1", "KeyboardKeysym 65505 1", "KeyboardKeysym 65361 1",
+                 "KeyboardKeysym 65361 0", "KeyboardKeysym 65505 0", "KeyboardKeysym 65515 0",
+                 "KeyboardKeysym 269025044 1", "KeyboardKeysym 269025044 0"});
+}
+
+TEST_F(Portal, TextIsTypedByUnicodeKeysyms) {
+    ASSERT_TRUE(opensSession());
+    injection_.sendUnicodeText("é\U0001F44D\n");
+    expectInput({"KeyboardKeysym 233 1", "KeyboardKeysym 233 0", "KeyboardKeysym 16905293 1",
+                 "KeyboardKeysym 16905293 0", "KeyboardKeysym 65293 1", "KeyboardKeysym 65293 0"});
+}
+
+TEST_F(Portal, OnlyTheDevicesThatTheUserGrantedAreUsed) {
+    portal_.devices = 1;
+    ASSERT_TRUE(opensSession());
+    injection_.movePointer(1, 1);
+    injection_.click("left");
+    injection_.sendUnicodeText("k");
+    expectInput({"KeyboardKeysym 107 1", "KeyboardKeysym 107 0"});
+}
+
+} // namespace
+
+} // namespace velloway::test

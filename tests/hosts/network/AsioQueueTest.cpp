@@ -1,0 +1,184 @@
+#include "hosts/linux/network/AsioQueue.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <future>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <pthread.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace velloway::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+/// Runs `act` on the queue and hands its result back.
+template <class Act> auto on(DispatchQueue& queue, Act act) {
+    std::promise<decltype(act())> promise;
+    auto future = promise.get_future();
+    queue.async([&] { promise.set_value(act()); });
+    EXPECT_EQ(future.wait_for(10s), std::future_status::ready);
+    return future.get();
+}
+
+TEST(AsioQueueTest, runs_the_jobs_of_each_thread_in_the_order_in_which_they_were_handed_over) {
+    constexpr int perThread = 20'000;
+    std::vector<int> seen[2];
+    AsioQueue queue("ws.server");
+    std::vector<std::thread> threads;
+    for (auto& order : seen) {
+        threads.emplace_back([&queue, &order] {
+            for (int job = 0; job < perThread; ++job) {
+                queue.async([&order, job] { order.push_back(job); });
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    on(queue, [] { return true; });
+    for (const auto& order : seen) {
+        EXPECT_EQ(order.size(), perThread);
+        EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    }
+}
+
+TEST(AsioQueueTest, never_runs_a_job_inside_the_call_that_hands_it_over) {
+    AsioQueue queue("ws.server");
+    std::vector<std::string> notes;
+    std::promise<void> done;
+    queue.async([&] {
+        queue.async([&] {
+            notes.emplace_back("inner");
+            done.set_value();
+        });
+        notes.emplace_back("outer");
+    });
+    ASSERT_EQ(done.get_future().wait_for(10s), std::future_status::ready);
+    EXPECT_THAT(notes, ElementsAre("outer", "inner"));
+}
+
+TEST(AsioQueueTest, delayed_jobs_run_in_the_order_of_their_times_and_then_of_the_calls) {
+    AsioQueue queue("ws.server");
+    std::vector<std::string> notes;
+    std::promise<void> done;
+    queue.async([&] {
+        queue.asyncAfter(30ms, [&] { notes.emplace_back("30 first"); });
+        queue.asyncAfter(10ms, [&] { notes.emplace_back("10"); });
+        queue.asyncAfter(30ms, [&] {
+            notes.emplace_back("30 second");
+            done.set_value();
+        });
+    });
+    ASSERT_EQ(done.get_future().wait_for(10s), std::future_status::ready);
+    EXPECT_THAT(notes, ElementsAre("10", "30 first", "30 second"));
+}
+
+TEST(AsioQueueTest, a_delayed_job_comes_no_earlier_than_asked) {
+    AsioQueue queue("ws.server");
+    std::promise<std::chrono::steady_clock::time_point> ran;
+    const auto start = std::chrono::steady_clock::now();
+    queue.asyncAfter(50ms, [&] { ran.set_value(std::chrono::steady_clock::now()); });
+    EXPECT_GE(ran.get_future().get() - start, 50ms);
+}
+
+TEST(AsioQueueTest, a_short_delay_asked_for_after_a_long_one_is_not_held_up) {
+    AsioQueue queue("ws.server");
+    std::promise<void> done;
+    queue.asyncAfter(1h, [] { FAIL() << "the long delay ran"; });
+    on(queue, [] { return true; });
+    queue.asyncAfter(5ms, [&] { done.set_value(); });
+    EXPECT_EQ(done.get_future().wait_for(5s), std::future_status::ready);
+}
+
+TEST(AsioQueueTest, is_current_in_its_own_jobs_only) {
+    AsioQueue queue("ws.server");
+    AsioQueue other("other");
+    EXPECT_FALSE(queue.isCurrent());
+    EXPECT_TRUE(on(queue, [&] { return queue.isCurrent(); }));
+    EXPECT_FALSE(on(other, [&] { return queue.isCurrent(); }));
+}
+
+TEST(AsioQueueTest, its_thread_has_the_given_name_and_runs_a_little_below_the_others) {
+    AsioQueue queue("ws.server");
+    EXPECT_EQ(on(queue,
+                 [] {
+                     char name[16] = {};
+                     pthread_getname_np(pthread_self(), name, sizeof name);
+                     return std::string(name);
+                 }),
+              "ws.server");
+    const int ours = getpriority(PRIO_PROCESS, 0);
+    EXPECT_GT(on(queue, [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid))); }),
+              ours);
+}
+
+TEST(AsioQueueTest, lets_go_of_what_a_job_holds_once_it_has_run) {
+    AsioQueue queue("ws.server");
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watch = held;
+    queue.async([held = std::move(held)] {});
+    on(queue, [] { return true; });
+    EXPECT_TRUE(on(queue, [&] { return watch.expired(); }));
+}
+
+TEST(AsioQueueTest, at_the_end_the_running_job_is_finished_and_waiting_ones_are_dropped) {
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watch = held;
+    std::promise<void> started;
+    std::atomic<bool> goOn = false;
+    bool isFinished = false;
+    std::thread release;
+    {
+        AsioQueue queue("ws.server");
+        queue.async([&] {
+            started.set_value();
+            while (!goOn) {
+                std::this_thread::yield();
+            }
+            isFinished = true;
+        });
+        started.get_future().wait();
+        queue.async([held] { FAIL() << "ran after the end"; });
+        queue.asyncAfter(0ms, [held = std::move(held)] { FAIL() << "ran after the end"; });
+        // The end has begun, or is about to, when the running job may go on.
+        release = std::thread([&] {
+            std::this_thread::sleep_for(50ms);
+            goOn = true;
+        });
+    }
+    release.join();
+    EXPECT_TRUE(isFinished);
+    EXPECT_TRUE(watch.expired());
+}
+
+TEST(AsioQueueTest, what_a_dropped_job_held_may_hand_over_jobs_as_it_goes) {
+    struct Parting {
+        DispatchQueue& queue;
+        std::shared_ptr<int> held;
+        ~Parting() {
+            queue.async([kept = held] { FAIL() << "ran after the end"; });
+        }
+    };
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watch = held;
+    {
+        AsioQueue queue("ws.server");
+        queue.asyncAfter(1h, [parting = std::make_shared<Parting>(Parting{queue, std::move(held)})] {});
+    }
+    EXPECT_TRUE(watch.expired());
+}
+
+} // namespace
+} // namespace velloway::test
