@@ -243,10 +243,11 @@ TEST_F(QtSurfaceTest, the_main_window_is_opaque_takes_keys_and_hears_when_it_is_
     program.delegate().showSettings(0);
     on.drain();
     auto surface = surfaces.make(on.windows.mainWindow->content, Look::opaque);
+    ASSERT_NE(surface->nativeView(), nullptr);
+    viewOf(*surface)->resize(850, 550);
     ContentView& view = show(*surface);
     EXPECT_FALSE(view.flags() & Qt::WindowDoesNotAcceptFocus);
     EXPECT_EQ(view.color().alpha(), 255);
-    view.resize(850, 550);
     EXPECT_TRUE(waitFor([&] { return ViewHarness::shows("sidebar", &view); }));
     const int checks = on.accessibility.checks;
     surface->setShown(false);
