@@ -12,6 +12,9 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <algorithm>
+#include <stdexcept>
+
 namespace velloway::test {
 namespace {
 
@@ -27,13 +30,19 @@ template <class Panel> std::vector<Panel*> visible() {
     return found;
 }
 
+template <class Panel> bool isShown(const QString& title) {
+    const auto panels = visible<Panel>();
+    return std::any_of(panels.begin(), panels.end(),
+                       [&](const Panel* panel) { return panel->windowTitle() == title; });
+}
+
 template <class Panel> Panel* titled(const QString& title) {
     for (auto* panel : visible<Panel>()) {
         if (panel->windowTitle() == title) {
             return panel;
         }
     }
-    return nullptr;
+    throw std::runtime_error("no panel has the title " + title.toStdString());
 }
 
 QAbstractButton* button(QWidget* panel, const QString& name) {
@@ -42,7 +51,7 @@ QAbstractButton* button(QWidget* panel, const QString& name) {
             return candidate;
         }
     }
-    return nullptr;
+    throw std::runtime_error("no button has the name " + name.toStdString());
 }
 
 class NotificationPanelsTest : public testing::Test {
@@ -70,7 +79,6 @@ protected:
 TEST_F(NotificationPanelsTest, TheReplyPanelTakesTheKeyboardAndReturnSends) {
     openReply("Ada");
     auto* panel = titled<ReplyPanel>("Ada");
-    ASSERT_NE(panel, nullptr);
     auto* input = panel->findChild<QLineEdit*>();
     ASSERT_TRUE(waitFor([&] { return input->hasFocus(); }));
     EXPECT_EQ(input->placeholderText(), "Type your reply...");
@@ -184,11 +192,11 @@ TEST_F(NotificationPanelsTest, FourBannersStandAtOnceAndTheOthersFollow) {
         EXPECT_TRUE(show(std::to_string(i)));
     }
     EXPECT_EQ(visible<NotificationBanner>().size(), 4u);
-    EXPECT_EQ(titled<NotificationBanner>("4"), nullptr);
+    EXPECT_FALSE(isShown<NotificationBanner>("4"));
     panels_.closeBanner("5");
     panels_.closeBanner("0");
     panels_.closeBanner("1");
-    EXPECT_NE(titled<NotificationBanner>("4"), nullptr);
+    EXPECT_TRUE(isShown<NotificationBanner>("4"));
     EXPECT_EQ(visible<NotificationBanner>().size(), 3u);
 }
 
