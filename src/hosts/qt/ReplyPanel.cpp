@@ -1,6 +1,7 @@
 #include "hosts/qt/ReplyPanel.h"
 
 #include "hosts/qt/ElidedLabel.h"
+#include "hosts/qt/WindowSpaces.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -33,6 +34,9 @@ ReplyPanel::ReplyPanel(const Prompt& prompt) {
     content()->addWidget(row_);
     setFocusProxy(row_);
     fitHeight();
+    // Tools vanish while their program is not the active one on some desktops.
+    setAttribute(Qt::WA_X11NetWmWindowTypeDialog);
+    joinAllSpaces(nativeWindow());
 }
 
 void ReplyPanel::takeKeyboard() {

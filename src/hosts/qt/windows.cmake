@@ -2,8 +2,7 @@
 # loads.
 if(NOT APPLE)
     target_sources(velloway_host_qt PRIVATE ${CMAKE_CURRENT_LIST_DIR}/QtWindows.cpp)
-    add_library(velloway_quick_windows STATIC
-        ${CMAKE_CURRENT_LIST_DIR}/QuickWindows.cpp ${CMAKE_CURRENT_LIST_DIR}/WindowSpacesX11.cpp)
+    add_library(velloway_quick_windows STATIC ${CMAKE_CURRENT_LIST_DIR}/QuickWindows.cpp)
     set_target_properties(velloway_quick_windows PROPERTIES POSITION_INDEPENDENT_CODE ON)
     target_link_libraries(velloway_quick_windows
         PUBLIC velloway_ui
