@@ -16,6 +16,17 @@ class Panels(DesktopTest):
         columns, rows = [at % width for at in hits], [at // width for at in hits]
         return x + max(columns) - 15, y + (min(rows) + max(rows)) // 2
 
+    def banner(self):
+        """A banner of the program's own, since there is no notification service here."""
+        self.node.send({"app": "Chat", "title": "Ada", "body": "See you at seven?", "key": "k1"})
+        window = wait_for(lambda: words("xdotool", "search", "--onlyvisible", "--name", "^Chat$").split(), "the banner")[0]
+        wait_for(lambda: sum(pixel in BLUE for pixel in pixels(880, 0, 400, 300)) > BUTTON, "the banner on the screen")
+        return window
+
+    def place(self, window):
+        found = dict(line.split("=") for line in words("xdotool", "getwindowgeometry", "--shell", window).split())
+        return int(found["X"]), int(found["Y"]), int(found["HEIGHT"])
+
     def test_a_ringing_panel_is_seen_on_every_workspace(self):
         self.ring()
         self.assert_ringing_seen("on the first workspace")
@@ -87,21 +98,56 @@ class Panels(DesktopTest):
     def test_the_second_click_of_a_double_click_does_not_hang_up(self):
         self.ring()
         self.assert_ringing_seen("it is there")
-        run("xdotool", "mousemove", *map(str, self.accept_button()), "click", "--repeat", "2", "--delay", "180", "1")
+        button = [*map(str, self.accept_button())]
+        run("xdotool", "mousemove", *button, "click", "1", "sleep", "0.18", "click", "1")
         self.node.wait_message("answer_call")
+        # A button under the pointer has another colour.
+        run("xdotool", "mousemove", "400", "600")
         self.assert_seen((0, 1), "the panel of the call")
         self.assertNotIn("hangup_call", [each.get("action") for each in self.node.messages()])
-        run("xdotool", "sleep", "0.6", "click", "1")
+        run("xdotool", "mousemove", *button, "sleep", "0.6", "click", "1")
         self.node.wait_message("hangup_call")
 
     def test_a_banner_leaves_the_place_of_a_panel_free(self):
-        """There is no notification service here, so that the program shows banners of its own."""
         self.ring()
         self.assert_ringing_seen("it is there")
-        self.node.send({"app": "Chat", "title": "Ada", "body": "See you at seven?", "key": "k1"})
-        wait_for(lambda: words("xdotool", "search", "--onlyvisible", "--name", "^Chat$"), "the banner")
+        self.banner()
         self.assert_ringing_seen("with a banner below it")
         self.picture("banner")
+
+    def test_a_banner_that_was_there_first_makes_room(self):
+        _, typed = self.full_screen_terminal()
+        self.banner()
+        self.picture("banner-full-screen")
+        self.ring()
+        self.assert_ringing_seen("above the banner")
+        self.type_line("still here", typed)
+
+    def test_an_answer_is_typed_into_a_banner_over_a_full_screen_window(self):
+        self.full_screen_terminal()
+        window = self.banner()
+        x, y, height = self.place(window)
+        run("xdotool", "mousemove", str(x + 100), str(y + height - 28), "click", "1")
+        wait_for(lambda: words("xdotool", "getwindowfocus").strip() == window, "the banner has the keyboard")
+        run("xdotool", "type", "--delay", "20", "On my way")
+        run("xdotool", "key", "Return")
+        self.assertEqual(self.node.wait_message("reply"), {"action": "reply", "key": "k1", "message": "On my way"})
+
+    def test_a_reply_panel_takes_the_keyboard_over_a_full_screen_window(self):
+        service = NotificationService(["body", "actions"])
+        self.addCleanup(service.remove_from_connection)
+        self.full_screen_terminal()
+        self.node.send({"app": "Chat", "title": "Ada", "body": "See you at seven?", "key": "k1"})
+        shown = service.wait_shown("Chat")
+        service.ActionInvoked(shown["id"], next(key for key in shown["actions"] if key != "default"))
+        panel = wait_for(self.managed_windows, "the reply panel")[0]
+        wait_for(lambda: active_window() == panel, "the reply panel has the keyboard")
+        # Of its Send button.
+        wait_for(lambda: sum(pixel in BLUE for pixel in pixels(880, 0, 400, 240)) > BUTTON, "the panel on the screen")
+        self.picture("reply")
+        run("xdotool", "type", "--delay", "20", "On my way")
+        run("xdotool", "key", "Return")
+        self.assertEqual(self.node.wait_message("reply"), {"action": "reply", "key": "k1", "message": "On my way"})
 
 
 if __name__ == "__main__":

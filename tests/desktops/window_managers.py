@@ -61,7 +61,7 @@ def words(*command):
 
 
 def root_property(name):
-    return words("xprop", "-root", name).partition("=" if "=" in words("xprop", "-root", name) else "#")[2].strip()
+    return re.sub(r"^[^=#]*[=#]", "", words("xprop", "-root", name)).strip()
 
 
 def windows_in(name):
@@ -90,6 +90,7 @@ def pixels(x, y, width, height):
 
 GREEN = {bytes.fromhex(color) for color in ("30d158", "2db84f")}
 RED = {bytes.fromhex(color) for color in ("ff453a", "f5392f")}
+BLUE = {bytes.fromhex(color) for color in ("0070f0", "0a84ff")}
 # Of a round button of 32 by 32 with a symbol on it.
 BUTTON = 350
 

@@ -41,7 +41,7 @@ ReplyPanel::ReplyPanel(const Prompt& prompt) {
 
 void ReplyPanel::takeKeyboard() {
     raise();
-    activateWindow();
+    activateForUser(nativeWindow());
     row_->input()->setFocus(Qt::ActiveWindowFocusReason);
 }
 

@@ -13,6 +13,10 @@ void floatOverEverything(QWindow& window);
 /// desktop each time that it is shown. Main thread only.
 void joinAllSpaces(QWindow& window);
 
+/// Gives the keyboard to a window that the user has just asked for in another program, which the window manager
+/// cannot know. Main thread only.
+void activateForUser(QWindow& window);
+
 /// The name of the windows that banners make room for.
 inline constexpr const char* callPanelName = "CallPanel";
 

@@ -40,6 +40,21 @@ void setProperty(const QWindow& window, const char* name, xcb_atom_t type, std::
     xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, idOf(window), atom(name), type, 32, 1, &value);
 }
 
+/// Asks the window manager to do something with a window.
+void ask(const QWindow& window, const char* what, const std::uint32_t (&data)[5]) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = idOf(window);
+    message.type = atom(what);
+    std::memcpy(message.data.data32, data, sizeof data);
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+    xcb_send_event(connection(), 0, root,
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    xcb_flush(connection());
+}
+
 /// Brings a window back up that no window manager looks after, whenever the manager has put another window above
 /// it. Dies with the window.
 class StayingOnTop : public QObject, public QAbstractNativeEventFilter {
@@ -85,8 +100,8 @@ public:
             isAsked_ = true;
             constexpr std::uint32_t add = 1;
             constexpr std::uint32_t fromAProgram = 1;
-            ask("_NET_WM_STATE", {add, atom("_NET_WM_STATE_STICKY"), 0, fromAProgram, 0});
-            ask("_NET_WM_DESKTOP", {everyDesktop, fromAProgram, 0, 0, 0});
+            ask(window_, "_NET_WM_STATE", {add, atom("_NET_WM_STATE_STICKY"), 0, fromAProgram, 0});
+            ask(window_, "_NET_WM_DESKTOP", {everyDesktop, fromAProgram, 0, 0, 0});
         } else if (event->type() == QEvent::Hide) {
             isAsked_ = false;
         }
@@ -94,20 +109,6 @@ public:
     }
 
 private:
-    void ask(const char* what, const std::uint32_t (&data)[5]) {
-        xcb_client_message_event_t message{};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = idOf(window_);
-        message.type = atom(what);
-        std::memcpy(message.data.data32, data, sizeof data);
-        const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
-        xcb_send_event(connection(), 0, root,
-                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                       reinterpret_cast<const char*>(&message));
-        xcb_flush(connection());
-    }
-
     QWindow& window_;
     bool isAsked_ = false;
 };
@@ -132,6 +133,14 @@ void joinAllSpaces(QWindow& window) {
     }
     setProperty(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, everyDesktop);
     new BeingEverywhere(window);
+}
+
+void activateForUser(QWindow& window) {
+    window.requestActivate();
+    if (connection()) {
+        constexpr std::uint32_t fromTheUser = 2;
+        ask(window, "_NET_ACTIVE_WINDOW", {fromTheUser, XCB_CURRENT_TIME, 0, 0, 0});
+    }
 }
 
 bool canSystemMove(const QWindow& window) {
