@@ -1,7 +1,7 @@
 #include "hosts/qt/NotificationPanels.h"
-#include "hosts/qt/WindowSpaces.h"
 #include "desktop/WaitFor.h"
 #include "hosts/qt/ElidedLabel.h"
+#include "hosts/qt/WindowSpaces.h"
 
 #include <gtest/gtest.h>
 

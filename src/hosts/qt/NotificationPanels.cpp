@@ -55,7 +55,8 @@ bool NotificationPanels::eventFilter(QObject* watched, QEvent* event) {
     if ((kind == QEvent::Show || kind == QEvent::Hide) && !(banners_.empty() && replies_.empty()) &&
         watched->isWindowType() && watched->objectName() == QLatin1String(callPanelName)) {
         // After the event, when the panel is there or gone.
-        QMetaObject::invokeMethod(this, [this] { arrange(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { arrange(); }, Qt::QueuedConnection);
     }
     return false;
 }

@@ -76,7 +76,8 @@ protected:
     }
 
 private:
-    /// Panels take each other's place: the second click of a double click hits a panel that the first one brought.
+    /// Panels take each other's place: the second click of a double click hits a panel that the first one
+    /// brought.
     bool isMeantForAnother(const QEvent& event) {
         static struct {
             int panel;

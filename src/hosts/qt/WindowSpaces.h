@@ -9,8 +9,8 @@ namespace velloway {
 /// manager looks after it: `requestActivate` is all that gives it the keyboard. Main thread only.
 void floatOverEverything(QWindow& window);
 
-/// The same for a window that takes the keyboard, which must stay in the care of the window manager: it is on every
-/// desktop each time that it is shown. Main thread only.
+/// The same for a window that takes the keyboard, which must stay in the care of the window manager: it is on
+/// every desktop each time that it is shown. Main thread only.
 void joinAllSpaces(QWindow& window);
 
 /// Gives the keyboard to a window that the user has just asked for in another program, which the window manager

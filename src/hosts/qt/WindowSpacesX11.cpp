@@ -25,8 +25,7 @@ xcb_connection_t* connection() {
 }
 
 xcb_atom_t atom(const char* name) {
-    const auto cookie =
-        xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+    const auto cookie = xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(std::strlen(name)), name);
     const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
         xcb_intern_atom_reply(connection(), cookie, nullptr), &std::free);
     return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
@@ -55,8 +54,8 @@ void ask(const QWindow& window, const char* what, const std::uint32_t (&data)[5]
     xcb_flush(connection());
 }
 
-/// Brings a window back up that no window manager looks after, whenever the manager has put another window above
-/// it. Dies with the window.
+/// Brings a window back up that no window manager looks after, whenever the manager has put another window
+/// above it. Dies with the window.
 class StayingOnTop : public QObject, public QAbstractNativeEventFilter {
 public:
     explicit StayingOnTop(QWindow& window)
