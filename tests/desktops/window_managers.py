@@ -27,6 +27,13 @@ def prepare_kwin():
     (folder() / "kwinrc").write_text(f"[Desktops]\nNumber={WORKSPACES}\nRows=1\n[Compositing]\nEnabled=false\n")
 
 
+def prepare_fluxbox():
+    own = pathlib.Path(os.environ["HOME"], ".fluxbox")
+    own.mkdir(exist_ok=True)
+    # It would set a picture with a program that is not there, and say so in a window.
+    (own / "overlay").write_text("background: none\n")
+
+
 def prepare_i3():
     (folder("i3") / "config").write_text("font pango:monospace 8\nfocus_follows_mouse no\n"
                                          + "".join(f"bindsym Mod4+{n} workspace {n}\n" for n in range(1, 5)))
@@ -49,7 +56,7 @@ MANAGERS = {
     "openbox": Manager(["openbox"]),
     "metacity": Manager(["metacity", "--no-composite"], environment={"GSETTINGS_BACKEND": "memory"}),
     "icewm": Manager(["icewm"]),
-    "fluxbox": Manager(["fluxbox"]),
+    "fluxbox": Manager(["fluxbox"], prepare=prepare_fluxbox),
     "i3": Manager(["i3"], prepare=prepare_i3),
     "kwin": Manager(["kwin_x11", "--no-kactivities"], prepare=prepare_kwin, environment={"KWIN_COMPOSE": "N"}),
 }
@@ -110,7 +117,9 @@ class DesktopTest(AppTest):
         chosen = MANAGERS[self.manager]
         chosen.prepare()
         for command in chosen.commands:
-            self.start(Process(*command, env=os.environ | chosen.environment))
+            # Whatever it starts in its turn may hold its output open for longer than the test takes.
+            self.start(Process("sh", "-c", 'exec "$@" >>"$HOME/manager.log" 2>&1', "sh", *command,
+                               env=os.environ | chosen.environment))
             wait_for(lambda: windows_in("_NET_SUPPORTING_WM_CHECK"), f"{self.manager} manages windows")
         if "xfce4-panel" in chosen.commands[-1]:
             wait_for(lambda: windows_in("_NET_CLIENT_LIST"), "the panel of the desktop")
