@@ -40,9 +40,9 @@ inline bool isOnShow(const QWindow& window) {
     return window.isVisible() && !(window.windowStates() & Qt::WindowMinimized);
 }
 
-/// Waits with `wait` until a window is exposed and has then drawn a frame. Only an exposed window gives its view
-/// a size, and lists make their rows for a frame. Throws when that takes too long; a window that is hidden,
-/// minimised or destroyed meanwhile has nothing to wait for.
+/// Waits with `wait` until a window is exposed and has then drawn a frame. Only an exposed window gives its
+/// view a size, and lists make their rows for a frame. Throws when that takes too long; a window that is
+/// hidden, minimised or destroyed meanwhile has nothing to wait for.
 template <class Wait> void waitForFrame(ContentView& of, Wait wait) {
     const QPointer<ContentView> window(&of);
     const auto isGone = [&] { return !window || !isOnShow(*window); };
@@ -53,7 +53,8 @@ template <class Wait> void waitForFrame(ContentView& of, Wait wait) {
         return;
     }
     bool isDrawn = false;
-    const auto connection = QObject::connect(window, &QQuickWindow::frameSwapped, [&isDrawn] { isDrawn = true; });
+    const auto connection =
+        QObject::connect(window, &QQuickWindow::frameSwapped, [&isDrawn] { isDrawn = true; });
     window->update();
     const bool isInTime = wait([&] { return isGone() || isDrawn; });
     QObject::disconnect(connection);

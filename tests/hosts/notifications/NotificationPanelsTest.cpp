@@ -1,6 +1,7 @@
 #include "hosts/linux/notifications/NotificationPanels.h"
 #include "desktop/WaitFor.h"
 #include "hosts/linux/notifications/ElidedLabel.h"
+#include "hosts/linux/windows/WindowSpaces.h"
 
 #include <gtest/gtest.h>
 
@@ -149,6 +150,30 @@ TEST_F(NotificationPanelsTest, PanelsStandBelowEachOtherAtTheTopRight) {
     EXPECT_EQ(two.right(), ada.right());
     QTest::keyClick(titled<ReplyPanel>("Ada")->findChild<QLineEdit*>(), Qt::Key_Escape);
     EXPECT_EQ(titled<NotificationBanner>("one")->panelGeometry().top(), screen.top() + 20);
+}
+
+TEST_F(NotificationPanelsTest, BannersMakeRoomForACallPanelAndComeBack) {
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const auto topOf = [](const char* title) {
+        return titled<NotificationBanner>(title)->panelGeometry().top();
+    };
+    show("one");
+    ASSERT_EQ(topOf("one"), screen.top() + 20);
+    QWindow call;
+    call.setObjectName(callPanelName);
+    call.setFlag(Qt::BypassWindowManagerHint);
+    call.setGeometry(screen.right() - 369, screen.top() + 20, 350, 80);
+    call.show();
+    EXPECT_TRUE(waitFor([&] { return topOf("one") == screen.top() + 110; }));
+    show("two");
+    EXPECT_GT(topOf("two"), topOf("one"));
+    call.hide();
+    EXPECT_TRUE(waitFor([&] { return topOf("one") == screen.top() + 20; }));
+    // Dragged out of the way, it takes no room.
+    call.setPosition(screen.left(), screen.top());
+    call.show();
+    show("three");
+    EXPECT_EQ(topOf("one"), screen.top() + 20);
 }
 
 TEST_F(NotificationPanelsTest, ABannerDoesNotTakeTheKeyboardButItsFieldCanHaveIt) {
