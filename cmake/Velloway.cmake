@@ -26,7 +26,7 @@ if(VELLOWAY_SANITIZE STREQUAL "address")
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer -g1)
     target_link_options(velloway_options INTERFACE -fsanitize=address,undefined)
 elseif(VELLOWAY_SANITIZE STREQUAL "thread")
-    # The sanitizer ignores fences, and the compiler warns of those in the headers of the toolkit. We use none.
+    # The sanitizer ignores fences, and the compiler warns of those in the headers of others.
     target_compile_options(velloway_options INTERFACE -fsanitize=thread -Wno-tsan -fno-omit-frame-pointer -g1)
     target_link_options(velloway_options INTERFACE -fsanitize=thread)
 elseif(VELLOWAY_SANITIZE STREQUAL "fuzzer")
