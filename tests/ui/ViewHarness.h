@@ -39,24 +39,7 @@ inline bool isShown(const QQuickItem* item) {
 /// connected from the start.
 class ViewHarness {
 public:
-    ViewHarness()
-        : program(Platform{.mainQueue = on.main,
-                           .serverQueue = on.server,
-                           .network = on.network,
-                           .userDefaults = on.userDefaults,
-                           .notificationCenter = on.notificationCenter,
-                           .pasteboard = on.pasteboard,
-                           .inputEvents = on.input,
-                           .scripts = on.scripts,
-                           .accessibility = on.accessibility,
-                           .loginItem = on.loginItem,
-                           .statusItem = on.statusItem,
-                           .application = on.application,
-                           .windows = windows,
-                           .workspace = on.workspace,
-                           .host = on.host,
-                           .log = on.log},
-                  [] {}) {
+    ViewHarness() : program(on.platform(windows), [] {}) {
         program.delegate().applicationDidFinishLaunching();
         on.drain();
         on.network.listener().report(ListenerState::ready);
