@@ -343,17 +343,20 @@ TEST_F(AppDelegateTest, AnErrorWithoutAGrantIsLoggedAndAlerted) {
     EXPECT_EQ(on.application.alerts.size(), 1u);
 }
 
-class AppDelegateQuietStatusTest : public AppDelegateTest, public testing::WithParamInterface<int> {};
+class AppDelegateQuietStatusTest : public AppDelegateTest,
+                                   public testing::WithParamInterface<AuthorizationStatus> {};
 
 TEST_P(AppDelegateQuietStatusTest, NeedsNoQuestion) {
     launch();
-    on.notificationCenter.answerStatus(static_cast<AuthorizationStatus>(GetParam()));
+    on.notificationCenter.answerStatus(GetParam());
     on.drain();
     EXPECT_THAT(on.application.alerts, IsEmpty());
     EXPECT_THAT(on.notificationCenter.authorizationQueries, IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Statuses, AppDelegateQuietStatusTest, testing::Values(2, 3, 4, 5, -1));
+INSTANTIATE_TEST_SUITE_P(Statuses, AppDelegateQuietStatusTest,
+                         testing::Values(AuthorizationStatus::authorized, AuthorizationStatus::provisional,
+                                         AuthorizationStatus::ephemeral, AuthorizationStatus::unknown));
 
 TEST_F(AppDelegateTest, ADeniedPermissionAlertsAtEveryLaunch) {
     for (int count = 1; count <= 2; ++count) {
@@ -468,7 +471,8 @@ TEST_F(AppDelegateResponseTest, EveryNotificationIsPresentedAlike) {
         unsigned options = 0;
         program.delegate().willPresent({.identifier = "x", .content = {.categoryIdentifier = category}},
                                        [&](unsigned given) { options = given; });
-        EXPECT_EQ(options, 0x10u | 2u | 1u);
+        EXPECT_EQ(options,
+                  presentationOptions::banner | presentationOptions::sound | presentationOptions::badge);
     }
 }
 

@@ -61,10 +61,11 @@ public:
     }
     void willPresent(const NotificationRequest& request, std::function<void(unsigned)> completion) override {
         notes.push_back("present " + request.identifier);
-        completion(0x13);
+        completion(options);
     }
 
     bool terminates = false;
+    unsigned options = presentationOptions::banner | presentationOptions::sound | presentationOptions::badge;
     ServicePasteboard given;
     std::vector<std::string> notes;
 };
@@ -350,16 +351,51 @@ TEST_F(MacNotificationsTest, removals_categories_and_permission_are_passed_on) {
                                         .title = "Reply",
                                         .textInputButtonTitle = "Send",
                                         .textInputPlaceholder = "Type your reply..."}}}});
-    AuthorizationStatus status = AuthorizationStatus::notDetermined;
-    center.getAuthorizationStatus([&](AuthorizationStatus now) { status = now; });
-    center.requestAuthorization(7, [](bool, const auto&) {});
-    fakeMac.authorizationStatus = 1;
-    fakeMac.runLater();
-    EXPECT_EQ(status, AuthorizationStatus::denied);
+    center.requestAuthorization(authorizationOptions::alert | authorizationOptions::sound |
+                                    authorizationOptions::badge,
+                                [](bool, const auto&) {});
     EXPECT_THAT(calls(), ElementsAre("remove delivered a", "remove delivered b", "remove pending a",
                                      "category REPLY_CATEGORY options 0 intents 0 action "
                                      "REPLY_ACTION/Reply/0/Send/Type your reply...",
-                                     "notification settings", "request authorization 7"));
+                                     "request authorization 7"));
+}
+
+TEST_F(MacNotificationsTest, each_permission_is_asked_for_by_its_own_option) {
+    const std::pair<unsigned, int> cases[] = {
+        {authorizationOptions::badge, 1}, {authorizationOptions::sound, 2}, {authorizationOptions::alert, 4}};
+    for (const auto& [option, native] : cases) {
+        center.requestAuthorization(option, [](bool, const auto&) {});
+        EXPECT_THAT(calls(), ElementsAre("request authorization " + std::to_string(native)));
+    }
+}
+
+TEST_F(MacNotificationsTest, the_status_of_the_permission_is_that_of_the_system) {
+    const std::pair<int, AuthorizationStatus> cases[] = {
+        {0, AuthorizationStatus::notDetermined}, {1, AuthorizationStatus::denied},
+        {2, AuthorizationStatus::authorized},    {3, AuthorizationStatus::provisional},
+        {4, AuthorizationStatus::ephemeral},     {5, AuthorizationStatus::unknown},
+        {-1, AuthorizationStatus::unknown},
+    };
+    for (const auto& [native, expected] : cases) {
+        std::optional<AuthorizationStatus> status;
+        center.getAuthorizationStatus([&](AuthorizationStatus now) { status = now; });
+        EXPECT_FALSE(status) << "it comes later";
+        fakeMac.authorizationStatus = native;
+        fakeMac.runLater();
+        EXPECT_EQ(status, expected) << native;
+    }
+}
+
+TEST_F(MacNotificationsTest, each_way_of_presenting_is_its_own_option) {
+    center.setDelegate(&recorder);
+    const std::pair<unsigned, unsigned long> cases[] = {{presentationOptions::badge, 1},
+                                                        {presentationOptions::sound, 2},
+                                                        {presentationOptions::banner, 0x10},
+                                                        {0, 0}};
+    for (const auto& [options, native] : cases) {
+        recorder.options = options;
+        EXPECT_EQ(fakePresentNotification("k"), native);
+    }
 }
 
 TEST_F(MacNotificationsTest, answers_reach_the_program_and_each_is_completed_once) {

@@ -38,7 +38,7 @@ using testing::StartsWith;
 /// The whole program on the macOS adapters. Only the main queue, the log and the views are stand-ins of ours:
 /// on a Mac they come from Qt.
 class MacProgramTest : public testing::Test {
-protected:
+public:
     MacProgramTest() {
         resetFakeMac();
         fakeNetworkFramework = {};
