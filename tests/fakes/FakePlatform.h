@@ -31,7 +31,9 @@ struct FakePlatform {
     FakeHost host;
     FakeLog log;
 
-    Platform platform() {
+    Platform platform() { return platform(windows); }
+    /// The same host with other windows.
+    Platform platform(Windows& otherWindows) {
         return {.mainQueue = main,
                 .serverQueue = server,
                 .network = network,
@@ -44,7 +46,7 @@ struct FakePlatform {
                 .loginItem = loginItem,
                 .statusItem = statusItem,
                 .application = application,
-                .windows = windows,
+                .windows = otherWindows,
                 .workspace = workspace,
                 .host = host,
                 .log = log};
