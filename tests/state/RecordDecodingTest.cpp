@@ -140,14 +140,6 @@ TEST_F(RecordDecoding, needsBothKeysOfASim) {
     }
 }
 
-TEST_F(RecordDecoding, needsTheNumberOfAnIncomingCall) {
-    EXPECT_EQ(decodeIncomingCallInfo(parse(R"({"number":"1","name":null})")),
-              (IncomingCallInfo{.number = "1", .name = {}}));
-    EXPECT_EQ(decodeIncomingCallInfo(parse(R"({"number":"1","name":"A"})"))->name, "A");
-    EXPECT_FALSE(decodeIncomingCallInfo(parse(R"({"name":"A"})")));
-    EXPECT_FALSE(decodeIncomingCallInfo(parse(R"({"number":"1","name":2})")));
-}
-
 TEST_F(RecordDecoding, losesTheWholeListWithOneBadElement) {
     constexpr std::string_view goodCall = R"({"number":"1","date":1,"duration":2,"type":3})";
     const std::string good(goodCall);
@@ -197,6 +189,18 @@ TEST(Records, showTheTimeOfTodayAndTheDateOfAnyOtherDay) {
     EXPECT_EQ(payload.formattedTime(host), "13/11/2023, 21:13");
     payload.time = 1'700'000'000 + 24.0 * 3600;
     EXPECT_EQ(payload.formattedTime(host), "15/11/2023, 22:13");
+}
+
+TEST(Records, goByTheClockOfTheUser) {
+    FakeHost host;
+    NotifPayload payload;
+    payload.time = 1'700'000'000;
+    host.zone = "Asia/Kolkata";
+    EXPECT_EQ(payload.formattedTime(host), "03:43");
+    payload.time -= 4 * 3600.0;
+    EXPECT_EQ(payload.formattedTime(host), "14/11/2023, 23:43") << "yesterday there, today at Greenwich";
+    host.zone = "America/New_York";
+    EXPECT_EQ(payload.formattedTime(host), "13:13");
 }
 
 } // namespace
