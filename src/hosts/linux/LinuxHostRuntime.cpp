@@ -8,6 +8,7 @@
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 #include "hosts/linux/windows/QtWindows.h"
 #include "hosts/linux/windows/ViewsLibrary.h"
+#include "hosts/posix/PosixFiles.h"
 
 #include <xcb/xcb.h>
 
@@ -57,6 +58,7 @@ public:
                 .windows = windows_,
                 .workspace = desktop_.workspace,
                 .host = desktop_.host,
+                .files = files_,
                 .log = desktop_.log};
     }
     int run(ApplicationDelegate& delegate) override { return desktop_.run(delegate); }
@@ -71,6 +73,7 @@ private:
     LinuxScripts scripts_{[this](const std::string& error) {
         desktop_.log.line({"[WebSocketServer] AppleScript Error: ", error});
     }};
+    PosixFiles files_;
     QtWindows windows_{[this] { return loadViewsLibrary(desktop_.log); }};
     // Last, so that its thread ends first: jobs there may use all of the above.
     AsioQueue serverQueue_{"ws.server"};

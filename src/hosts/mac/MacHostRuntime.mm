@@ -15,6 +15,7 @@
 #include "hosts/mac/MacWindows.h"
 #include "hosts/mac/MacWorkspace.h"
 #include "hosts/mac/QtSurface.h"
+#include "hosts/posix/PosixFiles.h"
 #include "hosts/qt/QtMainQueue.h"
 #include "hosts/qt/StandardOutputLog.h"
 
@@ -72,6 +73,7 @@ public:
                 .windows = windows_,
                 .workspace = workspace_,
                 .host = host_,
+                .files = files_,
                 .log = log_};
     }
     int run(ApplicationDelegate& delegate) override {
@@ -90,6 +92,7 @@ private:
     EndingApplication qtApplication_;
     QtMainQueue mainQueue_;
     MacHost host_;
+    PosixFiles files_;
     MacUserDefaults userDefaults_;
     MacUserNotificationCenter notificationCenter_{delegate_};
     MacPasteboard pasteboard_;

@@ -1,5 +1,6 @@
 #include "app/Program.h"
 #include "fakes/FakeDispatchQueue.h"
+#include "fakes/FakeFiles.h"
 #include "fakes/FakeLog.h"
 #include "hosts/mac/FakeCoreFoundation.h"
 #include "hosts/mac/FakeDispatch.h"
@@ -91,6 +92,7 @@ protected:
                 .windows = windows,
                 .workspace = workspace,
                 .host = host,
+                .files = files,
                 .log = log};
     }
 
@@ -100,6 +102,7 @@ protected:
     MacDelegate delegate;
     MacApplication application{delegate};
     MacHost host;
+    FakeFiles files;
     MacUserDefaults userDefaults;
     MacUserNotificationCenter notificationCenter{delegate};
     MacPasteboard pasteboard;
