@@ -3,10 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <string>
 #include <vector>
@@ -425,23 +421,13 @@ TEST_F(MessageDispatchTest, readsEachKeyOfARemoteCommandByItself) {
 
 class IncomingFileDispatchTest : public MessageDispatchTest {
 protected:
-    IncomingFileDispatchTest() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "velloway-dispatch-XXXXXX").string();
-        folder = ::mkdtemp(pattern.data());
-        bench.fakes.host.downloads = folder;
-    }
-    ~IncomingFileDispatchTest() override { std::filesystem::remove_all(folder); }
+    IncomingFileDispatchTest() { bench.fakes.host.downloads = "/home/me"; }
 
-    std::string content(const std::string& name) const {
-        std::ifstream file(folder / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string content(const std::string& name) const { return bench.fakes.files.content("/home/me/" + name); }
     bool isCompleted() {
         const auto& rows = store().fileTransfers.get();
         return !rows.empty() && rows.front().isCompleted;
     }
-
-    std::filesystem::path folder;
 };
 
 TEST_F(IncomingFileDispatchTest, writesAFileFromItsPieces) {

@@ -64,6 +64,8 @@ TEST(OutboundMessages, writeARepliesKeyAndText) {
 TEST(OutboundMessages, writeTheSimSlotOfAnSmsAsAnInteger) {
     EXPECT_EQ(outbound::sendSms({.number = "5551", .body = "a/b", .simSlot = 0}),
               R"({"action":"send_sms","number":"5551","body":"a\/b","simSlot":0})");
+    EXPECT_EQ(outbound::sendSms({.number = "\"5\"", .body = "say \"hi\"\n\\", .simSlot = -1}),
+              R"({"action":"send_sms","number":"\"5\"","body":"say \"hi\"\n\\","simSlot":-1})");
 }
 
 TEST(OutboundMessages, areAbsentWhenATextIsNotUtf8) {

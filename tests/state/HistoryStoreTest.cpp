@@ -62,6 +62,19 @@ TEST_F(HistoryStoreTest, keepsTheSameTextTwiceUnderTwoIdentities) {
     EXPECT_NE(store.clipboardHistory.get()[0].id, store.clipboardHistory.get()[1].id);
 }
 
+TEST_F(HistoryStoreTest, keepsEqualElementsOfEveryListApart) {
+    const NotifPayload payload{.app = "Chat", .title = "Anna", .body = "Hi", .key = "k"};
+    const FileTransferRecord file = transfer("a");
+    for (int i = 0; i < 2; ++i) {
+        store.add(payload);
+        store.addFileTransfer(file);
+        store.addClipboard("text");
+    }
+    EXPECT_EQ(store.items.get(), (std::vector<NotifPayload>{payload, payload}));
+    EXPECT_EQ(store.fileTransfers.get(), (std::vector<FileTransferRecord>{file, file}));
+    EXPECT_EQ(store.clipboardHistory.get().size(), 2U);
+}
+
 TEST_F(HistoryStoreTest, keeps100OfEachKindAndDropsTheOldest) {
     for (int i = 1; i <= 100; ++i) {
         store.add(payload(std::to_string(i)));
