@@ -70,10 +70,10 @@ private:
     std::string text_;
 };
 
-/// Notes when each pointer event is posted. Main thread, but for the counter.
+/// Notes when each move of the pointer arrives. Main thread, but for the counter.
 class TimingInputEvents : public test::FakeInputEvents {
 public:
-    void post(InputEvent&) override {
+    void movePointer(double, double) override {
         const std::size_t index = count_.load(std::memory_order_relaxed);
         if (index < postedAt_.size()) {
             postedAt_[index] = Clock::now();

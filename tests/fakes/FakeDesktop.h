@@ -168,9 +168,7 @@ public:
         note(newPolicy == ActivationPolicy::regular ? "policy regular" : "policy accessory");
         policy = newPolicy;
     }
-    void activate(bool ignoringOtherApps) override {
-        note(ignoringOtherApps ? "activate" : "activate politely");
-    }
+    void activate() override { note("activate"); }
     int runModal(const Alert& alert) override {
         note("alert " + alert.messageText);
         alerts.push_back(alert);
@@ -180,7 +178,8 @@ public:
     ServicesProvider* provider = nullptr;
     std::optional<ActivationPolicy> policy;
     std::vector<Alert> alerts;
-    int alertAnswer = Application::alertFirstButtonReturn + 1;
+    /// The place of the button that the user takes.
+    int alertAnswer = 1;
 
 private:
     void note(std::string entry) {

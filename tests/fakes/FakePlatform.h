@@ -33,7 +33,9 @@ struct FakePlatform {
     FakeFiles files;
     FakeLog log;
 
-    Platform platform() {
+    Platform platform() { return platform(windows); }
+    /// The same host with other windows.
+    Platform platform(Windows& otherWindows) {
         return {.mainQueue = main,
                 .serverQueue = server,
                 .network = network,
@@ -46,7 +48,7 @@ struct FakePlatform {
                 .loginItem = loginItem,
                 .statusItem = statusItem,
                 .application = application,
-                .windows = windows,
+                .windows = otherWindows,
                 .workspace = workspace,
                 .host = host,
                 .files = files,

@@ -11,6 +11,7 @@
 #include <sstream>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace velloway::test {
@@ -96,8 +97,16 @@ std::string effectsOf(const std::string& message) {
         trace << "script " << script.address << '\n';
     }
     trace << bench.fakes.notificationCenter.requests.size() << ' ' << bench.fakes.input.posted.size() << '\n';
-    for (const auto& input : bench.fakes.input.posted) {
-        trace << input.position.x << ',' << input.position.y << ' ' << static_cast<int>(input.button) << '\n';
+    for (const Input& input : bench.fakes.input.posted) {
+        trace << input.index();
+        if (const auto* moved = std::get_if<MovedPointer>(&input)) {
+            trace << ' ' << moved->dx << ',' << moved->dy;
+        } else if (const auto* button = std::get_if<MouseButton>(&input)) {
+            trace << ' ' << static_cast<int>(*button);
+        } else if (const auto* typed = std::get_if<TypedText>(&input)) {
+            trace << ' ' << typed->text;
+        }
+        trace << '\n';
     }
     return trace.str();
 }
@@ -225,9 +234,9 @@ protected:
 TEST_F(MessageValuesTest, ARightClickIsOfTheRightButtonAndALeftOneOfTheLeft) {
     deliver(R"({"action":"remote_control","command":"c","type":"mouse_click","button":"right"})");
     ASSERT_THAT(fakes.input.posted, testing::Not(IsEmpty()));
-    EXPECT_EQ(fakes.input.posted.back().button, MouseButton::right);
+    EXPECT_EQ(fakes.input.posted.back(), Input(MouseButton::right));
     deliver(R"({"action":"remote_control","command":"c","type":"mouse_click"})");
-    EXPECT_EQ(fakes.input.posted.back().button, MouseButton::left);
+    EXPECT_EQ(fakes.input.posted.back(), Input(MouseButton::left));
 }
 
 TEST_F(MessageValuesTest, AnAddressIsOpenedOnlyWhenItIsText) {

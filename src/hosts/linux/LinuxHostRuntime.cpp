@@ -1,14 +1,14 @@
 #include "hosts/HostRuntime.h"
 #include "hosts/linux/desktop/LinuxDesktop.h"
 #include "hosts/linux/desktop/LinuxScripts.h"
-#include "hosts/linux/input/LinuxAccessibility.h"
-#include "hosts/linux/input/LinuxInputEvents.h"
+#include "hosts/linux/input/LinuxInput.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 #include "hosts/linux/windows/QtWindows.h"
 #include "hosts/linux/windows/ViewsLibrary.h"
 #include "hosts/posix/PosixFiles.h"
+#include "remote/SystemScripts.h"
 
 #include <xcb/xcb.h>
 
@@ -36,48 +36,34 @@ bool hasScreen() {
     return isThere;
 }
 
+/// Every port of this host.
+struct LinuxPorts : LinuxDesktop {
+    using LinuxDesktop::LinuxDesktop;
+
+    LinuxUserNotificationCenter notificationCenter{mainQueue};
+    std::unique_ptr<LinuxInput> input = makeLinuxInput();
+    InputEvents& inputEvents = *input;
+    Accessibility& accessibility = *input;
+    LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
+    PosixFiles files;
+    QtWindows windows{[this] { return loadViewsLibrary(log); }};
+    // Last, so that its thread ends first: jobs there may use all of the above.
+    AsioQueue serverQueue{"ws.server"};
+    LinuxNetwork network{serverQueue};
+};
+
 class LinuxHostRuntime : public HostRuntime {
 public:
-    LinuxHostRuntime(int& argc, char** argv) : desktop_(argc, argv) {}
+    LinuxHostRuntime(int& argc, char** argv) : ports_(argc, argv) {}
 
-    SingleInstance::Outcome claimSession() { return desktop_.claimSession(); }
+    SingleInstance::Outcome claimSession() { return ports_.claimSession(); }
 
-    Platform platform() override {
-        return {.mainQueue = desktop_.mainQueue,
-                .serverQueue = serverQueue_,
-                .network = network_,
-                .userDefaults = desktop_.userDefaults,
-                .notificationCenter = notificationCenter_,
-                .pasteboard = desktop_.pasteboard,
-                .inputEvents = inputEvents_,
-                .scripts = scripts_,
-                .accessibility = accessibility_,
-                .loginItem = desktop_.loginItem,
-                .statusItem = desktop_.statusItem,
-                .application = desktop_.application,
-                .windows = windows_,
-                .workspace = desktop_.workspace,
-                .host = desktop_.host,
-                .files = files_,
-                .log = desktop_.log};
-    }
-    int run(ApplicationDelegate& delegate) override { return desktop_.run(delegate); }
-    void terminate() override { desktop_.terminate(); }
+    Platform platform() override { return platformOf(ports_); }
+    int run(ApplicationDelegate& delegate) override { return ports_.run(delegate); }
+    void terminate() override { ports_.terminate(); }
 
 private:
-    LinuxDesktop desktop_;
-    LinuxUserNotificationCenter notificationCenter_{desktop_.mainQueue};
-    std::unique_ptr<InputBackend> inputBackend_ = makeInputBackend();
-    LinuxInputEvents inputEvents_{*inputBackend_};
-    LinuxAccessibility accessibility_{*inputBackend_};
-    LinuxScripts scripts_{[this](const std::string& error) {
-        desktop_.log.line({"[WebSocketServer] AppleScript Error: ", error});
-    }};
-    PosixFiles files_;
-    QtWindows windows_{[this] { return loadViewsLibrary(desktop_.log); }};
-    // Last, so that its thread ends first: jobs there may use all of the above.
-    AsioQueue serverQueue_{"ws.server"};
-    LinuxNetwork network_{serverQueue_};
+    LinuxPorts ports_;
 };
 
 } // namespace

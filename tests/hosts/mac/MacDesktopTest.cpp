@@ -11,7 +11,7 @@
 #include "hosts/mac/MacUserDefaults.h"
 #include "hosts/mac/MacUserNotificationCenter.h"
 #include "hosts/mac/MacWorkspace.h"
-#include "remote/InputInjection.h"
+#include "hosts/mac/SystemDefinedEvent.h"
 #include "runtime/ObjectiveC.h"
 
 #include <gmock/gmock.h>
@@ -61,10 +61,11 @@ public:
     }
     void willPresent(const NotificationRequest& request, std::function<void(unsigned)> completion) override {
         notes.push_back("present " + request.identifier);
-        completion(0x13);
+        completion(options);
     }
 
     bool terminates = false;
+    unsigned options = presentationOptions::banner | presentationOptions::sound | presentationOptions::badge;
     ServicePasteboard given;
     std::vector<std::string> notes;
 };
@@ -171,21 +172,25 @@ TEST_F(MacDelegateTest, the_platform_does_not_keep_the_delegate_alive) {
 TEST_F(MacDelegateTest, policy_activation_and_the_end_are_passed_on) {
     application.setActivationPolicy(ActivationPolicy::accessory);
     application.setActivationPolicy(ActivationPolicy::regular);
-    application.activate(true);
-    application.activate(false);
+    application.activate();
     application.terminate();
     EXPECT_THAT(calls(), ElementsAre("activation policy 1", "activation policy 0", "activate, ignoring others",
-                                     "activate", "terminate"));
+                                     "terminate"));
 }
 
 TEST_F(MacDelegateTest, an_alert_shows_its_texts_and_buttons_and_answers_with_the_button) {
-    fakeMac.modalAnswer = Application::alertFirstButtonReturn;
-    const int answer = application.runModal({.style = Alert::Style::warning,
-                                             .messageText = "Message",
-                                             .informativeText = "More\n\nlines",
-                                             .buttons = {"First", "Second"}});
-    EXPECT_EQ(answer, 1000);
+    Alert alert{.messageText = "Message", .informativeText = "More\n\nlines", .buttons = {"First", "Second"}};
+    fakeMac.modalAnswer = 1000;
+    EXPECT_EQ(application.runModal(alert), 0);
     EXPECT_THAT(calls(), ElementsAre("prevents the end = 0", "alert 0 Message|More\n\nlines|[First][Second]"));
+    fakeMac.modalAnswer = 1001;
+    EXPECT_EQ(application.runModal(alert), 1);
+    alert.style = Alert::Style::informational;
+    application.runModal(alert);
+    EXPECT_THAT(calls().back(), testing::StartsWith("alert 1 "));
+    alert.style = Alert::Style::critical;
+    application.runModal(alert);
+    EXPECT_THAT(calls().back(), testing::StartsWith("alert 2 "));
 }
 
 // Status item
@@ -199,7 +204,7 @@ protected:
                 {.title = "Call\u2026",
                  .keyEquivalent = "c",
                  .action = MenuItem::Action::call,
-                 .selector = "onMenuCall",
+                 .operation = "onMenuCall",
                  .onChosen = [this] { ++chosen; }},
                 {.title = "Quit Velloway", .keyEquivalent = "q", .action = MenuItem::Action::terminate}};
     }
@@ -265,7 +270,7 @@ TEST_F(MacStatusItemTest, the_menu_has_titles_keys_tags_actions_and_targets) {
 TEST_F(MacStatusItemTest, an_item_with_an_action_is_disabled_when_the_core_says_so) {
     item->create();
     item->setMenu(
-        {{.title = "Call", .isEnabled = false, .action = MenuItem::Action::call, .selector = "onMenuCall"}});
+        {{.title = "Call", .isEnabled = false, .action = MenuItem::Action::call, .operation = "onMenuCall"}});
     ASSERT_EQ(fakeMenu().size(), 1u);
     EXPECT_FALSE(fakeMenu()[0].isEnabled);
 }
@@ -346,16 +351,51 @@ TEST_F(MacNotificationsTest, removals_categories_and_permission_are_passed_on) {
                                         .title = "Reply",
                                         .textInputButtonTitle = "Send",
                                         .textInputPlaceholder = "Type your reply..."}}}});
-    AuthorizationStatus status = AuthorizationStatus::notDetermined;
-    center.getAuthorizationStatus([&](AuthorizationStatus now) { status = now; });
-    center.requestAuthorization(7, [](bool, const auto&) {});
-    fakeMac.authorizationStatus = 1;
-    fakeMac.runLater();
-    EXPECT_EQ(status, AuthorizationStatus::denied);
+    center.requestAuthorization(authorizationOptions::alert | authorizationOptions::sound |
+                                    authorizationOptions::badge,
+                                [](bool, const auto&) {});
     EXPECT_THAT(calls(), ElementsAre("remove delivered a", "remove delivered b", "remove pending a",
                                      "category REPLY_CATEGORY options 0 intents 0 action "
                                      "REPLY_ACTION/Reply/0/Send/Type your reply...",
-                                     "notification settings", "request authorization 7"));
+                                     "request authorization 7"));
+}
+
+TEST_F(MacNotificationsTest, each_permission_is_asked_for_by_its_own_option) {
+    const std::pair<unsigned, int> cases[] = {
+        {authorizationOptions::badge, 1}, {authorizationOptions::sound, 2}, {authorizationOptions::alert, 4}};
+    for (const auto& [option, native] : cases) {
+        center.requestAuthorization(option, [](bool, const auto&) {});
+        EXPECT_THAT(calls(), ElementsAre("request authorization " + std::to_string(native)));
+    }
+}
+
+TEST_F(MacNotificationsTest, the_status_of_the_permission_is_that_of_the_system) {
+    const std::pair<int, AuthorizationStatus> cases[] = {
+        {0, AuthorizationStatus::notDetermined}, {1, AuthorizationStatus::denied},
+        {2, AuthorizationStatus::authorized},    {3, AuthorizationStatus::provisional},
+        {4, AuthorizationStatus::ephemeral},     {5, AuthorizationStatus::unknown},
+        {-1, AuthorizationStatus::unknown},
+    };
+    for (const auto& [native, expected] : cases) {
+        std::optional<AuthorizationStatus> status;
+        center.getAuthorizationStatus([&](AuthorizationStatus now) { status = now; });
+        EXPECT_FALSE(status) << "it comes later";
+        fakeMac.authorizationStatus = native;
+        fakeMac.runLater();
+        EXPECT_EQ(status, expected) << native;
+    }
+}
+
+TEST_F(MacNotificationsTest, each_way_of_presenting_is_its_own_option) {
+    center.setDelegate(&recorder);
+    const std::pair<unsigned, unsigned long> cases[] = {{presentationOptions::badge, 1},
+                                                        {presentationOptions::sound, 2},
+                                                        {presentationOptions::banner, 0x10},
+                                                        {0, 0}};
+    for (const auto& [options, native] : cases) {
+        recorder.options = options;
+        EXPECT_EQ(fakePresentNotification("k"), native);
+    }
 }
 
 TEST_F(MacNotificationsTest, answers_reach_the_program_and_each_is_completed_once) {
@@ -384,14 +424,34 @@ TEST_F(MacNotificationsTest, what_nobody_takes_is_completed_and_not_shown) {
 
 // Scripts, login item, pasteboard, defaults, workspace, facts
 
-TEST_F(MacTest, a_script_runs_from_its_source_text_and_tells_its_error) {
+using ScriptAction = SystemScript::Action;
+
+TEST_F(MacTest, each_action_runs_its_script) {
+    const std::pair<SystemScript, std::string> cases[] = {
+        {{ScriptAction::volumeUp, ""}, "set volume output volume (output volume of (get volume settings) + 5)"},
+        {{ScriptAction::volumeDown, ""},
+         "set volume output volume (output volume of (get volume settings) - 5)"},
+        {{ScriptAction::emptyTrash, ""}, "tell application \"Finder\" to empty trash"},
+        {{ScriptAction::lockScreen, ""}, "tell application \"System Events\" to lock screen"},
+        {{ScriptAction::sleep, ""}, "tell application \"System Events\" to sleep"},
+        {{ScriptAction::openLocation, ""}, "open location \"\""},
+        {{ScriptAction::openLocation, "example.org/\u00e4 b\\n"}, "open location \"example.org/\u00e4 b\\n\""},
+        // A double quote in the address ends the string there.
+        {{ScriptAction::openLocation, "a\" & \"b"}, "open location \"a\" & \"b\""},
+    };
     MacScripts scripts;
-    EXPECT_FALSE(scripts.run({.sourceText = "set volume 5"}));
-    EXPECT_THAT(calls(), ElementsAre("script set volume 5", "executed"));
+    for (const auto& [script, source] : cases) {
+        EXPECT_FALSE(scripts.run(script));
+        EXPECT_THAT(calls(), ElementsAre("script " + source, "executed"));
+    }
+}
+
+TEST_F(MacTest, a_script_returns_its_error) {
+    MacScripts scripts;
     fakeMac.scriptError = "denied";
-    EXPECT_EQ(scripts.run({.sourceText = "x"}), "{ NSAppleScriptErrorMessage = denied; }");
+    EXPECT_EQ(scripts.run({}), "{ NSAppleScriptErrorMessage = denied; }");
     fakeMac.compilesScripts = false;
-    EXPECT_FALSE(scripts.run({.sourceText = "x"})) << "a script that can't be made runs nothing";
+    EXPECT_FALSE(scripts.run({})) << "a script that can't be made runs nothing";
 }
 
 TEST_F(MacTest, the_login_item_registers_unregisters_and_tells_its_error) {
@@ -401,8 +461,15 @@ TEST_F(MacTest, the_login_item_registers_unregisters_and_tells_its_error) {
     EXPECT_EQ(login.status(), LoginItemStatus::enabled);
     EXPECT_FALSE(login.unregisterItem());
     EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
-    fakeMac.loginItemStatus = 2;
-    EXPECT_EQ(login.status(), LoginItemStatus::requiresApproval);
+    const std::pair<int, LoginItemStatus> statuses[] = {{0, LoginItemStatus::notRegistered},
+                                                        {1, LoginItemStatus::enabled},
+                                                        {2, LoginItemStatus::requiresApproval},
+                                                        {3, LoginItemStatus::notFound},
+                                                        {9, LoginItemStatus::notRegistered}};
+    for (const auto& [native, status] : statuses) {
+        fakeMac.loginItemStatus = native;
+        EXPECT_EQ(login.status(), status) << native;
+    }
     fakeMac.loginItemError = "no";
     EXPECT_EQ(login.registerItem(), "no");
     EXPECT_EQ(login.unregisterItem(), "no");
@@ -480,22 +547,59 @@ TEST_F(MacTest, the_loopback_interface_is_among_the_interfaces) {
 
 TEST_F(MacTest, a_media_key_is_two_system_events_at_the_hardware_tap) {
     const int aliveBefore = FakeObject::alive;
-    MacInputEvents events;
-    InputInjection(events).sendSystemMediaKey(16);
+    MacInputEvents().pressMediaKey(MediaKey::playPause);
     EXPECT_THAT(calls(),
                 ElementsAre("event 14 at 0 0, flags 2560, time 0, window 0, subtype 8, data 1051136 -1",
                             "event 14 at 0 0, flags 2816, time 0, window 0, subtype 8, data 1051392 -1"));
     ASSERT_EQ(fakeCoreGraphics.posted.size(), 2u);
     EXPECT_EQ(fakeCoreGraphics.posted[0].tap, 0);
+    EXPECT_EQ(fakeCoreGraphics.posted[1].tap, 0);
     EXPECT_EQ(FakeObject::alive, aliveBefore);
 }
 
+TEST_F(MacTest, each_media_key_has_its_number) {
+    const std::pair<MediaKey, int> numbers[] = {
+        {MediaKey::soundUp, 0},
+        {MediaKey::soundDown, 1},
+        {MediaKey::screenBrightnessUp, 2},
+        {MediaKey::screenBrightnessDown, 3},
+        {MediaKey::mute, 7},
+        {MediaKey::playPause, 16},
+        {MediaKey::nextTrack, 17},
+        {MediaKey::previousTrack, 18},
+        {MediaKey::keyboardLightUp, 21},
+        {MediaKey::keyboardLightDown, 22},
+    };
+    for (const auto& [key, number] : numbers) {
+        MacInputEvents().pressMediaKey(key);
+        const std::string start = "event 14 at 0 0, flags ";
+        const std::string middle = ", time 0, window 0, subtype 8, data ";
+        EXPECT_THAT(calls(),
+                    ElementsAre(start + "2560" + middle + std::to_string(number * 65536 + 0xA00) + " -1",
+                                start + "2816" + middle + std::to_string(number * 65536 + 0xB00) + " -1"));
+    }
+}
+
+TEST_F(MacTest, the_data_of_a_media_key_is_widened_with_its_sign) {
+    EXPECT_EQ(systemKeyData(16, 0xA00), 0x100A00);
+    EXPECT_EQ(systemKeyData(0x8000, 0xA00), -0x7FFFF600LL);
+}
+
+TEST_F(MacTest, the_release_of_a_media_key_is_tried_also_when_its_press_can_not_be_made) {
+    fakeMac.eventThatFails = 0;
+    MacInputEvents().pressMediaKey(MediaKey::mute);
+    EXPECT_THAT(calls(), testing::SizeIs(2));
+    EXPECT_THAT(fakeCoreGraphics.posted, testing::SizeIs(1));
+    fakeMac.eventThatFails = 1;
+    MacInputEvents().pressMediaKey(MediaKey::mute);
+    EXPECT_THAT(fakeCoreGraphics.posted, testing::SizeIs(2));
+}
+
 TEST_F(MacTest, a_media_key_without_an_event_or_without_its_postable_form_posts_nothing) {
-    MacInputEvents events;
     fakeMac.eventsHavePostableForm = false;
-    InputInjection(events).sendSystemMediaKey(0);
+    MacInputEvents().pressMediaKey(MediaKey::soundUp);
     fakeMac.makesEvents = false;
-    InputInjection(events).sendSystemMediaKey(0);
+    MacInputEvents().pressMediaKey(MediaKey::soundUp);
     EXPECT_THAT(fakeCoreGraphics.posted, IsEmpty());
 }
 

@@ -39,7 +39,7 @@ using testing::StartsWith;
 /// The whole program on the macOS adapters. Only the main queue, the log and the views are stand-ins of ours:
 /// on a Mac they come from Qt.
 class MacProgramTest : public testing::Test {
-protected:
+public:
     MacProgramTest() {
         resetFakeMac();
         fakeNetworkFramework = {};
@@ -70,34 +70,14 @@ protected:
     void runAll() {
         for (int round = 0; round < 10; ++round) {
             fakeDispatch::runAll();
-            main.runAll();
+            mainQueue.runAll();
             fakeMac.runLater();
         }
     }
     std::vector<std::string> calls() { return std::exchange(fakeMac.calls, {}); }
 
-    Platform platform() {
-        return {.mainQueue = main,
-                .serverQueue = serverQueue,
-                .network = network,
-                .userDefaults = userDefaults,
-                .notificationCenter = notificationCenter,
-                .pasteboard = pasteboard,
-                .inputEvents = inputEvents,
-                .scripts = scripts,
-                .accessibility = accessibility,
-                .loginItem = loginItem,
-                .statusItem = statusItem,
-                .application = application,
-                .windows = windows,
-                .workspace = workspace,
-                .host = host,
-                .files = files,
-                .log = log};
-    }
-
     void* pool = objc_autoreleasePoolPush();
-    FakeDispatchQueue main;
+    FakeDispatchQueue mainQueue;
     FakeLog log;
     MacDelegate delegate;
     MacApplication application{delegate};
@@ -115,7 +95,7 @@ protected:
     MacWorkspace workspace;
     MacDispatchQueue serverQueue{"ws.server"};
     MacNetwork network;
-    std::unique_ptr<Program> program = std::make_unique<Program>(platform(), [] {});
+    std::unique_ptr<Program> program = std::make_unique<Program>(platformOf(*this), [] {});
     std::shared_ptr<FakePhone> phone;
 };
 

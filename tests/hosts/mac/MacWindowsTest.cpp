@@ -19,19 +19,8 @@ protected:
 
     std::vector<std::string> calls() { return std::exchange(fakeMac.calls, {}); }
 
-    static PanelProperties panelProperties() {
-        return {.contentRect = {0, 0, 350, 80},
-                .styleMask = windowStyle::nonactivatingPanel | windowStyle::fullSizeContentView,
-                .isFloatingPanel = true,
-                .level = 25,
-                .collectionBehavior = 0x101,
-                .isMovableByWindowBackground = true,
-                .hasShadow = true,
-                .hasClearBackground = true,
-                .isOpaque = false,
-                .titlebarAppearsTransparent = true,
-                .titleIsHidden = true,
-                .isReleasedWhenClosed = false};
+    std::shared_ptr<Window> makePanel(PanelKind kind = PanelKind::runningCall) {
+        return windows.makePanel({.kind = kind, .size = {350, 80}}, nullptr);
     }
 
     void* pool = objc_autoreleasePoolPush();
@@ -40,10 +29,7 @@ protected:
 };
 
 TEST_F(MacWindowsTest, the_ringing_panel_gets_each_property_in_order) {
-    PanelProperties properties = panelProperties();
-    properties.becomesKeyOnlyIfNeeded = true;
-    properties.hidesOnDeactivate = false;
-    const auto panel = windows.makePanel(properties, nullptr);
+    const auto panel = makePanel(PanelKind::ringingCall);
     EXPECT_THAT(calls(),
                 ElementsAre("panel 0 0 350 80, style 32896, backing 2", "floating = 1", "level = 25",
                             "key only if needed = 1", "collection behavior = 257", "movable by background = 1",
@@ -55,14 +41,16 @@ TEST_F(MacWindowsTest, the_ringing_panel_gets_each_property_in_order) {
 }
 
 TEST_F(MacWindowsTest, the_panel_of_a_running_call_leaves_two_properties_alone) {
-    const auto panel = windows.makePanel(panelProperties(), nullptr);
-    const auto made = calls();
-    EXPECT_THAT(made, testing::Not(testing::Contains(testing::StartsWith("key only"))));
-    EXPECT_THAT(made, testing::Not(testing::Contains(testing::StartsWith("hides on"))));
+    const auto ringing = makePanel(PanelKind::ringingCall);
+    std::vector<std::string> expected = calls();
+    EXPECT_EQ(std::erase(expected, "key only if needed = 1"), 1u);
+    EXPECT_EQ(std::erase(expected, "hides on deactivate = 0"), 1u);
+    const auto running = makePanel(PanelKind::runningCall);
+    EXPECT_EQ(calls(), expected);
 }
 
 TEST_F(MacWindowsTest, a_panel_is_placed_shown_given_other_content_and_taken_away) {
-    auto panel = windows.makePanel(panelProperties(), nullptr);
+    auto panel = makePanel();
     calls();
     EXPECT_FALSE(panel->isVisible());
     panel->setFrameOrigin(1070, 775);
@@ -81,7 +69,7 @@ TEST_F(MacWindowsTest, a_panel_is_placed_shown_given_other_content_and_taken_awa
 }
 
 TEST_F(MacWindowsTest, a_press_beside_the_controls_drags_the_panel) {
-    const auto panel = windows.makePanel(panelProperties(), nullptr);
+    const auto panel = makePanel();
     calls();
     pressFakeBackground();
     // Handled when the button has moved already, is up again, and when the system brings up something else.
@@ -97,7 +85,7 @@ TEST_F(MacWindowsTest, a_press_beside_the_controls_drags_the_panel) {
 TEST_F(MacWindowsTest, a_panel_goes_with_its_last_owner) {
     const auto makeAndDrop = [&] {
         void* const inner = objc_autoreleasePoolPush();
-        windows.makePanel(panelProperties(), nullptr);
+        makePanel();
         objc_autoreleasePoolPop(inner);
     };
     makeAndDrop();
@@ -108,13 +96,9 @@ TEST_F(MacWindowsTest, a_panel_goes_with_its_last_owner) {
 
 TEST_F(MacWindowsTest, the_main_window_is_made_with_its_style_and_closing_it_is_told) {
     int closed = 0;
-    const auto window = windows.makeMainWindow({.contentRect = {0, 0, 850, 550},
-                                                .styleMask = 15,
-                                                .title = "Velloway Settings",
-                                                .minWidth = 800,
-                                                .minHeight = 500,
-                                                .isReleasedWhenClosed = false},
-                                               nullptr, [&] { ++closed; });
+    const auto window =
+        windows.makeMainWindow({.title = "Velloway Settings", .size = {850, 550}, .minimumSize = {800, 500}},
+                               nullptr, [&] { ++closed; });
     window->center();
     window->makeKeyAndOrderFront();
     EXPECT_THAT(calls(), ElementsAre("window 0 0 850 550, style 15, backing 2", "title Velloway Settings",
@@ -129,7 +113,7 @@ TEST_F(MacWindowsTest, the_main_window_is_made_with_its_style_and_closing_it_is_
 
 TEST_F(MacWindowsTest, a_closed_window_draws_no_more_and_takes_the_keys_again_when_it_comes_back) {
     int closed = 0;
-    auto window = windows.makeMainWindow({.contentRect = {0, 0, 850, 550}}, nullptr, [&] { ++closed; });
+    auto window = windows.makeMainWindow({.size = {850, 550}}, nullptr, [&] { ++closed; });
     window->makeKeyAndOrderFront();
     calls();
     fakeCloseMainWindow();

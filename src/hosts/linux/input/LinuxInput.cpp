@@ -1,4 +1,4 @@
-#include "hosts/linux/input/InputBackend.h"
+#include "hosts/linux/input/LinuxInput.h"
 
 #include "hosts/linux/input/PortalInput.h"
 #include "hosts/linux/input/X11Input.h"
@@ -16,15 +16,15 @@ std::string_view environment(const char* name) {
 }
 
 /// For a session without any display, such as one over a remote shell.
-class NoInput : public InputBackend {
+class NoInput : public LinuxInput {
 public:
-    bool isReady() const override { return false; }
-    void requestAccess() override {}
-    void postKey(KeyStroke, bool) override {}
-    void postText(std::u16string) override {}
-    std::optional<Point> pointerPosition() override { return std::nullopt; }
-    void movePointer(Point) override {}
-    void postButton(MouseButton, bool) override {}
+    bool isTrusted() override { return false; }
+    bool isTrustedWithPrompt() override { return false; }
+    void pressKey(Key, Modifiers) override {}
+    void typeText(std::string_view) override {}
+    void pressMediaKey(MediaKey) override {}
+    void movePointer(double, double) override {}
+    void click(MouseButton) override {}
 };
 
 } // namespace
@@ -41,7 +41,7 @@ InputSession currentInputSession() {
     return environment("DISPLAY").empty() ? InputSession::none : InputSession::x11;
 }
 
-std::unique_ptr<InputBackend> makeInputBackend() {
+std::unique_ptr<LinuxInput> makeLinuxInput() {
     switch (currentInputSession()) {
     case InputSession::x11:
         return std::make_unique<X11Input>();
