@@ -50,20 +50,20 @@ protected:
     std::error_code error = std::make_error_code(std::errc::io_error);
 };
 
-TEST_P(FilesContract, a_new_file_is_there_at_once_and_empty) {
+TEST_P(FilesContract, ANewFileIsThereAtOnceAndEmpty) {
     const auto file = files->create(path, error);
     ASSERT_TRUE(file);
     EXPECT_FALSE(error);
     EXPECT_EQ(content(path), "");
 }
 
-TEST_P(FilesContract, a_file_that_is_there_is_emptied) {
+TEST_P(FilesContract, AFileThatIsThereIsEmptied) {
     write(path, "old");
     const auto file = files->create(path, error);
     EXPECT_EQ(content(path), "");
 }
 
-TEST_P(FilesContract, appending_returns_the_length_and_can_be_read_at_once) {
+TEST_P(FilesContract, AppendingReturnsTheLengthAndCanBeReadAtOnce) {
     const auto file = files->create(path, error);
     EXPECT_EQ(file->append("one", error), 3);
     EXPECT_EQ(content(path), "one");
@@ -73,7 +73,7 @@ TEST_P(FilesContract, appending_returns_the_length_and_can_be_read_at_once) {
     EXPECT_FALSE(error);
 }
 
-TEST_P(FilesContract, appending_goes_to_the_end_that_others_have_made) {
+TEST_P(FilesContract, AppendingGoesToTheEndThatOthersHaveMade) {
     const auto one = files->create(path, error);
     const auto other = files->create(path, error);
     EXPECT_EQ(one->append("one", error), 3);
@@ -82,7 +82,7 @@ TEST_P(FilesContract, appending_goes_to_the_end_that_others_have_made) {
     EXPECT_EQ(content(path), "onetwothree");
 }
 
-TEST_P(FilesContract, reading_gives_what_is_there_from_an_offset) {
+TEST_P(FilesContract, ReadingGivesWhatIsThereFromAnOffset) {
     write(path, "0123456789");
     const auto file = files->open(path, error);
     ASSERT_TRUE(file);
@@ -96,7 +96,7 @@ TEST_P(FilesContract, reading_gives_what_is_there_from_an_offset) {
     EXPECT_FALSE(file->close());
 }
 
-TEST_P(FilesContract, an_open_file_shows_what_becomes_of_it) {
+TEST_P(FilesContract, AnOpenFileShowsWhatBecomesOfIt) {
     write(path, "0123456789");
     const auto file = files->open(path, error);
     const auto writer = files->create(path, error);
@@ -107,12 +107,12 @@ TEST_P(FilesContract, an_open_file_shows_what_becomes_of_it) {
     EXPECT_EQ(read(*file, 5, 4), "fgh");
 }
 
-TEST_P(FilesContract, a_file_that_is_not_there_does_not_open) {
+TEST_P(FilesContract, AFileThatIsNotThereDoesNotOpen) {
     EXPECT_FALSE(files->open(path, error));
     EXPECT_EQ(error, std::errc::no_such_file_or_directory);
 }
 
-TEST_P(FilesContract, a_path_with_a_nul_character_never_opens) {
+TEST_P(FilesContract, APathWithANulCharacterNeverOpens) {
     const std::filesystem::path strange = path.native() + std::string("\0b", 2);
     write(path, "short");
     EXPECT_FALSE(files->create(strange, error));
@@ -159,7 +159,7 @@ protected:
     std::error_code error;
 };
 
-TEST_F(PosixFilesTest, a_file_that_cannot_be_made_gives_the_reason_of_the_system) {
+TEST_F(PosixFilesTest, AFileThatCannotBeMadeGivesTheReasonOfTheSystem) {
     std::filesystem::create_directory(folder.path() / "a folder");
     writeText(folder.path() / "a file", "");
     const std::pair<std::filesystem::path, std::errc> cases[] = {
@@ -174,14 +174,14 @@ TEST_F(PosixFilesTest, a_file_that_cannot_be_made_gives_the_reason_of_the_system
     }
 }
 
-TEST_F(PosixFilesTest, a_folder_does_not_open) {
+TEST_F(PosixFilesTest, AFolderDoesNotOpen) {
     for (const auto& place : {folder.path(), folder.path() / ""}) {
         EXPECT_FALSE(files.open(place, error));
         EXPECT_EQ(error, std::errc::is_a_directory);
     }
 }
 
-TEST_F(PosixFilesTest, what_was_written_before_a_failure_stays) {
+TEST_F(PosixFilesTest, WhatWasWrittenBeforeAFailureStays) {
     const auto file = files.create(path, error);
     {
         const FileSizeLimit limit(2);
@@ -193,7 +193,7 @@ TEST_F(PosixFilesTest, what_was_written_before_a_failure_stays) {
     EXPECT_EQ(readText(path), "onone");
 }
 
-TEST_F(PosixFilesTest, a_named_pipe_is_not_waited_for) {
+TEST_F(PosixFilesTest, ANamedPipeIsNotWaitedFor) {
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
     EXPECT_FALSE(files.create(path, error));
     EXPECT_EQ(error, std::errc::no_such_device_or_address);
@@ -206,7 +206,7 @@ TEST_F(PosixFilesTest, a_named_pipe_is_not_waited_for) {
     EXPECT_EQ(error, std::errc::invalid_seek);
 }
 
-TEST_F(PosixFilesTest, a_descriptor_taken_away_fails_every_call) {
+TEST_F(PosixFilesTest, ADescriptorTakenAwayFailsEveryCall) {
     const int before = ::open("/dev/null", O_RDONLY);
     ::close(before);
     const auto writer = files.create(path, error);
@@ -226,7 +226,7 @@ TEST_F(PosixFilesTest, a_descriptor_taken_away_fails_every_call) {
     EXPECT_EQ(reader->close(), std::errc::bad_file_descriptor);
 }
 
-TEST_F(PosixFilesTest, closing_and_destroying_give_the_descriptor_back_once) {
+TEST_F(PosixFilesTest, ClosingAndDestroyingGiveTheDescriptorBackOnce) {
     const int before = openDescriptors();
     {
         auto closed = files.create(path, error);

@@ -161,7 +161,7 @@ std::vector<Message> looseMessages() {
     return messages;
 }
 
-TEST(MessageKeys, ofAnotherTypeCountAsMissing) {
+TEST(MessageKeys, OfAnotherTypeCountAsMissing) {
     for (const Message& message : looseMessages()) {
         for (const Key& key : message.keys) {
             const std::string expected = effectsOf(textOf(message, key.name, ""));
@@ -179,7 +179,7 @@ TEST(MessageKeys, ofAnotherTypeCountAsMissing) {
     }
 }
 
-TEST(MessageKeys, areReadFromEveryMessage) {
+TEST(MessageKeys, AreReadFromEveryMessage) {
     for (const Message& message : looseMessages()) {
         const std::string whole = effectsOf(textOf(message, "", ""));
         for (const Key& key : message.keys) {
@@ -191,7 +191,7 @@ TEST(MessageKeys, areReadFromEveryMessage) {
     }
 }
 
-TEST(MessageKeys, ofAnotherTypeLoseAMessageThatIsReadAsAWhole) {
+TEST(MessageKeys, OfAnotherTypeLoseAMessageThatIsReadAsAWhole) {
     const std::vector<Message> messages{
         {"",
          {{"app", R"("Chat")", Type::text},
