@@ -7,6 +7,7 @@
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 #include "hosts/linux/windows/QtWindows.h"
 #include "hosts/linux/windows/ViewsLibrary.h"
+#include "hosts/posix/PosixFiles.h"
 #include "remote/SystemScripts.h"
 
 #include <xcb/xcb.h>
@@ -44,6 +45,7 @@ struct LinuxPorts : LinuxDesktop {
     InputEvents& inputEvents = *input;
     Accessibility& accessibility = *input;
     LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
+    PosixFiles files;
     QtWindows windows{[this] { return loadViewsLibrary(log); }};
     // Last, so that its thread ends first: jobs there may use all of the above.
     AsioQueue serverQueue{"ws.server"};

@@ -1,5 +1,6 @@
 #include "app/Program.h"
 #include "fakes/FakeDispatchQueue.h"
+#include "fakes/FakeFiles.h"
 #include "fakes/FakeLog.h"
 #include "hosts/mac/FakeCoreFoundation.h"
 #include "hosts/mac/FakeDispatch.h"
@@ -81,6 +82,7 @@ public:
     MacDelegate delegate;
     MacApplication application{delegate};
     MacHost host;
+    FakeFiles files;
     MacUserDefaults userDefaults;
     MacUserNotificationCenter notificationCenter{delegate};
     MacPasteboard pasteboard;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "text/Base64Kernels.h"
+#include "base64/Base64Kernels.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "json/Utf8.h"
+#include "text/Utf8.h"
 
 #include <simdjson.h>
 #include <unicode/unistr.h>

@@ -1,4 +1,4 @@
-#include "text/Base64Blocks.h"
+#include "base64/Base64Blocks.h"
 
 #include <tmmintrin.h>
 

@@ -1,4 +1,4 @@
-#include "text/Base64Kernels.h"
+#include "base64/Base64Kernels.h"
 
 namespace velloway::base64 {
 
