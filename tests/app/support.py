@@ -395,6 +395,11 @@ def clipboard():
     return found.stdout.decode(errors="replace") if found.returncode == 0 else None
 
 
+def open_files(pid):
+    files = pathlib.Path(f"/proc/{pid}/fd")
+    return {os.readlink(each) for each in files.iterdir() if each.is_symlink()}
+
+
 def visible_windows(pid):
     found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(pid)], capture_output=True, text=True)
     return {int(line) for line in found.stdout.split()}

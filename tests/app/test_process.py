@@ -27,7 +27,7 @@ class Life(AppTest):
         self.assertEqual(second.wait_end(), 1)
         self.assertEqual(second.lines, ["Velloway is already running but does not answer"])
 
-    def test_quit_in_the_menu_ends_the_process_with_0_and_tells_the_phone_nothing(self):
+    def test_quit_in_the_menu_ends_the_process_with_0_and_sends_the_phone_nothing(self):
         one = self.start_node(self.app.port)
         self.tray.choose("Quit Velloway")
         self.assertEqual(self.app.wait_end(), 0)
@@ -40,6 +40,18 @@ class Life(AppTest):
         # The port is free at once for the next start.
         again = self.start_app(port=self.app.port).wait_listening()
         self.start_node(again.port)
+
+    def test_a_request_to_terminate_does_not_wait_for_a_large_file_that_is_being_read(self):
+        large = tempfile.NamedTemporaryFile(prefix="large", suffix=".bin")
+        self.addCleanup(large.close)
+        large.truncate(1 << 30)
+        self.start_node(self.app.port)
+        self.assertEqual(self.start(Process(APP, large.name)).wait_end(), 0)
+        wait_for(lambda: large.name in open_files(self.app.pid), "the file is being read")
+        start = time.monotonic()
+        terminate(self.app)
+        self.assertEqual(self.app.wait_end(), 0)
+        self.assertLess(time.monotonic() - start, 1)
 
     def test_closing_the_window_leaves_the_process_running(self):
         self.tray.choose("Settings…")

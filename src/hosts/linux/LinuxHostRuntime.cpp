@@ -11,6 +11,7 @@
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -19,12 +20,15 @@ namespace velloway {
 
 namespace {
 
+/// How long the end of the program waits for the running job of the server queue.
+constexpr std::chrono::milliseconds longestLastJob{250};
+
 bool isSet(const char* variable) {
     const char* value = std::getenv(variable);
     return value != nullptr && *value != '\0';
 }
 
-/// Qt, finding none, would abort the process with advice for programmers.
+/// Without a display Qt would abort the process with advice for programmers.
 bool hasScreen() {
     if (isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM")) {
         return true; // Qt knows better how to look there.
@@ -59,7 +63,15 @@ public:
                 .host = desktop_.host,
                 .log = desktop_.log};
     }
-    int run(ApplicationDelegate& delegate) override { return desktop_.run(delegate); }
+    int run(ApplicationDelegate& delegate) override {
+        const int exitCode = desktop_.run(delegate);
+        if (!serverQueue_.end(longestLastJob)) {
+            // The file that is being read may be large, or lie on a disk that does not answer.
+            std::_Exit(exitCode);
+        }
+        desktop_.mainQueue.end();
+        return exitCode;
+    }
     void terminate() override { desktop_.terminate(); }
 
 private:
@@ -72,7 +84,7 @@ private:
         desktop_.log.line({"[WebSocketServer] AppleScript Error: ", error});
     }};
     QtWindows windows_{[this] { return loadViewsLibrary(desktop_.log); }};
-    // Last, so that its thread ends first: jobs there may use all of the above.
+    // Last, because its jobs may use everything above.
     AsioQueue serverQueue_{"ws.server"};
     LinuxNetwork network_{serverQueue_};
 };
@@ -82,7 +94,7 @@ private:
 HostStart makeHost(int& argc, char** argv) {
     if (!hasScreen()) {
         std::fputs("Velloway needs a desktop: neither DISPLAY nor WAYLAND_DISPLAY leads to one\n", stderr);
-        return {.answer = 1};
+        return {.exitCode = 1};
     }
     auto runtime = std::make_unique<LinuxHostRuntime>(argc, argv);
     switch (runtime->claimSession()) {
@@ -94,7 +106,7 @@ HostStart makeHost(int& argc, char** argv) {
         break;
     }
     std::fputs("Velloway is already running but does not answer\n", stderr);
-    return {.answer = 1};
+    return {.exitCode = 1};
 }
 
 } // namespace velloway

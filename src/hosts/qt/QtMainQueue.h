@@ -15,11 +15,14 @@ namespace velloway {
 /// The main queue on Qt's event loop. Made on the main thread after the QCoreApplication and gone before it.
 ///
 /// Jobs go on running in a nested event loop, also those that were waiting behind the job that entered it. A
-/// flood of jobs doesn't lock out input and painting. Jobs left at the end are dropped.
+/// flood of jobs doesn't lock out input and painting. Jobs left at the end are destroyed without being run.
 class QtMainQueue : public QObject, public DispatchQueue {
 public:
     QtMainQueue();
     ~QtMainQueue() override;
+
+    /// Destroys the jobs that wait, and from now on every job that is handed over. Main thread.
+    void end();
 
     void async(Job job) override;
     void asyncAfter(std::chrono::nanoseconds delay, Job job) override;
@@ -56,6 +59,7 @@ private:
     /// A heap; the job that falls due first is at the front.
     std::vector<Delayed> delayed_;
     std::uint64_t nextOrder_ = 0;
+    bool isEnded_ = false;
     bool isWakePosted_ = false;
     bool isRearmWanted_ = false;
 

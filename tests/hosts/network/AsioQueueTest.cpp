@@ -163,6 +163,32 @@ TEST(AsioQueueTest, at_the_end_the_running_job_is_finished_and_waiting_ones_are_
     EXPECT_TRUE(watch.expired());
 }
 
+TEST(AsioQueueTest, end_returns_false_while_a_job_runs_that_takes_longer_than_the_limit) {
+    AsioQueue queue("ws.server");
+    std::promise<void> started;
+    std::promise<void> goOn;
+    queue.async([&] {
+        started.set_value();
+        goOn.get_future().wait();
+    });
+    started.get_future().wait();
+    EXPECT_FALSE(queue.end(10ms));
+    goOn.set_value();
+    EXPECT_TRUE(queue.end(10s));
+    EXPECT_TRUE(queue.end(0ms));
+}
+
+TEST(AsioQueueTest, a_job_handed_over_after_the_end_is_destroyed_at_once) {
+    AsioQueue queue("ws.server");
+    ASSERT_TRUE(queue.end(10s));
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watch = held;
+    queue.async([held] { FAIL() << "ran after the end"; });
+    queue.asyncAfter(0ms, [held = std::move(held)] { FAIL() << "ran after the end"; });
+    EXPECT_TRUE(watch.expired());
+    EXPECT_FALSE(queue.isCurrent());
+}
+
 TEST(AsioQueueTest, what_a_dropped_job_held_may_hand_over_jobs_as_it_goes) {
     struct Parting {
         DispatchQueue& queue;

@@ -6,6 +6,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <future>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -27,7 +28,7 @@ namespace {
 
 constexpr int niceness = 5;
 
-void dressThread(const std::string& name) {
+void prepareThread(const std::string& name) {
     pthread_setname_np(pthread_self(), name.substr(0, 15).c_str());
     // On this system a priority set for a thread's own number counts for that thread alone. A refusal only
     // means that the thread keeps the priority of the others.
@@ -42,30 +43,40 @@ class AsioQueue::Loop {
 public:
     explicit Loop(const std::string& name)
         : thread_([this, name] {
-              dressThread(name);
+              prepareThread(name);
               context->run();
+              hasReturned_.set_value();
           }) {}
 
-    void end() {
-        {
-            std::lock_guard lock(mutex_);
-            isEnded_ = true;
+    ~Loop() {
+        if (context) {
+            stop();
+            cleanUp();
         }
-        context->stop();
-        thread_.join();
+        // Sockets that were made after the end have nothing but the registration.
         endResidents();
-        dropJobs();
-        timer_.reset();
-        guard_.reset();
-        context.reset();
-        dropJobs();
+    }
+
+    bool end(std::chrono::milliseconds limit) {
+        if (!context) {
+            return true;
+        }
+        stop();
+        if (returned_.wait_for(limit) == std::future_status::timeout) {
+            return false;
+        }
+        cleanUp();
+        return true;
     }
 
     void add(Job job) {
         bool wasEmpty = false;
         {
             std::lock_guard lock(mutex_);
-            wasEmpty = jobs_.empty() && !isEnded_;
+            if (isEnded_) {
+                return;
+            }
+            wasEmpty = jobs_.empty();
             jobs_.push_back(std::move(job));
         }
         if (wasEmpty) {
@@ -78,15 +89,18 @@ public:
         bool isFirst = false;
         {
             std::lock_guard lock(mutex_);
+            if (isEnded_) {
+                return;
+            }
             const auto place = delayed_.emplace(due, std::move(job));
-            isFirst = place == delayed_.begin() && !isEnded_;
+            isFirst = place == delayed_.begin();
         }
         if (isFirst) {
             net::post(*context, [this] { armTimer(); });
         }
     }
 
-    bool isCurrent() { return context->get_executor().running_in_this_thread(); }
+    bool isCurrent() { return context && context->get_executor().running_in_this_thread(); }
 
     void add(AsioResident& resident) {
         std::lock_guard lock(mutex_);
@@ -101,6 +115,23 @@ public:
     std::optional<net::io_context> context{std::in_place, 1};
 
 private:
+    void stop() {
+        {
+            std::lock_guard lock(mutex_);
+            isEnded_ = true;
+        }
+        context->stop();
+    }
+
+    void cleanUp() {
+        thread_.join();
+        endResidents();
+        dropJobs();
+        timer_.reset();
+        guard_.reset();
+        context.reset();
+    }
+
     /// Runs what is there now. Jobs that come meanwhile wait for the next turn, so that sockets get theirs.
     void runJobs() {
         {
@@ -165,20 +196,13 @@ private:
         }
     }
 
-    /// What a job holds may hand over further jobs as it goes.
+    /// Not under the lock: what a job holds may hand over further jobs as it goes.
     void dropJobs() {
-        for (;;) {
-            std::vector<Job> jobs;
-            std::multimap<Clock::time_point, Job> delayed;
-            {
-                std::lock_guard lock(mutex_);
-                jobs.swap(jobs_);
-                delayed.swap(delayed_);
-            }
-            if (jobs.empty() && delayed.empty()) {
-                return;
-            }
-        }
+        std::vector<Job> jobs;
+        std::multimap<Clock::time_point, Job> delayed;
+        const std::lock_guard lock(mutex_);
+        jobs.swap(jobs_);
+        delayed.swap(delayed_);
     }
 
     std::mutex mutex_;
@@ -192,13 +216,17 @@ private:
     std::optional<net::executor_work_guard<net::io_context::executor_type>> guard_{
         net::make_work_guard(*context)};
     std::optional<net::steady_timer> timer_{*context};
+    std::promise<void> hasReturned_;
+    std::future<void> returned_ = hasReturned_.get_future();
     std::thread thread_;
 };
 
 AsioQueue::AsioQueue(const std::string& name) : loop_(std::make_unique<Loop>(name)) {}
 
-AsioQueue::~AsioQueue() {
-    loop_->end();
+AsioQueue::~AsioQueue() = default;
+
+bool AsioQueue::end(std::chrono::milliseconds limit) {
+    return loop_->end(limit);
 }
 
 void AsioQueue::async(Job job) {

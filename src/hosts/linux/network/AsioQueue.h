@@ -16,9 +16,15 @@ public:
     /// `name` is what tools such as `top` show for the thread; at most 15 bytes of it are kept.
     explicit AsioQueue(const std::string& name);
 
-    /// Ends and joins the thread. The job that runs is finished; jobs that wait are destroyed without being
-    /// run, and open connections drop without callbacks. Not to be called on the queue itself.
+    /// Ends the queue as `end` does, however long the running job takes.
     ~AsioQueue() override;
+
+    /// Ends the thread: the running job is finished, waiting jobs are destroyed without being run, and open
+    /// connections drop without callbacks. Jobs handed over later are destroyed at once.
+    ///
+    /// Returns false when the running job takes longer than `limit`. The job then still runs and nothing that
+    /// it uses may be destroyed. Not to be called on the queue itself.
+    bool end(std::chrono::milliseconds limit);
 
     AsioQueue(const AsioQueue&) = delete;
     AsioQueue& operator=(const AsioQueue&) = delete;
