@@ -7,6 +7,8 @@
 
 namespace velloway {
 
+class AsioLoop;
+
 /// A serial queue on a thread of its own, which also runs the sockets of `LinuxNetwork`.
 ///
 /// The thread runs a little below the user interface (nice 5), so that a long transfer does not make the
@@ -33,10 +35,11 @@ public:
     void asyncAfter(std::chrono::nanoseconds delay, Job job) override;
     bool isCurrent() const override;
 
+    /// For the sockets of this folder.
+    AsioLoop& loop() { return *loop_; }
+
 private:
-    friend class AsioQueueAccess;
-    class Loop;
-    std::unique_ptr<Loop> loop_;
+    std::unique_ptr<AsioLoop> loop_;
 };
 
 } // namespace velloway
