@@ -1,16 +1,16 @@
 #include "hosts/linux/network/ConnectionSession.h"
 
+#include "hosts/linux/network/Handshake.h"
 #include "hosts/linux/network/LinuxNetworkError.h"
 
 #include <boost/asio/buffer.hpp>
-#include <boost/beast/websocket.hpp>
+#include <boost/beast/websocket/error.hpp>
 
 #include <utility>
 
 namespace velloway {
 
 namespace net = boost::asio;
-namespace websocket = boost::beast::websocket;
 using boost::system::error_code;
 using net::ip::tcp;
 
@@ -29,13 +29,18 @@ ConnectionSession::ConnectionSession(AsioQueue& madeOn, const LinuxNetworkLimits
     : QueueSession(madeOn),
       endpoint(std::move(peer)),
       limits_(limits),
-      stream_(std::in_place, PhoneSocket(loop().get_executor(), isIPv6 ? tcp::v6() : tcp::v4(), descriptor)),
+      socket_(std::in_place, loop().get_executor(), isIPv6 ? tcp::v6() : tcp::v4(), descriptor),
       timer_(loop()),
-      reader_(
-          *stream_, loop(), limits, [this] { return weak_from_this().lock(); }, isAbandoned,
-          [this](const error_code& error, auto closeCode) { readerFailed(error, closeCode); }),
+      reader_(*socket_, loop(), limits, [this] { return weak_from_this().lock(); }, isAbandoned,
+              {.ping = [this](auto payload, auto answered) { writer_.pong(payload, std::move(answered)); },
+               .closed =
+                   [this](std::uint16_t code) {
+                       readerEnded(make_error_code(boost::beast::websocket::error::closed), code, true);
+                   },
+               .failed = [this](const error_code& error,
+                                std::uint16_t code) { readerEnded(error, code, code != 0); }}),
       writer_(
-          *stream_, limits.queuedBytes, [this] { return weak_from_this().lock(); }, isAbandoned,
+          *socket_, limits.queuedBytes, [this] { return weak_from_this().lock(); }, isAbandoned,
           [this](const error_code& error) { fail(error); }) {}
 
 void ConnectionSession::start() {
@@ -44,34 +49,20 @@ void ConnectionSession::start() {
     }
     phase_ = Phase::preparing;
     report(ConnectionState::preparing);
-    configure();
+    error_code ignored;
+    // Two answers in a row must not wait for the far end's delayed acknowledgement.
+    socket_->set_option(tcp::no_delay(true), ignored);
     timer_->expires_after(limits_.handshake);
     timer_->async_wait([self = shared_from_this()](const error_code& error) {
         if (!error && self->phase_ == Phase::preparing) {
             self->fail(systemError(boost::system::errc::timed_out));
         }
     });
-    acceptHandshake(*stream_, shared_from_this(), [this](const HandshakeResult& result) {
+    acceptHandshake(*socket_, shared_from_this(), [this](const HandshakeResult& result) {
         if (phase_ == Phase::preparing) {
             handshakeEnded(result);
         }
     });
-}
-
-void ConnectionSession::configure() {
-    error_code ignored;
-    // Two answers in a row must not wait for the far end's delayed acknowledgement.
-    stream_->next_layer().set_option(tcp::no_delay(true), ignored);
-    // The idle timer alone would double the cost of a small message.
-    stream_->set_option(
-        websocket::stream_base::timeout{websocket::stream_base::none(), websocket::stream_base::none(), false});
-    stream_->set_option(websocket::stream_base::decorator([](websocket::response_type& response) {
-        response.set(boost::beast::http::field::server, "Velloway");
-    }));
-    stream_->read_message_max(limits_.messageBytes);
-    // One message is one frame; pieces would be sent one system call each.
-    stream_->auto_fragment(false);
-    stream_->text(true);
 }
 
 void ConnectionSession::handshakeEnded(const HandshakeResult& result) {
@@ -119,14 +110,19 @@ void ConnectionSession::send(SharedText text, NetworkConnection::SendCompletion 
 
 // The end.
 
-void ConnectionSession::readerFailed(const error_code& error, std::optional<websocket::close_code> closeCode) {
+void ConnectionSession::readerEnded(const error_code& error, std::uint16_t code, bool isToBeClosed) {
     end(ConnectionState::failed, networkError(error));
-    if (!closeCode) {
+    if (isToBeClosed) {
+        closeWith(code);
+    } else {
         linger();
-        return;
     }
+}
+
+/// The last frame waits for what is being written, but not for long.
+void ConnectionSession::closeWith(std::uint16_t code) {
     closeAfter(limits_.closing);
-    stream_->async_close(*closeCode, [self = shared_from_this()](const error_code&) { self->linger(); });
+    writer_.close(code, [self = shared_from_this()] { self->linger(); });
 }
 
 void ConnectionSession::cancel() {
@@ -135,13 +131,11 @@ void ConnectionSession::cancel() {
     }
     const bool wasReady = phase_ == Phase::ready;
     end(ConnectionState::cancelled, networkError(systemError(boost::system::errc::operation_canceled)));
-    if (!wasReady || !stream_->is_open()) {
+    if (wasReady) {
+        closeWith(closeCode::goingAway);
+    } else {
         closeSocket();
-        return;
     }
-    closeAfter(limits_.closing);
-    stream_->async_close(websocket::close_code::going_away,
-                         [self = shared_from_this()](const error_code&) { self->closeSocket(); });
 }
 
 void ConnectionSession::fail(const error_code& error) {
@@ -183,8 +177,7 @@ void ConnectionSession::queueEnds() {
     const auto alive = weak_from_this().lock();
     phase_ = Phase::ended;
     hasQueue = false;
-    reader_.clear();
-    stream_.reset();
+    socket_.reset();
     timer_.reset();
     const auto receive = reader_.stop();
     const auto unsent = writer_.stop();
@@ -194,7 +187,7 @@ void ConnectionSession::queueEnds() {
 void ConnectionSession::closeSocket() {
     timer_->cancel();
     error_code ignored;
-    stream_->next_layer().close(ignored);
+    socket_->close(ignored);
 }
 
 /// Closes the socket when the limit has passed, whatever the phase is then.
@@ -210,7 +203,8 @@ void ConnectionSession::closeAfter(std::chrono::milliseconds limit) {
 /// Gives the far end time to read our last bytes: closing over unread input would destroy them.
 void ConnectionSession::linger() {
     error_code ignored;
-    stream_->next_layer().shutdown(net::socket_base::shutdown_send, ignored);
+    socket_->cancel(ignored);
+    socket_->shutdown(net::socket_base::shutdown_send, ignored);
     reader_.clear();
     discarded_.resize(discardBytes);
     closeAfter(limits_.closing);
@@ -218,14 +212,14 @@ void ConnectionSession::linger() {
 }
 
 void ConnectionSession::discardInput() {
-    stream_->next_layer().async_read_some(net::buffer(discarded_),
-                                          [self = shared_from_this()](const error_code& error, std::size_t) {
-                                              if (error) {
-                                                  self->closeSocket();
-                                              } else {
-                                                  self->discardInput();
-                                              }
-                                          });
+    socket_->async_read_some(net::buffer(discarded_),
+                             [self = shared_from_this()](const error_code& error, std::size_t) {
+                                 if (error) {
+                                     self->closeSocket();
+                                 } else {
+                                     self->discardInput();
+                                 }
+                             });
 }
 
 void ConnectionSession::report(ConnectionState state) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "hosts/linux/network/Handshake.h"
 #include "hosts/linux/network/MessageReader.h"
 #include "hosts/linux/network/MessageWriter.h"
 #include "hosts/linux/network/QueueSession.h"
@@ -8,11 +7,14 @@
 #include <boost/asio/steady_timer.hpp>
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
 
 namespace velloway {
+
+struct HandshakeResult;
 
 /// The life of one accepted socket: the handshake, the two halves, and the end. On the queue.
 class ConnectionSession final : public QueueSession, public std::enable_shared_from_this<ConnectionSession> {
@@ -34,13 +36,12 @@ public:
 private:
     enum class Phase { setup, preparing, ready, ended };
 
-    void configure();
     void handshakeEnded(const HandshakeResult& result);
-    void readerFailed(const boost::system::error_code& error,
-                      std::optional<boost::beast::websocket::close_code> closeCode);
+    void readerEnded(const boost::system::error_code& error, std::uint16_t code, bool isToBeClosed);
 
     void fail(const boost::system::error_code& error);
     void end(ConnectionState state, const NetworkError& error);
+    void closeWith(std::uint16_t code);
     void closeSocket();
     void closeAfter(std::chrono::milliseconds limit);
     void linger();
@@ -50,7 +51,7 @@ private:
     LinuxNetworkLimits limits_;
     Phase phase_ = Phase::setup;
     // Both live as long as the queue, and so do the halves.
-    std::optional<PhoneStream> stream_;
+    std::optional<PhoneSocket> socket_;
     std::optional<boost::asio::steady_timer> timer_;
     MessageReader reader_;
     MessageWriter writer_;

@@ -1,6 +1,7 @@
 #include "hosts/linux/network/Handshake.h"
 
 #include <boost/asio/write.hpp>
+#include <boost/beast/core/bind_handler.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
@@ -76,14 +77,14 @@ std::optional<std::string> refusalOf(const error_code& error) {
 /// One handshake, kept alive by the operation that is under way.
 class Handshake : public std::enable_shared_from_this<Handshake> {
 public:
-    Handshake(PhoneStream& stream, std::shared_ptr<void> owner,
+    Handshake(PhoneSocket& socket, std::shared_ptr<void> owner,
               std::function<void(const HandshakeResult&)> completion)
-        : stream_(stream), owner_(std::move(owner)), completion_(std::move(completion)) {}
+        : socket_(socket), owner_(std::move(owner)), completion_(std::move(completion)) {}
 
     void start() {
         parser_.header_limit(maxHeaderBytes);
         http::async_read_header(
-            stream_.next_layer(), buffer_, parser_,
+            socket_, buffer_, parser_,
             [self = shared_from_this()](const error_code& error, std::size_t) { self->didRead(error); });
     }
 
@@ -111,19 +112,25 @@ private:
 
     void refuse(std::string answer, const error_code& reason) {
         refusal_ = std::move(answer);
-        net::async_write(stream_.next_layer(), net::buffer(refusal_),
+        net::async_write(socket_, net::buffer(refusal_),
                          [self = shared_from_this(), reason](const error_code&, std::size_t) {
                              self->completion_({.error = reason, .wasRefused = true});
                          });
     }
 
     void accept() {
+        stream_.set_option(websocket::stream_base::timeout{websocket::stream_base::none(),
+                                                           websocket::stream_base::none(), false});
+        stream_.set_option(websocket::stream_base::decorator(
+            [](websocket::response_type& response) { response.set(http::field::server, "Velloway"); }));
         stream_.async_accept(parser_.get(), [self = shared_from_this()](const error_code& error) {
             self->completion_({.error = error});
         });
     }
 
-    PhoneStream& stream_;
+    PhoneSocket& socket_;
+    /// Only writes the answer.
+    websocket::stream<PhoneSocket&, false> stream_{socket_};
     std::shared_ptr<void> owner_;
     std::function<void(const HandshakeResult&)> completion_;
     beast::flat_buffer buffer_{maxHeaderBytes + 4096};
@@ -133,9 +140,9 @@ private:
 
 } // namespace
 
-void acceptHandshake(PhoneStream& stream, std::shared_ptr<void> owner,
+void acceptHandshake(PhoneSocket& socket, std::shared_ptr<void> owner,
                      std::function<void(const HandshakeResult&)> completion) {
-    std::make_shared<Handshake>(stream, std::move(owner), std::move(completion))->start();
+    std::make_shared<Handshake>(socket, std::move(owner), std::move(completion))->start();
 }
 
 } // namespace velloway

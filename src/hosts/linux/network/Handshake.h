@@ -16,9 +16,9 @@ struct HandshakeResult {
     bool wasRefused = false;
 };
 
-/// Reads the far end's request to become a WebSocket and answers it. `owner` keeps the stream alive until
+/// Reads the far end's request to become a WebSocket and answers it. `owner` keeps the socket alive until
 /// `completion` has been called. Without a timeout: whoever closes the socket ends it.
-void acceptHandshake(PhoneStream& stream, std::shared_ptr<void> owner,
+void acceptHandshake(PhoneSocket& socket, std::shared_ptr<void> owner,
                      std::function<void(const HandshakeResult&)> completion);
 
 } // namespace velloway
