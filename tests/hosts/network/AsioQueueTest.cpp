@@ -110,7 +110,7 @@ TEST(AsioQueueTest, is_current_in_its_own_jobs_only) {
     EXPECT_FALSE(on(other, [&] { return queue.isCurrent(); }));
 }
 
-TEST(AsioQueueTest, its_thread_has_the_given_name_and_runs_a_little_below_the_others) {
+TEST(AsioQueueTest, its_thread_has_the_given_name_and_the_priority_of_the_others) {
     AsioQueue queue("ws.server");
     EXPECT_EQ(on(queue,
                  [] {
@@ -120,7 +120,7 @@ TEST(AsioQueueTest, its_thread_has_the_given_name_and_runs_a_little_below_the_ot
                  }),
               "ws.server");
     const int ours = getpriority(PRIO_PROCESS, 0);
-    EXPECT_GT(on(queue, [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid))); }),
+    EXPECT_EQ(on(queue, [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid))); }),
               ours);
 }
 

@@ -5,9 +5,6 @@
 #include <utility>
 
 #include <pthread.h>
-#include <sys/resource.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 namespace velloway {
 
@@ -15,20 +12,13 @@ namespace net = boost::asio;
 
 namespace {
 
-constexpr int niceness = 5;
-
-void prepareThread(const std::string& name) {
-    pthread_setname_np(pthread_self(), name.substr(0, 15).c_str());
-    // On this system a priority set for a thread's own number counts for that thread alone. A refusal only
-    // means that the thread keeps the priority of the others.
-    setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), niceness);
-}
+constexpr std::size_t longestThreadName = 15;
 
 } // namespace
 
 AsioLoop::AsioLoop(const std::string& name)
     : thread_([this, name] {
-          prepareThread(name);
+          pthread_setname_np(pthread_self(), name.substr(0, longestThreadName).c_str());
           context_->run();
           hasReturned_.set_value();
       }) {}

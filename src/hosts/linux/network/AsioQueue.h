@@ -11,8 +11,7 @@ class AsioLoop;
 
 /// A serial queue on a thread of its own, which also runs the sockets of `LinuxNetwork`.
 ///
-/// The thread runs a little below the user interface (nice 5), so that a long transfer does not make the
-/// windows stutter.
+/// The thread has the priority of all others: below them a pointer move would wait for every busy program.
 class AsioQueue final : public DispatchQueue {
 public:
     /// `name` is what tools such as `top` show for the thread; at most 15 bytes of it are kept.
