@@ -4,7 +4,9 @@ Everything runs on the desktop that tests/desktop/with-desktop gives, on one thr
 calls are offered from here, so waiting always keeps the message loop turning.
 """
 
+import array
 import ctypes
+import fcntl
 import json
 import os
 import pathlib
@@ -13,6 +15,7 @@ import re
 import signal
 import socket
 import subprocess
+import termios
 import threading
 import time
 import unittest
@@ -398,6 +401,13 @@ def clipboard():
 def open_files(pid):
     files = pathlib.Path(f"/proc/{pid}/fd")
     return {os.readlink(each) for each in files.iterdir() if each.is_symlink()}
+
+
+def unread(pipe):
+    """How many bytes wait in a pipe."""
+    count = array.array("i", [0])
+    fcntl.ioctl(pipe, termios.FIONREAD, count)
+    return count[0]
 
 
 def visible_windows(pid):

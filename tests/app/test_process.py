@@ -53,6 +53,35 @@ class Life(AppTest):
         self.assertEqual(self.app.wait_end(), 0)
         self.assertLess(time.monotonic() - start, 1)
 
+    def test_a_reader_of_standard_output_that_does_not_read_stops_nothing(self):
+        terminate(self.app)
+        self.app.wait_end()
+        reading, writing = os.pipe()
+        self.addCleanup(os.close, reading)
+        port = free_port()
+        settings = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "velloway" / "velloway.conf"
+        settings.write_text(f"[General]\nport={port}\n")
+        app = subprocess.Popen([APP], stdout=writing, stderr=subprocess.DEVNULL)
+        self.addCleanup(app.wait)
+        self.addCleanup(app.kill)
+        os.close(writing)
+
+        def listens():
+            with socket.socket() as probe:
+                return probe.connect_ex(("127.0.0.1", port)) == 0
+
+        wait_for(listens, "the program listens")
+        one = self.start_node(port)
+        for number in range(2000):
+            one.send({"app": "Chat", "title": f"Title {number}", "body": "x" * 40})
+        wait_for(lambda: unread(reading) > 60_000, "the pipe is full")
+        self.start_node(port)
+        start = time.monotonic()
+        app.send_signal(signal.SIGTERM)
+        wait_for(lambda: app.poll() is not None, "the end of the program")
+        self.assertLess(time.monotonic() - start, 1)
+        self.assertEqual(app.returncode, 0)
+
     def test_closing_the_window_leaves_the_process_running(self):
         self.tray.choose("Settings…")
         window = wait_for(lambda: visible_windows(self.app.pid), "the main window").pop()

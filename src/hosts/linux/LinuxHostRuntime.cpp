@@ -67,6 +67,7 @@ public:
         const int exitCode = desktop_.run(delegate);
         if (!serverQueue_.end(longestLastJob)) {
             // The file that is being read may be large, or lie on a disk that does not answer.
+            desktop_.log.flush();
             std::_Exit(exitCode);
         }
         desktop_.mainQueue.end();
@@ -85,7 +86,17 @@ private:
     }};
     QtWindows windows_{[this] { return loadViewsLibrary(desktop_.log); }};
     // Last, because its jobs may use everything above.
-    AsioQueue serverQueue_{"ws.server"};
+    AsioQueue serverQueue_{"ws.server",
+                           {.began =
+                                [] {
+                                    StandardOutputLog::gatherOnThisThread();
+                                    QtMainQueue::gatherOnThisThread();
+                                },
+                            .ended =
+                                [this] {
+                                    desktop_.log.flush();
+                                    desktop_.mainQueue.flush();
+                                }}};
     LinuxNetwork network_{serverQueue_};
 };
 

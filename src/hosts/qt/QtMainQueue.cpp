@@ -16,6 +16,11 @@ const QEvent::Type wakeType = static_cast<QEvent::Type>(QEvent::registerEventTyp
 /// How long jobs may run on end before input and painting get their turn.
 constexpr std::chrono::milliseconds longestRun{8};
 
+/// A job of the other thread that takes longer than this, such as one that reads a file, shows its progress.
+constexpr std::chrono::milliseconds longestGathering{2};
+
+thread_local bool isGathering = false;
+
 } // namespace
 
 QtMainQueue::QtMainQueue() = default;
@@ -40,7 +45,25 @@ void QtMainQueue::async(Job job) {
         return;
     }
     jobs_.push_back(std::move(job));
-    wake();
+    if (!isGathering) {
+        wake();
+    } else if (!std::exchange(isWakeOwed_, true)) {
+        owedSince_ = Clock::now();
+    } else if (Clock::now() - owedSince_ > longestGathering) {
+        isWakeOwed_ = false;
+        wake();
+    }
+}
+
+void QtMainQueue::gatherOnThisThread() {
+    isGathering = true;
+}
+
+void QtMainQueue::flush() {
+    const std::lock_guard lock(mutex_);
+    if (std::exchange(isWakeOwed_, false) && !jobs_.empty()) {
+        wake();
+    }
 }
 
 void QtMainQueue::asyncAfter(std::chrono::nanoseconds delay, Job job) {

@@ -24,6 +24,13 @@ public:
     /// Destroys the jobs that wait, and from now on every job that is handed over. Main thread.
     void end();
 
+    /// From now on a job that this thread hands over waits for `flush`, or a few milliseconds, so that a thread
+    /// with an event loop of its own wakes the main thread once for all jobs of a turn. The order of the jobs
+    /// stays as it is.
+    static void gatherOnThisThread();
+    /// Wakes the main thread if a gathered job waits. Any thread.
+    void flush();
+
     void async(Job job) override;
     void asyncAfter(std::chrono::nanoseconds delay, Job job) override;
     /// True on the whole main thread: what the toolkit calls there counts as a job of this queue.
@@ -61,6 +68,9 @@ private:
     std::uint64_t nextOrder_ = 0;
     bool isEnded_ = false;
     bool isWakePosted_ = false;
+    /// A gathered job waits for `flush`.
+    bool isWakeOwed_ = false;
+    Clock::time_point owedSince_;
     bool isRearmWanted_ = false;
 
     QBasicTimer dueTimer_;

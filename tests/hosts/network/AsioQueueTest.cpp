@@ -124,6 +124,28 @@ TEST(AsioQueueTest, its_thread_has_the_given_name_and_the_priority_of_the_others
               ours);
 }
 
+TEST(AsioQueueTest, a_turn_ends_once_for_jobs_that_were_handed_over_together) {
+    std::vector<std::string> notes;
+    std::promise<void> done;
+    {
+        AsioQueue queue("ws.server", {.began = [&] { notes.emplace_back("began"); },
+                                      .ended =
+                                          [&] {
+                                              notes.emplace_back("ended");
+                                              if (notes.size() == 6) {
+                                                  done.set_value();
+                                              }
+                                          }});
+        queue.async([&] {
+            for (const char* name : {"one", "two", "three"}) {
+                queue.async([&notes, name] { notes.emplace_back(name); });
+            }
+        });
+        EXPECT_EQ(done.get_future().wait_for(10s), std::future_status::ready);
+    }
+    EXPECT_THAT(notes, ElementsAre("began", "ended", "one", "two", "three", "ended"));
+}
+
 TEST(AsioQueueTest, lets_go_of_what_a_job_holds_once_it_has_run) {
     AsioQueue queue("ws.server");
     auto held = std::make_shared<int>(1);

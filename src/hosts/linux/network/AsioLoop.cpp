@@ -16,12 +16,23 @@ constexpr std::size_t longestThreadName = 15;
 
 } // namespace
 
-AsioLoop::AsioLoop(const std::string& name)
-    : thread_([this, name] {
+AsioLoop::AsioLoop(const std::string& name, QueueTurns turns)
+    : turns_(std::move(turns)), thread_([this, name] {
           pthread_setname_np(pthread_self(), name.substr(0, longestThreadName).c_str());
-          context_->run();
+          run();
           hasReturned_.set_value();
       }) {}
+
+void AsioLoop::run() {
+    if (turns_.began) {
+        turns_.began();
+    }
+    while (context_->run_one() > 0) {
+        if (turns_.ended) {
+            turns_.ended();
+        }
+    }
+}
 
 AsioLoop::~AsioLoop() {
     if (context_) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/AsioResident.h"
 #include "platform/DispatchQueue.h"
 
@@ -29,7 +30,7 @@ class AsioLoop {
 public:
     using Job = DispatchQueue::Job;
 
-    explicit AsioLoop(const std::string& name);
+    AsioLoop(const std::string& name, QueueTurns turns);
     ~AsioLoop();
     AsioLoop(const AsioLoop&) = delete;
     AsioLoop& operator=(const AsioLoop&) = delete;
@@ -50,6 +51,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void run();
     void stop();
     void cleanUp();
     void runJobs();
@@ -58,6 +60,7 @@ private:
     void endResidents();
     void dropJobs();
 
+    const QueueTurns turns_;
     std::optional<boost::asio::io_context> context_{std::in_place, 1};
 
     std::mutex mutex_;

@@ -6,7 +6,8 @@
 
 namespace velloway {
 
-AsioQueue::AsioQueue(const std::string& name) : loop_(std::make_unique<AsioLoop>(name)) {}
+AsioQueue::AsioQueue(const std::string& name, QueueTurns turns)
+    : loop_(std::make_unique<AsioLoop>(name, std::move(turns))) {}
 
 AsioQueue::~AsioQueue() = default;
 

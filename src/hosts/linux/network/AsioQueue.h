@@ -2,6 +2,7 @@
 
 #include "platform/DispatchQueue.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -9,13 +10,21 @@ namespace velloway {
 
 class AsioLoop;
 
+/// What others do on the thread of a queue beside its jobs.
+struct QueueTurns {
+    /// Once, before the first job.
+    std::function<void()> began;
+    /// After each turn of the event loop: one batch of jobs, or what one read of a socket has brought.
+    std::function<void()> ended;
+};
+
 /// A serial queue on a thread of its own, which also runs the sockets of `LinuxNetwork`.
 ///
 /// The thread has the priority of all others: below them a pointer move would wait for every busy program.
 class AsioQueue final : public DispatchQueue {
 public:
     /// `name` is what tools such as `top` show for the thread; at most 15 bytes of it are kept.
-    explicit AsioQueue(const std::string& name);
+    explicit AsioQueue(const std::string& name, QueueTurns turns = {});
 
     /// Ends the queue as `end` does, however long the running job takes.
     ~AsioQueue() override;
