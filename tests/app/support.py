@@ -4,18 +4,16 @@ Everything runs on the desktop that tests/desktop/with-desktop gives, on one thr
 calls are offered from here, so waiting always keeps the message loop turning.
 """
 
-import array
 import ctypes
-import fcntl
 import json
 import os
 import pathlib
 import queue
 import re
+import select
 import signal
 import socket
 import subprocess
-import termios
 import threading
 import time
 import unittest
@@ -403,11 +401,9 @@ def open_files(pid):
     return {os.readlink(each) for each in files.iterdir() if each.is_symlink()}
 
 
-def unread(pipe):
-    """How many bytes wait in a pipe."""
-    count = array.array("i", [0])
-    fcntl.ioctl(pipe, termios.FIONREAD, count)
-    return count[0]
+def is_full(pipe):
+    """Whether a write to this end of a pipe would wait."""
+    return not select.select([], [pipe], [], 0)[1]
 
 
 def visible_windows(pid):

@@ -58,13 +58,13 @@ class Life(AppTest):
         self.app.wait_end()
         reading, writing = os.pipe()
         self.addCleanup(os.close, reading)
+        self.addCleanup(os.close, writing)
         port = free_port()
         settings = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "velloway" / "velloway.conf"
         settings.write_text(f"[General]\nport={port}\n")
         app = subprocess.Popen([APP], stdout=writing, stderr=subprocess.DEVNULL)
         self.addCleanup(app.wait)
         self.addCleanup(app.kill)
-        os.close(writing)
 
         def listens():
             with socket.socket() as probe:
@@ -74,7 +74,7 @@ class Life(AppTest):
         one = self.start_node(port)
         for number in range(2000):
             one.send({"app": "Chat", "title": f"Title {number}", "body": "x" * 40})
-        wait_for(lambda: unread(reading) > 60_000, "the pipe is full")
+        wait_for(lambda: is_full(writing), "the pipe is full")
         self.start_node(port)
         start = time.monotonic()
         app.send_signal(signal.SIGTERM)
