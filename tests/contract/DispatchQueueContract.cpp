@@ -222,6 +222,46 @@ TEST(QtMainQueueTest, an_earlier_delay_asked_for_later_is_not_held_up_by_a_long_
     EXPECT_TRUE(waitFor([&] { return early; }, 5s));
 }
 
+TEST(QtMainQueueTest, gathered_jobs_wait_for_the_flush_and_keep_their_order_among_others) {
+    QtMainQueue queue;
+    std::vector<std::string> notes;
+    const auto note = [&](const char* text) { return [&notes, text] { notes.emplace_back(text); }; };
+    std::thread([&] {
+        QtMainQueue::gatherOnThisThread();
+        queue.async(note("one"));
+    }).join();
+    processPending();
+    EXPECT_TRUE(notes.empty());
+    queue.flush();
+    EXPECT_TRUE(waitFor([&] { return notes.size() == 1; }));
+
+    std::thread([&] {
+        QtMainQueue::gatherOnThisThread();
+        queue.async(note("two"));
+        std::thread([&] { queue.async(note("three")); }).join();
+        queue.async(note("four"));
+        queue.flush();
+    }).join();
+    EXPECT_TRUE(waitFor([&] { return notes.size() == 4; }));
+    EXPECT_THAT(notes, ElementsAre("one", "two", "three", "four"));
+}
+
+TEST(QtMainQueueTest, jobs_of_a_turn_that_takes_long_run_meanwhile) {
+    QtMainQueue queue;
+    std::atomic<int> ran = 0;
+    std::atomic<bool> isOver = false;
+    std::thread turn([&] {
+        QtMainQueue::gatherOnThisThread();
+        while (!isOver) {
+            queue.async([&] { ++ran; });
+            std::this_thread::sleep_for(5ms);
+        }
+    });
+    EXPECT_TRUE(waitFor([&] { return ran > 2; }));
+    isOver = true;
+    turn.join();
+}
+
 TEST(QtMainQueueTest, jobs_left_at_the_end_are_dropped_with_what_they_hold) {
     auto held = std::make_shared<int>(1);
     const std::weak_ptr<int> watch = held;

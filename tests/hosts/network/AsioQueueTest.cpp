@@ -110,7 +110,7 @@ TEST(AsioQueueTest, is_current_in_its_own_jobs_only) {
     EXPECT_FALSE(on(other, [&] { return queue.isCurrent(); }));
 }
 
-TEST(AsioQueueTest, its_thread_has_the_given_name_and_runs_a_little_below_the_others) {
+TEST(AsioQueueTest, its_thread_has_the_given_name_and_the_priority_of_the_others) {
     AsioQueue queue("ws.server");
     EXPECT_EQ(on(queue,
                  [] {
@@ -120,8 +120,30 @@ TEST(AsioQueueTest, its_thread_has_the_given_name_and_runs_a_little_below_the_ot
                  }),
               "ws.server");
     const int ours = getpriority(PRIO_PROCESS, 0);
-    EXPECT_GT(on(queue, [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid))); }),
+    EXPECT_EQ(on(queue, [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid))); }),
               ours);
+}
+
+TEST(AsioQueueTest, a_turn_ends_once_for_jobs_that_were_handed_over_together) {
+    std::vector<std::string> notes;
+    std::promise<void> done;
+    {
+        AsioQueue queue("ws.server", {.began = [&] { notes.emplace_back("began"); },
+                                      .ended =
+                                          [&] {
+                                              notes.emplace_back("ended");
+                                              if (notes.size() == 6) {
+                                                  done.set_value();
+                                              }
+                                          }});
+        queue.async([&] {
+            for (const char* name : {"one", "two", "three"}) {
+                queue.async([&notes, name] { notes.emplace_back(name); });
+            }
+        });
+        EXPECT_EQ(done.get_future().wait_for(10s), std::future_status::ready);
+    }
+    EXPECT_THAT(notes, ElementsAre("began", "ended", "one", "two", "three", "ended"));
 }
 
 TEST(AsioQueueTest, lets_go_of_what_a_job_holds_once_it_has_run) {
@@ -161,6 +183,32 @@ TEST(AsioQueueTest, at_the_end_the_running_job_is_finished_and_waiting_ones_are_
     release.join();
     EXPECT_TRUE(isFinished);
     EXPECT_TRUE(watch.expired());
+}
+
+TEST(AsioQueueTest, end_returns_false_while_a_job_runs_that_takes_longer_than_the_limit) {
+    AsioQueue queue("ws.server");
+    std::promise<void> started;
+    std::promise<void> goOn;
+    queue.async([&] {
+        started.set_value();
+        goOn.get_future().wait();
+    });
+    started.get_future().wait();
+    EXPECT_FALSE(queue.end(10ms));
+    goOn.set_value();
+    EXPECT_TRUE(queue.end(10s));
+    EXPECT_TRUE(queue.end(0ms));
+}
+
+TEST(AsioQueueTest, a_job_handed_over_after_the_end_is_destroyed_at_once) {
+    AsioQueue queue("ws.server");
+    ASSERT_TRUE(queue.end(10s));
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watch = held;
+    queue.async([held] { FAIL() << "ran after the end"; });
+    queue.asyncAfter(0ms, [held = std::move(held)] { FAIL() << "ran after the end"; });
+    EXPECT_TRUE(watch.expired());
+    EXPECT_FALSE(queue.isCurrent());
 }
 
 TEST(AsioQueueTest, what_a_dropped_job_held_may_hand_over_jobs_as_it_goes) {
