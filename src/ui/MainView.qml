@@ -6,11 +6,8 @@ import Velloway
 FocusScope {
     id: root
 
-    required property var bridge
+    required property MainBridge bridge
     readonly property bool showLabels: bridge.showsLabels(width)
-    readonly property string content: bridge.shown.tabContent
-
-    onContentChanged: if (!sidebar.activeFocus) detail.forceActiveFocus()
 
     Rectangle {
         anchors.fill: parent
@@ -41,16 +38,14 @@ FocusScope {
             anchors.fill: parent
             focus: true
             Component.onCompleted: load()
-            function load() {
-                const files = {
-                    calls: "CallsTab", sendSms: "SmsTab", fileDrop: "FileDropTab", notifications: "NotificationsTab",
-                    remoteControl: "RemoteTab", clipboard: "ClipboardTab", settings: "SettingsTab", info: "InfoTab"
-                }
-                setSource("tabs/" + files[root.content] + ".qml", { bridge: root.bridge })
-            }
+            function load() { setSource("tabs/" + root.bridge.tabFile, { bridge: root.bridge.tab }) }
             Connections {
-                target: root
-                function onContentChanged() { loader.load() }
+                target: root.bridge
+                function onTabChanged() {
+                    if (!sidebar.activeFocus)
+                        detail.forceActiveFocus()
+                    loader.load()
+                }
             }
         }
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "bridge/Convert.h"
+
 #include <QAbstractListModel>
 #include <QByteArray>
 #include <QHash>
@@ -15,13 +17,17 @@
 
 namespace velloway {
 
-/// Shows a list of values to QML and tells it of a new list as the exact inserts, removes, moves and changes,
-/// so that a row keeps its delegate for as long as its identity lasts. Main thread only.
+/// Shows a list of values to QML and reports a new list as the exact inserts, removes, moves and changes, so
+/// that a row keeps its delegate for as long as its identity lasts. Main thread only.
 ///
 /// Several rows may share an identity; they are then told apart by their order.
 template <class Row, class Key> class RowModel : public QAbstractListModel {
 public:
+    /// What a delegate names: a member of the row, or something worked out from it when it is asked for.
     struct Role {
+        template <class Value> Role(const char* role, Value of)
+            : name(role), value([of](const Row& row) { return toVariant(std::invoke(of, row)); }) {}
+
         QByteArray name;
         std::function<QVariant(const Row&)> value;
     };
@@ -50,6 +56,13 @@ public:
     }
 
     const std::vector<Row>& rows() const { return rows_; }
+
+    /// The first row of that identity, or null.
+    const Row* find(const Key& key) const {
+        const auto found =
+            std::find_if(rows_.begin(), rows_.end(), [&](const Row& row) { return identity_(row) == key; });
+        return found == rows_.end() ? nullptr : &*found;
+    }
 
     void assign(std::vector<Row> next) {
         // Most changes leave a long head and a long tail as they are.

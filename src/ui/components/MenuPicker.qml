@@ -2,31 +2,25 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Velloway
 
-/// A choice out of a few, as a menu. `entries` are {title, value}.
+/// A choice out of a few, as a menu. Each title stands for the value in the same place.
 ComboBox {
     id: picker
 
-    property var entries: []
-    property var selected
+    required property list<string> titles
+    required property list<real> values
+    property real selected
     property string name
-    signal picked(var value)
+    signal picked(real value)
 
-    model: entries
-    textRole: "title"
-    valueRole: "value"
-    currentIndex: {
-        for (let i = 0; i < entries.length; ++i)
-            if (entries[i].value === selected)
-                return i
-        return -1
-    }
+    model: titles
+    currentIndex: values.indexOf(selected)
     implicitWidth: 120
     implicitHeight: 24
     leftPadding: 9
     rightPadding: 24
     font.pixelSize: Theme.callout
     Accessible.name: name
-    onActivated: index => picked(entries[index].value)
+    onActivated: index => picked(values[index])
 
     contentItem: Text {
         text: picker.displayText
@@ -49,22 +43,24 @@ ComboBox {
         FocusRing { control: picker }
     }
     delegate: ItemDelegate {
-        required property var modelData
+        id: entry
+
+        required property string modelData
         required property int index
 
         width: picker.width
         height: 26
         highlighted: picker.highlightedIndex === index
         contentItem: Text {
-            text: modelData.title
-            color: parent.highlighted ? Theme.white : Theme.primary
+            text: entry.modelData
+            color: entry.highlighted ? Theme.white : Theme.primary
             font: picker.font
             elide: Text.ElideRight
             verticalAlignment: Text.AlignVCenter
         }
         background: Rectangle {
             radius: 4
-            color: parent.highlighted ? Theme.blue : "transparent"
+            color: entry.highlighted ? Theme.blue : "transparent"
         }
     }
     popup: Popup {

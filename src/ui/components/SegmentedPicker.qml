@@ -1,14 +1,15 @@
 import QtQuick
 import Velloway
 
-/// A choice out of a few, side by side. `segments` are {title, value}.
+/// A choice out of a few, side by side. Each title stands for the value in the same place.
 Rectangle {
     id: picker
 
-    property var segments: []
-    property var selected
+    required property list<string> titles
+    required property list<real> values
+    property real selected
     property string name
-    signal picked(var value)
+    signal picked(real value)
 
     implicitWidth: 55
     implicitHeight: 20
@@ -22,31 +23,35 @@ Rectangle {
         anchors.fill: parent
         anchors.margins: 2
         Repeater {
-            model: picker.segments
+            model: picker.titles
             Rectangle {
-                required property var modelData
-                readonly property bool current: modelData.value === picker.selected
+                id: segment
 
-                objectName: "segment" + modelData.value
-                width: parent.width / picker.segments.length
+                required property string modelData
+                required property int index
+                readonly property real value: picker.values[index]
+                readonly property bool current: value === picker.selected
+
+                objectName: "segment" + value
+                width: parent.width / picker.titles.length
                 height: parent.height
                 radius: 4
                 color: current ? Theme.button : "transparent"
                 border.width: current ? 1 : 0
                 border.color: Theme.separator
                 Accessible.role: Accessible.RadioButton
-                Accessible.name: modelData.title
+                Accessible.name: modelData
                 Accessible.checked: current
-                Accessible.onPressAction: picker.picked(modelData.value)
+                Accessible.onPressAction: picker.picked(value)
                 Text {
                     anchors.centerIn: parent
-                    text: parent.modelData.title
+                    text: segment.modelData
                     color: Theme.primary
                     font.pixelSize: Theme.caption2
-                    font.weight: parent.current ? Font.DemiBold : Font.Normal
+                    font.weight: segment.current ? Font.DemiBold : Font.Normal
                     Accessible.ignored: true
                 }
-                TapHandler { onTapped: picker.picked(parent.modelData.value) }
+                TapHandler { onTapped: picker.picked(segment.value) }
             }
         }
     }

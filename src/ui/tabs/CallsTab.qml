@@ -6,9 +6,7 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var pad: bridge.shown.dialPad
-    readonly property var texts: bridge.texts.calls
+    required property CallsBridge bridge
 
     focus: true
 
@@ -46,7 +44,7 @@ FocusScope {
                         anchors.fill: parent
                         anchors.leftMargin: 20
                         anchors.rightMargin: 20
-                        text: tab.pad.numberText
+                        text: tab.bridge.pad.numberText
                         font.pixelSize: 38
                         font.weight: Font.Light
                         fontSizeMode: Text.HorizontalFit
@@ -67,15 +65,16 @@ FocusScope {
                         AbstractButton {
                             id: cell
 
-                            required property var modelData
+                            required property string digit
+                            required property string letters
                             required property int index
 
-                            objectName: "dial" + modelData.digit
+                            objectName: "dial" + digit
                             width: 70
                             height: 70
                             focusPolicy: Qt.NoFocus
                             Accessible.role: Accessible.Button
-                            Accessible.name: modelData.digit
+                            Accessible.name: digit
                             Accessible.onPressAction: if (enabled) clicked()
                             onClicked: tab.bridge.pressDialButton(index)
                             background: Rectangle {
@@ -90,7 +89,7 @@ FocusScope {
                                     spacing: -1
                                     Text {
                                         anchors.horizontalCenter: parent.horizontalCenter
-                                        text: cell.modelData.digit
+                                        text: cell.digit
                                         color: Theme.primary
                                         font.pixelSize: 28
                                         Accessible.ignored: true
@@ -98,7 +97,7 @@ FocusScope {
                                     Text {
                                         visible: text
                                         anchors.horizontalCenter: parent.horizontalCenter
-                                        text: cell.modelData.letters
+                                        text: cell.letters
                                         color: Theme.secondary
                                         font.pixelSize: 8
                                         Accessible.ignored: true
@@ -117,21 +116,22 @@ FocusScope {
                         implicitHeight: 20
                         SegmentedPicker {
                             objectName: "simSegments"
-                            visible: tab.pad.showsSimPicker
+                            visible: tab.bridge.pad.showsSimPicker
                             name: "SIM"
-                            segments: tab.bridge.simSegments.map(entry => ({ title: entry.title, value: entry.slot }))
-                            selected: tab.bridge.fields.selectedSimSlot
-                            onPicked: value => tab.bridge.fields.selectedSimSlot = value
+                            titles: tab.bridge.simTitles
+                            values: tab.bridge.simSlots
+                            selected: tab.bridge.selectedSimSlot
+                            onPicked: value => tab.bridge.selectedSimSlot = value
                         }
                     }
                     CircleButton {
                         objectName: "call"
                         diameter: 72
                         symbolSize: 28
-                        symbol: tab.texts.callSymbol
+                        symbol: CallsTexts.callSymbol
                         name: "Call"
                         fill: Theme.green
-                        enabled: tab.pad.canCall
+                        enabled: tab.bridge.pad.canCall
                         onClicked: tab.bridge.startCall()
                     }
                     Item {
@@ -142,10 +142,10 @@ FocusScope {
                             anchors.centerIn: parent
                             width: 50
                             leftPadding: 14
-                            symbol: tab.texts.deleteSymbol
+                            symbol: CallsTexts.deleteSymbol
                             symbolSize: 22
                             tint: Theme.secondary
-                            opacity: tab.pad.showsDelete ? 1 : 0
+                            opacity: tab.bridge.pad.showsDelete ? 1 : 0
                             focusPolicy: Qt.NoFocus
                             Accessible.name: "Delete"
                             onClicked: tab.bridge.deleteLastDigit()
@@ -162,7 +162,7 @@ FocusScope {
             Layout.fillHeight: true
             spacing: 0
             Label {
-                text: tab.texts.recentCalls
+                text: CallsTexts.recentCalls
                 font.weight: Font.DemiBold
                 Layout.margins: 20
                 Layout.bottomMargin: 10
@@ -183,7 +183,7 @@ FocusScope {
                 rightMargin: 10
                 ScrollBar.vertical: ThinScrollBar {}
                 Accessible.role: Accessible.List
-                Accessible.name: tab.texts.recentCalls
+                Accessible.name: CallsTexts.recentCalls
                 Keys.onReturnPressed: if (currentItem) currentItem.press()
                 delegate: Rectangle {
                     id: row
@@ -251,7 +251,7 @@ FocusScope {
                     visible: list.count === 0
                     x: 20
                     y: 4
-                    text: tab.texts.noRecentCalls
+                    text: CallsTexts.noRecentCalls
                     color: Theme.secondary
                 }
             }

@@ -6,8 +6,7 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.fileDrop
+    required property FileDropBridge bridge
 
     ColumnLayout {
         anchors.fill: parent
@@ -15,12 +14,12 @@ FocusScope {
 
         ListHeader {
             Layout.fillWidth: true
-            title: tab.texts.title
-            description: tab.texts.description
-            clearTitle: tab.texts.clearHistory
-            showsClear: tab.bridge.shown.showsClearFileTransfers
-            actionTitle: tab.texts.send
-            actionSymbol: tab.texts.sendSymbol
+            title: FileDropTexts.title
+            description: FileDropTexts.description
+            clearTitle: FileDropTexts.clearHistory
+            showsClear: tab.bridge.showsClear
+            actionTitle: FileDropTexts.send
+            actionSymbol: FileDropTexts.sendSymbol
             onClear: tab.bridge.clearFileTransfers()
             onAction: tab.bridge.selectFileAndSend()
         }
@@ -40,7 +39,7 @@ FocusScope {
             model: tab.bridge.transfers
             ScrollBar.vertical: ThinScrollBar {}
             Accessible.role: Accessible.List
-            Accessible.name: tab.texts.title
+            Accessible.name: FileDropTexts.title
             delegate: Item {
                 id: row
 
@@ -129,8 +128,8 @@ FocusScope {
                     visible: row.showsReveal
                     width: visible ? implicitWidth : 0
                     anchors { right: parent.right; rightMargin: 20; verticalCenter: parent.verticalCenter }
-                    symbol: tab.texts.revealSymbol
-                    tip: tab.texts.revealTooltip
+                    symbol: FileDropTexts.revealSymbol
+                    tip: FileDropTexts.revealTooltip
                     tint: Theme.secondary
                     onClicked: tab.bridge.revealFile(row.rowId)
                 }

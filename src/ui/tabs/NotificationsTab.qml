@@ -6,8 +6,7 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.notifications
+    required property NotificationsBridge bridge
 
     ColumnLayout {
         anchors.fill: parent
@@ -22,11 +21,11 @@ FocusScope {
                 visible: list.count === 0
                 anchors.centerIn: parent
                 width: parent.width - 40
-                symbol: tab.texts.emptySymbol
+                symbol: NotificationsTexts.emptySymbol
                 symbolOpacity: 0.6
                 headline: true
-                title: tab.texts.emptyTitle
-                description: tab.texts.emptyDescription
+                title: NotificationsTexts.emptyTitle
+                description: NotificationsTexts.emptyDescription
             }
             ListView {
                 id: list
@@ -43,7 +42,7 @@ FocusScope {
                 boundsBehavior: Flickable.StopAtBounds
                 topMargin: 8
                 bottomMargin: 8
-                model: tab.bridge.notifications
+                model: tab.bridge.rows
                 ScrollBar.vertical: ThinScrollBar {}
                 Accessible.role: Accessible.List
                 Accessible.name: "Notifications"
@@ -54,8 +53,8 @@ FocusScope {
                     required property string letter
                     required property string app
                     required property string time
-                    required property var title
-                    required property var body
+                    required property string title
+                    required property string body
                     required property bool isReplying
 
                     objectName: "notification"
@@ -109,18 +108,18 @@ FocusScope {
                             }
                         }
                         Label {
-                            visible: row.title !== null
+                            visible: row.title !== ""
                             width: parent.width
-                            text: row.title || ""
+                            text: row.title
                             font.pixelSize: Theme.body
                             font.weight: Font.Medium
                             elide: Text.ElideRight
                             maximumLineCount: 1
                         }
                         Label {
-                            visible: row.body !== null
+                            visible: row.body !== ""
                             width: parent.width
-                            text: row.body || ""
+                            text: row.body
                             color: Theme.secondary
                             font.pixelSize: Theme.callout
                             wrapMode: Text.Wrap
@@ -132,11 +131,9 @@ FocusScope {
                             objectName: "reply"
                             visible: !row.isReplying
                             x: -4
-                            text: tab.texts.reply
+                            text: NotificationsTexts.reply
                             tint: Theme.tint
-                            onClicked: {
-                                tab.bridge.openReply(row.rowId)
-                            }
+                            onClicked: tab.bridge.openReply(row.rowId)
                         }
                         Loader {
                             active: row.isReplying
@@ -148,9 +145,9 @@ FocusScope {
                                     objectName: "replyField"
                                     Layout.fillWidth: true
                                     implicitHeight: 24
-                                    placeholderText: tab.texts.replyPlaceholder
-                                    text: tab.bridge.fields.replyText
-                                    onTextEdited: tab.bridge.fields.replyText = text
+                                    placeholderText: NotificationsTexts.replyPlaceholder
+                                    text: tab.bridge.replyText
+                                    onTextEdited: tab.bridge.replyText = text
                                     onAccepted: tab.bridge.sendReply(row.rowId)
                                     Keys.onEscapePressed: tab.bridge.cancelReply()
                                     Component.onCompleted: forceActiveFocus()
@@ -159,12 +156,12 @@ FocusScope {
                                     objectName: "sendReply"
                                     prominent: true
                                     controlSize: "small"
-                                    text: tab.texts.send
+                                    text: NotificationsTexts.send
                                     onClicked: tab.bridge.sendReply(row.rowId)
                                 }
                                 PlainButton {
                                     objectName: "cancelReply"
-                                    text: tab.texts.cancel
+                                    text: NotificationsTexts.cancel
                                     tint: Theme.secondary
                                     onClicked: tab.bridge.cancelReply()
                                 }
@@ -186,16 +183,16 @@ FocusScope {
             Layout.maximumHeight: 34
             Label {
                 objectName: "count"
-                text: tab.bridge.shown.notificationsCount
+                text: tab.bridge.count
                 color: Theme.secondary
                 font.pixelSize: Theme.caption
                 Layout.fillWidth: true
             }
             PlainButton {
                 objectName: "clearAll"
-                text: tab.texts.clearAll
+                text: NotificationsTexts.clearAll
                 tint: Theme.red
-                enabled: tab.bridge.shown.canClearNotifications
+                enabled: tab.bridge.canClear
                 onClicked: tab.bridge.clearNotifications()
             }
         }

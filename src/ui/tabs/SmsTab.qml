@@ -6,9 +6,7 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.sms
-    readonly property var header: bridge.shown.chatHeader
+    required property SmsBridge bridge
 
     focus: true
 
@@ -31,20 +29,17 @@ FocusScope {
 
             EmptyState {
                 objectName: "noChat"
-                visible: !tab.header
+                visible: !tab.bridge.chat.isOpen
                 anchors.centerIn: parent
                 width: Math.min(300, parent.width - 40)
-                symbol: tab.texts.noChatSymbol
-                title: tab.texts.noChat
+                symbol: SmsTexts.noChatSymbol
+                title: SmsTexts.noChat
             }
             Loader {
                 objectName: "chatLoader"
                 anchors.fill: parent
-                active: tab.header ? true : false
-                sourceComponent: Chat {
-                    bridge: tab.bridge
-                    header: tab.header
-                }
+                active: tab.bridge.chat.isOpen
+                sourceComponent: Chat { bridge: tab.bridge }
             }
         }
     }

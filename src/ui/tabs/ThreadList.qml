@@ -7,9 +7,7 @@ import Velloway
 Item {
     id: column
 
-    required property var bridge
-    readonly property var texts: bridge.texts.sms
-    readonly property var shown: bridge.shown
+    required property SmsBridge bridge
 
     ColumnLayout {
         anchors.fill: parent
@@ -19,7 +17,7 @@ Item {
             Layout.margins: 12
             Layout.bottomMargin: 0
             Label {
-                text: column.texts.title
+                text: SmsTexts.title
                 font.pixelSize: Theme.title2
                 font.bold: true
                 Layout.fillWidth: true
@@ -27,7 +25,7 @@ Item {
             }
             PlainButton {
                 objectName: "refresh"
-                symbol: column.texts.refreshSymbol
+                symbol: SmsTexts.refreshSymbol
                 Accessible.name: "Refresh"
                 onClicked: column.bridge.refreshSmsHistory()
             }
@@ -45,7 +43,7 @@ Item {
             Symbol {
                 x: 9
                 anchors.verticalCenter: parent.verticalCenter
-                name: column.texts.searchSymbol
+                name: SmsTexts.searchSymbol
                 size: 14
                 tint: Theme.secondary
             }
@@ -59,22 +57,22 @@ Item {
                 color: Theme.primary
                 font.pixelSize: Theme.body
                 leftPadding: 3
-                placeholderText: column.texts.searchPlaceholder
+                placeholderText: SmsTexts.searchPlaceholder
                 placeholderTextColor: Theme.tertiary
                 selectByMouse: true
                 selectionColor: Theme.faded(Theme.blue, 0.35)
                 selectedTextColor: Theme.primary
-                text: column.bridge.fields.contactQuery
-                onTextEdited: column.bridge.fields.contactQuery = text
+                text: column.bridge.contactQuery
+                onTextEdited: column.bridge.contactQuery = text
                 Accessible.name: placeholderText
             }
             PlainButton {
                 id: clear
 
                 objectName: "clearSearch"
-                visible: column.shown.showsClearSearch
+                visible: column.bridge.list.showsClearButton
                 anchors { right: parent.right; rightMargin: 4; verticalCenter: parent.verticalCenter }
-                symbol: column.texts.clearSymbol
+                symbol: SmsTexts.clearSymbol
                 symbolSize: 14
                 tint: Theme.secondary
                 Accessible.name: "Clear search"
@@ -88,20 +86,20 @@ Item {
 
             EmptyState {
                 objectName: "noMessages"
-                visible: column.shown.smsIsEmpty
+                visible: column.bridge.list.isEmpty
                 anchors.centerIn: parent
                 width: parent.width - 20
-                symbol: column.texts.emptySymbol
+                symbol: SmsTexts.emptySymbol
                 symbolSize: 32
                 symbolOpacity: 0.4
-                title: column.texts.empty
+                title: SmsTexts.empty
             }
 
             ListView {
                 id: list
 
                 objectName: "threads"
-                visible: !column.shown.smsIsEmpty
+                visible: !column.bridge.list.isEmpty
                 anchors.fill: parent
                 clip: true
                 leftMargin: 8
@@ -112,18 +110,18 @@ Item {
                 model: column.bridge.threads
                 ScrollBar.vertical: ThinScrollBar {}
                 Accessible.role: Accessible.List
-                Accessible.name: column.texts.title
+                Accessible.name: SmsTexts.title
                 Keys.onReturnPressed: if (currentItem) currentItem.press()
 
                 header: AbstractButton {
                     id: fresh
 
                     objectName: "newMessage"
-                    visible: column.shown.newMessageTo !== null
+                    visible: column.bridge.list.newMessageTo !== ""
                     width: list.width - 16
                     height: visible ? 52 : 0
                     Accessible.role: Accessible.Button
-                    Accessible.name: column.texts.newMessageCaption + " " + (column.shown.newMessageTo || "")
+                    Accessible.name: SmsTexts.newMessageCaption + " " + column.bridge.list.newMessageTo
                     Accessible.onPressAction: if (enabled) clicked()
                     onClicked: column.bridge.startNewMessage()
                     background: Rectangle {
@@ -136,20 +134,20 @@ Item {
 
                             x: 3
                             anchors.verticalCenter: parent.verticalCenter
-                            name: column.texts.newMessageSymbol
+                            name: SmsTexts.newMessageSymbol
                             size: 34
                             tint: Theme.blue
                         }
                         Column {
                             anchors { left: plane.right; leftMargin: 11; right: parent.right; verticalCenter: parent.verticalCenter }
                             Label {
-                                text: column.texts.newMessageCaption
+                                text: SmsTexts.newMessageCaption
                                 color: Theme.secondary
                                 font.pixelSize: Theme.caption
                             }
                             Label {
                                 width: parent.width
-                                text: column.shown.newMessageTo || ""
+                                text: column.bridge.list.newMessageTo
                                 font.weight: Font.Medium
                                 elide: Text.ElideRight
                             }
@@ -164,8 +162,8 @@ Item {
                     required property string address
                     required property string initials
                     required property string name
-                    required property var date
-                    required property var preview
+                    required property string date
+                    required property string preview
                     required property bool isActive
 
                     objectName: "thread"
@@ -204,14 +202,14 @@ Item {
 
                         anchors { right: parent.right; rightMargin: 8 }
                         y: 12
-                        text: row.date || ""
+                        text: row.date
                         color: Theme.secondary
                         font.pixelSize: 10
                     }
                     Label {
                         anchors { left: avatar.right; leftMargin: 10; right: parent.right; rightMargin: 8 }
                         y: 28
-                        text: (row.preview || "").replace(/\s+/g, " ")
+                        text: row.preview.replace(/\s+/g, " ")
                         color: Theme.secondary
                         font.pixelSize: 11
                         elide: Text.ElideRight

@@ -1,0 +1,67 @@
+#include "bridge/CallsBridge.h"
+
+namespace velloway {
+
+CallsBridge::CallsBridge(CallsModel& model, PhoneState& phone)
+    : TabBridge(QStringLiteral("CallsTab.qml")),
+      model_(model),
+      phone_(phone),
+      dialButtons_(&DialButton::digit, {{"digit", &DialButton::digit}, {"letters", &DialButton::letters}}),
+      recentCalls_(&RecentCallRow::id, {{"number", &RecentCallRow::number},
+                                        {"name", &RecentCallRow::name},
+                                        {"date", &RecentCallRow::date},
+                                        {"symbol", &RecentCallRow::symbol},
+                                        {"colorRole", &RecentCallRow::color}}) {
+    dialButtons_.assign({CallsModel::dialButtons.begin(), CallsModel::dialButtons.end()});
+    follow(phone.selectedSimSlot, &CallsBridge::selectedSimSlotChanged);
+    follow(model.dialPad, [this] { readPad(); });
+    follow(model.recentCalls, [this] { recentCalls_.assign(model_.recentCalls.get()); });
+}
+
+void CallsBridge::readPad() {
+    const DialPad pad = model_.dialPad.get();
+    show(pad_,
+         {.numberText = toQt(pad.numberText),
+          .canCall = pad.canCall,
+          .showsDelete = pad.showsDelete,
+          .showsSimPicker = pad.showsSimPicker},
+         &CallsBridge::padChanged);
+}
+
+QStringList CallsBridge::simTitles() const {
+    QStringList titles;
+    for (const SimSegment& segment : simSegments) {
+        titles.push_back(toQt(segment.title));
+    }
+    return titles;
+}
+
+QList<double> CallsBridge::simSlots() const {
+    QList<double> values;
+    for (const SimSegment& segment : simSegments) {
+        values.push_back(static_cast<double>(segment.slot));
+    }
+    return values;
+}
+
+bool CallsBridge::pressKey(int key, const QString& text, bool isRepeat) {
+    KeyPress press{.phase = isRepeat ? KeyPress::Phase::repeat : KeyPress::Phase::down,
+                   .characters = fromQt(text)};
+    switch (key) {
+    case Qt::Key_Backspace:
+        press = {.key = KeyPress::Key::deleteKey, .phase = press.phase};
+        break;
+    case Qt::Key_Delete:
+        press = {.key = KeyPress::Key::deleteForward, .phase = press.phase};
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        press = {.key = KeyPress::Key::returnKey, .phase = press.phase};
+        break;
+    default:
+        break;
+    }
+    return model_.pressKey(press) == KeyPressResult::handled;
+}
+
+} // namespace velloway
