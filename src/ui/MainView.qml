@@ -7,7 +7,8 @@ FocusScope {
     id: root
 
     required property MainBridge bridge
-    readonly property bool showLabels: bridge.showsLabels(width)
+
+    onWidthChanged: bridge.setWidth(width)
 
     Rectangle {
         anchors.fill: parent
@@ -20,8 +21,6 @@ FocusScope {
         width: 200
         height: parent.height
         bridge: root.bridge
-        showLabels: root.showLabels
-        onChosen: detail.forceActiveFocus()
     }
 
     FocusScope {
@@ -41,6 +40,7 @@ FocusScope {
             function load() { setSource("tabs/" + root.bridge.tabFile, { bridge: root.bridge.tab }) }
             Connections {
                 target: root.bridge
+                function onTabChosen() { detail.forceActiveFocus() }
                 function onTabChanged() {
                     if (!sidebar.activeFocus)
                         detail.forceActiveFocus()

@@ -5,9 +5,6 @@ FocusScope {
     id: sidebar
 
     required property MainBridge bridge
-    property bool showLabels: true
-    /// A row was chosen with the mouse.
-    signal chosen()
 
     Rectangle {
         anchors.fill: parent
@@ -36,14 +33,15 @@ FocusScope {
         delegate: Rectangle {
             id: row
 
+            required property MainBridge bridge
             required property int index
             required property int tabIndex
             required property string title
             required property string symbol
-            readonly property bool current: sidebar.bridge.selectedRow === index
+            readonly property bool current: bridge.selectedRow === index
 
             objectName: "tab" + tabIndex
-            width: list.width
+            width: ListView.view ? ListView.view.width : 0
             height: 32
             radius: 7
             color: current ? Theme.blue : hover.hovered ? Theme.hover : "transparent"
@@ -55,14 +53,14 @@ FocusScope {
             Accessible.onPressAction: press()
 
             function press() {
-                sidebar.bridge.select(index)
-                sidebar.chosen()
+                bridge.select(index)
+                bridge.tabChosen()
             }
 
             Symbol {
                 id: picture
 
-                x: sidebar.showLabels ? 10 : (row.width - width) / 2
+                x: row.bridge.showsLabels ? 10 : (row.width - width) / 2
                 anchors.verticalCenter: parent.verticalCenter
                 name: row.symbol
                 size: 17
@@ -70,7 +68,7 @@ FocusScope {
             }
             Text {
                 objectName: "label"
-                visible: sidebar.showLabels
+                visible: row.bridge.showsLabels
                 anchors { left: picture.right; leftMargin: 9; verticalCenter: parent.verticalCenter }
                 text: row.title
                 color: row.current ? Theme.white : Theme.primary
@@ -79,7 +77,7 @@ FocusScope {
             }
             HoverHandler { id: hover }
             TapHandler { onTapped: row.press() }
-            FocusRing { control: null; visible: row.current && list.activeFocus; radius: 9 }
+            FocusRing { control: null; visible: row.current && row.ListView.view !== null && row.ListView.view.activeFocus; radius: 9 }
         }
     }
     Separator {

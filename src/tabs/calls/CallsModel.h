@@ -42,6 +42,8 @@ inline constexpr DialButtons dialPadButtons{{
 struct SimSegment {
     std::string_view title;
     std::int64_t slot;
+
+    bool operator==(const SimSegment&) const = default;
 };
 
 /// The pad's picker offers these two slots, whatever slots the phone has named.

@@ -6,12 +6,18 @@ CallsBridge::CallsBridge(CallsModel& model, PhoneState& phone)
     : TabBridge(QStringLiteral("CallsTab.qml")),
       model_(model),
       phone_(phone),
-      dialButtons_(&DialButton::digit, {{"digit", &DialButton::digit}, {"letters", &DialButton::letters}}),
-      recentCalls_(&RecentCallRow::id, {{"number", &RecentCallRow::number},
-                                        {"name", &RecentCallRow::name},
-                                        {"date", &RecentCallRow::date},
-                                        {"symbol", &RecentCallRow::symbol},
-                                        {"colorRole", &RecentCallRow::color}}) {
+      dialButtons_(this, &DialButton::digit,
+                   {{"digit", &DialButton::digit}, {"letters", &DialButton::letters}}),
+      simSegments_(this, &SimSegment::slot,
+                   {{"title", &SimSegment::title},
+                    {"simSlot", [](const SimSegment& row) { return static_cast<double>(row.slot); }}}),
+      recentCalls_(this, &RecentCallRow::id,
+                   {{"number", &RecentCallRow::number},
+                    {"name", &RecentCallRow::name},
+                    {"date", &RecentCallRow::date},
+                    {"symbol", &RecentCallRow::symbol},
+                    {"colorRole", &RecentCallRow::color}}) {
+    simSegments_.assign({velloway::simSegments.begin(), velloway::simSegments.end()});
     dialButtons_.assign({CallsModel::dialButtons.begin(), CallsModel::dialButtons.end()});
     follow(phone.selectedSimSlot, &CallsBridge::selectedSimSlotChanged);
     follow(model.dialPad, [this] { readPad(); });
@@ -26,22 +32,6 @@ void CallsBridge::readPad() {
           .showsDelete = pad.showsDelete,
           .showsSimPicker = pad.showsSimPicker},
          &CallsBridge::padChanged);
-}
-
-QStringList CallsBridge::simTitles() const {
-    QStringList titles;
-    for (const SimSegment& segment : simSegments) {
-        titles.push_back(toQt(segment.title));
-    }
-    return titles;
-}
-
-QList<double> CallsBridge::simSlots() const {
-    QList<double> values;
-    for (const SimSegment& segment : simSegments) {
-        values.push_back(static_cast<double>(segment.slot));
-    }
-    return values;
 }
 
 bool CallsBridge::pressKey(int key, const QString& text, bool isRepeat) {

@@ -5,9 +5,6 @@
 #include "tabs/PhoneState.h"
 #include "tabs/calls/CallsModel.h"
 
-#include <QList>
-#include <QStringList>
-
 #include <string>
 
 namespace velloway {
@@ -37,9 +34,7 @@ class CallsBridge : public TabBridge {
         double selectedSimSlot READ selectedSimSlot WRITE setSelectedSimSlot NOTIFY selectedSimSlotChanged)
     Q_PROPERTY(velloway::DialPadState pad READ pad NOTIFY padChanged)
     Q_PROPERTY(QAbstractItemModel* dialButtons READ dialButtons CONSTANT)
-    Q_PROPERTY(QStringList simTitles READ simTitles CONSTANT)
-    /// One for each title.
-    Q_PROPERTY(QList<double> simSlots READ simSlots CONSTANT)
+    Q_PROPERTY(QAbstractItemModel* simSegments READ simSegments CONSTANT)
     Q_PROPERTY(QAbstractItemModel* recentCalls READ recentCalls CONSTANT)
 
 public:
@@ -49,8 +44,7 @@ public:
     void setSelectedSimSlot(double slot) { phone_.selectedSimSlot.set(static_cast<std::int64_t>(slot)); }
     DialPadState pad() const { return pad_; }
     QAbstractItemModel* dialButtons() { return &dialButtons_; }
-    QStringList simTitles() const;
-    QList<double> simSlots() const;
+    QAbstractItemModel* simSegments() { return &simSegments_; }
     QAbstractItemModel* recentCalls() { return &recentCalls_; }
 
     Q_INVOKABLE void pressDialButton(int index) { model_.pressDialButton(static_cast<std::size_t>(index)); }
@@ -71,6 +65,7 @@ private:
     PhoneState& phone_;
     DialPadState pad_;
     RowModel<DialButton, std::string_view> dialButtons_;
+    RowModel<SimSegment, std::int64_t> simSegments_;
     RowModel<RecentCallRow, double> recentCalls_;
 };
 

@@ -5,7 +5,7 @@ namespace velloway {
 ClipboardBridge::ClipboardBridge(ClipboardModel& model)
     : TabBridge(QStringLiteral("ClipboardTab.qml")),
       model_(model),
-      rows_([](const ClipboardRow& row) { return row.id.text(); },
+      rows_(this, [](const ClipboardRow& row) { return row.id.text(); },
             {{"rowId", [](const ClipboardRow& row) { return row.id.text(); }},
              {"text", &ClipboardRow::text},
              {"date", &ClipboardRow::date}}) {

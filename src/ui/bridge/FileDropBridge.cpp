@@ -5,7 +5,7 @@ namespace velloway {
 FileDropBridge::FileDropBridge(FileDropModel& model)
     : TabBridge(QStringLiteral("FileDropTab.qml")),
       model_(model),
-      transfers_([](const FileTransferRow& row) { return row.id.text(); },
+      transfers_(this, [](const FileTransferRow& row) { return row.id.text(); },
                  {{"rowId", [](const FileTransferRow& row) { return row.id.text(); }},
                   {"symbol", &FileTransferRow::symbol},
                   {"colorRole", &FileTransferRow::color},

@@ -29,7 +29,7 @@ MainBridge::MainBridge(std::shared_ptr<SettingsView> view)
                {tabIndex::fileDrop, &fileDrop_}, {tabIndex::notifications, &notifications_},
                {tabIndex::remote, &remote_},     {tabIndex::clipboard, &clipboard_},
                {tabIndex::settings, &settings_}, {tabIndex::info, &info_}},
-      tabs_(&TabRow::index,
+      tabs_(this, &TabRow::index,
             {{"tabIndex", &TabRow::index}, {"title", &TabRow::title}, {"symbol", &TabRow::symbol}}),
       selectedTab_(view_->selectedTab.observe([this](std::int64_t) { selectedTabChanged(); })) {
     tabs_.assign({tabRows.begin(), tabRows.end()});
@@ -86,8 +86,11 @@ void MainBridge::showTab() {
     }
 }
 
-bool MainBridge::showsLabels(double width) const {
-    return AdaptiveLabelStyle::forWidth(width).showLabels;
+void MainBridge::setWidth(double width) {
+    const bool shows = AdaptiveLabelStyle::forWidth(width).showLabels;
+    if (std::exchange(showsLabels_, shows) != shows) {
+        emit showsLabelsChanged();
+    }
 }
 
 void MainBridge::select(int row) {

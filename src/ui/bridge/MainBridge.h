@@ -22,6 +22,7 @@ class MainBridge : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("The window has it.")
     Q_PROPERTY(QAbstractItemModel* tabs READ tabs CONSTANT)
+    Q_PROPERTY(bool showsLabels READ showsLabels NOTIFY showsLabelsChanged)
     /// The row of the sidebar to highlight, or -1.
     Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectedRowChanged)
     Q_PROPERTY(velloway::TabBridge* tab READ tab NOTIFY tabChanged)
@@ -37,17 +38,21 @@ public:
     void setOnScreen(bool onScreen);
 
     QAbstractItemModel* tabs() { return &tabs_; }
+    bool showsLabels() const { return showsLabels_; }
     int selectedRow() const { return selectedRow_; }
     TabBridge* tab() const { return tab_; }
     QString tabFile() const { return tab_->file(); }
 
-    Q_INVOKABLE bool showsLabels(double width) const;
+    Q_INVOKABLE void setWidth(double width);
     /// `row` is a position in the sidebar; one outside of it is ignored.
     Q_INVOKABLE void select(int row);
 
 signals:
+    void showsLabelsChanged();
     void selectedRowChanged();
     void tabChanged();
+    /// A view emits it when a row was chosen with the mouse.
+    void tabChosen();
 
 private:
     void selectedTabChanged();
@@ -66,6 +71,7 @@ private:
     RowModel<TabRow, int> tabs_;
     TabBridge* tab_ = nullptr;
     int selectedRow_ = -1;
+    bool showsLabels_ = true;
     bool onScreen_ = false;
     bool isScheduled_ = false;
     std::int64_t tabThatAppeared_ = -1;

@@ -5,7 +5,7 @@ namespace velloway {
 NotificationsBridge::NotificationsBridge(NotificationsModel& model)
     : TabBridge(QStringLiteral("NotificationsTab.qml")),
       model_(model),
-      rows_([](const NotificationRow& row) { return row.id.text(); },
+      rows_(this, [](const NotificationRow& row) { return row.id.text(); },
             {{"rowId", [](const NotificationRow& row) { return row.id.text(); }},
              {"letter", &NotificationRow::letter},
              {"app", &NotificationRow::app},

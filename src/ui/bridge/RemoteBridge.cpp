@@ -43,7 +43,7 @@ template <class Row, class Value> auto ofButton(Value RemoteButton::*member) {
 RemoteBridge::RemoteBridge(RemoteModel& model)
     : TabBridge(QStringLiteral("RemoteTab.qml")),
       model_(model),
-      shortcuts_(&ShortcutRow::key, {{"key", &ShortcutRow::key}, {"meaning", &ShortcutRow::meaning}}) {
+      shortcuts_(this, &ShortcutRow::key, {{"key", &ShortcutRow::key}, {"meaning", &ShortcutRow::meaning}}) {
     std::map<RemoteSection, std::vector<Button>> rows;
     for (std::size_t i = 0; i < remoteButtons.size(); ++i) {
         rows[remoteButtons.at(i).section].push_back({static_cast<int>(i)});
@@ -55,7 +55,7 @@ RemoteBridge::RemoteBridge(RemoteModel& model)
             {"symbolName", ofButton<Button>(&RemoteButton::symbol)},
             {"tooltip", ofButton<Button>(&RemoteButton::tooltip)},
             {"command", ofButton<Button>(&RemoteButton::command)}};
-        sections_.try_emplace(section, &Button::position, roles).first->second.assign(std::move(buttons));
+        sections_.try_emplace(section, this, &Button::position, roles).first->second.assign(std::move(buttons));
     }
     shortcuts_.assign({shortcutRows.begin(), shortcutRows.end()});
     follow(model.isAccessibilityEnabled, [this] {

@@ -32,8 +32,9 @@ public:
         std::function<QVariant(const Row&)> value;
     };
 
-    RowModel(std::function<Key(const Row&)> identity, std::vector<Role> roles, QObject* parent = nullptr)
-        : QAbstractListModel(parent), identity_(std::move(identity)), roles_(std::move(roles)) {}
+    /// Every delegate also gets `bridge`, the owner of the model, to which its row belongs.
+    RowModel(QObject* bridge, std::function<Key(const Row&)> identity, std::vector<Role> roles)
+        : QAbstractListModel(bridge), identity_(std::move(identity)), roles_(std::move(roles)) {}
 
     int rowCount(const QModelIndex& parent = {}) const override {
         return parent.isValid() ? 0 : static_cast<int>(rows_.size());
@@ -41,8 +42,11 @@ public:
 
     QVariant data(const QModelIndex& index, int role) const override {
         const int position = role - Qt::UserRole;
-        if (!index.isValid() || position < 0 || position >= static_cast<int>(roles_.size())) {
+        if (!index.isValid() || position < 0 || position > bridgeRole()) {
             return {};
+        }
+        if (position == bridgeRole()) {
+            return QVariant::fromValue(QObject::parent());
         }
         return roles_[static_cast<std::size_t>(position)].value(rows_[static_cast<std::size_t>(index.row())]);
     }
@@ -52,6 +56,7 @@ public:
         for (std::size_t i = 0; i < roles_.size(); ++i) {
             names.insert(Qt::UserRole + static_cast<int>(i), roles_[i].name);
         }
+        names.insert(Qt::UserRole + bridgeRole(), "bridge");
         return names;
     }
 
@@ -82,6 +87,8 @@ public:
     }
 
 private:
+    int bridgeRole() const { return static_cast<int>(roles_.size()); }
+
     bool sameKey(const Row& one, const Row& other) const { return identity_(one) == identity_(other); }
 
     void update(std::size_t at, Row& next) {

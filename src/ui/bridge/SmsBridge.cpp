@@ -6,15 +6,17 @@ SmsBridge::SmsBridge(SmsModel& model, PhoneState& phone)
     : TabBridge(QStringLiteral("SmsTab.qml")),
       model_(model),
       phone_(phone),
-      threads_(&SmsThreadRow::id, {{"address", &SmsThreadRow::displayAddress},
-                                   {"initials", &SmsThreadRow::avatarInitials},
-                                   {"name", &SmsThreadRow::name},
-                                   {"date", &SmsThreadRow::date},
-                                   {"preview", &SmsThreadRow::preview},
-                                   {"isActive", &SmsThreadRow::isActive}}),
-      bubbles_(&Bubble::date, {{"body", &Bubble::body},
-                               {"time", [this](const Bubble& row) { return model_.formatDate(row.date); }},
-                               {"isOutgoing", &Bubble::isOutgoing}}) {
+      threads_(this, &SmsThreadRow::id,
+               {{"address", &SmsThreadRow::displayAddress},
+                {"initials", &SmsThreadRow::avatarInitials},
+                {"name", &SmsThreadRow::name},
+                {"date", &SmsThreadRow::date},
+                {"preview", &SmsThreadRow::preview},
+                {"isActive", &SmsThreadRow::isActive}}),
+      bubbles_(this, &Bubble::date,
+               {{"body", &Bubble::body},
+                {"time", [this](const Bubble& row) { return model_.formatDate(row.date); }},
+                {"isOutgoing", &Bubble::isOutgoing}}) {
     follow(model.contactQuery, &SmsBridge::contactQueryChanged);
     follow(model.chatText, &SmsBridge::chatTextChanged);
     follow(phone.selectedSimSlot, &SmsBridge::selectedSimSlotChanged);

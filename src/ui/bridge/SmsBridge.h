@@ -6,7 +6,6 @@
 #include "tabs/sms/SmsModel.h"
 
 #include <QList>
-#include <QStringList>
 
 #include <string>
 
@@ -37,7 +36,7 @@ struct ChatState {
     Q_PROPERTY(QString name MEMBER name)
     /// Empty: no such line.
     Q_PROPERTY(QString address MEMBER address)
-    Q_PROPERTY(QStringList carriers MEMBER carriers)
+    Q_PROPERTY(QList<QString> carriers MEMBER carriers)
     /// One for each carrier.
     Q_PROPERTY(QList<double> simSlots MEMBER simSlots)
 
@@ -45,7 +44,7 @@ public:
     bool isOpen = false;
     QString name;
     QString address;
-    QStringList carriers;
+    QList<QString> carriers;
     QList<double> simSlots;
 
     bool operator==(const ChatState&) const = default;

@@ -13,7 +13,12 @@ ComboBox {
     signal picked(real value)
 
     model: titles
-    currentIndex: values.indexOf(selected)
+    currentIndex: {
+        for (let i = 0; i < values.length; ++i)
+            if (values[i] === selected)
+                return i
+        return -1
+    }
     implicitWidth: 120
     implicitHeight: 24
     leftPadding: 9
@@ -46,15 +51,14 @@ ComboBox {
         id: entry
 
         required property string modelData
-        required property int index
 
-        width: picker.width
+        width: ListView.view ? ListView.view.width : 0
         height: 26
-        highlighted: picker.highlightedIndex === index
+        highlighted: ListView.isCurrentItem
         contentItem: Text {
             text: entry.modelData
             color: entry.highlighted ? Theme.white : Theme.primary
-            font: picker.font
+            font.pixelSize: Theme.callout
             elide: Text.ElideRight
             verticalAlignment: Text.AlignVCenter
         }

@@ -10,6 +10,68 @@ FocusScope {
 
     focus: true
 
+    component RecentCall: Rectangle {
+        id: row
+
+        required property CallsBridge bridge
+        required property string number
+        required property string name
+        required property string date
+        required property string symbol
+        required property string colorRole
+
+        objectName: "recentCall"
+        // A row that waits for its next use must not be there for a screen reader.
+        ListView.onPooled: visible = false
+        ListView.onReused: visible = true
+        width: ListView.view ? ListView.view.width - 20 : 0
+        height: 48
+        radius: Theme.radius
+        color: tap.pressed ? Theme.pressed : hover.hovered || (ListView.isCurrentItem && ListView.view.activeFocus) ? Theme.hover : "transparent"
+        Accessible.role: Accessible.Button
+        Accessible.name: name + ", " + number + ", " + date
+        Accessible.onPressAction: press()
+
+        function press() { bridge.callBack(number) }
+
+        Symbol {
+            id: direction
+
+            x: 10
+            anchors.verticalCenter: parent.verticalCenter
+            name: row.symbol
+            tint: Theme.named(row.colorRole)
+            size: 17
+        }
+        Column {
+            anchors { left: direction.right; leftMargin: 12; right: when.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
+            spacing: 2
+            Label {
+                width: parent.width
+                text: row.name
+                font.weight: Font.Medium
+                elide: Text.ElideRight
+            }
+            Label {
+                width: parent.width
+                text: row.number
+                color: Theme.secondary
+                font.pixelSize: 11
+                elide: Text.ElideRight
+            }
+        }
+        Label {
+            id: when
+
+            anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
+            text: row.date
+            color: Theme.secondary
+            font.pixelSize: 10
+        }
+        HoverHandler { id: hover }
+        TapHandler { id: tap; onTapped: row.press() }
+    }
+
     RowLayout {
         anchors.fill: parent
         spacing: 0
@@ -65,6 +127,7 @@ FocusScope {
                         AbstractButton {
                             id: cell
 
+                            required property CallsBridge bridge
                             required property string digit
                             required property string letters
                             required property int index
@@ -76,7 +139,7 @@ FocusScope {
                             Accessible.role: Accessible.Button
                             Accessible.name: digit
                             Accessible.onPressAction: if (enabled) clicked()
-                            onClicked: tab.bridge.pressDialButton(index)
+                            onClicked: bridge.pressDialButton(index)
                             background: Rectangle {
                                 radius: height / 2
                                 color: cell.down ? Theme.pressed : cell.hovered ? Qt.darker(Theme.controlBackground, 1.04) : Theme.controlBackground
@@ -114,14 +177,10 @@ FocusScope {
                     Item {
                         implicitWidth: 55
                         implicitHeight: 20
-                        SegmentedPicker {
+                        SimSegments {
                             objectName: "simSegments"
                             visible: tab.bridge.pad.showsSimPicker
-                            name: "SIM"
-                            titles: tab.bridge.simTitles
-                            values: tab.bridge.simSlots
-                            selected: tab.bridge.selectedSimSlot
-                            onPicked: value => tab.bridge.selectedSimSlot = value
+                            bridge: tab.bridge
                         }
                     }
                     CircleButton {
@@ -184,68 +243,8 @@ FocusScope {
                 ScrollBar.vertical: ThinScrollBar {}
                 Accessible.role: Accessible.List
                 Accessible.name: CallsTexts.recentCalls
-                Keys.onReturnPressed: if (currentItem) currentItem.press()
-                delegate: Rectangle {
-                    id: row
-
-                    required property int index
-                    required property string number
-                    required property string name
-                    required property string date
-                    required property string symbol
-                    required property string colorRole
-
-                    objectName: "recentCall"
-                    // A row that waits for its next use must not be there for a screen reader.
-                    ListView.onPooled: visible = false
-                    ListView.onReused: visible = true
-                    width: list.width - 20
-                    height: 48
-                    radius: Theme.radius
-                    color: tap.pressed ? Theme.pressed : hover.hovered || (list.activeFocus && ListView.isCurrentItem) ? Theme.hover : "transparent"
-                    Accessible.role: Accessible.Button
-                    Accessible.name: name + ", " + number + ", " + date
-                    Accessible.onPressAction: press()
-
-                    function press() { tab.bridge.callBack(number) }
-
-                    Symbol {
-                        id: direction
-
-                        x: 10
-                        anchors.verticalCenter: parent.verticalCenter
-                        name: row.symbol
-                        tint: Theme.named(row.colorRole)
-                        size: 17
-                    }
-                    Column {
-                        anchors { left: direction.right; leftMargin: 12; right: when.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
-                        spacing: 2
-                        Label {
-                            width: parent.width
-                            text: row.name
-                            font.weight: Font.Medium
-                            elide: Text.ElideRight
-                        }
-                        Label {
-                            width: parent.width
-                            text: row.number
-                            color: Theme.secondary
-                            font.pixelSize: 11
-                            elide: Text.ElideRight
-                        }
-                    }
-                    Label {
-                        id: when
-
-                        anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
-                        text: row.date
-                        color: Theme.secondary
-                        font.pixelSize: 10
-                    }
-                    HoverHandler { id: hover }
-                    TapHandler { id: tap; onTapped: row.press() }
-                }
+                Keys.onReturnPressed: if (currentItem) (currentItem as RecentCall).press()
+                delegate: RecentCall {}
                 Label {
                     objectName: "noRecentCalls"
                     visible: list.count === 0

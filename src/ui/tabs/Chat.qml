@@ -107,7 +107,7 @@ ColumnLayout {
             Accessible.name: chat.bridge.chat.name
             Keys.onUpPressed: flick(0, 600)
             Keys.onDownPressed: flick(0, -600)
-            delegate: Bubble { width: list.width }
+            delegate: Bubble { width: ListView.view ? ListView.view.width : 0 }
 
             onMovementStarted: followsEnd = false
             onMovementEnded: followsEnd = atYEnd

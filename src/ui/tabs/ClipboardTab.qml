@@ -58,12 +58,13 @@ FocusScope {
                 delegate: Item {
                     id: row
 
+                    required property ClipboardBridge bridge
                     required property string rowId
                     required property string text
                     required property string date
 
                     objectName: "clipboardRow"
-                    width: list.width
+                    width: ListView.view ? ListView.view.width : 0
                     height: column.height + 22
                     Accessible.role: Accessible.ListItem
                     Accessible.name: text
@@ -112,7 +113,7 @@ FocusScope {
                         symbol: ClipboardTexts.copySymbol
                         tip: ClipboardTexts.copyTooltip
                         tint: Theme.secondary
-                        onClicked: tab.bridge.copyToClipboard(row.rowId)
+                        onClicked: row.bridge.copyToClipboard(row.rowId)
                     }
                     Separator {
                         x: 22

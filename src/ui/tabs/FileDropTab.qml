@@ -43,6 +43,7 @@ FocusScope {
             delegate: Item {
                 id: row
 
+                required property FileDropBridge bridge
                 required property string rowId
                 required property string symbol
                 required property string colorRole
@@ -57,7 +58,7 @@ FocusScope {
                 // A row that waits for its next use must not be there for a screen reader.
                 ListView.onPooled: visible = false
                 ListView.onReused: visible = true
-                width: list.width
+                width: ListView.view ? ListView.view.width : 0
                 height: 54
                 Accessible.role: Accessible.ListItem
                 Accessible.name: fileName + ", " + (isCompleted ? detail : percentage)
@@ -131,7 +132,7 @@ FocusScope {
                     symbol: FileDropTexts.revealSymbol
                     tip: FileDropTexts.revealTooltip
                     tint: Theme.secondary
-                    onClicked: tab.bridge.revealFile(row.rowId)
+                    onClicked: row.bridge.revealFile(row.rowId)
                 }
                 HoverHandler { id: hover }
             }

@@ -23,7 +23,8 @@ FocusScope {
                     anchors.verticalCenter: parent.verticalCenter
                     width: 64
                     height: 64
-                    sourceSize: Qt.size(128, 128)
+                    sourceSize.width: 128
+                    sourceSize.height: 128
                     fillMode: Image.PreserveAspectFit
                     source: "image://application-icon/"
                     Accessible.role: Accessible.Graphic

@@ -49,6 +49,7 @@ FocusScope {
                 delegate: Item {
                     id: row
 
+                    required property NotificationsBridge bridge
                     required property string rowId
                     required property string letter
                     required property string app
@@ -58,7 +59,7 @@ FocusScope {
                     required property bool isReplying
 
                     objectName: "notification"
-                    width: list.width
+                    width: ListView.view ? ListView.view.width : 0
                     height: column.height + 22
                     Accessible.role: Accessible.ListItem
                     Accessible.name: app + (title ? ", " + title : "") + (body ? ", " + body : "")
@@ -133,38 +134,21 @@ FocusScope {
                             x: -4
                             text: NotificationsTexts.reply
                             tint: Theme.tint
-                            onClicked: tab.bridge.openReply(row.rowId)
+                            onClicked: row.bridge.openReply(row.rowId)
                         }
                         Loader {
-                            active: row.isReplying
-                            visible: active
+                            readonly property bool isOpen: row.isReplying
+
+                            visible: isOpen
                             width: parent.width
-                            sourceComponent: RowLayout {
-                                spacing: 8
-                                Field {
-                                    objectName: "replyField"
-                                    Layout.fillWidth: true
-                                    implicitHeight: 24
-                                    placeholderText: NotificationsTexts.replyPlaceholder
-                                    text: tab.bridge.replyText
-                                    onTextEdited: tab.bridge.replyText = text
-                                    onAccepted: tab.bridge.sendReply(row.rowId)
-                                    Keys.onEscapePressed: tab.bridge.cancelReply()
-                                    Component.onCompleted: forceActiveFocus()
-                                }
-                                PushButton {
-                                    objectName: "sendReply"
-                                    prominent: true
-                                    controlSize: "small"
-                                    text: NotificationsTexts.send
-                                    onClicked: tab.bridge.sendReply(row.rowId)
-                                }
-                                PlainButton {
-                                    objectName: "cancelReply"
-                                    text: NotificationsTexts.cancel
-                                    tint: Theme.secondary
-                                    onClicked: tab.bridge.cancelReply()
-                                }
+                            onIsOpenChanged: load()
+                            Component.onCompleted: load()
+
+                            function load() {
+                                if (isOpen)
+                                    setSource("ReplyBox.qml", { bridge: row.bridge, rowId: row.rowId })
+                                else
+                                    source = ""
                             }
                         }
                     }

@@ -17,6 +17,7 @@ FocusScope {
     }
 
     component Command: PushButton {
+        required property RemoteBridge bridge
         required property int position
         required property string caption
         required property string symbolName
@@ -30,7 +31,7 @@ FocusScope {
         // The keyboard belongs to the shortcuts of this tab; a button that kept the focus would take Space from them.
         focusPolicy: Qt.NoFocus
         Accessible.name: caption || tooltip || command
-        onClicked: tab.bridge.pressRemoteButton(position)
+        onClicked: bridge.pressRemoteButton(position)
     }
     component GroupTitle: Label {
         color: Theme.secondary
@@ -41,6 +42,8 @@ FocusScope {
         font.family: Theme.monospaced
     }
     component Block: Rectangle {
+        id: block
+
         default property alias content: column.data
         property string title
 
@@ -56,7 +59,7 @@ FocusScope {
             anchors { left: parent.left; right: parent.right; top: parent.top; margins: 16 }
             spacing: 14
             Label {
-                text: parent.parent.title
+                text: block.title
                 font.weight: Font.DemiBold
                 Accessible.role: Accessible.Heading
             }

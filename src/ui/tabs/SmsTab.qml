@@ -36,10 +36,19 @@ FocusScope {
                 title: SmsTexts.noChat
             }
             Loader {
+                readonly property bool isOpen: tab.bridge.chat.isOpen
+
                 objectName: "chatLoader"
                 anchors.fill: parent
-                active: tab.bridge.chat.isOpen
-                sourceComponent: Chat { bridge: tab.bridge }
+                onIsOpenChanged: load()
+                Component.onCompleted: load()
+
+                function load() {
+                    if (isOpen)
+                        setSource("Chat.qml", { bridge: tab.bridge })
+                    else
+                        source = ""
+                }
             }
         }
     }

@@ -9,6 +9,121 @@ Item {
 
     required property SmsBridge bridge
 
+    component ThreadsView: ListView {
+        required property SmsBridge bridge
+    }
+
+    /// The row above the threads that starts a chat with what was typed.
+    component NewMessage: AbstractButton {
+        id: fresh
+
+        readonly property ThreadsView list: parent ? parent.parent as ThreadsView : null
+        readonly property string recipient: list ? list.bridge.list.newMessageTo : ""
+
+        objectName: "newMessage"
+        visible: recipient !== ""
+        width: list ? list.width - 16 : 0
+        height: visible ? 52 : 0
+        Accessible.role: Accessible.Button
+        Accessible.name: SmsTexts.newMessageCaption + " " + recipient
+        Accessible.onPressAction: if (enabled) clicked()
+        onClicked: list.bridge.startNewMessage()
+        background: Rectangle {
+            radius: Theme.radius
+            color: fresh.down ? Theme.pressed : fresh.hovered ? Theme.hover : "transparent"
+        }
+        contentItem: Item {
+            Symbol {
+                x: 3
+                anchors.verticalCenter: parent.verticalCenter
+                name: SmsTexts.newMessageSymbol
+                size: 34
+                tint: Theme.blue
+            }
+            Column {
+                x: 48
+                width: parent.width - x
+                anchors.verticalCenter: parent.verticalCenter
+                Label {
+                    text: SmsTexts.newMessageCaption
+                    color: Theme.secondary
+                    font.pixelSize: Theme.caption
+                }
+                Label {
+                    width: parent.width
+                    text: fresh.recipient
+                    font.weight: Font.Medium
+                    elide: Text.ElideRight
+                }
+            }
+        }
+    }
+
+    component Thread: Rectangle {
+        id: row
+
+        required property SmsBridge bridge
+        required property string address
+        required property string initials
+        required property string name
+        required property string date
+        required property string preview
+        required property bool isActive
+
+        objectName: "thread"
+        // A row that waits for its next use must not be there for a screen reader.
+        ListView.onPooled: visible = false
+        ListView.onReused: visible = true
+        width: ListView.view ? ListView.view.width - 16 : 0
+        height: 52
+        radius: Theme.radius
+        color: isActive ? Theme.faded(Theme.blue, 0.15) : hover.hovered || (ListView.isCurrentItem && ListView.view.activeFocus) ? Theme.hover : "transparent"
+        Accessible.role: Accessible.ListItem
+        Accessible.name: name + (preview ? ", " + preview : "")
+        Accessible.selectable: true
+        Accessible.selected: isActive
+        Accessible.onPressAction: press()
+
+        function press() { bridge.openConversation(address) }
+
+        Avatar {
+            id: avatar
+
+            x: 8
+            anchors.verticalCenter: parent.verticalCenter
+            initials: row.initials
+        }
+        Label {
+            anchors { left: avatar.right; leftMargin: 10; right: when.left; rightMargin: 6 }
+            y: 9
+            text: row.name
+            font.weight: Font.DemiBold
+            elide: Text.ElideRight
+            maximumLineCount: 1
+        }
+        Label {
+            id: when
+
+            anchors { right: parent.right; rightMargin: 8 }
+            y: 12
+            text: row.date
+            color: Theme.secondary
+            font.pixelSize: 10
+        }
+        Label {
+            anchors { left: avatar.right; leftMargin: 10; right: parent.right; rightMargin: 8 }
+            y: 28
+            text: row.preview.replace(/\s+/g, " ")
+            color: Theme.secondary
+            font.pixelSize: 11
+            elide: Text.ElideRight
+            maximumLineCount: 1
+            horizontalAlignment: Text.AlignLeft
+        }
+        HoverHandler { id: hover }
+        TapHandler { onTapped: row.press() }
+    }
+
     ColumnLayout {
         anchors.fill: parent
         spacing: 8
@@ -95,10 +210,11 @@ Item {
                 title: SmsTexts.empty
             }
 
-            ListView {
+            ThreadsView {
                 id: list
 
                 objectName: "threads"
+                bridge: column.bridge
                 visible: !column.bridge.list.isEmpty
                 anchors.fill: parent
                 clip: true
@@ -111,114 +227,10 @@ Item {
                 ScrollBar.vertical: ThinScrollBar {}
                 Accessible.role: Accessible.List
                 Accessible.name: SmsTexts.title
-                Keys.onReturnPressed: if (currentItem) currentItem.press()
+                Keys.onReturnPressed: if (currentItem) (currentItem as Thread).press()
 
-                header: AbstractButton {
-                    id: fresh
-
-                    objectName: "newMessage"
-                    visible: column.bridge.list.newMessageTo !== ""
-                    width: list.width - 16
-                    height: visible ? 52 : 0
-                    Accessible.role: Accessible.Button
-                    Accessible.name: SmsTexts.newMessageCaption + " " + column.bridge.list.newMessageTo
-                    Accessible.onPressAction: if (enabled) clicked()
-                    onClicked: column.bridge.startNewMessage()
-                    background: Rectangle {
-                        radius: Theme.radius
-                        color: fresh.down ? Theme.pressed : fresh.hovered ? Theme.hover : "transparent"
-                    }
-                    contentItem: Item {
-                        Symbol {
-                            id: plane
-
-                            x: 3
-                            anchors.verticalCenter: parent.verticalCenter
-                            name: SmsTexts.newMessageSymbol
-                            size: 34
-                            tint: Theme.blue
-                        }
-                        Column {
-                            anchors { left: plane.right; leftMargin: 11; right: parent.right; verticalCenter: parent.verticalCenter }
-                            Label {
-                                text: SmsTexts.newMessageCaption
-                                color: Theme.secondary
-                                font.pixelSize: Theme.caption
-                            }
-                            Label {
-                                width: parent.width
-                                text: column.bridge.list.newMessageTo
-                                font.weight: Font.Medium
-                                elide: Text.ElideRight
-                            }
-                        }
-                    }
-                }
-
-                delegate: Rectangle {
-                    id: row
-
-                    required property int index
-                    required property string address
-                    required property string initials
-                    required property string name
-                    required property string date
-                    required property string preview
-                    required property bool isActive
-
-                    objectName: "thread"
-                    // A row that waits for its next use must not be there for a screen reader.
-                    ListView.onPooled: visible = false
-                    ListView.onReused: visible = true
-                    width: list.width - 16
-                    height: 52
-                    radius: Theme.radius
-                    color: isActive ? Theme.faded(Theme.blue, 0.15) : hover.hovered || (list.activeFocus && ListView.isCurrentItem) ? Theme.hover : "transparent"
-                    Accessible.role: Accessible.ListItem
-                    Accessible.name: name + (preview ? ", " + preview : "")
-                    Accessible.selectable: true
-                    Accessible.selected: isActive
-                    Accessible.onPressAction: press()
-
-                    function press() { column.bridge.openConversation(address) }
-
-                    Avatar {
-                        id: avatar
-
-                        x: 8
-                        anchors.verticalCenter: parent.verticalCenter
-                        initials: row.initials
-                    }
-                    Label {
-                        anchors { left: avatar.right; leftMargin: 10; right: when.left; rightMargin: 6 }
-                        y: 9
-                        text: row.name
-                        font.weight: Font.DemiBold
-                        elide: Text.ElideRight
-                        maximumLineCount: 1
-                    }
-                    Label {
-                        id: when
-
-                        anchors { right: parent.right; rightMargin: 8 }
-                        y: 12
-                        text: row.date
-                        color: Theme.secondary
-                        font.pixelSize: 10
-                    }
-                    Label {
-                        anchors { left: avatar.right; leftMargin: 10; right: parent.right; rightMargin: 8 }
-                        y: 28
-                        text: row.preview.replace(/\s+/g, " ")
-                        color: Theme.secondary
-                        font.pixelSize: 11
-                        elide: Text.ElideRight
-                        maximumLineCount: 1
-                        horizontalAlignment: Text.AlignLeft
-                    }
-                    HoverHandler { id: hover }
-                    TapHandler { onTapped: row.press() }
-                }
+                header: NewMessage {}
+                delegate: Thread {}
             }
         }
     }

@@ -1,15 +1,11 @@
 import QtQuick
 import Velloway
 
-/// A choice out of a few, side by side. Each title stands for the value in the same place.
+/// The choice of the SIM that calls go out with, side by side.
 Rectangle {
     id: picker
 
-    required property list<string> titles
-    required property list<real> values
-    property real selected
-    property string name
-    signal picked(real value)
+    required property CallsBridge bridge
 
     implicitWidth: 55
     implicitHeight: 20
@@ -17,41 +13,44 @@ Rectangle {
     color: Theme.hover
     activeFocusOnTab: true
     Accessible.role: Accessible.Grouping
-    Accessible.name: name
+    Accessible.name: "SIM"
 
     Row {
         anchors.fill: parent
         anchors.margins: 2
         Repeater {
-            model: picker.titles
+            model: picker.bridge.simSegments
             Rectangle {
                 id: segment
 
-                required property string modelData
-                required property int index
-                readonly property real value: picker.values[index]
-                readonly property bool current: value === picker.selected
+                required property CallsBridge bridge
+                required property string title
+                required property real simSlot
+                readonly property bool current: simSlot === bridge.selectedSimSlot
 
-                objectName: "segment" + value
-                width: parent.width / picker.titles.length
-                height: parent.height
+                objectName: "segment" + simSlot
+                width: parent ? parent.width / 2 : 0
+                height: parent ? parent.height : 0
                 radius: 4
                 color: current ? Theme.button : "transparent"
                 border.width: current ? 1 : 0
                 border.color: Theme.separator
                 Accessible.role: Accessible.RadioButton
-                Accessible.name: modelData
+                Accessible.name: title
                 Accessible.checked: current
-                Accessible.onPressAction: picker.picked(value)
+                Accessible.onPressAction: press()
+
+                function press() { bridge.selectedSimSlot = simSlot }
+
                 Text {
                     anchors.centerIn: parent
-                    text: segment.modelData
+                    text: segment.title
                     color: Theme.primary
                     font.pixelSize: Theme.caption2
                     font.weight: segment.current ? Font.DemiBold : Font.Normal
                     Accessible.ignored: true
                 }
-                TapHandler { onTapped: picker.picked(segment.value) }
+                TapHandler { onTapped: segment.press() }
             }
         }
     }
