@@ -111,13 +111,20 @@ ColumnLayout {
 
             onMovementStarted: followsEnd = false
             onMovementEnded: followsEnd = atYEnd
-            onContentHeightChanged: if (followsEnd && !scroll.running) Qt.callLater(positionViewAtEnd)
+            onContentHeightChanged: if (followsEnd && !scroll.running) later(positionViewAtEnd)
             onShownForChanged: {
                 lastCount = -1
-                Qt.callLater(toEnd)
+                later(toEnd)
             }
-            onCountChanged: Qt.callLater(toEnd)
-            Component.onCompleted: Qt.callLater(toEnd)
+            onCountChanged: later(toEnd)
+            Component.onCompleted: later(toEnd)
+
+            /// Once, however often it is asked for, when control is back with the event loop.
+            function later(step: var) {
+                // qmllint disable type
+                Qt.callLater(step) // The linter takes it for a value.
+                // qmllint enable type
+            }
 
             /// At once for another chat, animated when messages came or went.
             function toEnd() {
