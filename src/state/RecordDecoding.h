@@ -11,7 +11,7 @@
 /// as missing, and other keys are passed over.
 namespace velloway {
 
-/// `host` tells the time for a notification that carries none. The `id` is a new one each time.
+/// `host` gives the time of a notification that carries none. The `id` is a new one each time.
 std::optional<NotifPayload> decodeNotifPayload(const JsonValue& value, const Host& host);
 std::optional<SmsRecord> decodeSmsRecord(const JsonValue& value);
 std::optional<CallRecord> decodeCallRecord(const JsonValue& value);
