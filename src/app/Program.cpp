@@ -21,6 +21,7 @@ Program::Program(const Platform& on, std::function<void()> terminate)
           .scripts = on.scripts,
           .accessibility = on.accessibility,
           .host = on.host,
+          .files = on.files,
           .log = on.log,
           .notificationManager = notificationManager_,
           .notifications = notifications_,

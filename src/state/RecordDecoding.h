@@ -16,7 +16,6 @@ std::optional<NotifPayload> decodeNotifPayload(const JsonValue& value, const Hos
 std::optional<SmsRecord> decodeSmsRecord(const JsonValue& value);
 std::optional<CallRecord> decodeCallRecord(const JsonValue& value);
 std::optional<SimInfo> decodeSimInfo(const JsonValue& value);
-std::optional<IncomingCallInfo> decodeIncomingCallInfo(const JsonValue& value);
 
 // The list under a required key of a message. One bad element fails the whole.
 std::optional<std::vector<SmsRecord>> decodeSmsHistory(const JsonValue& message);

@@ -2,8 +2,6 @@
 
 #include "text/DateText.h"
 
-#include <chrono>
-
 namespace velloway {
 
 std::vector<ClipboardRow> clipboardRows(const std::vector<ClipboardRecord>& records, const Host& host) {
@@ -11,7 +9,7 @@ std::vector<ClipboardRow> clipboardRows(const std::vector<ClipboardRecord>& reco
     std::vector<ClipboardRow> rows;
     rows.reserve(records.size());
     for (const ClipboardRecord& record : records) {
-        const double seconds = std::chrono::duration<double>(record.date.time_since_epoch()).count();
+        const double seconds = secondsSince1970(record.date);
         rows.push_back(
             {.id = record.id, .text = record.text, .date = abbreviatedDateAndShortTime(seconds, context)});
     }

@@ -3,17 +3,12 @@
 #include "text/ByteCount.h"
 #include "text/DateText.h"
 
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 
 namespace velloway {
 
 namespace {
-
-double secondsSince1970(Instant instant) {
-    return std::chrono::duration<double>(instant.time_since_epoch()).count();
-}
 
 std::string percentageText(double progress) {
     constexpr double widest = 1e15;

@@ -48,6 +48,8 @@ NotificationPermissionRow notificationPermissionRow(AuthorizationStatus status) 
     case AuthorizationStatus::provisional:
     case AuthorizationStatus::ephemeral:
         return NotificationPermissionRow::enabled;
+    case AuthorizationStatus::unknown:
+        break;
     }
     return NotificationPermissionRow::none;
 }

@@ -18,7 +18,6 @@ namespace {
 
 constexpr std::string_view portKey = "port";
 constexpr std::string_view selectedTabKey = "selectedSettingsTab";
-constexpr std::int64_t defaultPort = 8765;
 constexpr std::int64_t sentType = 2;
 
 std::int64_t storedOr(const UserDefaults& defaults, std::string_view key, std::int64_t fallback) {
@@ -43,10 +42,6 @@ template <class... Fields> Subscription observeAll(const std::function<void()>& 
     return together(std::move(subscriptions));
 }
 
-double millisecondsSince1970(Instant instant) {
-    return std::chrono::duration<double>(instant.time_since_epoch()).count() * 1000;
-}
-
 template <class Row> const Row* findRow(const std::vector<Row>& rows, const Uuid& id) {
     const auto found = std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.id == id; });
     return found == rows.end() ? nullptr : &*found;
@@ -60,7 +55,7 @@ std::shared_ptr<SettingsView> SettingsView::make(const Dependencies& dependencie
 
 SettingsView::SettingsView(const Dependencies& on)
     : history(on.history),
-      port(storedOr(on.userDefaults, portKey, defaultPort)),
+      port(storedOr(on.userDefaults, portKey, WebSocketServer::defaultPort)),
       launchAtLogin(on.isLaunchAtLoginEnabled()),
       isAccessibilityEnabled(on.accessibility.isTrusted()),
       selectedTab(storedOr(on.userDefaults, selectedTabKey, tabIndex::settings)),
@@ -97,7 +92,7 @@ void SettingsView::followOwnFields() {
         if (std::exchange(lastPort_, value) == value) {
             return;
         }
-        if (storedOr(on_.userDefaults, portKey, defaultPort) != value) {
+        if (storedOr(on_.userDefaults, portKey, WebSocketServer::defaultPort) != value) {
             on_.userDefaults.setInteger(portKey, value);
         }
         serverRestartNeeded.set(true);
@@ -334,7 +329,7 @@ void SettingsView::sendChatMessage() {
         log.push_back({.address = recipient,
                        .name = std::nullopt,
                        .body = chatText.get(),
-                       .date = millisecondsSince1970(on_.host.now()),
+                       .date = secondsSince1970(on_.host.now()) * 1000,
                        .type = sentType});
     });
     chatText.set("");

@@ -8,7 +8,6 @@ import ctypes
 import json
 import os
 import pathlib
-import queue
 import re
 import select
 import signal
@@ -433,6 +432,3 @@ def close_window(window):
 
 def terminate(process):
     os.kill(process.pid, signal.SIGTERM)
-
-
-__all__ = [name for name in globals() if not name.startswith("_")]

@@ -1,9 +1,13 @@
 """How the process starts twice and how it ends."""
 
+import os
+import pathlib
 import shutil
+import signal
 import tempfile
+import unittest
 
-from support import *
+from support import APP, AppTest, Process, TrayWatcher, close_window, terminate, visible_windows, wait_for
 
 
 class Life(AppTest):

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QEvent>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -25,10 +26,12 @@ bool waitFor(Condition condition, std::chrono::milliseconds bound = std::chrono:
     return true;
 }
 
-/// Handles whatever has already come in, without waiting for more.
+/// Handles whatever has already come in, without waiting for more, and deletes what was put off until later. No
+/// event loop runs around a test that would do so: a view that has gone would live on, timers and all.
 inline void processPending() {
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, 0);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 } // namespace velloway::test

@@ -151,7 +151,7 @@ TEST(NotificationPermissionRowTest, FollowsTheStatus) {
         {AuthorizationStatus::authorized, Row::enabled},
         {AuthorizationStatus::provisional, Row::enabled},
         {AuthorizationStatus::ephemeral, Row::enabled},
-        {static_cast<AuthorizationStatus>(9), Row::none}};
+        {AuthorizationStatus::unknown, Row::none}};
     for (const auto& [status, row] : cases) {
         EXPECT_EQ(notificationPermissionRow(status), row) << static_cast<int>(status);
     }

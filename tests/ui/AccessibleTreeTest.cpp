@@ -144,11 +144,10 @@ TEST_F(AccessibleTreeTest, RowsThatSearchTookAwayAreNotThere) {
 
 TEST_F(AccessibleTreeTest, ThePanelsButtonsHaveNames) {
     program.historyStore().incomingCallInfo.set(IncomingCallInfo{"123", "Bob"});
-    settle();
-    ASSERT_TRUE(wait([] { return panel() && panel()->isExposed(); }));
+    drawnPanel();
     EXPECT_THAT(namesOf(QAccessible::Button, panel()), ElementsAre("Accept", "Decline"));
     click(part("right", panel()));
-    ASSERT_TRUE(wait([] { return panel() && panel()->isExposed(); }));
+    drawnPanel();
     EXPECT_THAT(namesOf(QAccessible::Button, panel()), ElementsAre("Hang up", "Mute"));
     click(part("left", panel()));
     EXPECT_THAT(namesOf(QAccessible::Button, panel()), ElementsAre("Hang up", "Unmute"));

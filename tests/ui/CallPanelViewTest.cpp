@@ -1,5 +1,7 @@
 #include "ui/ViewTest.h"
 
+#include <QStyleHints>
+
 #include <cstdlib>
 #include <xcb/xcb.h>
 
@@ -61,16 +63,13 @@ protected:
     ContentView* ring(const char* number, std::optional<std::string> name = std::nullopt) {
         program.historyStore().incomingCallInfo.set(IncomingCallInfo{number, std::move(name)});
         settle();
-        wait([] { return panel() && panel()->isExposed(); });
-        settle();
-        return panel();
+        return &drawnPanel();
     }
     ContentView* begin(const char* number, const char* name) {
         program.notifications().post(AppNotification::prepareActiveCall,
                                      std::map<std::string, std::string>{{"number", number}, {"name", name}});
         settle();
-        wait([] { return panel() && panel()->isExposed(); });
-        return panel();
+        return &drawnPanel();
     }
     void tellDuration(std::int64_t seconds) {
         program.notifications().post(AppNotification::callDurationUpdated, seconds);
@@ -84,6 +83,15 @@ protected:
             }
         }
         return texts;
+    }
+    /// At a time in milliseconds of the window system's clock.
+    void pressAndRelease(QWindow& window, QPoint at, ulong time) {
+        for (const auto kind : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            const auto held = kind == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+            QMouseEvent event(kind, at, at, window.mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
+            event.setTimestamp(time);
+            QCoreApplication::sendEvent(&window, &event);
+        }
     }
     void drag(QWindow& window, QPoint from, QPoint by) {
         QTest::mousePress(&window, Qt::LeftButton, {}, from);
@@ -110,7 +118,6 @@ TEST_F(CallPanelViewTest, TheRingingPanelShowsNameAndNumber) {
 
 TEST_F(CallPanelViewTest, StandsTopRightOfTheUsableScreenAndIs350By80) {
     ContentView* window = ring("123");
-    ASSERT_NE(window, nullptr);
     const QRect usable = window->screen()->availableGeometry();
     EXPECT_EQ(window->geometry(), QRect(usable.x() + usable.width() - 370, usable.y() + 20, 350, 80));
 }
@@ -120,8 +127,7 @@ TEST_F(CallPanelViewTest, AcceptTellsThePhoneAndOpensTheInCallPanelInTheSamePlac
     EXPECT_EQ(part("right", panel())->property("tip").toString(), "Accept");
     click(part("right", panel()));
     EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"answer_call"})"));
-    ASSERT_TRUE(wait([] { return panel() != nullptr; }));
-    settle();
+    drawnPanel();
     EXPECT_EQ(windowsOnScreen(true).size(), 1u);
     EXPECT_THAT(lines(), ElementsAre("Bob", "123", "00:00"));
     EXPECT_EQ(panel()->geometry(), place);
@@ -166,7 +172,7 @@ TEST_F(CallPanelViewTest, APressOnAButtonDoesNotDragIt) {
     EXPECT_THAT(takeSent(), IsEmpty());
 }
 
-TEST_F(CallPanelViewTest, TakesNoFocusStaysAboveAndStandsOnEveryDesktop) {
+TEST_F(CallPanelViewTest, TakesNoFocusAndHasNoFrame) {
     ContentView& main = open(4);
     Onlooker onlooker;
     const xcb_window_t before = onlooker.focus();
@@ -176,12 +182,38 @@ TEST_F(CallPanelViewTest, TakesNoFocusStaysAboveAndStandsOnEveryDesktop) {
     type("7");
     EXPECT_EQ(text("number"), "7");
     EXPECT_TRUE(window->flags() & Qt::WindowDoesNotAcceptFocus);
-    EXPECT_THAT(onlooker.property(*window, "_NET_WM_STATE"), Contains(onlooker.atom("_NET_WM_STATE_ABOVE")));
-    EXPECT_THAT(onlooker.property(*window, "_NET_WM_DESKTOP"), ElementsAre(0xffffffffu));
     // No frame.
     const auto hints = onlooker.property(*window, "_MOTIF_WM_HINTS");
     ASSERT_GE(hints.size(), 3u);
     EXPECT_EQ(hints[2], 0u);
+}
+
+TEST_F(CallPanelViewTest, TheSecondClickOfADoubleClickDoesNotReachThePanelThatTakesThePlace) {
+    ring("123", "Bob");
+    const QPoint button = part("right", panel())->mapToScene({16, 16}).toPoint();
+    const auto interval = static_cast<ulong>(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    pressAndRelease(*panel(), button, 1'000'000);
+    settle();
+    ASSERT_THAT(takeSent(), ElementsAre(R"({"action":"answer_call"})"));
+    ASSERT_TRUE(wait([] { return panel() && panel()->isExposed(); }));
+    pressAndRelease(*panel(), button + QPoint(3, 2), 1'000'180);
+    pressAndRelease(*panel(), button, 1'000'360);
+    settle();
+    EXPECT_THAT(takeSent(), IsEmpty()) << "nor that of a triple click";
+    pressAndRelease(*panel(), button, 1'000'361 + interval * 2);
+    settle();
+    EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"hangup_call"})"));
+}
+
+TEST_F(CallPanelViewTest, AQuickClickOnAnotherButtonOfTheNextPanelCounts) {
+    ring("123", "Bob");
+    pressAndRelease(*panel(), part("right", panel())->mapToScene({16, 16}).toPoint(), 2'000'000);
+    settle();
+    ASSERT_TRUE(wait([] { return panel() && panel()->isExposed(); }));
+    takeSent();
+    pressAndRelease(*panel(), part("left", panel())->mapToScene({16, 16}).toPoint(), 2'000'180);
+    settle();
+    EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"toggle_mute","enabled":true})"));
 }
 
 TEST_F(CallPanelViewTest, WithoutACompositorTheCornersAreMasked) {

@@ -41,7 +41,7 @@ TEST_F(CallsViewTest, BackspaceAndDeleteBothTakeTheLastDigit) {
 
 TEST_F(CallsViewTest, DeleteOnAnEmptyNumberIsHandled) {
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Backspace, Qt::NoModifier);
-    QGuiApplication::sendEvent(mainWindow(), &press);
+    QGuiApplication::sendEvent(&openWindow(), &press);
     EXPECT_TRUE(press.isAccepted());
 }
 
@@ -49,7 +49,7 @@ TEST_F(CallsViewTest, LettersAndPlusArePassedOn) {
     for (const char* character : {"a", "+"}) {
         QKeyEvent press(QEvent::KeyPress, *character == 'a' ? Qt::Key_A : Qt::Key_Plus, Qt::NoModifier,
                         character);
-        QGuiApplication::sendEvent(mainWindow(), &press);
+        QGuiApplication::sendEvent(&openWindow(), &press);
         EXPECT_FALSE(press.isAccepted()) << character;
     }
 }

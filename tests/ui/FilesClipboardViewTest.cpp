@@ -40,6 +40,7 @@ protected:
     }
     static void choose(QFileDialog& panel, const QString& names) {
         auto* field = panel.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        ASSERT_NE(field, nullptr);
         field->setText(names);
         QTest::keyClick(field, Qt::Key_Return);
     }
@@ -49,13 +50,13 @@ protected:
 
 TEST_F(FileDropViewTest, ARunningTransferShowsItsShareAndAFinishedOneItsFacts) {
     add({.fileName = "running.bin", .fileSize = 1000, .isOutgoing = true, .progress = 0.999});
-    EXPECT_EQ(all("transfer")[0]->property("percentage").toString(), "99%");
+    EXPECT_EQ(all("transfer").at(0)->property("percentage").toString(), "99%");
     EXPECT_TRUE(shows("progress"));
-    EXPECT_EQ(all("transfer")[0]->property("symbol").toString(), "paperplane.fill");
+    EXPECT_EQ(all("transfer").at(0)->property("symbol").toString(), "paperplane.fill");
     program.historyStore().updateFileTransfer(last_.id, 1, true, std::nullopt);
     settle();
     EXPECT_FALSE(shows("progress"));
-    EXPECT_EQ(all("transfer")[0]->property("detail").toString(), QStringLiteral("Sent • 1 KB • 22:13"));
+    EXPECT_EQ(all("transfer").at(0)->property("detail").toString(), QStringLiteral("Sent • 1 KB • 22:13"));
 }
 
 TEST_F(FileDropViewTest, TheFolderButtonIsThereOnlyWithAFileAndRevealsIt) {
@@ -154,8 +155,8 @@ TEST_F(ClipboardViewTest, ARowIsCopiedBack) {
     program.historyStore().addClipboard("newer");
     settle();
     ASSERT_EQ(all("copy").size(), 2u);
-    EXPECT_EQ(all("copy")[1]->property("tip").toString(), "Copy to Mac Clipboard");
-    click(all("copy")[1]);
+    EXPECT_EQ(all("copy").at(1)->property("tip").toString(), "Copy to Mac Clipboard");
+    click(all("copy").at(1));
     EXPECT_EQ(on.pasteboard.content, "older");
     EXPECT_EQ(all("clipboardRow").size(), 2u);
 }

@@ -290,7 +290,7 @@ void shootTabs(Gallery& gallery, Filling filling, const Look& look) {
     }
     for (const TabRow& tab : tabRows) {
         state.selectedTab.set(tab.index);
-        harness.wait([&] { return window.size() == look.size; });
+        harness.require("the size of the look", [&] { return window.size() == look.size; });
         harness.settle();
         QTest::qWait(60);
         gallery.shoot(window, QStringLiteral("tab-%1-%2-%3")
@@ -326,14 +326,13 @@ void shootPanels(Gallery& gallery, const Look& look) {
         ViewHarness harness;
         ++number;
         harness.program.historyStore().incomingCallInfo.set(caller);
-        harness.settle();
-        harness.wait([&] { return ViewHarness::panel() && ViewHarness::panel()->isExposed(); });
+        harness.drawnPanel();
         QTest::qWait(30);
         gallery.shoot(*ViewHarness::panel(),
                       QStringLiteral("panel-ringing-%1-%2").arg(number).arg(QLatin1String(look.name)));
         QTest::mouseMove(ViewHarness::panel(), {0, 0});
         harness.click(ViewHarness::part("right", ViewHarness::panel()));
-        harness.wait([&] { return ViewHarness::panel() && ViewHarness::panel()->isExposed(); });
+        harness.drawnPanel();
         harness.program.notifications().post(AppNotification::callDurationUpdated, std::int64_t{3725});
         harness.settle();
         QTest::qWait(30);

@@ -7,9 +7,11 @@ namespace {
 
 class MainWindowViewTest : public ViewTest {
 protected:
-    static void close(QWindow& window) {
+    /// Until the window system has taken the window away: before that it still passes for exposed and active.
+    void close(QWindow& window) {
         QCloseEvent closing;
         QGuiApplication::sendEvent(&window, &closing);
+        require("the window's end", [&] { return !window.isExposed() && !window.isActive(); });
     }
     std::vector<std::string> highlighted() {
         std::vector<std::string> rows;
@@ -149,7 +151,6 @@ TEST_F(MainWindowViewTest, AMinimisedWindowComesBackToTheFront) {
 TEST_F(MainWindowViewTest, FilesHandedOverOpenTheFileDropTab) {
     program.delegate().handleSendToAndroidService(
         {.hasTypes = true, .hasFileUrls = true, .urls = std::vector<std::filesystem::path>{"/nowhere/a"}});
-    settle();
     ASSERT_TRUE(wait([] { return mainWindow() != nullptr; }));
     settle();
     EXPECT_EQ(shownFile(), "FileDropTab.qml");

@@ -27,15 +27,15 @@ TEST_F(NotificationsViewTest, OneRowIsCountedAsOne) {
     ASSERT_EQ(all("notification").size(), 1u);
     add("Chat", "Ada", "Again");
     EXPECT_EQ(text("count"), "2 notifications");
-    EXPECT_EQ(all("notification")[0]->property("body").toString(), "Again");
+    EXPECT_EQ(all("notification").at(0)->property("body").toString(), "Again");
 }
 
 TEST_F(NotificationsViewTest, ARowWithoutAppAndTitleShowsAQuestionMark) {
     add("", "", "x");
     add("whatsApp", "", "x");
-    EXPECT_EQ(all("notification")[1]->property("letter").toString(), "?");
-    EXPECT_EQ(all("notification")[1]->property("app").toString(), "Notification");
-    EXPECT_EQ(all("notification")[0]->property("letter").toString(), "W");
+    EXPECT_EQ(all("notification").at(1)->property("letter").toString(), "?");
+    EXPECT_EQ(all("notification").at(1)->property("app").toString(), "Notification");
+    EXPECT_EQ(all("notification").at(0)->property("letter").toString(), "W");
 }
 
 TEST_F(NotificationsViewTest, AReplyIsTypedAndSentUnderTheIdOfItsRow) {
@@ -66,7 +66,7 @@ TEST_F(NotificationsViewTest, AnEmptyReplyIsNotRefused) {
 TEST_F(NotificationsViewTest, ASecondReplyBoxClosesTheFirstAndTakesItsText) {
     add("Chat", "Ada", "Hello");
     add("Chat", "Bruno", "Hi");
-    click(all("reply")[0]);
+    click(all("reply").at(0));
     type("half");
     EXPECT_EQ(all("reply").size(), 1u);
     click("reply");

@@ -48,7 +48,7 @@ TEST_F(SmsViewTest, TypingInTheSearchFieldNarrowsTheList) {
     click("search");
     type("CODE");
     ASSERT_EQ(all("thread").size(), 1u);
-    EXPECT_EQ(all("thread")[0]->property("name").toString(), "Bank 24");
+    EXPECT_EQ(all("thread").at(0)->property("name").toString(), "Bank 24");
     EXPECT_FALSE(shows("newMessage"));
     click("clearSearch");
     EXPECT_EQ(all("thread").size(), 2u);
@@ -76,8 +76,8 @@ TEST_F(SmsViewTest, PressingAThreadOpensItsChat) {
     EXPECT_EQ(text("chatName"), "Ada Winter");
     EXPECT_EQ(text("chatAddress"), "+44 7700 900123");
     EXPECT_EQ(part("messages")->property("count").toInt(), 2);
-    EXPECT_TRUE(all("thread")[0]->property("isActive").toBool());
-    EXPECT_FALSE(all("thread")[1]->property("isActive").toBool());
+    EXPECT_TRUE(all("thread").at(0)->property("isActive").toBool());
+    EXPECT_FALSE(all("thread").at(1)->property("isActive").toBool());
     EXPECT_FALSE(shows("noChat"));
 }
 
@@ -101,8 +101,8 @@ TEST_F(SmsViewTest, ReturnInTheComposerSendsAndShowsTheBubbleAtOnce) {
                 ElementsAre(R"({"action":"send_sms","number":"447700900123","body":"On my way","simSlot":0})"));
     EXPECT_EQ(text("composer"), "");
     EXPECT_EQ(part("messages")->property("count").toInt(), 3);
-    EXPECT_EQ(all("thread")[0]->property("preview").toString(), "On my way");
-    EXPECT_TRUE(all("thread")[0]->property("isActive").toBool());
+    EXPECT_EQ(all("thread").at(0)->property("preview").toString(), "On my way");
+    EXPECT_TRUE(all("thread").at(0)->property("isActive").toBool());
 }
 
 TEST_F(SmsViewTest, TheButtonSendsAndIsDisabledWithoutAText) {
@@ -144,7 +144,7 @@ TEST_F(SmsViewTest, WhenTheNewestSpellingDiffersTheHighlightGoesAndTheMessagesSt
             R"({"address":"+44 7700 900123","name":"Ada Winter","body":"a","date":1699990000000,"type":1},)"
             R"({"address":"07700900123","body":"b","date":1699990060000,"type":1}]})");
     ASSERT_EQ(all("thread").size(), 1u);
-    EXPECT_FALSE(all("thread")[0]->property("isActive").toBool());
+    EXPECT_FALSE(all("thread").at(0)->property("isActive").toBool());
     EXPECT_EQ(text("chatName"), "+44 7700 900123");
     EXPECT_EQ(part("messages")->property("count").toInt(), 2);
 }

@@ -9,6 +9,7 @@
 #include "hosts/linux/windows/QuickWindows.h"
 
 #include <QGuiApplication>
+#include <QPointer>
 #include <QQuickItem>
 #include <QTest>
 
@@ -35,28 +36,38 @@ inline bool isShown(const QQuickItem* item) {
     return item->isVisible() && item->width() > 0 && item->height() > 0;
 }
 
+inline bool isOnShow(const QWindow& window) {
+    return window.isVisible() && !(window.windowStates() & Qt::WindowMinimized);
+}
+
+/// Waits with `wait` until a window is exposed and has then drawn a frame. Only an exposed window gives its
+/// view a size, and lists make their rows for a frame. Throws when that takes too long; a window that is
+/// hidden, minimised or destroyed meanwhile has nothing to wait for.
+template <class Wait> void waitForFrame(ContentView& of, Wait wait) {
+    const QPointer<ContentView> window(&of);
+    const auto isGone = [&] { return !window || !isOnShow(*window); };
+    if (!wait([&] { return isGone() || window->isExposed(); })) {
+        throw std::runtime_error("a window was not exposed");
+    }
+    if (isGone()) {
+        return;
+    }
+    bool isDrawn = false;
+    const auto connection =
+        QObject::connect(window, &QQuickWindow::frameSwapped, [&isDrawn] { isDrawn = true; });
+    window->update();
+    const bool isInTime = wait([&] { return isGone() || isDrawn; });
+    QObject::disconnect(connection);
+    if (!isInTime) {
+        throw std::runtime_error("a window was not drawn");
+    }
+}
+
 /// The whole program on fakes, but for the windows, which are real ones with the real views. A phone is
 /// connected from the start.
 class ViewHarness {
 public:
-    ViewHarness()
-        : program(Platform{.mainQueue = on.main,
-                           .serverQueue = on.server,
-                           .network = on.network,
-                           .userDefaults = on.userDefaults,
-                           .notificationCenter = on.notificationCenter,
-                           .pasteboard = on.pasteboard,
-                           .inputEvents = on.input,
-                           .scripts = on.scripts,
-                           .accessibility = on.accessibility,
-                           .loginItem = on.loginItem,
-                           .statusItem = on.statusItem,
-                           .application = on.application,
-                           .windows = windows,
-                           .workspace = on.workspace,
-                           .host = on.host,
-                           .log = on.log},
-                  [] {}) {
+    ViewHarness() : program(on.platform(windows), [] {}) {
         program.delegate().applicationDidFinishLaunching();
         on.drain();
         on.network.listener().report(ListenerState::ready);
@@ -78,19 +89,21 @@ public:
     ViewHarness(const ViewHarness&) = delete;
     ViewHarness& operator=(const ViewHarness&) = delete;
 
-    /// Lets both the program and its windows do what they have to do. Lists make their rows for a frame.
+    /// Lets both the program and its windows do what they have to do. Every window on show has then drawn it.
     void settle() {
         for (int turn = 0; turn < 4; ++turn) {
             on.drain();
             processPending();
         }
-        if (ContentView* window = mainWindow(); window && window->isExposed()) {
-            bool isDrawn = false;
-            const auto connection =
-                QObject::connect(window, &QQuickWindow::frameSwapped, window, [&isDrawn] { isDrawn = true; });
-            window->update();
-            wait([&] { return isDrawn; });
-            QObject::disconnect(connection);
+        std::vector<QPointer<ContentView>> onScreen;
+        for (const bool panels : {false, true}) {
+            const auto found = windowsOnScreen(panels);
+            onScreen.insert(onScreen.end(), found.begin(), found.end());
+        }
+        for (const QPointer<ContentView>& window : onScreen) {
+            if (window) {
+                waitForFrame(*window, [this](auto condition) { return wait(condition); });
+            }
         }
     }
 
@@ -101,17 +114,29 @@ public:
         });
     }
 
-    /// Opens the main window on a tab and waits until it takes keys.
+    /// As `wait`, for what a test cannot go on without.
+    template <class Condition> void require(const char* what, Condition condition) {
+        if (!wait(condition)) {
+            throw std::runtime_error(std::string("waited in vain: ") + what);
+        }
+    }
+
+    /// Opens the main window on a tab and waits until it is drawn and takes keys.
     ContentView& open(int tab) {
         program.delegate().showSettings(tab);
-        ContentView* window = mainWindow();
-        if (!window || !wait([&] { return window->isExposed(); })) {
-            throw std::runtime_error("the main window did not come up");
-        }
-        window->requestActivate();
-        wait([&] { return window->isActive(); });
+        require("a main window", [] { return mainWindow() != nullptr; });
         settle();
-        return *window;
+        ContentView& window = openWindow();
+        window.requestActivate();
+        require("an active main window", [&] { return window.isActive(); });
+        settle();
+        return window;
+    }
+    /// Waits until a call panel is drawn.
+    ContentView& drawnPanel() {
+        require("a panel", [] { return panel() != nullptr; });
+        settle();
+        return given(panel());
     }
 
     static std::vector<ContentView*> windowsOnScreen(bool panels) {
@@ -125,25 +150,29 @@ public:
         }
         return found;
     }
+    /// Null when there is none.
     static ContentView* mainWindow() {
         const auto found = windowsOnScreen(false);
         return found.empty() ? nullptr : found.front();
     }
+    /// The newest panel, null when there is none.
     static ContentView* panel() {
         const auto found = windowsOnScreen(true);
         return found.empty() ? nullptr : found.back();
     }
 
+    static ContentView& openWindow() { return given(mainWindow()); }
+
     /// The state behind the main window.
     SettingsView& state() {
-        auto* bridge = mainWindow()->rootObject()->property("bridge").value<QObject*>();
+        auto* bridge = openWindow().rootObject()->property("bridge").value<QObject*>();
         return qobject_cast<SettingsBridge*>(bridge)->view();
     }
 
     /// Those that are visible, from top to bottom.
     static std::vector<QQuickItem*> all(const char* name, QQuickWindow* window = mainWindow()) {
         std::vector<QQuickItem*> found;
-        collect(window->contentItem(), QString::fromLatin1(name), found);
+        collect(given(window).contentItem(), QString::fromLatin1(name), found);
         // Lists keep rows that they have taken away, unseen, for later use.
         std::erase_if(found, [](const QQuickItem* item) { return !item->isVisible(); });
         std::stable_sort(found.begin(), found.end(), [](const QQuickItem* a, const QQuickItem* b) {
@@ -152,7 +181,7 @@ public:
         return found;
     }
     /// The first part of that name that is on screen, or null.
-    static QQuickItem* part(const char* name, QQuickWindow* window = mainWindow()) {
+    static QQuickItem* findPart(const char* name, QQuickWindow* window = mainWindow()) {
         for (QQuickItem* item : all(name, window)) {
             if (isShown(item)) {
                 return item;
@@ -160,11 +189,19 @@ public:
         }
         return nullptr;
     }
+    /// The same where it has to be on screen.
+    static QQuickItem* part(const char* name, QQuickWindow* window = mainWindow()) {
+        QQuickItem* item = findPart(name, window);
+        if (!item) {
+            throw std::runtime_error(std::string("not on screen: ") + name);
+        }
+        return item;
+    }
     static bool shows(const char* name, QQuickWindow* window = mainWindow()) {
-        return part(name, window) != nullptr;
+        return findPart(name, window) != nullptr;
     }
     static QString text(const char* name, QQuickWindow* window = mainWindow()) {
-        QQuickItem* item = part(name, window);
+        QQuickItem* item = findPart(name, window);
         return item ? item->property("text").toString() : QStringLiteral("(not there)");
     }
 
@@ -179,16 +216,10 @@ public:
         QTest::mouseClick(item->window(), Qt::LeftButton, {}, at);
         settle();
     }
-    void click(const char* name) {
-        QQuickItem* item = part(name);
-        if (!item) {
-            throw std::runtime_error(std::string("not on screen: ") + name);
-        }
-        click(item);
-    }
+    void click(const char* name) { click(part(name)); }
 
     void key(int key, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(mainWindow(), static_cast<Qt::Key>(key), modifiers);
+        QTest::keyClick(&openWindow(), static_cast<Qt::Key>(key), modifiers);
         settle();
     }
     /// Key presses for every character; the toolkit's own helper has no text for some of them.
@@ -196,16 +227,16 @@ public:
         for (const QChar c : text) {
             QKeyEvent press(QEvent::KeyPress, c.unicode() < 128 ? c.toUpper().unicode() : 0, Qt::NoModifier,
                             QString(c));
-            QGuiApplication::sendEvent(mainWindow(), &press);
+            QGuiApplication::sendEvent(&openWindow(), &press);
             QKeyEvent release(QEvent::KeyRelease, press.key(), Qt::NoModifier, QString(c));
-            QGuiApplication::sendEvent(mainWindow(), &release);
+            QGuiApplication::sendEvent(&openWindow(), &release);
         }
         settle();
     }
     void holdKey(int key, const QString& text, int repeats) {
         for (int i = 0; i <= repeats; ++i) {
             QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text, i > 0);
-            QGuiApplication::sendEvent(mainWindow(), &press);
+            QGuiApplication::sendEvent(&openWindow(), &press);
         }
         settle();
     }
@@ -229,6 +260,14 @@ public:
     QtWindows windows{&makeQuickWindows};
     Program program;
     std::shared_ptr<FakeConnection> phone;
+
+private:
+    template <class AWindow> static AWindow& given(AWindow* window) {
+        if (!window) {
+            throw std::runtime_error("the window is not open");
+        }
+        return *window;
+    }
 };
 
 } // namespace velloway::test

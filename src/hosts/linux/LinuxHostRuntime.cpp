@@ -1,13 +1,14 @@
 #include "hosts/HostRuntime.h"
 #include "hosts/linux/desktop/LinuxDesktop.h"
 #include "hosts/linux/desktop/LinuxScripts.h"
-#include "hosts/linux/input/LinuxAccessibility.h"
-#include "hosts/linux/input/LinuxInputEvents.h"
+#include "hosts/linux/input/LinuxInput.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 #include "hosts/linux/windows/QtWindows.h"
 #include "hosts/linux/windows/ViewsLibrary.h"
+#include "hosts/posix/PosixFiles.h"
+#include "remote/SystemScripts.h"
 
 #include <xcb/xcb.h>
 
@@ -39,65 +40,53 @@ bool hasScreen() {
     return isThere;
 }
 
+/// Every port of this host.
+struct LinuxPorts : LinuxDesktop {
+    using LinuxDesktop::LinuxDesktop;
+
+    LinuxUserNotificationCenter notificationCenter{mainQueue};
+    std::unique_ptr<LinuxInput> input = makeLinuxInput();
+    InputEvents& inputEvents = *input;
+    Accessibility& accessibility = *input;
+    LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
+    PosixFiles files;
+    QtWindows windows{[this] { return loadViewsLibrary(log); }};
+    // Last, because its jobs may use everything above.
+    AsioQueue serverQueue{"ws.server",
+                          {.began =
+                               [] {
+                                   StandardOutputLog::gatherOnThisThread();
+                                   QtMainQueue::gatherOnThisThread();
+                               },
+                           .ended =
+                               [this] {
+                                   log.flush();
+                                   mainQueue.flush();
+                               }}};
+    LinuxNetwork network{serverQueue};
+};
+
 class LinuxHostRuntime : public HostRuntime {
 public:
-    LinuxHostRuntime(int& argc, char** argv) : desktop_(argc, argv) {}
+    LinuxHostRuntime(int& argc, char** argv) : ports_(argc, argv) {}
 
-    SingleInstance::Outcome claimSession() { return desktop_.claimSession(); }
+    SingleInstance::Outcome claimSession() { return ports_.claimSession(); }
 
-    Platform platform() override {
-        return {.mainQueue = desktop_.mainQueue,
-                .serverQueue = serverQueue_,
-                .network = network_,
-                .userDefaults = desktop_.userDefaults,
-                .notificationCenter = notificationCenter_,
-                .pasteboard = desktop_.pasteboard,
-                .inputEvents = inputEvents_,
-                .scripts = scripts_,
-                .accessibility = accessibility_,
-                .loginItem = desktop_.loginItem,
-                .statusItem = desktop_.statusItem,
-                .application = desktop_.application,
-                .windows = windows_,
-                .workspace = desktop_.workspace,
-                .host = desktop_.host,
-                .log = desktop_.log};
-    }
+    Platform platform() override { return platformOf(ports_); }
     int run(ApplicationDelegate& delegate) override {
-        const int exitCode = desktop_.run(delegate);
-        if (!serverQueue_.end(longestLastJob)) {
+        const int exitCode = ports_.run(delegate);
+        if (!ports_.serverQueue.end(longestLastJob)) {
             // The file that is being read may be large, or lie on a disk that does not answer.
-            desktop_.log.flush();
+            ports_.log.flush();
             std::_Exit(exitCode);
         }
-        desktop_.mainQueue.end();
+        ports_.mainQueue.end();
         return exitCode;
     }
-    void terminate() override { desktop_.terminate(); }
+    void terminate() override { ports_.terminate(); }
 
 private:
-    LinuxDesktop desktop_;
-    LinuxUserNotificationCenter notificationCenter_{desktop_.mainQueue};
-    std::unique_ptr<InputBackend> inputBackend_ = makeInputBackend();
-    LinuxInputEvents inputEvents_{*inputBackend_};
-    LinuxAccessibility accessibility_{*inputBackend_};
-    LinuxScripts scripts_{[this](const std::string& error) {
-        desktop_.log.line({"[WebSocketServer] AppleScript Error: ", error});
-    }};
-    QtWindows windows_{[this] { return loadViewsLibrary(desktop_.log); }};
-    // Last, because its jobs may use everything above.
-    AsioQueue serverQueue_{"ws.server",
-                           {.began =
-                                [] {
-                                    StandardOutputLog::gatherOnThisThread();
-                                    QtMainQueue::gatherOnThisThread();
-                                },
-                            .ended =
-                                [this] {
-                                    desktop_.log.flush();
-                                    desktop_.mainQueue.flush();
-                                }}};
-    LinuxNetwork network_{serverQueue_};
+    LinuxPorts ports_;
 };
 
 } // namespace

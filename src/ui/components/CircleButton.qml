@@ -36,5 +36,5 @@ AbstractButton {
             tint: button.tint
         }
     }
-    Tip { visible: button.hovered && button.tip; text: button.tip }
+    Tip { visible: button.hovered && button.tip && button.Window.window !== null; text: button.tip }
 }

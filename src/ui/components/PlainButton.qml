@@ -43,5 +43,5 @@ AbstractButton {
             Accessible.ignored: true
         }
     }
-    Tip { visible: button.hovered && button.tip; text: button.tip }
+    Tip { visible: button.hovered && button.tip && button.Window.window !== null; text: button.tip }
 }

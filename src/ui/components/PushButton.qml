@@ -60,5 +60,5 @@ AbstractButton {
             }
         }
     }
-    Tip { visible: button.hovered && button.tip; text: button.tip }
+    Tip { visible: button.hovered && button.tip && button.Window.window !== null; text: button.tip }
 }

@@ -1,6 +1,7 @@
 #include "hosts/linux/notifications/NotificationPanels.h"
 #include "desktop/WaitFor.h"
 #include "hosts/linux/notifications/ElidedLabel.h"
+#include "hosts/linux/windows/WindowSpaces.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,9 @@
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <algorithm>
+#include <stdexcept>
 
 namespace velloway::test {
 namespace {
@@ -27,13 +31,19 @@ template <class Panel> std::vector<Panel*> visible() {
     return found;
 }
 
+template <class Panel> bool isShown(const QString& title) {
+    const auto panels = visible<Panel>();
+    return std::any_of(panels.begin(), panels.end(),
+                       [&](const Panel* panel) { return panel->windowTitle() == title; });
+}
+
 template <class Panel> Panel* titled(const QString& title) {
     for (auto* panel : visible<Panel>()) {
         if (panel->windowTitle() == title) {
             return panel;
         }
     }
-    return nullptr;
+    throw std::runtime_error("no panel has the title " + title.toStdString());
 }
 
 QAbstractButton* button(QWidget* panel, const QString& name) {
@@ -42,7 +52,7 @@ QAbstractButton* button(QWidget* panel, const QString& name) {
             return candidate;
         }
     }
-    return nullptr;
+    throw std::runtime_error("no button has the name " + name.toStdString());
 }
 
 class NotificationPanelsTest : public testing::Test {
@@ -70,7 +80,6 @@ protected:
 TEST_F(NotificationPanelsTest, TheReplyPanelTakesTheKeyboardAndReturnSends) {
     openReply("Ada");
     auto* panel = titled<ReplyPanel>("Ada");
-    ASSERT_NE(panel, nullptr);
     auto* input = panel->findChild<QLineEdit*>();
     ASSERT_TRUE(waitFor([&] { return input->hasFocus(); }));
     EXPECT_EQ(input->placeholderText(), "Type your reply...");
@@ -143,6 +152,30 @@ TEST_F(NotificationPanelsTest, PanelsStandBelowEachOtherAtTheTopRight) {
     EXPECT_EQ(titled<NotificationBanner>("one")->panelGeometry().top(), screen.top() + 20);
 }
 
+TEST_F(NotificationPanelsTest, BannersMakeRoomForACallPanelAndComeBack) {
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const auto topOf = [](const char* title) {
+        return titled<NotificationBanner>(title)->panelGeometry().top();
+    };
+    show("one");
+    ASSERT_EQ(topOf("one"), screen.top() + 20);
+    QWindow call;
+    call.setObjectName(callPanelName);
+    call.setFlag(Qt::BypassWindowManagerHint);
+    call.setGeometry(screen.right() - 369, screen.top() + 20, 350, 80);
+    call.show();
+    EXPECT_TRUE(waitFor([&] { return topOf("one") == screen.top() + 110; }));
+    show("two");
+    EXPECT_GT(topOf("two"), topOf("one"));
+    call.hide();
+    EXPECT_TRUE(waitFor([&] { return topOf("one") == screen.top() + 20; }));
+    // Dragged out of the way, it takes no room.
+    call.setPosition(screen.left(), screen.top());
+    call.show();
+    show("three");
+    EXPECT_EQ(topOf("one"), screen.top() + 20);
+}
+
 TEST_F(NotificationPanelsTest, ABannerDoesNotTakeTheKeyboardButItsFieldCanHaveIt) {
     openReply("Ada");
     auto* input = titled<ReplyPanel>("Ada")->findChild<QLineEdit*>();
@@ -184,11 +217,11 @@ TEST_F(NotificationPanelsTest, FourBannersStandAtOnceAndTheOthersFollow) {
         EXPECT_TRUE(show(std::to_string(i)));
     }
     EXPECT_EQ(visible<NotificationBanner>().size(), 4u);
-    EXPECT_EQ(titled<NotificationBanner>("4"), nullptr);
+    EXPECT_FALSE(isShown<NotificationBanner>("4"));
     panels_.closeBanner("5");
     panels_.closeBanner("0");
     panels_.closeBanner("1");
-    EXPECT_NE(titled<NotificationBanner>("4"), nullptr);
+    EXPECT_TRUE(isShown<NotificationBanner>("4"));
     EXPECT_EQ(visible<NotificationBanner>().size(), 3u);
 }
 

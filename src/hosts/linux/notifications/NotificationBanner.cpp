@@ -1,7 +1,9 @@
 #include "hosts/linux/notifications/NotificationBanner.h"
 
 #include "hosts/linux/notifications/ElidedLabel.h"
+#include "hosts/linux/windows/WindowSpaces.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLineEdit>
 
@@ -29,8 +31,10 @@ NotificationBanner::NotificationBanner(const Content& shown) {
         row_ = new ReplyRow(
             *shown.reply, [this](const QString& text) { emit replied(text); }, this);
         content()->addWidget(row_);
+        row_->input()->installEventFilter(this);
     }
     fitHeight();
+    floatOverEverything(nativeWindow());
 
     setLifetime(shown.reply ? toReadAndAnswer : toRead);
     connect(&life_, &QTimer::timeout, this, &NotificationBanner::timeOut);
@@ -67,6 +71,14 @@ void NotificationBanner::addLine(const QString& text, int maxLines, QFont::Weigh
 void NotificationBanner::showEvent(QShowEvent* event) {
     FloatingPanel::showEvent(event);
     life_.start();
+}
+
+bool NotificationBanner::eventFilter(QObject* watched, QEvent* event) {
+    // No window manager does this for a window that it does not look after.
+    if (event->type() == QEvent::MouseButtonPress && !isActiveWindow()) {
+        activateWindow();
+    }
+    return FloatingPanel::eventFilter(watched, event);
 }
 
 bool NotificationBanner::isInUse() const {

@@ -39,6 +39,7 @@ protected:
     void closeRequested() override { emit dismissed(); }
     void backgroundClicked() override { emit clicked(); }
     void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget* makeHeader(const QString& title);

@@ -1,7 +1,11 @@
 #include "hosts/linux/notifications/NotificationPanels.h"
 
+#include "hosts/linux/windows/WindowSpaces.h"
+
 #include <QApplication>
+#include <QEvent>
 #include <QScreen>
+#include <QWindow>
 
 #include <algorithm>
 #include <utility>
@@ -27,7 +31,35 @@ void discard(FloatingPanel* panel) {
     panel->deleteLater();
 }
 
+/// The top of `place`, moved down as far as it takes to cover no call panel.
+int belowCallPanels(QRect place) {
+    for (const QWindow* window : QGuiApplication::topLevelWindows()) {
+        if (window->isVisible() && window->objectName() == QLatin1String(callPanelName) &&
+            window->geometry().intersects(place)) {
+            place.moveTop(window->geometry().bottom() + 1 + gap);
+        }
+    }
+    return place.top();
+}
+
 } // namespace
+
+NotificationPanels::NotificationPanels() {
+    if (auto* application = QCoreApplication::instance()) {
+        application->installEventFilter(this);
+    }
+}
+
+bool NotificationPanels::eventFilter(QObject* watched, QEvent* event) {
+    const auto kind = event->type();
+    if ((kind == QEvent::Show || kind == QEvent::Hide) && !(banners_.empty() && replies_.empty()) &&
+        watched->isWindowType() && watched->objectName() == QLatin1String(callPanelName)) {
+        // After the event, when the panel is there or gone.
+        QMetaObject::invokeMethod(
+            this, [this] { arrange(); }, Qt::QueuedConnection);
+    }
+    return false;
+}
 
 NotificationPanels::~NotificationPanels() {
     for (const auto* list : {&banners_, &replies_}) {
@@ -135,9 +167,11 @@ void NotificationPanels::arrange() {
                 continue;
             }
             const int left = usable.left() + usable.width() - screenMargin - FloatingPanel::panelWidth;
+            const int height = shown.panel->panelGeometry().height();
+            top = belowCallPanels({left, top, FloatingPanel::panelWidth, height});
             shown.panel->placePanelAt({left, top});
             shown.panel->show();
-            top += shown.panel->panelGeometry().height() + gap;
+            top += height + gap;
         }
     }
 }

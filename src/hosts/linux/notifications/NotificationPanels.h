@@ -12,7 +12,7 @@ namespace velloway {
 
 /// The program's own notification banners and reply panels, one below the other from the top right corner of
 /// the usable screen. They exist only while they are to be seen. Main thread.
-class NotificationPanels {
+class NotificationPanels : private QObject {
 public:
     struct BannerEvents {
         std::function<void(const QString& text)> replied;
@@ -22,10 +22,10 @@ public:
         std::function<void()> gone;
     };
 
-    NotificationPanels() = default;
+    NotificationPanels();
     NotificationPanels(const NotificationPanels&) = delete;
     NotificationPanels& operator=(const NotificationPanels&) = delete;
-    ~NotificationPanels();
+    ~NotificationPanels() override;
 
     /// False without a display.
     static bool canShow();
@@ -55,6 +55,7 @@ private:
     void take(FloatingPanel* panel);
     void showWaiting();
     void arrange();
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
     std::vector<Shown> banners_;
     std::vector<Shown> replies_;

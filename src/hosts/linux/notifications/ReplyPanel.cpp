@@ -1,6 +1,7 @@
 #include "hosts/linux/notifications/ReplyPanel.h"
 
 #include "hosts/linux/notifications/ElidedLabel.h"
+#include "hosts/linux/windows/WindowSpaces.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -33,11 +34,14 @@ ReplyPanel::ReplyPanel(const Prompt& prompt) {
     content()->addWidget(row_);
     setFocusProxy(row_);
     fitHeight();
+    // Tools vanish while their program is not the active one on some desktops.
+    setAttribute(Qt::WA_X11NetWmWindowTypeDialog);
+    joinAllSpaces(nativeWindow());
 }
 
 void ReplyPanel::takeKeyboard() {
     raise();
-    activateWindow();
+    activateForUser(nativeWindow());
     row_->input()->setFocus(Qt::ActiveWindowFocusReason);
 }
 

@@ -1,6 +1,7 @@
 #include "hosts/linux/windows/FloatingPanel.h"
 
 #include "hosts/linux/windows/Compositing.h"
+#include "hosts/linux/windows/WindowSpaces.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -137,6 +138,11 @@ void FloatingPanel::fitHeight() {
     setFixedHeight(wanted);
 }
 
+QWindow& FloatingPanel::nativeWindow() {
+    winId();
+    return *windowHandle();
+}
+
 QWidget* FloatingPanel::makeCloseButton(const QString& accessibleName) {
     auto* button = new CloseButton(this);
     button->setAccessibleName(accessibleName);
@@ -178,7 +184,8 @@ void FloatingPanel::mouseMoveEvent(QMouseEvent* event) {
         return;
     }
     wasMovedByUser_ = true;
-    if (!std::exchange(drag_->hasMoved, true) && windowHandle()->startSystemMove()) {
+    if (!std::exchange(drag_->hasMoved, true) && canSystemMove(*windowHandle()) &&
+        windowHandle()->startSystemMove()) {
         drag_.reset();
         return;
     }

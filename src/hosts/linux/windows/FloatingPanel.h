@@ -33,6 +33,9 @@ protected:
     /// A round button that asks to be closed, for a corner of the content.
     QWidget* makeCloseButton(const QString& accessibleName);
 
+    /// Made when it is asked for first.
+    QWindow& nativeWindow();
+
     virtual void closeRequested() = 0;
     virtual void backgroundClicked() {}
 

@@ -13,6 +13,7 @@
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QScreen>
+#include <QStyleHints>
 
 #include <utility>
 
@@ -21,6 +22,12 @@ namespace velloway {
 namespace {
 
 constexpr double cornerRadius = 12;
+/// How far two clicks on one button of a panel can be apart.
+constexpr double sameButton = 32;
+
+QSize pixels(const Size& size) {
+    return {static_cast<int>(size.width), static_cast<int>(size.height)};
+}
 
 /// The main window: closing it only hides it.
 class MainView : public ContentView {
@@ -50,6 +57,9 @@ public:
 
 protected:
     bool event(QEvent* event) override {
+        if (isMeantForAnother(*event)) {
+            return true;
+        }
         const bool answer = ContentView::event(event);
         // The views have had it by now; they answer the same whether or not a control took it.
         switch (event->type()) {
@@ -70,6 +80,26 @@ protected:
     }
 
 private:
+    /// Panels take each other's place: the second click of a double click hits a panel that the first one
+    /// brought.
+    bool isMeantForAnother(const QEvent& event) {
+        static struct {
+            int panel;
+            ulong time;
+            QPointF place;
+        } last{};
+        if (event.type() != QEvent::MouseButtonPress && event.type() != QEvent::MouseButtonDblClick) {
+            return false;
+        }
+        const auto& press = static_cast<const QMouseEvent&>(event);
+        const auto elapsed = press.timestamp() - last.time;
+        const bool isAnother =
+            last.panel != 0 && last.panel != number_ &&
+            elapsed <= static_cast<ulong>(QGuiApplication::styleHints()->mouseDoubleClickInterval()) &&
+            (press.globalPosition() - last.place).manhattanLength() <= sameButton;
+        last = {isAnother ? last.panel : number_, press.timestamp(), press.globalPosition()};
+        return isAnother;
+    }
     void pressed(QMouseEvent& event) {
         const bool isTaken = event.exclusiveGrabber(event.point(0)) != nullptr;
         if (!isTaken && event.button() == Qt::LeftButton) {
@@ -80,7 +110,7 @@ private:
         if (!grip_) {
             return;
         }
-        if (!std::exchange(isMoving_, true) && startSystemMove()) {
+        if (!std::exchange(isMoving_, true) && canSystemMove(*this) && startSystemMove()) {
             grip_.reset();
             isMoving_ = false;
             return;
@@ -88,6 +118,9 @@ private:
         setPosition(event.globalPosition().toPoint() - *grip_);
     }
 
+    static inline int made_ = 0;
+
+    const int number_ = ++made_;
     std::optional<QPoint> grip_;
     bool isMoving_ = false;
 };
@@ -200,9 +233,8 @@ std::shared_ptr<Window> QuickWindows::makeMainWindow(const MainWindowProperties&
     auto view = std::make_unique<MainView>(engine()->qml, std::move(content), std::move(onClose));
     view->setTitle(QString::fromStdString(properties.title));
     view->setFlags(Qt::Window);
-    view->setMinimumSize({static_cast<int>(properties.minWidth), static_cast<int>(properties.minHeight)});
-    view->resize(static_cast<int>(properties.contentRect.width),
-                 static_cast<int>(properties.contentRect.height));
+    view->setMinimumSize(pixels(properties.minimumSize));
+    view->resize(pixels(properties.size));
     return std::make_shared<QuickWindow>(engine(), std::move(view));
 }
 
@@ -211,14 +243,14 @@ std::shared_ptr<Window> QuickWindows::makePanel(const PanelProperties& propertie
     auto view = std::make_unique<PanelView>(engine()->qml, std::move(content));
     view->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                    Qt::WindowDoesNotAcceptFocus);
+    view->setObjectName(callPanelName);
     view->setTitle(QStringLiteral("Velloway"));
-    const QSize size(static_cast<int>(properties.contentRect.width),
-                     static_cast<int>(properties.contentRect.height));
+    const QSize size = pixels(properties.size);
     view->setMinimumSize(size);
     view->setMaximumSize(size);
     view->resize(size);
     roundCorners(*view);
-    joinAllSpaces(*view);
+    floatOverEverything(*view);
     return std::make_shared<QuickWindow>(engine(), std::move(view));
 }
 

@@ -4,8 +4,23 @@ class QWindow;
 
 namespace velloway {
 
-/// Lets a window that is not yet shown stand on every desktop of the user, full-screen ones included where the
-/// window system allows it.
+/// Puts a window that is not yet shown over everything else on every desktop of the user, full-screen windows
+/// included, as far as the window system allows a program to ask for it. The user may drag it, but no window
+/// manager looks after it: `requestActivate` is all that gives it the keyboard. Main thread only.
+void floatOverEverything(QWindow& window);
+
+/// The same for a window that takes the keyboard, which must stay in the care of the window manager: it is on
+/// every desktop each time that it is shown. Main thread only.
 void joinAllSpaces(QWindow& window);
+
+/// Gives the keyboard to a window that the user has just asked for in another program, which the window manager
+/// cannot know. Main thread only.
+void activateForUser(QWindow& window);
+
+/// The name of the windows that banners make room for.
+inline constexpr const char* callPanelName = "CallPanel";
+
+/// Whether the window system moves this window when it is asked to.
+bool canSystemMove(const QWindow& window);
 
 } // namespace velloway

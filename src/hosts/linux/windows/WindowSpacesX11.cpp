@@ -1,6 +1,9 @@
 #include "hosts/linux/windows/WindowSpaces.h"
 
+#include <QAbstractNativeEventFilter>
+#include <QEvent>
 #include <QGuiApplication>
+#include <QTimer>
 #include <QWindow>
 
 #include <cstdint>
@@ -14,23 +17,134 @@ namespace velloway {
 
 namespace {
 
-xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+constexpr std::uint32_t everyDesktop = 0xffffffff;
+
+xcb_connection_t* connection() {
+    const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 ? x11->connection() : nullptr;
+}
+
+xcb_atom_t atom(const char* name) {
+    const auto cookie = xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(std::strlen(name)), name);
     const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
-        xcb_intern_atom_reply(connection, cookie, nullptr), &std::free);
+        xcb_intern_atom_reply(connection(), cookie, nullptr), &std::free);
     return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
 }
 
+xcb_window_t idOf(const QWindow& window) {
+    return static_cast<xcb_window_t>(window.winId());
+}
+
+void setProperty(const QWindow& window, const char* name, xcb_atom_t type, std::uint32_t value) {
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, idOf(window), atom(name), type, 32, 1, &value);
+}
+
+/// Asks the window manager to do something with a window.
+void ask(const QWindow& window, const char* what, const std::uint32_t (&data)[5]) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = idOf(window);
+    message.type = atom(what);
+    std::memcpy(message.data.data32, data, sizeof data);
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+    xcb_send_event(connection(), 0, root,
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    xcb_flush(connection());
+}
+
+/// Brings a window back up that no window manager looks after, whenever the manager has put another window
+/// above it. Dies with the window.
+class StayingOnTop : public QObject, public QAbstractNativeEventFilter {
+public:
+    explicit StayingOnTop(QWindow& window)
+        : QObject(&window),
+          window_(window),
+          stacking_(atom("_NET_CLIENT_LIST_STACKING")),
+          active_(atom("_NET_ACTIVE_WINDOW")) {
+        // A manager may tell of a change before it makes it.
+        later_.setSingleShot(true);
+        later_.setInterval(100);
+        connect(&later_, &QTimer::timeout, &window, &QWindow::raise);
+        qApp->installNativeEventFilter(this);
+    }
+
+    bool nativeEventFilter(const QByteArray& kind, void* message, qintptr* /*result*/) override {
+        const auto* event = static_cast<const xcb_property_notify_event_t*>(message);
+        if (kind == "xcb_generic_event_t" && (event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY &&
+            (event->atom == stacking_ || event->atom == active_) && window_.isVisible()) {
+            window_.raise();
+            later_.start();
+        }
+        return false;
+    }
+
+private:
+    QWindow& window_;
+    xcb_atom_t stacking_;
+    xcb_atom_t active_;
+    QTimer later_;
+};
+
+/// Asks the window manager for every desktop, which some of them hear only about a window that is shown.
+class BeingEverywhere : public QObject {
+public:
+    explicit BeingEverywhere(QWindow& window) : QObject(&window), window_(window) {
+        window.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        if (event->type() == QEvent::Expose && window_.isExposed() && !isAsked_) {
+            isAsked_ = true;
+            constexpr std::uint32_t add = 1;
+            constexpr std::uint32_t fromAProgram = 1;
+            ask(window_, "_NET_WM_STATE", {add, atom("_NET_WM_STATE_STICKY"), 0, fromAProgram, 0});
+            ask(window_, "_NET_WM_DESKTOP", {everyDesktop, fromAProgram, 0, 0, 0});
+        } else if (event->type() == QEvent::Hide) {
+            isAsked_ = false;
+        }
+        return false;
+    }
+
+private:
+    QWindow& window_;
+    bool isAsked_ = false;
+};
+
 } // namespace
 
-void joinAllSpaces(QWindow& window) {
-    const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11 || !x11->connection()) {
+void floatOverEverything(QWindow& window) {
+    if (!connection()) {
         return; // Other window systems leave this to the user.
     }
-    constexpr std::uint32_t everyDesktop = 0xffffffff;
-    xcb_change_property(x11->connection(), XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
-                        atom(x11->connection(), "_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 32, 1, &everyDesktop);
+    // No type or state of a window is above full-screen windows, on every desktop and out of the taskbar with
+    // every window manager. A window that is none of the manager's business is.
+    window.setFlag(Qt::BypassWindowManagerHint);
+    // For compositing managers, which draw shadows and animations by it.
+    setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, atom("_NET_WM_WINDOW_TYPE_NOTIFICATION"));
+    new StayingOnTop(window);
+}
+
+void joinAllSpaces(QWindow& window) {
+    if (!connection()) {
+        return;
+    }
+    setProperty(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, everyDesktop);
+    new BeingEverywhere(window);
+}
+
+void activateForUser(QWindow& window) {
+    window.requestActivate();
+    if (connection()) {
+        constexpr std::uint32_t fromTheUser = 2;
+        ask(window, "_NET_ACTIVE_WINDOW", {fromTheUser, XCB_CURRENT_TIME, 0, 0, 0});
+    }
+}
+
+bool canSystemMove(const QWindow& window) {
+    // A window manager answers for its own windows alone; the others drag themselves.
+    return !(window.flags() & Qt::BypassWindowManagerHint);
 }
 
 } // namespace velloway
