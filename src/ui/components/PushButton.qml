@@ -34,11 +34,9 @@ AbstractButton {
         FocusRing { control: button; radius: parent.radius + 2 }
     }
     contentItem: Item {
-        implicitWidth: content.implicitWidth
-        implicitHeight: content.implicitHeight
+        implicitWidth: childrenRect.width
+        implicitHeight: childrenRect.height
         Row {
-            id: content
-
             spacing: 7
             x: button.alignLeft ? 0 : (parent.width - width) / 2
             anchors.verticalCenter: parent.verticalCenter
