@@ -76,11 +76,11 @@ bool returnedOrExited(int status) {
     return WIFEXITED(status) && (WEXITSTATUS(status) == returned || WEXITSTATUS(status) == 0);
 }
 
-TEST_F(ProgramEndTest, with_nothing_to_do_runs_everything_down) {
+TEST_F(ProgramEndTest, WithNothingToDoRunsEverythingDown) {
     EXPECT_EXIT(runWith([](HostRuntime& host) { host.terminate(); }), testing::ExitedWithCode(returned), "");
 }
 
-TEST_F(ProgramEndTest, in_the_middle_of_a_file_touches_nothing_that_has_gone) {
+TEST_F(ProgramEndTest, InTheMiddleOfAFileTouchesNothingThatHasGone) {
     const SparseFile file(150u << 20);
     EXPECT_EXIT(runWith([&](HostRuntime& host) {
                     WebSocketServer::shared().sendFile(file.path);
@@ -89,7 +89,7 @@ TEST_F(ProgramEndTest, in_the_middle_of_a_file_touches_nothing_that_has_gone) {
                 returnedOrExited, "");
 }
 
-TEST_F(ProgramEndTest, drops_the_files_that_wait_for_a_short_job) {
+TEST_F(ProgramEndTest, DropsTheFilesThatWaitForAShortJob) {
     const SparseFile file(150u << 20);
     EXPECT_EXIT(runWith([&](HostRuntime& host) {
                     host.platform().serverQueue.async([] { std::this_thread::sleep_for(50ms); });
@@ -99,7 +99,7 @@ TEST_F(ProgramEndTest, drops_the_files_that_wait_for_a_short_job) {
                 testing::ExitedWithCode(returned), "");
 }
 
-TEST_F(ProgramEndTest, does_not_wait_for_a_job_that_never_ends) {
+TEST_F(ProgramEndTest, DoesNotWaitForAJobThatNeverEnds) {
     EXPECT_EXIT(runWith([](HostRuntime& host) {
                     host.platform().serverQueue.async([] { std::this_thread::sleep_for(1h); });
                     host.platform().mainQueue.asyncAfter(10ms, [&host] { host.terminate(); });

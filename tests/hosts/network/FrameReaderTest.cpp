@@ -75,7 +75,7 @@ std::vector<std::string> eventsOf(std::string_view bytes) {
     return Reading().take(bytes).events;
 }
 
-TEST(FrameReaderTest, every_opcode) {
+TEST(FrameReaderTest, EveryOpcode) {
     const std::map<int, std::vector<std::string>> known{
         {1, {"message ab"}}, {2, {"message ab"}}, {8, {"close 24930 "}}, {9, {"ping ab"}}, {10, {}}};
     for (int opcode = 0; opcode < 16; ++opcode) {
@@ -85,7 +85,7 @@ TEST(FrameReaderTest, every_opcode) {
     }
 }
 
-TEST(FrameReaderTest, every_length_at_which_the_header_changes_in_pieces_of_any_size) {
+TEST(FrameReaderTest, EveryLengthAtWhichTheHeaderChangesInPiecesOfAnySize) {
     for (const std::size_t length : {0u, 1u, 125u, 126u, 127u, 65535u, 65536u, 200'000u}) {
         std::string text(length, ' ');
         for (std::size_t index = 0; index < length; ++index) {
@@ -100,7 +100,7 @@ TEST(FrameReaderTest, every_length_at_which_the_header_changes_in_pieces_of_any_
     }
 }
 
-TEST(FrameReaderTest, the_same_bytes_split_at_every_place_give_the_same_events) {
+TEST(FrameReaderTest, TheSameBytesSplitAtEveryPlaceGiveTheSameEvents) {
     const std::string bytes = frame("caf\xC3\xA9") + frame("one ", {.isFinal = false}) +
                               frame("ping", {.opcode = 9}) + frame("", {.opcode = 0, .isFinal = false}) +
                               frame("two \xF0\x9F", {.opcode = 0, .isFinal = false}) +
@@ -119,7 +119,7 @@ TEST(FrameReaderTest, the_same_bytes_split_at_every_place_give_the_same_events) 
     }
 }
 
-TEST(FrameReaderTest, every_reserved_bit_on_every_kind_of_frame) {
+TEST(FrameReaderTest, EveryReservedBitOnEveryKindOfFrame) {
     for (int bits = 1; bits < 8; ++bits) {
         for (const int opcode : {1, 2, 8, 9, 10}) {
             EXPECT_THAT(eventsOf(frame("ab", {.opcode = opcode, .reservedBits = bits})),
@@ -130,13 +130,13 @@ TEST(FrameReaderTest, every_reserved_bit_on_every_kind_of_frame) {
     }
 }
 
-TEST(FrameReaderTest, frames_without_a_mask) {
+TEST(FrameReaderTest, FramesWithoutAMask) {
     for (const int opcode : {1, 2, 8, 9, 10}) {
         EXPECT_THAT(eventsOf(frame("ab", {.opcode = opcode, .isMasked = false})), ElementsAre("failure 1002"));
     }
 }
 
-TEST(FrameReaderTest, control_frames_that_are_too_long_or_in_fragments) {
+TEST(FrameReaderTest, ControlFramesThatAreTooLongOrInFragments) {
     for (const int opcode : {8, 9, 10}) {
         EXPECT_THAT(eventsOf(frame(std::string(126, 'x'), {.opcode = opcode})), ElementsAre("failure 1002"));
         EXPECT_THAT(eventsOf(frame("", {.opcode = opcode, .isFinal = false})), ElementsAre("failure 1002"));
@@ -145,7 +145,7 @@ TEST(FrameReaderTest, control_frames_that_are_too_long_or_in_fragments) {
                 ElementsAre("ping " + std::string(125, 'x')));
 }
 
-TEST(FrameReaderTest, fragments_out_of_order) {
+TEST(FrameReaderTest, FragmentsOutOfOrder) {
     EXPECT_THAT(eventsOf(frame("x", {.opcode = 0})), ElementsAre("failure 1002"));
     for (const int opcode : {1, 2}) {
         EXPECT_THAT(eventsOf(frame("x", {.isFinal = false}) + frame("y", {.opcode = opcode})),
@@ -154,12 +154,12 @@ TEST(FrameReaderTest, fragments_out_of_order) {
     EXPECT_THAT(eventsOf(frame("x") + frame("y", {.opcode = 0})), ElementsAre("message x", "failure 1002"));
 }
 
-TEST(FrameReaderTest, a_length_in_more_bytes_than_it_needs) {
+TEST(FrameReaderTest, ALengthInMoreBytesThanItNeeds) {
     EXPECT_THAT(eventsOf(frame(std::string(125, 'x'), {.lengthBytes = 2})), ElementsAre("failure 1002"));
     EXPECT_THAT(eventsOf(frame(std::string(65535, 'x'), {.lengthBytes = 8})), ElementsAre("failure 1002"));
 }
 
-TEST(FrameReaderTest, invalid_text_at_every_position_with_any_piece) {
+TEST(FrameReaderTest, InvalidTextAtEveryPositionWithAnyPiece) {
     const std::vector<std::string> bad{
         "\xFF"s,         "\x80"s,         "\xC0\xAF"s,         "\xC1\xBF"s,
         "\xE0\x80\x80"s, "\xED\xA0\x80"s, "\xF0\x80\x80\x80"s, "\xF4\x90\x80\x80"s,
@@ -175,7 +175,7 @@ TEST(FrameReaderTest, invalid_text_at_every_position_with_any_piece) {
     }
 }
 
-TEST(FrameReaderTest, valid_text_of_every_length_of_character_with_any_piece) {
+TEST(FrameReaderTest, ValidTextOfEveryLengthOfCharacterWithAnyPiece) {
     const std::string text = "a\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF"
                              "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF";
     for (std::size_t piece = 1; piece < 12; ++piece) {
@@ -188,7 +188,7 @@ TEST(FrameReaderTest, valid_text_of_every_length_of_character_with_any_piece) {
     }
 }
 
-TEST(FrameReaderTest, a_text_that_breaks_off_inside_a_character) {
+TEST(FrameReaderTest, ATextThatBreaksOffInsideACharacter) {
     for (const std::string& open : {"\xC3"s, "\xE2\x82"s, "\xF0\x9F\x98"s}) {
         EXPECT_THAT(eventsOf(frame("abc" + open)), ElementsAre("failure 1007"));
         EXPECT_THAT(eventsOf(frame(open, {.isFinal = false}) + frame("", {.opcode = 0})),
@@ -197,12 +197,12 @@ TEST(FrameReaderTest, a_text_that_breaks_off_inside_a_character) {
     }
 }
 
-TEST(FrameReaderTest, invalid_text_is_noticed_before_the_message_is_whole) {
+TEST(FrameReaderTest, InvalidTextIsNoticedBeforeTheMessageIsWhole) {
     EXPECT_THAT(eventsOf(frame("a\xED\xA0", {.isFinal = false})), ElementsAre("failure 1007"));
     EXPECT_THAT(eventsOf(frame("a\xF4\x90", {.claimedLength = 1000})), ElementsAre("failure 1007"));
 }
 
-TEST(FrameReaderTest, messages_at_and_beyond_the_bound) {
+TEST(FrameReaderTest, MessagesAtAndBeyondTheBound) {
     const auto events = [](const std::string& bytes) { return Reading(1000).take(bytes).events; };
     const std::string most(1000, 'm');
     EXPECT_THAT(events(frame(most)), ElementsAre("message " + most));
@@ -216,7 +216,7 @@ TEST(FrameReaderTest, messages_at_and_beyond_the_bound) {
     }
 }
 
-TEST(FrameReaderTest, close_codes) {
+TEST(FrameReaderTest, CloseCodes) {
     for (const int code : {1000, 1001, 1003, 1007, 1011, 1012, 1013, 3000, 4999, 65535}) {
         EXPECT_THAT(eventsOf(closeWith(code, "why")), ElementsAre("close " + std::to_string(code) + " why"));
     }
@@ -228,12 +228,12 @@ TEST(FrameReaderTest, close_codes) {
     EXPECT_THAT(eventsOf(closeWith(1000, "\xFF")), ElementsAre("failure 1002"));
 }
 
-TEST(FrameReaderTest, nothing_is_read_after_a_close_or_a_failure) {
+TEST(FrameReaderTest, NothingIsReadAfterACloseOrAFailure) {
     EXPECT_THAT(eventsOf(closeWith(1000) + frame("late")), ElementsAre("close 1000 "));
     EXPECT_THAT(eventsOf(frame("x", {.opcode = 3}) + frame("late")), ElementsAre("failure 1002"));
 }
 
-TEST(FrameReaderTest, a_message_of_many_tiny_fragments_takes_no_more_memory_than_its_bytes) {
+TEST(FrameReaderTest, AMessageOfManyTinyFragmentsTakesNoMoreMemoryThanItsBytes) {
     // The headers alone are seven times as long as the message may be.
     std::string bytes = frame("a", {.isFinal = false});
     for (int index = 0; index < 100'000; ++index) {
@@ -245,7 +245,7 @@ TEST(FrameReaderTest, a_message_of_many_tiny_fragments_takes_no_more_memory_than
     EXPECT_TRUE(events[0] == "message " + std::string(100'001, 'a') + "z");
 }
 
-TEST(FrameReaderTest, bytes_after_a_message_may_be_read) {
+TEST(FrameReaderTest, BytesAfterAMessageMayBeRead) {
     FrameReader frames(bound);
     for (const std::size_t length : {1u, 125u, 65'523u, 70'000u, 1'000'000u}) {
         const std::string bytes = frame(std::string(length, 'm'));

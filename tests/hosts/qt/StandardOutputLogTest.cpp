@@ -47,7 +47,7 @@ ChildOutput inChild(const std::function<void()>& body) {
     return output;
 }
 
-TEST(StandardOutputLog, writes_the_pieces_as_one_line) {
+TEST(StandardOutputLog, WritesThePiecesAsOneLine) {
     const ChildOutput output = inChild([] {
         StandardOutputLog log;
         log.line({"[Area] ", "one ", "two"});
@@ -57,7 +57,7 @@ TEST(StandardOutputLog, writes_the_pieces_as_one_line) {
     EXPECT_EQ(output.text, "[Area] one two\n\n%s %n\n");
 }
 
-TEST(StandardOutputLog, leaves_nothing_in_a_buffer_when_the_process_is_ended_hard) {
+TEST(StandardOutputLog, LeavesNothingInABufferWhenTheProcessIsEndedHard) {
     const ChildOutput output = inChild([] {
         StandardOutputLog log;
         log.line({"line"});
@@ -68,7 +68,7 @@ TEST(StandardOutputLog, leaves_nothing_in_a_buffer_when_the_process_is_ended_har
     EXPECT_EQ(output.text, "line\nprinted");
 }
 
-TEST(StandardOutputLog, lines_of_several_threads_never_mix) {
+TEST(StandardOutputLog, LinesOfSeveralThreadsNeverMix) {
     const ChildOutput output = inChild([] {
         StandardOutputLog log;
         std::vector<std::thread> threads;
@@ -95,7 +95,7 @@ TEST(StandardOutputLog, lines_of_several_threads_never_mix) {
     EXPECT_EQ(lines, 60);
 }
 
-TEST(StandardOutputLog, a_reader_that_has_gone_does_no_harm) {
+TEST(StandardOutputLog, AReaderThatHasGoneDoesNoHarm) {
     const ChildOutput output = inChild([] {
         int ends[2];
         if (::pipe(ends) != 0) {
@@ -114,7 +114,7 @@ TEST(StandardOutputLog, a_reader_that_has_gone_does_no_harm) {
     EXPECT_EQ(output.text, "still here\n");
 }
 
-TEST(StandardOutputLog, a_reader_that_does_not_read_costs_lines_and_they_are_counted) {
+TEST(StandardOutputLog, AReaderThatDoesNotReadCostsLinesAndTheyAreCounted) {
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);
     int steps[2];
@@ -168,7 +168,7 @@ TEST(StandardOutputLog, a_reader_that_does_not_read_costs_lines_and_they_are_cou
     EXPECT_GT(dropped, 100);
 }
 
-TEST(StandardOutputLog, gathered_lines_are_written_together_at_the_end_of_a_turn) {
+TEST(StandardOutputLog, GatheredLinesAreWrittenTogetherAtTheEndOfATurn) {
     const ChildOutput output = inChild([] {
         StandardOutputLog log;
         std::thread([&log] {
@@ -185,7 +185,7 @@ TEST(StandardOutputLog, gathered_lines_are_written_together_at_the_end_of_a_turn
     EXPECT_EQ(output.text, "not yet\none\ntwo\nnow\nthree\nfour, of another thread\n");
 }
 
-TEST(StandardOutputLog, gathered_lines_are_written_before_a_fatal_end) {
+TEST(StandardOutputLog, GatheredLinesAreWrittenBeforeAFatalEnd) {
     const ChildOutput output = inChild([] {
         StandardOutputLog log;
         StandardOutputLog::gatherOnThisThread();
@@ -196,7 +196,7 @@ TEST(StandardOutputLog, gathered_lines_are_written_before_a_fatal_end) {
     EXPECT_EQ(output.text, "last line\n");
 }
 
-TEST(StandardOutputLog, a_stream_missing_from_the_start_is_taken_so_that_no_file_gets_its_number) {
+TEST(StandardOutputLog, AStreamMissingFromTheStartIsTakenSoThatNoFileGetsItsNumber) {
     const ChildOutput output = inChild([] {
         const int kept = ::dup(STDOUT_FILENO);
         ::close(STDIN_FILENO);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/AsioResident.h"
+#include "hosts/linux/network/QueueTurns.h"
 #include "platform/DispatchQueue.h"
 
 #include <boost/asio/executor_work_guard.hpp>

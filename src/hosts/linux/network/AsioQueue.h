@@ -1,22 +1,14 @@
 #pragma once
 
+#include "hosts/linux/network/QueueTurns.h"
 #include "platform/DispatchQueue.h"
 
-#include <functional>
 #include <memory>
 #include <string>
 
 namespace velloway {
 
 class AsioLoop;
-
-/// What others do on the thread of a queue beside its jobs.
-struct QueueTurns {
-    /// Once, before the first job.
-    std::function<void()> began;
-    /// After each turn of the event loop: one batch of jobs, or what one read of a socket has brought.
-    std::function<void()> ended;
-};
 
 /// A serial queue on a thread of its own, which also runs the sockets of `LinuxNetwork`.
 ///

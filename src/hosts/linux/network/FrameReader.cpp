@@ -1,6 +1,6 @@
 #include "hosts/linux/network/FrameReader.h"
 
-#include "json/Utf8.h"
+#include "text/Utf8.h"
 
 #include <algorithm>
 #include <cstring>
