@@ -244,9 +244,9 @@ FocusScope {
                 Accessible.role: Accessible.List
                 Accessible.name: CallsTexts.recentCalls
                 // A cast to a type of this file gives null in Qt 6.4.
-                // qmllint disable property
+                // qmllint disable type
                 Keys.onReturnPressed: if (currentItem) currentItem.press()
-                // qmllint enable property
+                // qmllint enable type
                 delegate: RecentCall {}
                 Label {
                     objectName: "noRecentCalls"

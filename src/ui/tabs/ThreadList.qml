@@ -223,9 +223,9 @@ Item {
                 Accessible.role: Accessible.List
                 Accessible.name: SmsTexts.title
                 // A cast to a type of this file gives null in Qt 6.4.
-                // qmllint disable property
+                // qmllint disable type
                 Keys.onReturnPressed: if (currentItem) currentItem.press()
-                // qmllint enable property
+                // qmllint enable type
 
                 // The linter of Qt 6.4 does not look out of a component.
                 // qmllint disable unqualified
