@@ -9,6 +9,7 @@ FocusScope {
     required property MainBridge bridge
 
     onWidthChanged: bridge.setWidth(width)
+    Component.onCompleted: detail.forceActiveFocus()
 
     Rectangle {
         anchors.fill: parent

@@ -1,5 +1,6 @@
 pragma Singleton
 import QtQuick
+import Velloway
 
 /// Every colour, in the light or the dark form as the desktop is, and every size and font role.
 Colors {

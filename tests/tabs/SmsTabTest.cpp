@@ -335,7 +335,8 @@ TEST_F(SmsTabTest, ListAndChatAskForTheConversationsOnceBetweenTwoChanges) {
     view->sms.activeRecipient.set("5");
     view->sms.contactQuery.set("a");
     EXPECT_EQ(view->phone.conversations().data(), first);
-    EXPECT_EQ(filteredConversations(view->phone.conversations(), "a", view->phone.callNames()).at(0), &view->phone.conversations().at(1));
+    EXPECT_EQ(filteredConversations(view->phone.conversations(), "a", view->phone.callNames()).at(0),
+              &view->phone.conversations().at(1));
 }
 
 TEST(SmsTextsTest, AreExact) {

@@ -66,7 +66,8 @@ protected:
         store.addClipboard("text");
         store.addFileTransfer({.id = Uuid::random(), .fileName = "a", .url = "/tmp/a", .isOutgoing = true});
         store.batteryLevel.set(50);
-        state().phone.phoneSmsLog.set({{"123", "Ada", "Hello", 1.7e12, 1}, {"123", "Ada", "Hi", 1.7e12 + 1, 2}});
+        state().phone.phoneSmsLog.set(
+            {{"123", "Ada", "Hello", 1.7e12, 1}, {"123", "Ada", "Hi", 1.7e12 + 1, 2}});
         state().phone.phoneCallLog.set({{"123", "Ada", 1.7e12, 3, 1}});
         state().sms.activeRecipient.set("123");
         state().sms.contactQuery.set("123");

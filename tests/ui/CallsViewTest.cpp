@@ -12,7 +12,7 @@ protected:
 };
 
 TEST_F(CallsViewTest, EveryButtonOfThePadAppendsItsDigit) {
-    for (const DialButton& button : SettingsView::dialButtons) {
+    for (const DialButton& button : CallsModel::dialButtons) {
         click(("dial" + std::string(button.digit)).c_str());
     }
     EXPECT_EQ(text("number"), "123456789*0#");

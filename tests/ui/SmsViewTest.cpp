@@ -81,6 +81,13 @@ TEST_F(SmsViewTest, PressingAThreadOpensItsChat) {
     EXPECT_FALSE(shows("noChat"));
 }
 
+TEST_F(SmsViewTest, ReturnOpensTheThreadThatTheKeyboardIsOn) {
+    fill();
+    part("threads")->forceActiveFocus();
+    key(Qt::Key_Return);
+    EXPECT_EQ(text("chatName"), "Ada Winter");
+}
+
 TEST_F(SmsViewTest, TheSearchTextStaysWhenAThreadIsOpened) {
     fill();
     click("search");

@@ -114,7 +114,8 @@ TEST_F(SpeedTest, TenThousandMessagesInFiveHundredThreads) {
     click("clearSearch");
     Times switches;
     for (int i = 0; i < 40; ++i) {
-        measure(switches, [&] { state().sms.openConversation("+4477009" + std::to_string(10000 + i % 2 * 7)); });
+        measure(switches,
+                [&] { state().sms.openConversation("+4477009" + std::to_string(10000 + i % 2 * 7)); });
     }
     state().sms.openConversation("+447700910000");
     settle();
