@@ -72,7 +72,8 @@ protected:
 TEST_F(LinuxLoginItemTest, the_entry_starts_the_program_by_its_quoted_path) {
     const std::filesystem::path path = program("velloway");
     ASSERT_EQ(LinuxLoginItem(path, autostart).registerItem(), std::nullopt);
-    EXPECT_THAT(readText(entry), HasSubstr("\nExec=\"" + path.string() + "\"\n"));
+    EXPECT_THAT(readText(entry),
+                HasSubstr("\nExec=env DESKTOP_AUTOSTART_ID=velloway \"" + path.string() + "\"\n"));
     EXPECT_THAT(readText(entry), HasSubstr("[Desktop Entry]\nType=Application\nName=Velloway\n"));
 }
 
@@ -89,8 +90,8 @@ TEST_F(LinuxLoginItemTest, awkward_paths_are_escaped_by_both_rules_and_found_aga
         const std::filesystem::path path = program(each.name);
         LinuxLoginItem item(path, autostart);
         ASSERT_EQ(item.registerItem(), std::nullopt);
-        EXPECT_THAT(readText(entry),
-                    HasSubstr("Exec=\"" + folder.path().string() + "/" + each.escaped + "\"\n"));
+        EXPECT_THAT(readText(entry), HasSubstr("Exec=env DESKTOP_AUTOSTART_ID=velloway \"" +
+                                               folder.path().string() + "/" + each.escaped + "\"\n"));
         EXPECT_EQ(item.status(), LoginItemStatus::enabled) << each.name;
     }
 }
