@@ -1,9 +1,15 @@
 """How the desktop starts and calls the installed program: over the bus, at login, and for the addresses of a phone."""
 
+import os
+import pathlib
+import signal
+import socket
 import tempfile
+import unittest
 
+import dbus
 import gi
-from support import *
+from support import AppTest, Process, TrayWatcher, call, free_port, run, stays, visible_windows, wait_for
 
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio

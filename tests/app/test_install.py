@@ -2,13 +2,18 @@
 
 import hashlib
 import json
+import os
+import pathlib
 import re
 import shutil
+import subprocess
 import tempfile
+import unittest
 
 import entries
 import gi
-from support import *
+from support import (App, AppTest, NotificationService, PATIENCE, Process, TrayWatcher, free_port, run,
+                     visible_windows, wait_for)
 
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio
@@ -132,7 +137,8 @@ class Tree(unittest.TestCase):
         manifest = SOURCE / "packaging/linux/flatpak/org.velloway.Velloway.yml"
         self.assertRegex(manifest.read_text(), r"(?m)^id: org\.velloway\.Velloway$")
         if shutil.which("flatpak-builder"):
-            shown = json.loads(run("flatpak-builder", "--show-manifest", str(manifest)))
+            with tempfile.TemporaryDirectory() as state:
+                shown = json.loads(run("flatpak-builder", "--state-dir", state, "--show-manifest", str(manifest)))
             self.assertEqual(shown["command"], "velloway")
 
     def test_entries_for_the_application_hold_to_the_format(self):

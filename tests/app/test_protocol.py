@@ -1,9 +1,14 @@
 """The program with a phone that was written from docs/protocol.md alone."""
 
 import hashlib
+import json
+import os
+import pathlib
 import tempfile
+import unittest
 
-from support import *
+from support import (APP, AppTest, NODE_CLIENT, NotificationService, PATIENCE, Process, TrayWatcher, clipboard,
+                     visible_windows, wait_for)
 
 
 class PaperPhone(Process):

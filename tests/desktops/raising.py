@@ -1,11 +1,13 @@
 """Whether the main window comes up wherever it is, on one window manager: raising.py MANAGER [test...]"""
 
 import pathlib
+import re
 import sys
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
-from window_managers import *
+from support import APP, Process, run, wait_for
+from window_managers import DesktopTest, active_window, main, pixels, states, words
 
 
 class Raising(DesktopTest):

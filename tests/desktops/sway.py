@@ -1,12 +1,17 @@
 """The program on a wlroots compositor without a screen: sway.py [test...]"""
 
+import json
+import os
 import pathlib
 import shutil
+import subprocess
 import sys
+import unittest
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
-from support import *
+from support import (APP, App, AppTest, NotificationService, PATIENCE, Process, SCREENSHOTS, TrayWatcher, free_port, run,
+                     wait_for)
 
 CONFIG = """
 xwayland disable

@@ -1,12 +1,14 @@
 """The program on a compositor that hides its clipboard from programs without the keyboard: weston.py [test...]"""
 
+import os
 import pathlib
 import shutil
 import sys
+import unittest
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
-from support import *
+from support import App, AppTest, NotificationService, Process, TrayWatcher, free_port, wait_for
 
 
 class HiddenClipboard(AppTest):

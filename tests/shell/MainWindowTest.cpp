@@ -27,7 +27,7 @@ protected:
 
 TEST_F(MainWindowTest, ShowsTheTabsOnTheTabThatWasAskedFor) {
     program.delegate().showSettings(5);
-    EXPECT_EQ(view().tabContent(), TabContent::fileDrop);
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::fileDrop);
     EXPECT_EQ(view().history.get(), &program.historyStore());
 }
 
@@ -36,7 +36,7 @@ TEST_F(MainWindowTest, AnOpenWindowFollowsToAnotherTab) {
     const SettingsView* before = &view();
     program.delegate().showSettings(2);
     EXPECT_EQ(&view(), before);
-    EXPECT_EQ(view().tabContent(), TabContent::sendSms);
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
 }
 
 TEST_F(MainWindowTest, AClosedWindowComesBackTheSameAndWhereItWas) {
@@ -71,13 +71,13 @@ TEST_F(MainWindowTest, APhoneAddressFillsTheDialPadOrTheComposerAndSendsNothing)
     phone->sent.clear();
     program.delegate().applicationOpenLinks({"tel:+49-151-5551074"});
     EXPECT_EQ(view().tabContent(), TabContent::calls);
-    EXPECT_EQ(view().dialpadNumber.get(), "+491515551074");
+    EXPECT_EQ(view().calls.dialpadNumber.get(), "+491515551074");
     program.delegate().applicationOpenLinks({"sms:5551?body=On%20my%20way"});
     EXPECT_EQ(view().tabContent(), TabContent::sendSms);
-    EXPECT_EQ(view().activeRecipient.get(), "5551");
-    EXPECT_EQ(view().chatText.get(), "On my way");
+    EXPECT_EQ(view().sms.activeRecipient.get(), "5551");
+    EXPECT_EQ(view().sms.chatText.get(), "On my way");
     program.delegate().applicationOpenLinks({"sms:5552"});
-    EXPECT_EQ(view().activeRecipient.get(), "5552");
+    EXPECT_EQ(view().sms.activeRecipient.get(), "5552");
     program.delegate().applicationOpenLinks({"https://example.invalid/", "tel:none"});
     EXPECT_EQ(view().tabContent(), TabContent::sendSms);
     on.drain();
@@ -88,14 +88,14 @@ TEST_F(MainWindowTest, APhoneAddressFillsTheDialPadOrTheComposerAndSendsNothing)
 
 TEST_F(MainWindowTest, TheLoginSwitchReachesTheSystem) {
     program.delegate().showSettings(0);
-    view().launchAtLogin.set(true);
+    view().settings.launchAtLogin.set(true);
     EXPECT_EQ(on.loginItem.current, LoginItemStatus::enabled);
 }
 
 TEST_F(MainWindowTest, TheLocalAddressIsThatOfTheHost) {
     on.host.interfaces = {{{.name = "en0", .flags = 0x41, .addressFamily = 2, .numericAddress = "10.1.2.3"}}};
     program.delegate().showSettings(0);
-    EXPECT_EQ(view().localIP(), "10.1.2.3");
+    EXPECT_EQ(view().settings.localIP.get(), "10.1.2.3");
 }
 
 TEST_F(MainWindowTest, ARingingCallOpensAPanelAndLeavesTheApplicationsFaceAlone) {

@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QStringConverter>
 
 #include <utility>
 
@@ -46,7 +47,10 @@ bool LinuxPasteboard::setString(std::string_view text) {
     if (!isToolkitInTouch()) {
         return false;
     }
-    QGuiApplication::clipboard()->setText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+    // `QString::fromUtf8` would cut a byte order mark, which here is a character of the text.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    QGuiApplication::clipboard()->setText(
+        decoder(QByteArrayView(text.data(), static_cast<qsizetype>(text.size()))));
     return true;
 }
 
