@@ -56,10 +56,10 @@ TEST_F(MainWindowTest, ComingToTheFrontReadsTheAccessibilityForTheOpenView) {
     program.delegate().applicationDidBecomeActive();
     on.accessibility.trusted = false;
     program.delegate().showSettings(7);
-    EXPECT_TRUE(view().showsAccessibilityWarning());
+    EXPECT_FALSE(view().remote.isAccessibilityEnabled.get());
     on.accessibility.trusted = true;
     program.delegate().applicationDidBecomeActive();
-    EXPECT_FALSE(view().showsAccessibilityWarning());
+    EXPECT_TRUE(view().remote.isAccessibilityEnabled.get());
 }
 
 TEST_F(MainWindowTest, APhoneAddressFillsTheDialPadOrTheComposerAndSendsNothing) {
@@ -70,16 +70,16 @@ TEST_F(MainWindowTest, APhoneAddressFillsTheDialPadOrTheComposerAndSendsNothing)
     on.drain();
     phone->sent.clear();
     program.delegate().applicationOpenLinks({"tel:+49-151-5551074"});
-    EXPECT_EQ(view().tabContent(), TabContent::calls);
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::call);
     EXPECT_EQ(view().calls.dialpadNumber.get(), "+491515551074");
     program.delegate().applicationOpenLinks({"sms:5551?body=On%20my%20way"});
-    EXPECT_EQ(view().tabContent(), TabContent::sendSms);
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
     EXPECT_EQ(view().sms.activeRecipient.get(), "5551");
     EXPECT_EQ(view().sms.chatText.get(), "On my way");
     program.delegate().applicationOpenLinks({"sms:5552"});
     EXPECT_EQ(view().sms.activeRecipient.get(), "5552");
     program.delegate().applicationOpenLinks({"https://example.invalid/", "tel:none"});
-    EXPECT_EQ(view().tabContent(), TabContent::sendSms);
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
     on.drain();
     EXPECT_TRUE(phone->sent.empty()) << "nothing is dialled or sent";
     phone->report(ConnectionState::cancelled);
