@@ -1,7 +1,7 @@
 #include "shell/PhoneLink.h"
 
-#include "json/Utf8.h"
 #include "text/Case.h"
+#include "text/Utf8.h"
 
 #include <algorithm>
 #include <array>
