@@ -4,10 +4,25 @@ import os
 import pathlib
 import shutil
 import signal
+import socket
+import subprocess
 import tempfile
+import time
 import unittest
 
-from support import APP, AppTest, Process, TrayWatcher, close_window, terminate, visible_windows, wait_for
+from support import (
+    APP,
+    AppTest,
+    Process,
+    TrayWatcher,
+    close_window,
+    free_port,
+    is_full,
+    open_files,
+    terminate,
+    visible_windows,
+    wait_for,
+)
 
 
 class Life(AppTest):

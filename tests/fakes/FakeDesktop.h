@@ -45,13 +45,20 @@ public:
         note("pasteboard clear");
         content.reset();
     }
-    void setString(std::string_view text) override {
+    bool setString(std::string_view text) override {
+        if (isLocked) {
+            return false;
+        }
         note("pasteboard set " + std::string(text));
         content = std::string(text);
+        return true;
     }
-    std::optional<std::string> string() const override { return content; }
+    std::optional<std::string> string() const override { return isLocked ? std::nullopt : content; }
+    bool isReadable() const override { return !isLocked; }
 
     std::optional<std::string> content;
+    /// As on a desktop that lets only the program in front use its clipboard.
+    bool isLocked = false;
 
 private:
     void note(std::string entry) {

@@ -95,6 +95,15 @@ TEST_F(ClipboardSyncTest, FinishesWhatItBeganWhenTheServerGoes) {
     EXPECT_EQ(banners(), (Banners{banner}));
 }
 
+TEST_F(ClipboardSyncTest, KeepsTheTextButClaimsNothingWhenTheDesktopRefusesIt) {
+    host.pasteboard.isLocked = true;
+    receive("hello");
+    EXPECT_EQ(history(), (Entries{"hello"}));
+    EXPECT_EQ(banners(),
+              (Banners{{"Clipboard Not Synced",
+                        "This desktop did not accept the text from Android. It is in the Clipboard tab."}}));
+}
+
 TEST_F(ClipboardSyncTest, SendsOnlyPlainTextThatIsNotEmpty) {
     host.pasteboard.content = "to the phone";
     EXPECT_EQ(textToSend(host.pasteboard), "to the phone");

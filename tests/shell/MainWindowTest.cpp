@@ -62,6 +62,30 @@ TEST_F(MainWindowTest, ComingToTheFrontReadsTheAccessibilityForTheOpenView) {
     EXPECT_TRUE(view().remote.isAccessibilityEnabled.get());
 }
 
+TEST_F(MainWindowTest, APhoneAddressFillsTheDialPadOrTheComposerAndSendsNothing) {
+    const auto phone =
+        std::make_shared<FakeConnection>(Endpoint{.host = "10.0.0.1", .description = "10.0.0.1:1"});
+    on.network.listener().connect(phone);
+    phone->report(ConnectionState::ready);
+    on.drain();
+    phone->sent.clear();
+    program.delegate().applicationOpenLinks({"tel:+49-151-5551074"});
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::call);
+    EXPECT_EQ(view().calls.dialpadNumber.get(), "+491515551074");
+    program.delegate().applicationOpenLinks({"sms:5551?body=On%20my%20way"});
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
+    EXPECT_EQ(view().sms.activeRecipient.get(), "5551");
+    EXPECT_EQ(view().sms.chatText.get(), "On my way");
+    program.delegate().applicationOpenLinks({"sms:5552"});
+    EXPECT_EQ(view().sms.activeRecipient.get(), "5552");
+    program.delegate().applicationOpenLinks({"https://example.invalid/", "tel:none"});
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
+    on.drain();
+    EXPECT_TRUE(phone->sent.empty()) << "nothing is dialled or sent";
+    phone->report(ConnectionState::cancelled);
+    on.drain();
+}
+
 TEST_F(MainWindowTest, TheLoginSwitchReachesTheSystem) {
     program.delegate().showSettings(0);
     view().settings.launchAtLogin.set(true);

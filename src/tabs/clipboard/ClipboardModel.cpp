@@ -4,7 +4,6 @@
 #include "tabs/FindRow.h"
 #include "text/DateText.h"
 
-
 namespace velloway {
 
 ClipboardModel::ClipboardModel(const TabDependencies& dependencies)
