@@ -134,7 +134,7 @@ void LinuxDesktop::choose(std::string_view action) {
         std::find_if(actions.begin(), actions.end(), [&](const auto& each) { return each.first == action; });
     const auto& items = statusItem.items();
     const auto item = std::find_if(items.begin(), items.end(), [&](const MenuItem& each) {
-        return known != actions.end() && each.selector == known->second;
+        return known != actions.end() && each.operation == known->second;
     });
     if (item != items.end()) {
         LinuxStatusItem::choose(*item);
