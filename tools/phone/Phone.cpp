@@ -1,9 +1,12 @@
 #include "phone/Phone.h"
 
-#include "phone/Messages.h"
+#include "phone/MadeUpHandset.h"
+#include "phone/Members.h"
+#include "phone/Numbers.h"
 #include "phone/Script.h"
 #include "phone/Show.h"
 #include "phone/Words.h"
+#include "phone/device/DeviceHandset.h"
 
 #include <boost/json.hpp>
 
@@ -19,11 +22,6 @@ namespace json = boost::json;
 
 constexpr std::size_t keptMessages = 10'000;
 constexpr std::size_t keptText = 4096;
-
-std::string textUnder(const json::object& object, const char* key) {
-    const json::value* value = object.if_contains(key);
-    return value != nullptr && value->is_string() ? std::string(value->get_string()) : std::string();
-}
 
 std::string timeOfDay() {
     const auto now = std::chrono::system_clock::now();
@@ -45,11 +43,14 @@ template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers..
 
 Phone::Phone(const Options& options, std::vector<Step> steps)
     : options_(options),
-      link_(loop_, options.host, options.port, options.reconnects,
+      link_(loop_, options.host, options.port, {options.reconnects, options.isDevice},
             {[this] { onUp(); }, [this](const std::string& reason) { onDown(reason); },
              [this](std::string message) { onMessage(std::move(message)); }, [this] { onDrained(); }}),
       steps_(steps.begin(), steps.end()),
-      receiver_(options.saveTo) {}
+      receiver_(options.saveTo,
+                options.isDevice ? FileReceiver::Present::isKept : FileReceiver::Present::isReplaced),
+      runner_(loop_),
+      handset_(makeHandset()) {}
 
 int Phone::run() {
     std::shared_ptr<void> limit;
@@ -63,6 +64,9 @@ int Phone::run() {
     } else {
         note("help lists the commands");
     }
+    if (options_.isDevice) {
+        introduceDevice();
+    }
     if (!options_.isScripted() || options_.stay) {
         terminal_ = std::make_unique<Terminal>(
             loop_, [this](const std::string& bytes) { onInput(bytes); }, [this] { onInputEnd(); });
@@ -73,6 +77,13 @@ int Phone::run() {
     return exitCode_ == 0 && receiver_.faults() > 0 ? 1 : exitCode_;
 }
 
+void Phone::introduceDevice() const {
+    note("files from the computer go to " + options_.saveTo);
+    for (const std::string& line : device::limits(device::isOnPath, options_.device)) {
+        note(line);
+    }
+}
+
 // ---- The link
 
 void Phone::onUp() {
@@ -81,11 +92,18 @@ void Phone::onUp() {
         hasBeenUp_ = true;
         firstUp_ = std::chrono::steady_clock::now();
     }
+    handset_->linkIsUp();
     advance();
 }
 
 void Phone::onDown(const std::string& reason) {
     note(reason);
+    handset_->linkIsDown();
+    if (options_.isDevice) {
+        for (const std::string& line : receiver_.giveUp()) {
+            note(line);
+        }
+    }
     if (file_) {
         note("the rest of " + file_->name() + " is not sent");
         file_.reset();
@@ -105,21 +123,33 @@ void Phone::onMessage(std::string message) {
     } else {
         show('<', pretty(message));
     }
-    json::error_code error;
-    const json::value value = json::parse(message, error);
-    const std::string action = !error && value.is_object() ? textUnder(value.get_object(), "action") : "";
-    if (!options_.saveTo.empty() && (action == "file_transfer_start" || action == "file_chunk")) {
-        receiveFile(message);
-    }
-    if (options_.answers) {
-        answer(action, message);
-    }
+    read(message);
     if (seen_.size() == keptMessages) {
         seen_.pop_front();
     }
     seen_.push_back(shortened(message, keptText));
     if (meetsExpectation()) {
         advance();
+    }
+}
+
+void Phone::read(const std::string& message) {
+    json::error_code error;
+    const json::value value = json::parse(message, error);
+    if (error || !value.is_object()) {
+        if (message.find("file_transfer_start") != std::string::npos) {
+            receiver_.expectUnannounced();
+        }
+        return;
+    }
+    const json::object& object = value.get_object();
+    const std::string action = textUnder(object, "action");
+    if (action == "file_transfer_start" || action == "file_chunk") {
+        if (!options_.saveTo.empty()) {
+            receiveFile(object);
+        }
+    } else if (options_.answers) {
+        obey(*handset_, object);
     }
 }
 
@@ -150,50 +180,43 @@ void Phone::say(const std::vector<std::string>& messages) {
 
 // ---- What a phone does by itself
 
-void Phone::answer(const std::string& action, std::string_view message) {
-    if (action == "get_sms_history") {
-        for (const Action& each : parseCommand("sms_history", world())) {
-            perform(each);
-        }
-    } else if (action == "get_call_history") {
-        for (const Action& each : parseCommand("call_history", world())) {
-            perform(each);
-        }
-    } else if (action == "answer_call") {
-        say(call_.answer());
-        tickCall();
-    } else if (action == "hangup_call") {
-        say(call_.hangUp());
-    } else if (action == "make_call") {
-        say(call_.dial(
-            textUnder(json::parse(json::string_view(message.data(), message.size())).get_object(), "number")));
-        tickCall();
+std::unique_ptr<Handset> Phone::makeHandset() {
+    Handset::Services services{[this](std::string message) { say(std::move(message)); },
+                               [this](const std::string& line) { note(line); },
+                               [this](double seconds, std::function<void()> work) {
+                                   return loop_.after(seconds, std::move(work));
+                               }};
+    if (options_.isDevice) {
+        return std::make_unique<device::DeviceHandset>(std::move(services), runner_, options_.device);
+    }
+    return std::make_unique<MadeUpHandset>(std::move(services), options_.world);
+}
+
+void Phone::ask(Ask::What what) {
+    switch (what) {
+    case Ask::What::introduction:
+        return handset_->sendIntroduction();
+    case Ask::What::smsHistory:
+        return handset_->sendSmsHistory();
+    case Ask::What::callHistory:
+        return handset_->sendCallHistory();
+    case Ask::What::clipboard:
+        return handset_->sendClipboard();
+    case Ask::What::battery:
+        return handset_->sendBattery();
     }
 }
 
-void Phone::tickCall() {
-    if (call_.state() == Call::State::offHook) {
-        callTimer_ = loop_.after(1, [this] {
-            say(call_.tick());
-            tickCall();
-        });
-    }
-}
-
-void Phone::receiveFile(std::string_view message) {
-    const json::value value = json::parse(json::string_view(message.data(), message.size()));
-    const json::object& object = value.get_object();
-    const std::string name = textUnder(object, "fileName");
-    std::string line;
-    if (const json::value* size = object.if_contains("fileSize"); size != nullptr && size->is_int64()) {
-        line = receiver_.start(name, size->get_int64());
-    } else {
-        const json::value* last = object.if_contains("isLast");
-        line = receiver_.chunk(name, textUnder(object, "fileData"),
-                               last != nullptr && last->is_bool() && last->get_bool());
-    }
+void Phone::receiveFile(const json::object& message) {
+    const std::string name = textUnder(message, "fileName");
+    const auto size = integerUnder(message, "fileSize");
+    const std::string line = size ? receiver_.start(name, *size)
+                                  : receiver_.chunk(name, textUnder(message, "fileData"), isTrueUnder(message, "isLast"));
     if (!line.empty()) {
         note(line);
+    }
+    if (const auto path = receiver_.takeReceived()) {
+        handset_->fileIsReceived(*path);
     }
 }
 
@@ -201,9 +224,7 @@ void Phone::receiveFile(std::string_view message) {
 
 World Phone::world() const {
     World world = options_.world;
-    world.now = static_cast<double>(std::chrono::duration_cast<std::chrono::milliseconds>(
-                                        std::chrono::system_clock::now().time_since_epoch())
-                                        .count());
+    world.now = millisecondsNow();
     return world;
 }
 
@@ -236,6 +257,7 @@ bool Phone::mayPerform(const Action& action) const {
     const bool needsLink = std::holds_alternative<SendText>(action) ||
                            std::holds_alternative<SendBinary>(action) ||
                            std::holds_alternative<SendFile>(action) || std::holds_alternative<Ring>(action) ||
+                           std::holds_alternative<Ask>(action) ||
                            std::holds_alternative<Cut>(action) || std::holds_alternative<Touchpad>(action);
     return !needsLink || link_.isUp();
 }
@@ -262,7 +284,8 @@ void Phone::perform(const Action& action) {
                    [this](const SendBinary& send) { say(send.bytes, true); },
                    [this](const Sleep& sleep) { wait(sleep.seconds); },
                    [this](const SendFile& send) { beginFile(send.options); },
-                   [this](const Ring& ring) { say(call_.ring(ring.number, ring.name)); },
+                   [this](const Ring& ring) { handset_->ring(ring.number, ring.name); },
+                   [this](const Ask& question) { ask(question.what); },
                    [this](const Expect& expect) { beginExpecting(expect); },
                    [this](const Cut&) { link_.cut(); },
                    [this](const Touchpad&) {

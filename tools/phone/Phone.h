@@ -1,13 +1,14 @@
 #pragma once
 
-#include "phone/Call.h"
 #include "phone/FileReceiver.h"
 #include "phone/FileSender.h"
+#include "phone/Handset.h"
 #include "phone/Link.h"
 #include "phone/Loop.h"
 #include "phone/Options.h"
 #include "phone/Terminal.h"
 #include "phone/TouchpadKeys.h"
+#include "phone/device/ProcessRunner.h"
 
 #include <chrono>
 #include <deque>
@@ -43,9 +44,11 @@ private:
     void leaveWhenDone();
     void leave(int code);
 
-    void answer(const std::string& action, std::string_view message);
-    void receiveFile(std::string_view message);
-    void tickCall();
+    std::unique_ptr<Handset> makeHandset();
+    void introduceDevice() const;
+    void ask(Ask::What what);
+    void read(const std::string& message);
+    void receiveFile(const boost::json::object& message);
     void say(const std::vector<std::string>& messages);
     bool say(std::string message, bool isBinary = false);
 
@@ -80,8 +83,8 @@ private:
     std::optional<FileSender> file_;
     int filePart_ = 0;
     FileReceiver receiver_;
-    Call call_;
-    std::shared_ptr<void> callTimer_;
+    device::ProcessRunner runner_;
+    std::unique_ptr<Handset> handset_;
     std::optional<TouchpadKeys> touchpad_;
     std::string inputLine_;
 };
