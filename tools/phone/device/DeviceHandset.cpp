@@ -109,9 +109,24 @@ void DeviceHandset::sendName() {
 void DeviceHandset::sendSmsHistory() {
     contacts_.load(caller_, [this] {
         caller_.ask(SmsList::words(options_.logLength), [this](const json::value& answer) {
-            say(SmsList::message(SmsList::read(answer, contacts_)));
+            say(SmsList::message(readSms(answer)));
         });
     });
+}
+
+std::vector<Sms> DeviceHandset::readSms(const json::value& answer) {
+    std::vector<Sms> list = SmsList::read(answer, contacts_);
+    for (const Sms& sms : list) {
+        if (const std::string number = plainNumber(sms.address); number.size() > 1 && number[0] == '+') {
+            numbers_[number.substr(1)] = number;
+        }
+    }
+    return list;
+}
+
+std::string DeviceHandset::asOnPhone(const std::string& number) const {
+    const auto found = numbers_.find(number);
+    return found == numbers_.end() ? number : found->second;
 }
 
 void DeviceHandset::sendCallHistory() {
@@ -144,7 +159,7 @@ void DeviceHandset::pollSms() {
                 pollLater();
                 return;
             }
-            showNewSms(SmsList::read(answer, contacts_));
+            showNewSms(readSms(answer));
             pollNotifications();
         },
         [this] { pollNotifications(); });
@@ -241,11 +256,11 @@ void DeviceHandset::setClipboard(const std::string& text) {
 }
 
 void DeviceHandset::sendSms(const std::string& number, const std::string& body, std::int64_t simSlot) {
-    SmsSend::send(caller_, number, body, simSlot);
+    SmsSend::send(caller_, asOnPhone(number), body, simSlot);
 }
 
 void DeviceHandset::makeCall(const std::string& number, std::int64_t) {
-    TelephonyCall::dial(caller_, number);
+    TelephonyCall::dial(caller_, asOnPhone(number));
 }
 
 void DeviceHandset::answerCall() {

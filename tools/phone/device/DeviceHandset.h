@@ -52,6 +52,8 @@ private:
     void showNewSms(const std::vector<Sms>& list);
     bool isBodyOfNewSms(const std::string& body) const;
     void cannot(const std::string& what);
+    std::vector<Sms> readSms(const boost::json::value& answer);
+    std::string asOnPhone(const std::string& number) const;
 
     DeviceOptions options_;
     Caller caller_;
@@ -68,6 +70,8 @@ private:
     std::deque<std::pair<std::chrono::steady_clock::time_point, std::string>> shownSms_;
     std::shared_ptr<void> findTimer_;
     std::set<std::string> regretted_;
+    /// By their digits: the computer sends numbers back without their `+`.
+    std::map<std::string, std::string> numbers_;
 };
 
 /// What the phone's commands cannot do, and what is missing of them, one line each, to be shown at the start.
