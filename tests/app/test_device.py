@@ -341,5 +341,42 @@ class Device(AppTest):
         self.service.wait_shown("Chat")
 
 
+class Tables(unittest.TestCase):
+    """docs/phone.md against docs/protocol.md."""
+
+    def setUp(self):
+        docs = pathlib.Path(__file__).parents[2] / "docs"
+        self.protocol = (docs / "protocol.md").read_text()
+        self.phone = (docs / "phone.md").read_text()
+
+    def first_cells(self, text):
+        return {name for line in text.splitlines() if line.startswith("| `")
+                for name in re.findall(r"`([a-z_]+)`", line.split("|")[1])}
+
+    def test_every_message_has_its_adapter(self):
+        inbound, outbound = self.protocol.split("## From the phone")[1].split("## From the computer")
+        named = {name for line in inbound.splitlines() if line.startswith("### ")
+                 for name in re.findall(r"`([a-z_]+)`", line)}
+        table = self.phone.split("From the phone:")[1].split("From the computer:")
+        self.assertIn("remote_control", named)
+        self.assertEqual(self.first_cells(table[0]), named)
+        self.assertIn("find_device", self.first_cells(outbound))
+        self.assertEqual(self.first_cells(table[1].split("The commands of")[0]), self.first_cells(outbound))
+
+    def test_every_remote_command_is_on_the_page_or_named_as_left_out(self):
+        part = self.protocol.split("### `remote_control`")[1].split("## From the computer")[0]
+        commands = set(re.findall(r"`([a-z]+(?:_[a-z]+)*)`", part)) - {
+            "type", "command", "remote", "text", "url", "button", "dx", "dy"}
+        left = self.phone.split("The commands of `remote_control`")[1]
+        self.assertEqual({name for name in commands if f"`{name}`" not in left}, set())
+
+    def test_the_page_sends_what_the_table_says(self):
+        page = (pathlib.Path(__file__).parents[2] / "tools" / "phone" / "web" / "phone.html").read_text()
+        sent = set(re.findall(r'data-(?:key|command|media|modifier)="([a-z_]+)"', page))
+        table = self.phone.split("The commands of `remote_control`")[1].split("Not sent")[0]
+        self.assertEqual(sent - set(re.findall(r"`([a-z_]+)`", table)), set())
+        self.assertGreater(len(sent), 20)
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -44,8 +44,8 @@ public:
 class Device : public testing::Test {
 protected:
     Device() {
-        for (const char* command : {"termux-sms-list", "termux-call-log", "termux-notification-list",
-                                    "termux-contact-list"}) {
+        for (const char* command :
+             {"termux-sms-list", "termux-call-log", "termux-notification-list", "termux-contact-list"}) {
             runner.answer(command, "[]");
         }
         runner.answer("termux-battery-status", R"({"percentage":80,"status":"FULL"})");
@@ -124,9 +124,9 @@ TEST_F(Device, EachMessageOfTheComputerCallsItsCommand) {
 
 TEST_F(Device, WhatNoCommandDoesIsRegrettedOnce) {
     for (const char* message :
-         {R"({"action":"answer_call"})", R"({"action":"hangup_call"})", R"({"action":"toggle_mute","enabled":true})",
-          R"({"action":"toggle_speaker","enabled":true})", R"({"action":"nav_command","command":"home"})",
-          R"({"action":"media_command","command":"next"})"}) {
+         {R"({"action":"answer_call"})", R"({"action":"hangup_call"})",
+          R"({"action":"toggle_mute","enabled":true})", R"({"action":"toggle_speaker","enabled":true})",
+          R"({"action":"nav_command","command":"home"})", R"({"action":"media_command","command":"next"})"}) {
         notes.clear();
         order(message);
         order(message);
@@ -171,8 +171,9 @@ TEST_F(Device, NothingIsAskedOfThePhoneWhileThereIsNoLink) {
 TEST_F(Device, WhatComesWhileTheLinkIsDownIsShownAfterwards) {
     handset.linkIsUp();
     handset.linkIsDown();
-    runner.answer("termux-notification-list",
-                  R"([{"key":"k","packageName":"org.a.mail.android","title":"Ada","content":"hi","when":"2024-05-01 10:00:00"}])");
+    runner.answer(
+        "termux-notification-list",
+        R"([{"key":"k","packageName":"org.a.mail.android","title":"Ada","content":"hi","when":"2024-05-01 10:00:00"}])");
     wait();
     said.clear();
     handset.linkIsUp();
@@ -182,7 +183,8 @@ TEST_F(Device, WhatComesWhileTheLinkIsDownIsShownAfterwards) {
 
 TEST_F(Device, AnUnchangedBatteryIsReportedOncePerLink) {
     const auto reports = [&] {
-        return std::count_if(said.begin(), said.end(), [](const auto& each) { return each.find("battery") != each.npos; });
+        return std::count_if(said.begin(), said.end(),
+                             [](const auto& each) { return each.find("battery") != each.npos; });
     };
     handset.linkIsUp();
     for (int round = 0; round < 14; ++round) {
@@ -233,7 +235,8 @@ TEST_F(Device, ARefusedPollRestsButAQuestionOfTheComputerIsPut) {
 TEST_F(Device, AReceivedFileIsAnnouncedWithItsPathQuotedForAShell) {
     handset.fileIsReceived("/home/o'hara/a b.txt");
     EXPECT_THAT(runner.ran, Contains("termux-media-scan /home/o'hara/a b.txt"));
-    EXPECT_THAT(runner.ran, Contains(HasSubstr(R"(--action bash -l -c 'termux-share -a view '\''/home/o'\''\'\'''\''hara)")));
+    EXPECT_THAT(runner.ran, Contains(HasSubstr(
+                                R"(--action bash -l -c 'termux-share -a view '\''/home/o'\''\'\'''\''hara)")));
 }
 
 TEST(FindTone, IsAWholeRecording) {
@@ -248,7 +251,8 @@ TEST(Limits, NameEachCommandThatIsMissing) {
     EXPECT_THAT(lines, Contains("termux-torch is not installed: no light when the phone is searched"));
     EXPECT_THAT(lines, Not(Contains(StartsWith("termux-vibrate"))));
     EXPECT_THAT(lines, Contains(HasSubstr("every 10 s; the battery and the call log every 60 s")));
-    EXPECT_THAT(limits([](const std::string&) { return false; }, {}).back(), HasSubstr("pkg install termux-api"));
+    EXPECT_THAT(limits([](const std::string&) { return false; }, {}).back(),
+                HasSubstr("pkg install termux-api"));
 }
 
 } // namespace

@@ -13,11 +13,16 @@ TEST(SafeFileName, KeepsNothingThatLeadsElsewhereOrThatAPhoneRefuses) {
     struct {
         const char* name;
         const char* safe;
-    } const names[] = {{"plan.pdf", "plan.pdf"},   {"Grüße 🚲.txt", "Grüße 🚲.txt"},
-                       {"../../etc/passwd", "passwd"}, {"c:\\a\\b.txt", "b.txt"},
-                       {"..", "_.."},               {".profile", "_.profile"},
-                       {"-rf", "_-rf"},             {"", "_"},
-                       {"a/", "_"},                 {"a\nb\"c'd`e$f*g:h<i>j?k|l", "a_b_c_d_e_f_g_h_i_j_k_l"}};
+    } const names[] = {{"plan.pdf", "plan.pdf"},
+                       {"Grüße 🚲.txt", "Grüße 🚲.txt"},
+                       {"../../etc/passwd", "passwd"},
+                       {"c:\\a\\b.txt", "b.txt"},
+                       {"..", "_.."},
+                       {".profile", "_.profile"},
+                       {"-rf", "_-rf"},
+                       {"", "_"},
+                       {"a/", "_"},
+                       {"a\nb\"c'd`e$f*g:h<i>j?k|l", "a_b_c_d_e_f_g_h_i_j_k_l"}};
     for (const auto& each : names) {
         EXPECT_EQ(safeFileName(each.name), each.safe) << each.name;
     }

@@ -42,7 +42,8 @@ struct Touchpad {};
 struct Help {};
 struct Quit {};
 
-using Action = std::variant<SendText, SendBinary, Sleep, SendFile, Ring, Ask, Expect, Cut, Touchpad, Help, Quit>;
+using Action =
+    std::variant<SendText, SendBinary, Sleep, SendFile, Ring, Ask, Expect, Cut, Touchpad, Help, Quit>;
 
 /// Actions to be done one after the other, begun at a certain time.
 struct Step {

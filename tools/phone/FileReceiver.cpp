@@ -27,7 +27,8 @@ std::string safeFileName(const std::string& name) {
     std::string safe;
     for (const char letter : slash == std::string::npos ? name : name.substr(slash + 1)) {
         const auto code = static_cast<unsigned char>(letter);
-        const bool isRefused = code < 0x20 || code == 0x7F || std::string_view("\"'`$*:<>?|").find(letter) != std::string_view::npos;
+        const bool isRefused = code < 0x20 || code == 0x7F ||
+                               std::string_view("\"'`$*:<>?|").find(letter) != std::string_view::npos;
         safe += isRefused ? '_' : letter;
     }
     if (safe.empty() || safe[0] == '.' || safe[0] == '-') {
@@ -52,8 +53,8 @@ std::filesystem::path FileReceiver::place(const std::string& fileName) const {
     std::filesystem::path path = std::filesystem::path(folder_) / name;
     // A link counts as taken wherever it leads.
     std::error_code error;
-    for (int number = 2; present_ == Present::isKept &&
-                         std::filesystem::symlink_status(path, error).type() != std::filesystem::file_type::not_found;
+    for (int number = 2; present_ == Present::isKept && std::filesystem::symlink_status(path, error).type() !=
+                                                            std::filesystem::file_type::not_found;
          ++number) {
         path = std::filesystem::path(folder_) /
                (name.stem().string() + " (" + std::to_string(number) + ")" + name.extension().string());
@@ -128,7 +129,8 @@ std::string FileReceiver::finish(const std::string& fileName, Session session) {
                      " were announced");
     }
     received_ = session.path.string();
-    return "received " + fileName + ", " + count + (session.announced ? " as announced" : ", whose size was not announced") +
+    return "received " + fileName + ", " + count +
+           (session.announced ? " as announced" : ", whose size was not announced") +
            (present_ == Present::isKept ? ", as " + session.path.string() : "");
 }
 

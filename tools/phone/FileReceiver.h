@@ -11,8 +11,8 @@
 
 namespace velloway::phone {
 
-/// What a file of the computer is called here: the last part of the name, without what folders of telephones refuse
-/// (control characters and `"*:<>?|\`), quotes, or a dot at the head, and not too long. Never empty.
+/// What a file of the computer is called here: the last part of the name, without what folders of telephones
+/// refuse (control characters and `"*:<>?|\`), quotes, or a dot at the head, and not too long. Never empty.
 std::string safeFileName(const std::string& name);
 
 /// Writes what the computer sends into a folder and compares the count of bytes with what was announced.
@@ -28,8 +28,8 @@ public:
     std::string start(const std::string& fileName, std::int64_t fileSize);
     std::string chunk(const std::string& fileName, const std::string& base64, bool isLast);
 
-    /// A start has come that could not be read, as happens with quotes in a name: the next file may begin with its
-    /// first chunk, and is not compared with anything.
+    /// A start has come that could not be read, as happens with quotes in a name: the next file may begin with
+    /// its first chunk, and is not compared with anything.
     void expectUnannounced() { mayBeUnannounced_ = true; }
 
     /// The link is gone: what is not whole is given up, and its rest will not be taken. Returns lines to show.

@@ -30,12 +30,14 @@ constexpr std::array requests{
             }},
     Request{"answer_call", [](Handset& h, const json::object&) { h.answerCall(); }},
     Request{"hangup_call", [](Handset& h, const json::object&) { h.hangUpCall(); }},
-    Request{"toggle_speaker", [](Handset& h, const json::object& m) { h.toggleSpeaker(isTrueUnder(m, "enabled")); }},
+    Request{"toggle_speaker",
+            [](Handset& h, const json::object& m) { h.toggleSpeaker(isTrueUnder(m, "enabled")); }},
     Request{"toggle_mute", [](Handset& h, const json::object& m) { h.toggleMute(isTrueUnder(m, "enabled")); }},
     Request{"reply",
             [](Handset& h, const json::object& m) { h.reply(textUnder(m, "key"), textUnder(m, "message")); }},
     Request{"find_device", [](Handset& h, const json::object&) { h.find(); }},
-    Request{"media_command", [](Handset& h, const json::object& m) { h.pressMediaKey(textUnder(m, "command")); }},
+    Request{"media_command",
+            [](Handset& h, const json::object& m) { h.pressMediaKey(textUnder(m, "command")); }},
     Request{"nav_command", [](Handset& h, const json::object& m) { h.navigate(textUnder(m, "command")); }},
 };
 

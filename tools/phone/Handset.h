@@ -9,8 +9,8 @@
 
 namespace velloway::phone {
 
-/// The phone behind the link: what it knows and what it can be made to do. The made-up phone and the real one are
-/// two of these. Everything runs on the loop; an answer may come any time after the question.
+/// The phone behind the link: what it knows and what it can be made to do. The made-up phone and the real one
+/// are two of these. Everything runs on the loop; an answer may come any time after the question.
 class Handset {
 public:
     struct Services {

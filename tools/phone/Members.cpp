@@ -4,8 +4,9 @@ namespace velloway::phone {
 
 std::string textUnder(const boost::json::object& object, std::string_view key) {
     const auto* value = object.if_contains(key);
-    return value != nullptr && value->is_string() ? std::string(value->get_string().c_str(), value->get_string().size())
-                                                  : std::string();
+    return value != nullptr && value->is_string()
+               ? std::string(value->get_string().c_str(), value->get_string().size())
+               : std::string();
 }
 
 std::optional<std::int64_t> integerUnder(const boost::json::object& object, std::string_view key) {

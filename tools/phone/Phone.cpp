@@ -181,11 +181,10 @@ void Phone::say(const std::vector<std::string>& messages) {
 // ---- What a phone does by itself
 
 std::unique_ptr<Handset> Phone::makeHandset() {
-    Handset::Services services{[this](std::string message) { say(std::move(message)); },
-                               [this](const std::string& line) { note(line); },
-                               [this](double seconds, std::function<void()> work) {
-                                   return loop_.after(seconds, std::move(work));
-                               }};
+    Handset::Services services{
+        [this](std::string message) { say(std::move(message)); },
+        [this](const std::string& line) { note(line); },
+        [this](double seconds, std::function<void()> work) { return loop_.after(seconds, std::move(work)); }};
     if (options_.isDevice) {
         return std::make_unique<device::DeviceHandset>(std::move(services), runner_, options_.device);
     }
@@ -210,8 +209,9 @@ void Phone::ask(Ask::What what) {
 void Phone::receiveFile(const json::object& message) {
     const std::string name = textUnder(message, "fileName");
     const auto size = integerUnder(message, "fileSize");
-    const std::string line = size ? receiver_.start(name, *size)
-                                  : receiver_.chunk(name, textUnder(message, "fileData"), isTrueUnder(message, "isLast"));
+    const std::string line =
+        size ? receiver_.start(name, *size)
+             : receiver_.chunk(name, textUnder(message, "fileData"), isTrueUnder(message, "isLast"));
     if (!line.empty()) {
         note(line);
     }
@@ -257,8 +257,8 @@ bool Phone::mayPerform(const Action& action) const {
     const bool needsLink = std::holds_alternative<SendText>(action) ||
                            std::holds_alternative<SendBinary>(action) ||
                            std::holds_alternative<SendFile>(action) || std::holds_alternative<Ring>(action) ||
-                           std::holds_alternative<Ask>(action) ||
-                           std::holds_alternative<Cut>(action) || std::holds_alternative<Touchpad>(action);
+                           std::holds_alternative<Ask>(action) || std::holds_alternative<Cut>(action) ||
+                           std::holds_alternative<Touchpad>(action);
     return !needsLink || link_.isUp();
 }
 

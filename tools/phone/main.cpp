@@ -32,7 +32,8 @@ std::vector<Step> stepsOf(const Options& options) {
     return steps;
 }
 
-/// Where a phone's owner looks for files, or the home folder of a phone that has not been asked for its storage.
+/// Where a phone's owner looks for files, or the home folder of a phone that has not been asked for its
+/// storage.
 std::string folderOfDevice() {
     const char* home = std::getenv("HOME");
     const std::filesystem::path root = home == nullptr ? "." : home;

@@ -11,15 +11,15 @@
 #include <string_view>
 #include <vector>
 
-/// One small adapter per command of the phone: it knows the command's words and how to read what comes back, and
-/// nothing else. Times that commands write are local times, as text.
+/// One small adapter per command of the phone: it knows the command's words and how to read what comes back,
+/// and nothing else. Times that commands write are local times, as text.
 namespace velloway::phone::device {
 
 /// Milliseconds since 1970 for "2024-05-01 18:30:07", the seconds being optional. Absent for anything else.
 std::optional<std::int64_t> readTime(const std::string& text);
 
-/// A telephone number as commands take it: digits, `*`, `#` and a leading `+`. Empty when the text holds letters or
-/// no digit, so that nothing else ever reaches a command as a number.
+/// A telephone number as commands take it: digits, `*`, `#` and a leading `+`. Empty when the text holds
+/// letters or no digit, so that nothing else ever reaches a command as a number.
 std::string plainNumber(std::string_view text);
 
 /// termux-contact-list
@@ -91,8 +91,8 @@ public:
         std::optional<std::int64_t> time;
     };
     static std::vector<std::string> words() { return {"termux-notification-list"}; }
-    /// Those that were not there at the last look, oldest first. The first look gives none: what was on the phone
-    /// before is not new. A change of nothing but digits, such as a progress, is not new either.
+    /// Those that were not there at the last look, oldest first. The first look gives none: what was on the
+    /// phone before is not new. A change of nothing but digits, such as a progress, is not new either.
     std::vector<Entry> takeNew(const boost::json::value& answer);
 
 private:

@@ -108,7 +108,8 @@ void Caller::poll(std::vector<std::string> words, std::function<void(json::value
             const std::string refusal = error ? std::string() : refusalIn(answer);
             if (error || !refusal.empty()) {
                 rests_[command] = restAfterRefusal;
-                fail(command, error ? "did not answer in JSON: " + firstLine(output) : "was refused: " + refusal);
+                fail(command,
+                     error ? "did not answer in JSON: " + firstLine(output) : "was refused: " + refusal);
                 failed();
                 return;
             }

@@ -9,8 +9,8 @@
 
 namespace velloway::phone::device {
 
-/// Calls the phone's commands for the adapters, and says in words what went wrong: each trouble of a command once,
-/// and again only after the command has worked in between.
+/// Calls the phone's commands for the adapters, and says in words what went wrong: each trouble of a command
+/// once, and again only after the command has worked in between.
 class Caller {
 public:
     using Note = std::function<void(const std::string& line)>;
@@ -28,8 +28,8 @@ public:
     /// The same for commands that answer in JSON. An answer that holds an "error" counts as a failure.
     void ask(std::vector<std::string> words, std::function<void(boost::json::value answer)> done);
 
-    /// As `ask`, for a question that nobody waits for: after a refusal it is not put again for a while, since each
-    /// refused call may bring the phone's permission dialog up. `failed` comes when there is no answer.
+    /// As `ask`, for a question that nobody waits for: after a refusal it is not put again for a while, since
+    /// each refused call may bring the phone's permission dialog up. `failed` comes when there is no answer.
     void poll(std::vector<std::string> words, std::function<void(boost::json::value answer)> done,
               std::function<void()> failed);
 

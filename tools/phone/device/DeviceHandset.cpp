@@ -108,9 +108,8 @@ void DeviceHandset::sendName() {
 
 void DeviceHandset::sendSmsHistory() {
     contacts_.load(caller_, [this] {
-        caller_.ask(SmsList::words(options_.logLength), [this](const json::value& answer) {
-            say(SmsList::message(readSms(answer)));
-        });
+        caller_.ask(SmsList::words(options_.logLength),
+                    [this](const json::value& answer) { say(SmsList::message(readSms(answer))); });
     });
 }
 
@@ -182,7 +181,8 @@ void DeviceHandset::showNewSms(const std::vector<Sms>& list) {
 }
 
 bool DeviceHandset::isBodyOfNewSms(const std::string& body) const {
-    return std::any_of(shownSms_.begin(), shownSms_.end(), [&](const auto& shown) { return shown.second == body; });
+    return std::any_of(shownSms_.begin(), shownSms_.end(),
+                       [&](const auto& shown) { return shown.second == body; });
 }
 
 void DeviceHandset::pollNotifications() {
@@ -293,7 +293,8 @@ void DeviceHandset::find() {
         return;
     }
     note("the computer is looking for this phone");
-    const auto path = std::filesystem::temp_directory_path() / ("velloway-find-" + std::to_string(getuid()) + ".wav");
+    const auto path =
+        std::filesystem::temp_directory_path() / ("velloway-find-" + std::to_string(getuid()) + ".wav");
     std::ofstream(path, std::ios::binary | std::ios::trunc) << findTone();
     const auto before = std::make_shared<std::optional<std::int64_t>>();
     Volume::ask(caller_, [this, before](Volume::Level level) {

@@ -7,8 +7,8 @@ namespace velloway::phone::device {
 struct DeviceOptions {
     /// Empty for the phone's own name.
     std::string name;
-    /// Seconds between two looks at what is new on the phone. The battery and the call log are looked at once in
-    /// six times.
+    /// Seconds between two looks at what is new on the phone. The battery and the call log are looked at once
+    /// in six times.
     double pollInterval = 10;
     /// Seconds that a command may take.
     double commandLimit = 20;

@@ -51,12 +51,14 @@ bool isOnPath(const std::string& program) {
 std::vector<std::string> limits(const std::function<bool(const std::string&)>& isInstalled,
                                 const DeviceOptions& options) {
     char interval[96];
-    std::snprintf(interval, sizeof interval, "%g s; the battery and the call log every %g s", options.pollInterval,
-                  options.pollInterval * 6);
+    std::snprintf(interval, sizeof interval, "%g s; the battery and the call log every %g s",
+                  options.pollInterval, options.pollInterval * 6);
     std::vector<std::string> lines{
         std::string("new notifications and messages are looked for every ") + interval,
-        "the phone's commands cannot answer or end calls, switch the speaker or the microphone of a call, see a "
-        "call that rings, choose the SIM of a call, press Home, Back or other keys, or control the music of other "
+        "the phone's commands cannot answer or end calls, switch the speaker or the microphone of a call, see "
+        "a "
+        "call that rings, choose the SIM of a call, press Home, Back or other keys, or control the music of "
+        "other "
         "applications",
         "a reply can be sent to messages (SMS) only; other applications' notifications take none"};
     std::size_t missing = 0;

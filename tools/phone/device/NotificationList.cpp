@@ -53,15 +53,16 @@ std::vector<NotificationList::Entry> NotificationList::takeNew(const boost::json
         if (isOurs(package) || (entry.title.empty() && entry.body.empty())) {
             continue;
         }
-        const std::string mark = entry.key + '\n' + textUnder(object, "when") + '\n' + withoutDigits(entry.title) +
-                                 '\n' + withoutDigits(entry.body);
+        const std::string mark = entry.key + '\n' + textUnder(object, "when") + '\n' +
+                                 withoutDigits(entry.title) + '\n' + withoutDigits(entry.body);
         present.insert(mark);
         if (seen_ && seen_->count(mark) == 0) {
             fresh.push_back(std::move(entry));
         }
     }
     seen_ = std::move(present);
-    std::stable_sort(fresh.begin(), fresh.end(), [](const Entry& a, const Entry& b) { return a.time < b.time; });
+    std::stable_sort(fresh.begin(), fresh.end(),
+                     [](const Entry& a, const Entry& b) { return a.time < b.time; });
     return fresh;
 }
 

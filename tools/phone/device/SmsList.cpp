@@ -30,7 +30,8 @@ std::vector<Sms> SmsList::read(const json::value& answer, const Contacts& contac
             continue;
         }
         Sms sms;
-        sms.address = textUnder(entry, "address").empty() ? textUnder(entry, "number") : textUnder(entry, "address");
+        sms.address =
+            textUnder(entry, "address").empty() ? textUnder(entry, "number") : textUnder(entry, "address");
         sms.isSent = type == "sent";
         // The sender of what was sent is the phone's owner.
         sms.name = sms.isSent ? std::string() : textUnder(entry, "sender");

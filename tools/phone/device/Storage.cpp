@@ -20,8 +20,9 @@ std::string quoted(const std::string& text) {
 void Storage::announce(Caller& caller, const std::string& path) {
     caller.call({"termux-media-scan", path}, [](const std::string&) {});
     caller.call({"termux-notification", "--id", "velloway-file", "--title",
-                 std::filesystem::path(path).filename().string(), "--content", "From the computer. Tap to open.",
-                 "--action", "bash -l -c " + quoted("termux-share -a view " + quoted(path))},
+                 std::filesystem::path(path).filename().string(), "--content",
+                 "From the computer. Tap to open.", "--action",
+                 "bash -l -c " + quoted("termux-share -a view " + quoted(path))},
                 [](const std::string&) {});
 }
 

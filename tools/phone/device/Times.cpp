@@ -8,8 +8,9 @@ namespace velloway::phone::device {
 std::optional<std::int64_t> readTime(const std::string& text) {
     std::tm parts{};
     int count = 0;
-    const int fields = std::sscanf(text.c_str(), "%4d-%2d-%2d %2d:%2d%n:%2d%n", &parts.tm_year, &parts.tm_mon,
-                                   &parts.tm_mday, &parts.tm_hour, &parts.tm_min, &count, &parts.tm_sec, &count);
+    const int fields =
+        std::sscanf(text.c_str(), "%4d-%2d-%2d %2d:%2d%n:%2d%n", &parts.tm_year, &parts.tm_mon, &parts.tm_mday,
+                    &parts.tm_hour, &parts.tm_min, &count, &parts.tm_sec, &count);
     if (fields < 5 || static_cast<std::size_t>(count) != text.size()) {
         return std::nullopt;
     }
