@@ -89,6 +89,7 @@ Options parseOptions(const std::vector<std::string>& words) {
             options.world.calls = number<std::size_t>(word, value());
         } else if (word == "--device") {
             options.isDevice = true;
+            options.stay = true;
             options.world.isDevice = true;
         } else if (word == "--name") {
             options.device.name = value();

@@ -11,7 +11,6 @@
 #include <boost/json.hpp>
 
 #include <cstdio>
-#include <ctime>
 #include <stdexcept>
 
 namespace velloway::phone {
@@ -20,22 +19,6 @@ namespace {
 
 namespace json = boost::json;
 
-constexpr std::size_t keptMessages = 10'000;
-constexpr std::size_t keptText = 4096;
-
-std::string timeOfDay() {
-    const auto now = std::chrono::system_clock::now();
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    const auto milliseconds =
-        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
-    std::tm parts{};
-    localtime_r(&seconds, &parts);
-    char text[32];
-    std::snprintf(text, sizeof text, "%02d:%02d:%02d.%03d", parts.tm_hour, parts.tm_min, parts.tm_sec,
-                  static_cast<int>(milliseconds));
-    return text;
-}
-
 template <typename... Handlers> struct Overloaded : Handlers... { using Handlers::operator()...; };
 template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
@@ -43,6 +26,7 @@ template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers..
 
 Phone::Phone(const Options& options, std::vector<Step> steps)
     : options_(options),
+      output_(options.rawOutput),
       link_(loop_, options.host, options.port, {options.reconnects, options.isDevice},
             {[this] { onUp(); }, [this](const std::string& reason) { onDown(reason); },
              [this](std::string message) { onMessage(std::move(message)); }, [this] { onDrained(); }}),
@@ -118,17 +102,14 @@ void Phone::onDown(const std::string& reason) {
 
 void Phone::onMessage(std::string message) {
     if (options_.rawOutput) {
-        std::printf("%s\n", message.c_str());
-        std::fflush(stdout);
+        output_.write(message);
     } else {
-        show('<', pretty(message));
+        output_.show('<', pretty(message));
     }
     read(message);
-    if (seen_.size() == keptMessages) {
-        seen_.pop_front();
-    }
-    seen_.push_back(shortened(message, keptText));
-    if (meetsExpectation()) {
+    expectations_.add(message);
+    if (expectations_.areMet()) {
+        pause_.reset();
         advance();
     }
 }
@@ -163,19 +144,13 @@ void Phone::onDrained() {
 
 bool Phone::say(std::string message, bool isBinary) {
     if (!options_.rawOutput) {
-        show('>', pretty(message));
+        output_.show('>', pretty(message));
     }
     if (!link_.send(std::move(message), isBinary)) {
         note("not sent: there is no connection");
         return false;
     }
     return true;
-}
-
-void Phone::say(const std::vector<std::string>& messages) {
-    for (const std::string& message : messages) {
-        say(message);
-    }
 }
 
 // ---- What a phone does by itself
@@ -233,7 +208,7 @@ void Phone::advance() {
     if (options_.isScripted() && !hasBeenUp_) {
         return;
     }
-    while (!isLeaving_ && !pause_ && !expecting_ && !file_ && !touchpad_) {
+    while (!isLeaving_ && !pause_ && !expectations_.areOpen() && !file_ && !touchpad_) {
         if (!actions_.empty()) {
             if (!mayPerform(actions_.front())) {
                 return;
@@ -303,8 +278,7 @@ void Phone::perform(const Action& action) {
 
 /// Leaves once nothing is left to do and all has been said.
 void Phone::leaveWhenDone() {
-    const bool isDone = options_.isScripted() ? !options_.stay : inputHasEnded_ && !options_.stay;
-    if (isDone) {
+    if (!options_.stay && (options_.isScripted() || inputHasEnded_)) {
         leave(exitCode_);
     }
 }
@@ -361,39 +335,27 @@ void Phone::continueFile() {
 // ---- Expectations
 
 void Phone::beginExpecting(const Expect& expect) {
-    expecting_ = expect;
-    if (meetsExpectation()) {
+    expectations_.begin(expect.pattern);
+    if (expectations_.areMet()) {
         return;
     }
-    pause_ = loop_.after(expect.within, [this] {
+    pause_ = loop_.after(expect.within, [this, expect] {
         pause_.reset();
         char limit[32];
-        std::snprintf(limit, sizeof limit, "%g", expecting_->within);
-        note("FAILED: nothing matched " + expecting_->pattern + " within " + limit + " s");
-        expecting_.reset();
+        std::snprintf(limit, sizeof limit, "%g", expect.within);
+        note("FAILED: nothing matched " + expect.pattern + " within " + limit + " s");
+        expectations_.giveUp();
         leave(1);
     });
-}
-
-/// Passes over the messages up to the first that fits.
-bool Phone::meetsExpectation() {
-    while (expecting_ && !seen_.empty()) {
-        const bool fits = matches(expecting_->pattern, seen_.front());
-        seen_.pop_front();
-        if (fits) {
-            expecting_.reset();
-            pause_.reset();
-            return true;
-        }
-    }
-    return false;
 }
 
 // ---- The keyboard
 
 void Phone::onInput(const std::string& bytes) {
     if (touchpad_) {
-        say(touchpad_->read(bytes));
+        for (const std::string& message : touchpad_->read(bytes)) {
+            say(message);
+        }
         if (touchpad_->isOver()) {
             leaveTouchpad();
         }
@@ -430,21 +392,6 @@ void Phone::leaveTouchpad() {
     }
     note("the keyboard gives commands again");
     advance();
-}
-
-// ---- Output
-
-void Phone::show(char direction, const std::string& line) const {
-    std::printf("%s %c %s\n", timeOfDay().c_str(), direction, line.c_str());
-    std::fflush(stdout);
-}
-
-void Phone::note(const std::string& line) const {
-    if (options_.rawOutput) {
-        std::fprintf(stderr, "%s\n", line.c_str());
-    } else {
-        show('-', line);
-    }
 }
 
 } // namespace velloway::phone

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "phone/Expectations.h"
 #include "phone/FileReceiver.h"
 #include "phone/FileSender.h"
 #include "phone/Handset.h"
 #include "phone/Link.h"
 #include "phone/Loop.h"
 #include "phone/Options.h"
+#include "phone/Output.h"
 #include "phone/Terminal.h"
 #include "phone/TouchpadKeys.h"
 #include "phone/device/ProcessRunner.h"
@@ -49,20 +51,18 @@ private:
     void ask(Ask::What what);
     void read(const std::string& message);
     void receiveFile(const boost::json::object& message);
-    void say(const std::vector<std::string>& messages);
     bool say(std::string message, bool isBinary = false);
 
     void beginFile(const FileSendOptions& options);
     void continueFile();
     void beginExpecting(const Expect& expect);
-    bool meetsExpectation();
     void leaveTouchpad();
 
-    void show(char direction, const std::string& line) const;
-    void note(const std::string& line) const;
+    void note(const std::string& line) const { output_.note(line); }
     World world() const;
 
     const Options& options_;
+    Output output_;
     Loop loop_;
     Link link_;
     std::unique_ptr<Terminal> terminal_;
@@ -77,9 +77,7 @@ private:
     std::shared_ptr<void> leaveLimit_;
     int exitCode_ = 0;
 
-    std::optional<Expect> expecting_;
-    /// Messages that no expectation has passed yet, with their long texts cut.
-    std::deque<std::string> seen_;
+    Expectations expectations_;
     std::optional<FileSender> file_;
     int filePart_ = 0;
     FileReceiver receiver_;
