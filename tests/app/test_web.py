@@ -238,12 +238,12 @@ CONTRASTS = """(() => {
 # What sticks out at the sides, and what is too small for a thumb.
 MISFITS = """(() => {
   const bad = [];
-  for (const part of document.querySelectorAll("button, .file, input, textarea, #pad, p, h2")) {
+  for (const part of document.querySelectorAll("button, .file, input, textarea, #pad, p, h2, #note, #status span")) {
     const box = part.getBoundingClientRect();
     if (!part.checkVisibility() || !box.width || part.type === "file") continue;
     if (box.left < 0 || box.right > innerWidth + 0.5) bad.push(`${part.textContent.trim()} leaves the screen`);
     if (part.scrollWidth > part.clientWidth + 1 && part.tagName === "BUTTON") bad.push(`${part.textContent.trim()} is cut off`);
-    if (part.matches("button, .file, input, textarea") && (box.height < 44 || box.width < 44) && !part.closest("#note"))
+    if (part.matches("button, .file, input, textarea") && (box.height < 44 || box.width < 44))
       bad.push(`${part.id || part.textContent.trim()} is ${box.width} by ${box.height}`);
   }
   if (document.documentElement.scrollWidth > innerWidth) bad.push("the page scrolls sideways");
@@ -515,6 +515,24 @@ class Web(AppTest):
                     self.page.picture(f"web-{width}-{'dark' if is_dark else 'light'}-{section}")
                     self.assertEqual(self.page.js(MISFITS), [], where)
                     self.assertEqual(self.page.js(CONTRASTS), [], where)
+
+    def test_what_comes_over_the_page_fits_and_can_be_read(self):
+        self.page.show("share")
+        self.page.js("document.querySelector('#host').value = 'a-computer-with-a-long-name.example.org'")
+        self.relay.cut()
+        wait_for(lambda: "trying again" in self.state(), "the page says that the link has gone")
+        for width, height in ((360, 640), (900, 700)):
+            for is_dark in (False, True):
+                self.page.shape(width, height, is_dark)
+                where = f"{width}-{'dark' if is_dark else 'light'}"
+                self.page.js("""hear('{"action":"send_sms","number":"+49 151 5551000","body":"x","simSlot":0}')""")
+                self.page.js("link.show('No connection to a-computer-with-a-long-name.example.org:8765; trying again')")
+                self.assertEqual((self.page.js(MISFITS), self.page.js(CONTRASTS)), ([], []), f"{where}, a note")
+                self.page.picture(f"web-{where}-note")
+                self.page.js("alarm.start()")
+                self.assertEqual((self.page.js(MISFITS), self.page.js(CONTRASTS)), ([], []), f"{where}, the alarm")
+                self.page.picture(f"web-{where}-alarm")
+                self.page.js("alarm.stop()")
 
     def test_every_control_has_a_name(self):
         self.page.do("Accessibility.enable")
