@@ -4,10 +4,10 @@
 #   velloway_desktop_test(test_name a.cpp b.cpp)
 #
 # makes one GoogleTest program and one ctest entry that runs it on a desktop of its own (tests/desktop/with-desktop).
-# Its main function comes from here: a QApplication stands while the cases run. WaitFor.h has what they wait with.
+# Its main function comes from here: a QApplication exists while the cases run. WaitFor.h has functions that wait.
 include(VellowayQt)
 
-# The toolkit's own leaks, seen by the address sanitizer alone.
+# Leaks of the toolkit, which only the address sanitizer reports.
 set(VELLOWAY_TOOLKIT_LEAKS
     "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/desktop/leaks.supp:print_suppressions=0")
 

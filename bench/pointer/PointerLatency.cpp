@@ -12,6 +12,7 @@
 #include "features/NotificationManager.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
+#include "hosts/posix/PosixFiles.h"
 #include "hosts/qt/QtMainQueue.h"
 #include "server/WebSocketServer.h"
 #include "state/AppNotificationCenter.h"
@@ -69,10 +70,10 @@ private:
     std::string text_;
 };
 
-/// Notes when each pointer event is posted. Main thread, but for the counter.
+/// Notes when each move of the pointer arrives. Main thread, but for the counter.
 class TimingInputEvents : public test::FakeInputEvents {
 public:
-    void post(InputEvent&) override {
+    void movePointer(double, double) override {
         const std::size_t index = count_.load(std::memory_order_relaxed);
         if (index < postedAt_.size()) {
             postedAt_[index] = Clock::now();
@@ -183,6 +184,7 @@ int run(int argc, char** argv) {
         TimingInputEvents input;
         FileLog log(folder / "log");
         AppNotificationCenter notifications;
+        PosixFiles files;
         NotificationManager notificationManager(center, host, log);
         AsioQueue serverQueue("ws.server");
         LinuxNetwork network(serverQueue);
@@ -200,6 +202,7 @@ int run(int argc, char** argv) {
                                                    .scripts = scripts,
                                                    .accessibility = accessibility,
                                                    .host = host,
+                                                   .files = files,
                                                    .log = log,
                                                    .notificationManager = notificationManager,
                                                    .notifications = notifications});

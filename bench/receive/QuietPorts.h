@@ -79,41 +79,16 @@ public:
     void setCategories(const std::vector<NotificationCategory>&) override {}
 };
 
-/// Counts what is posted and keeps the pointer where it was put.
+/// Only counts.
 class QuietInput : public InputEvents {
 public:
-    std::unique_ptr<EventSource> makeSource(EventSourceState) override {
-        return std::make_unique<EventSource>();
-    }
-    std::unique_ptr<InputEvent> makeKeyboardEvent(EventSource&, std::uint16_t, bool) override {
-        return std::make_unique<Event>(pointer_);
-    }
-    std::unique_ptr<InputEvent> makeEvent() override { return std::make_unique<Event>(pointer_); }
-    std::unique_ptr<InputEvent> makeMouseEvent(MouseEventType, Point position, MouseButton) override {
-        return std::make_unique<Event>(position);
-    }
-    std::unique_ptr<InputEvent> makeSystemDefinedEvent(std::uint64_t, std::int16_t, std::int64_t,
-                                                       std::int64_t) override {
-        return std::make_unique<Event>(pointer_);
-    }
-    void post(InputEvent& event) override {
-        pointer_ = event.location();
-        ++posted;
-    }
+    void pressKey(Key, Modifiers) override { ++posted; }
+    void typeText(std::string_view) override { ++posted; }
+    void pressMediaKey(MediaKey) override { ++posted; }
+    void movePointer(double, double) override { ++posted; }
+    void click(MouseButton) override { ++posted; }
 
     std::atomic<long> posted = 0;
-
-private:
-    struct Event : InputEvent {
-        explicit Event(Point at) : position(at) {}
-        void setFlags(std::uint64_t) override {}
-        void setUnicodeString(std::u16string_view) override {}
-        Point location() const override { return position; }
-        Point position;
-    };
-
-    // Main queue only.
-    Point pointer_{};
 };
 
 } // namespace velloway::bench

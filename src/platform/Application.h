@@ -8,18 +8,19 @@
 
 namespace velloway {
 
-/// The numbers are the platform's.
-enum class ActivationPolicy : int { regular = 0, accessory = 1 };
+/// Whether the application has its place among the open ones (the Dock, where there is one) or is a mere
+/// helper.
+enum class ActivationPolicy { regular, accessory };
 
 struct Alert {
-    enum class Style : int { warning = 0, informational = 1, critical = 2 };
+    enum class Style { warning, informational, critical };
     Style style = Style::warning;
     std::string messageText;
     std::string informativeText;
     std::vector<std::string> buttons;
 };
 
-/// What lies on the pasteboard of a service call.
+/// What the file manager hands over.
 struct ServicePasteboard {
     /// Whether it has any types at all.
     bool hasTypes = false;
@@ -53,12 +54,12 @@ public:
 
     virtual void setServicesProvider(ServicesProvider* provider) = 0;
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
-    virtual void activate(bool ignoringOtherApps) = 0;
+    /// Brings the application to the front, whatever else is there.
+    virtual void activate() = 0;
 
-    /// Blocks the caller in a nested event loop until the user has answered. The first button answers 1000,
-    /// the second 1001, and so on.
+    /// Blocks the caller in a nested event loop until the user has answered, and returns the place of the
+    /// button in the alert, from 0.
     virtual int runModal(const Alert& alert) = 0;
-    static constexpr int alertFirstButtonReturn = 1000;
 };
 
 } // namespace velloway

@@ -5,8 +5,8 @@
 
 namespace velloway {
 
-/// The numbers are the platform's.
-enum class LoginItemStatus : int { notRegistered = 0, enabled = 1, requiresApproval = 2, notFound = 3 };
+/// `requiresApproval` waits for the user; `notFound` would start a program that is not there.
+enum class LoginItemStatus { notRegistered, enabled, requiresApproval, notFound };
 
 /// Starting at login. Main thread only.
 class LoginItem {

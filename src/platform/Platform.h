@@ -5,6 +5,7 @@ namespace velloway {
 class Accessibility;
 class Application;
 class DispatchQueue;
+class Files;
 class Host;
 class InputEvents;
 class Log;
@@ -36,7 +37,29 @@ struct Platform {
     Windows& windows;
     Workspace& workspace;
     Host& host;
+    Files& files;
     Log& log;
 };
+
+/// The platform out of an object that has each port under its name here.
+template <class Ports> Platform platformOf(Ports& ports) {
+    return {.mainQueue = ports.mainQueue,
+            .serverQueue = ports.serverQueue,
+            .network = ports.network,
+            .userDefaults = ports.userDefaults,
+            .notificationCenter = ports.notificationCenter,
+            .pasteboard = ports.pasteboard,
+            .inputEvents = ports.inputEvents,
+            .scripts = ports.scripts,
+            .accessibility = ports.accessibility,
+            .loginItem = ports.loginItem,
+            .statusItem = ports.statusItem,
+            .application = ports.application,
+            .windows = ports.windows,
+            .workspace = ports.workspace,
+            .host = ports.host,
+            .files = ports.files,
+            .log = ports.log};
+}
 
 } // namespace velloway

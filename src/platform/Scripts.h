@@ -2,17 +2,18 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace velloway {
 
-/// What a script asks of the desktop; `sourceText` says the same in the platform's scripting language.
+/// What the desktop itself is to do.
 struct SystemScript {
+    /// The volume changes by 5 of 100.
     enum class Action { volumeUp, volumeDown, openLocation, emptyTrash, lockScreen, sleep };
     Action action = Action::volumeUp;
-    std::string sourceText;
-    /// For `openLocation`: the address, as it came.
+    /// For `openLocation`: the address, as it came, which may be anything.
     std::string address;
+
+    bool operator==(const SystemScript&) const = default;
 };
 
 /// Main thread only.
@@ -20,7 +21,8 @@ class Scripts {
 public:
     virtual ~Scripts() = default;
 
-    /// Runs to the end and returns the description of the error, or nothing on success.
+    /// Returns the description of the error, or nothing on success. May block until the action has ended; a
+    /// host that only starts it reports later failures itself.
     virtual std::optional<std::string> run(const SystemScript& script) = 0;
 };
 

@@ -17,8 +17,8 @@ struct MenuItem {
     bool isEnabled = true;
     bool isSeparator = false;
     Action action = Action::none;
-    /// For `Action::call`: the selector that the platform knows the operation by.
-    std::string selector;
+    /// For `Action::call`: the name of the operation, by which a host may call it from outside.
+    std::string operation;
     std::function<void()> onChosen;
 };
 

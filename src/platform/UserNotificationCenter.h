@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/ImmutableText.h"
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -11,7 +13,7 @@ struct NotificationContent {
     std::string title;
     /// Absent is not the same as empty: an absent subtitle is never set.
     std::optional<std::string> subtitle;
-    std::string body;
+    ImmutableText body;
     bool hasDefaultSound = false;
     std::optional<std::string> threadIdentifier;
     std::optional<std::string> categoryIdentifier;
@@ -43,25 +45,21 @@ struct NotificationCategory {
     bool operator==(const NotificationCategory&) const = default;
 };
 
-/// The numbers are the platform's; a value outside this list can come.
-enum class AuthorizationStatus : int {
-    notDetermined = 0,
-    denied = 1,
-    authorized = 2,
-    provisional = 3,
-    ephemeral = 4
-};
+/// `unknown` is whatever a system says that is none of the others.
+enum class AuthorizationStatus { notDetermined, denied, authorized, provisional, ephemeral, unknown };
 
+/// What the user is asked to allow, in any combination.
 namespace authorizationOptions {
 inline constexpr unsigned badge = 1;
 inline constexpr unsigned sound = 2;
 inline constexpr unsigned alert = 4;
 } // namespace authorizationOptions
 
+/// How a notification is presented, in any combination; not at all when nothing is chosen.
 namespace presentationOptions {
-inline constexpr unsigned badge = 0x01;
-inline constexpr unsigned sound = 0x02;
-inline constexpr unsigned banner = 0x10;
+inline constexpr unsigned badge = 1;
+inline constexpr unsigned sound = 2;
+inline constexpr unsigned banner = 4;
 } // namespace presentationOptions
 
 struct NotificationResponse {

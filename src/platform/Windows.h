@@ -21,23 +21,18 @@ struct Rect {
     bool operator==(const Rect&) const = default;
 };
 
-/// The numbers are the platform's style mask bits.
-namespace windowStyle {
-inline constexpr unsigned titled = 1;
-inline constexpr unsigned closable = 2;
-inline constexpr unsigned miniaturizable = 4;
-inline constexpr unsigned resizable = 8;
-inline constexpr unsigned nonactivatingPanel = 0x80;
-inline constexpr unsigned fullSizeContentView = 0x8000;
-} // namespace windowStyle
+/// In points.
+struct Size {
+    double width = 0;
+    double height = 0;
+    bool operator==(const Size&) const = default;
+};
 
+/// The one ordinary window, with a title bar, that the user may close, minimise and resize. Closing keeps it.
 struct MainWindowProperties {
-    Rect contentRect;
-    unsigned styleMask = 0;
     std::string title;
-    double minWidth = 0;
-    double minHeight = 0;
-    bool isReleasedWhenClosed = false;
+    Size size;
+    Size minimumSize;
 };
 
 /// What a window shows: one of the core's view values. The views of a host know each kind and bind to it.
@@ -63,22 +58,15 @@ public:
     virtual void setContent(std::shared_ptr<WindowContent> content) = 0;
 };
 
-/// Every property of a floating panel that is not the platform's own default; absent ones are left alone.
+/// What a panel is for. Panels stand over everything else on every desktop of the user, full-screen windows
+/// included, as rounded cards without a title bar that are dragged by their background. Neither kind takes the
+/// keyboard away from the program that has it; a ringing call can be answered by the keyboard where the host
+/// allows for both.
+enum class PanelKind { ringingCall, runningCall };
+
 struct PanelProperties {
-    Rect contentRect;
-    unsigned styleMask = 0;
-    bool isFloatingPanel = false;
-    int level = 0;
-    std::optional<bool> becomesKeyOnlyIfNeeded;
-    unsigned collectionBehavior = 0;
-    bool isMovableByWindowBackground = false;
-    bool hasShadow = false;
-    bool hasClearBackground = false;
-    bool isOpaque = true;
-    bool titlebarAppearsTransparent = false;
-    bool titleIsHidden = false;
-    bool isReleasedWhenClosed = false;
-    std::optional<bool> hidesOnDeactivate;
+    PanelKind kind = PanelKind::ringingCall;
+    Size size;
 
     bool operator==(const PanelProperties&) const = default;
 };
@@ -98,6 +86,7 @@ public:
     virtual std::shared_ptr<Window> makeMainWindow(const MainWindowProperties& properties,
                                                    std::shared_ptr<WindowContent> content,
                                                    std::function<void()> onClose) = 0;
+    /// Builds a panel at (0, 0), not yet on screen.
     virtual std::shared_ptr<Window> makePanel(const PanelProperties& properties,
                                               std::shared_ptr<WindowContent> content) = 0;
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <string>
 #include <utility>
 #include <variant>
@@ -14,14 +13,8 @@ namespace velloway {
 
 namespace {
 
-struct CGKey {
-    std::uint16_t keyCode;
-};
-struct SystemKey {
-    std::int32_t key;
-};
 using Script = SystemScript::Action;
-using Effect = std::variant<CGKey, SystemKey, Script>;
+using Effect = std::variant<Key, MediaKey, Script>;
 
 enum class Access { open, guarded };
 using enum Access;
@@ -37,43 +30,43 @@ struct CommandRow {
     }
 };
 
-/// Every command that the phone knows. The guards are uneven and stay so: keys are guarded, system keys and
-/// most scripts are not.
+/// Every command that the phone knows. The guards are uneven and stay so: keys are guarded, media keys and most
+/// scripts are not.
 constexpr std::array<CommandRow, 24> commandTable{{
     {{"vol_up"}, open, Script::volumeUp},
     {{"vol_down"}, open, Script::volumeDown},
-    {{"mute_mac"}, open, SystemKey{7}},
+    {{"mute_mac"}, open, MediaKey::mute},
     // The mute key is a toggle and has no separate off.
-    {{"unmute_mac"}, open, SystemKey{7}},
+    {{"unmute_mac"}, open, MediaKey::mute},
     {{"open_url"}, open, Script::openLocation},
     {{"empty_trash"}, open, Script::emptyTrash},
-    {{"key_escape"}, guarded, CGKey{53}},
-    {{"key_right"}, guarded, CGKey{124}},
-    {{"key_left"}, guarded, CGKey{123}},
-    {{"key_up"}, guarded, CGKey{126}},
-    {{"key_down"}, guarded, CGKey{125}},
-    {{"key_return"}, guarded, CGKey{36}},
-    {{"key_delete"}, guarded, CGKey{51}},
-    {{"key_control"}, guarded, CGKey{59}},
-    {{"key_option"}, guarded, CGKey{58}},
-    {{"key_command"}, guarded, CGKey{55}},
-    {{"next", "slide_next", "presentation_next", "seek_forward"}, guarded, CGKey{124}},
-    {{"prev", "slide_prev", "presentation_prev", "seek_backward"}, guarded, CGKey{123}},
+    {{"key_escape"}, guarded, Key::escape},
+    {{"key_right"}, guarded, Key::right},
+    {{"key_left"}, guarded, Key::left},
+    {{"key_up"}, guarded, Key::up},
+    {{"key_down"}, guarded, Key::down},
+    {{"key_return"}, guarded, Key::returnKey},
+    {{"key_delete"}, guarded, Key::deleteBackward},
+    {{"key_control"}, guarded, Key::control},
+    {{"key_option"}, guarded, Key::option},
+    {{"key_command"}, guarded, Key::command},
+    {{"next", "slide_next", "presentation_next", "seek_forward"}, guarded, Key::right},
+    {{"prev", "slide_prev", "presentation_prev", "seek_backward"}, guarded, Key::left},
     // The plain brightness commands light the keyboard, not the screen.
-    {{"brightness_up"}, open, SystemKey{21}},
-    {{"brightness_down"}, open, SystemKey{22}},
-    {{"screen_brightness_up"}, open, SystemKey{2}},
-    {{"screen_brightness_down"}, open, SystemKey{3}},
+    {{"brightness_up"}, open, MediaKey::keyboardLightUp},
+    {{"brightness_down"}, open, MediaKey::keyboardLightDown},
+    {{"screen_brightness_up"}, open, MediaKey::screenBrightnessUp},
+    {{"screen_brightness_down"}, open, MediaKey::screenBrightnessDown},
     {{"lock_mac"}, guarded, Script::lockScreen},
     {{"sleep_mac"}, guarded, Script::sleep},
 }};
 
-constexpr std::array<std::pair<std::string_view, std::int32_t>, 5> mediaTable{{
-    {"play_pause", 16},
-    {"next", 17},
-    {"prev", 18},
-    {"vol_up", 0},
-    {"vol_down", 1},
+constexpr std::array<std::pair<std::string_view, MediaKey>, 5> mediaTable{{
+    {"play_pause", MediaKey::playPause},
+    {"next", MediaKey::nextTrack},
+    {"prev", MediaKey::previousTrack},
+    {"vol_up", MediaKey::soundUp},
+    {"vol_down", MediaKey::soundDown},
 }};
 
 struct NormalizedCommand {
@@ -134,7 +127,7 @@ void CommandRouter::handle(const RemoteCommand& message) {
     }
 }
 
-/// Whether the command ended here. A name that is no media key goes on to the other commands.
+/// Whether the command ended here. A name that is not a media key goes on to the other commands.
 bool CommandRouter::handleMedia(std::string_view command) {
     if (!accessibility_.isTrusted()) {
         log_.line({"[WebSocketServer] Error: Media keys require Accessibility permissions."});
@@ -157,14 +150,14 @@ void CommandRouter::handleCommand(std::string_view command, const std::optional<
     if (row == commandTable.end() || (row->access == guarded && !checkAccess(command))) {
         return;
     }
-    if (const auto* key = std::get_if<CGKey>(&row->effect)) {
-        injection_.sendCGKey(key->keyCode, normalized.modifiers);
-    } else if (const auto* systemKey = std::get_if<SystemKey>(&row->effect)) {
-        injection_.sendSystemMediaKey(systemKey->key);
+    if (const auto* key = std::get_if<Key>(&row->effect)) {
+        injection_.sendCGKey(*key, normalized.modifiers);
+    } else if (const auto* mediaKey = std::get_if<MediaKey>(&row->effect)) {
+        injection_.sendSystemMediaKey(*mediaKey);
     } else if (const auto action = std::get<Script>(row->effect); action != Script::openLocation) {
-        postScript(makeSystemScript(action));
+        postScript({.action = action});
     } else if (url) {
-        postScript(makeSystemScript(action, *url));
+        postScript({.action = action, .address = std::string(*url)});
     }
 }
 

@@ -131,7 +131,7 @@ MenuItem AppDelegate::makeItem(const MenuEntry& entry) {
     MenuItem item{.title = std::string(entry.title),
                   .keyEquivalent = std::string(entry.key),
                   .tag = entry.tag,
-                  .selector = std::string(entry.selector)};
+                  .operation = std::string(entry.operation)};
     switch (entry.command) {
     case MenuCommand::none:
         item.isEnabled = false;
@@ -217,18 +217,14 @@ void AppDelegate::showSettings(int tab) {
         buildSettingsWindow();
     }
     settingsWindow_->makeKeyAndOrderFront();
-    on_.application.activate(true);
+    on_.application.activate();
 }
 
 void AppDelegate::buildSettingsWindow() {
     const MainWindowProperties properties{
-        .contentRect = {0, 0, 850, 550},
-        .styleMask =
-            windowStyle::titled | windowStyle::closable | windowStyle::miniaturizable | windowStyle::resizable,
         .title = "Velloway Settings",
-        .minWidth = 800,
-        .minHeight = 500,
-        .isReleasedWhenClosed = false,
+        .size = {850, 550},
+        .minimumSize = {800, 500},
     };
     const auto view = on_.makeSettingsView();
     settingsView_ = view;
@@ -300,8 +296,8 @@ void AppDelegate::showNotificationDeniedAlert() {
         .buttons = {"Open System Settings", "Not Now"},
     };
     on_.application.setActivationPolicy(ActivationPolicy::regular);
-    on_.application.activate(true);
-    if (on_.application.runModal(alert) == Application::alertFirstButtonReturn) {
+    on_.application.activate();
+    if (on_.application.runModal(alert) == 0) {
         on_.workspace.openSettings(SettingsPane::notifications);
     }
     on_.main.asyncAfter(alertPolicyDelay, [weak = weak_from_this()] {

@@ -10,31 +10,9 @@ namespace {
 
 constexpr std::string_view area = "[AppDelegate] ";
 constexpr std::int64_t callOver = -1;
-constexpr double panelWidth = 350;
-constexpr double panelHeight = 80;
-/// From the panel's origin to the top right corner of the usable screen: its size and a margin of 20.
-constexpr double originToRightEdge = panelWidth + 20;
-constexpr double originToTopEdge = panelHeight + 20;
-constexpr int statusBarLevel = 25;
-constexpr unsigned canJoinAllSpaces = 1;
-constexpr unsigned fullScreenAuxiliary = 0x100;
-
-PanelProperties commonPanelProperties() {
-    return {
-        .contentRect = {0, 0, panelWidth, panelHeight},
-        .styleMask = windowStyle::nonactivatingPanel | windowStyle::fullSizeContentView,
-        .isFloatingPanel = true,
-        .level = statusBarLevel,
-        .collectionBehavior = canJoinAllSpaces | fullScreenAuxiliary,
-        .isMovableByWindowBackground = true,
-        .hasShadow = true,
-        .hasClearBackground = true,
-        .isOpaque = false,
-        .titlebarAppearsTransparent = true,
-        .titleIsHidden = true,
-        .isReleasedWhenClosed = false,
-    };
-}
+constexpr Size panelSize{350, 80};
+/// From the right and top edges of the usable screen.
+constexpr double margin = 20;
 
 using TextMap = std::map<std::string, std::string>;
 
@@ -44,17 +22,6 @@ std::string entry(const TextMap& map, const std::string& key) {
 }
 
 } // namespace
-
-PanelProperties incomingCallPanelProperties() {
-    PanelProperties properties = commonPanelProperties();
-    properties.becomesKeyOnlyIfNeeded = true;
-    properties.hidesOnDeactivate = false;
-    return properties;
-}
-
-PanelProperties activeCallPanelProperties() {
-    return commonPanelProperties();
-}
 
 std::shared_ptr<CallWindows> CallWindows::make(const Dependencies& dependencies) {
     return std::shared_ptr<CallWindows>(new CallWindows(dependencies));
@@ -120,7 +87,8 @@ void CallWindows::durationUpdated(const AppNotificationObject& object) {
 
 void CallWindows::place(Window& panel) {
     if (const auto frame = on_.windows.mainScreenVisibleFrame()) {
-        panel.setFrameOrigin(frame->maxX() - originToRightEdge, frame->maxY() - originToTopEdge);
+        panel.setFrameOrigin(frame->maxX() - margin - panelSize.width,
+                             frame->maxY() - margin - panelSize.height);
     }
 }
 
@@ -131,7 +99,8 @@ void CallWindows::showIncomingCallBanner(const IncomingCallInfo& info) {
         incomingCallWindow_->orderFrontRegardless();
         return;
     }
-    const auto panel = on_.windows.makePanel(incomingCallPanelProperties(), createBannerView(info));
+    const auto panel =
+        on_.windows.makePanel({.kind = PanelKind::ringingCall, .size = panelSize}, createBannerView(info));
     place(*panel);
     panel->setIsVisible(true);
     panel->makeKeyAndOrderFront();
@@ -168,7 +137,7 @@ void CallWindows::showActiveCallWindow(const std::string& name, const std::strin
         return;
     }
     const auto panel =
-        on_.windows.makePanel(activeCallPanelProperties(),
+        on_.windows.makePanel({.kind = PanelKind::runningCall, .size = panelSize},
                               std::make_shared<ActiveCallBanner>(name, number, on_.server, on_.notifications));
     place(*panel);
     panel->setIsVisible(true);

@@ -66,8 +66,4 @@ private:
     std::vector<Subscription> cancellables_;
 };
 
-/// Everything that is set on the two panels.
-PanelProperties incomingCallPanelProperties();
-PanelProperties activeCallPanelProperties();
-
 } // namespace velloway

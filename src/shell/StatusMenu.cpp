@@ -17,7 +17,7 @@ const std::array<MenuEntry, 15> statusMenuEntries{{
     {MenuCommand::settings, "Settings…", ",", 0, "onMenuSettings"},
     {MenuCommand::info, "Info…", "i", 0, "onMenuInfo"},
     {MenuCommand::separator, "", "", 0, ""},
-    {MenuCommand::quit, "Quit Velloway", "q", 0, "terminate:"},
+    {MenuCommand::quit, "Quit Velloway", "q", 0, ""},
 }};
 
 } // namespace velloway

@@ -29,7 +29,7 @@ struct MenuEntry {
     std::string_view title;
     std::string_view key;
     int tag;
-    std::string_view selector;
+    std::string_view operation;
 };
 
 /// The menu, top to bottom. Its order is not that of the tabs.

@@ -8,8 +8,8 @@ import ctypes
 import json
 import os
 import pathlib
-import queue
 import re
+import select
 import signal
 import socket
 import subprocess
@@ -395,6 +395,16 @@ def clipboard():
     return found.stdout.decode(errors="replace") if found.returncode == 0 else None
 
 
+def open_files(pid):
+    files = pathlib.Path(f"/proc/{pid}/fd")
+    return {os.readlink(each) for each in files.iterdir() if each.is_symlink()}
+
+
+def is_full(pipe):
+    """Whether a write to this end of a pipe would wait."""
+    return not select.select([], [pipe], [], 0)[1]
+
+
 def visible_windows(pid):
     found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(pid)], capture_output=True, text=True)
     return {int(line) for line in found.stdout.split()}
@@ -422,6 +432,3 @@ def close_window(window):
 
 def terminate(process):
     os.kill(process.pid, signal.SIGTERM)
-
-
-__all__ = [name for name in globals() if not name.startswith("_")]

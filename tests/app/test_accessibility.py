@@ -1,12 +1,16 @@
 """The windows of the program, worked through the accessibility tree and with keys of the X server."""
 
+import json
 import os
+import pathlib
 import tempfile
+import unittest
 
 os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
 
-from support import *
-from accessible import *
+from accessible import Tree, start_accessibility
+from support import (AppTest, NotificationService, TrayWatcher, free_port, run, screenshot, turn,
+                     visible_windows, wait_for)
 
 
 class Windows(AppTest):

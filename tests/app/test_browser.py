@@ -1,9 +1,12 @@
 """A browser's own WebSocket against the program."""
 
+import json
+import pathlib
 import shutil
 import tempfile
+import unittest
 
-from support import *
+from support import AppTest, NotificationService, Process, TrayWatcher
 
 CHROMIUM = shutil.which("chromium") or shutil.which("chromium-browser")
 

@@ -1,9 +1,12 @@
 """Files in both directions between the program and the simulated phone."""
 
 import hashlib
+import os
+import pathlib
 import tempfile
+import unittest
 
-from support import *
+from support import APP, AppTest, NotificationService, Process, TrayWatcher, turn, wait_for
 
 MIB = 1 << 20
 

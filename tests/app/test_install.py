@@ -1,13 +1,18 @@
 """The program as it is installed, and the entries of the file managers: from the menu to the phone."""
 
 import hashlib
+import os
+import pathlib
 import re
 import shutil
+import subprocess
 import tempfile
+import unittest
 
 import entries
 import gi
-from support import *
+from support import (App, AppTest, NotificationService, PATIENCE, Process, TrayWatcher, free_port, run,
+                     visible_windows, wait_for)
 
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio

@@ -1,6 +1,11 @@
 """Clients that we did not write, and several at once."""
 
-from support import *
+import json
+import os
+import pathlib
+import unittest
+
+from support import AppTest, NodePhone, TrayWatcher, terminate, wait_for
 
 
 class Links(AppTest):

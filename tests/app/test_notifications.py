@@ -1,8 +1,14 @@
 """Phone notifications on a real notification service, and the answers that go back."""
 
 import json
+import os
+import pathlib
+import unittest
 
-from support import *
+import dbus
+
+from support import (AppTest, Bystander, NotificationService, Process, TrayWatcher, clipboard, run, screenshot,
+                     turn, visible_windows, wait_for)
 
 
 class WithDunst(AppTest):

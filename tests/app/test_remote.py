@@ -1,8 +1,12 @@
 """The phone drives the pointer and the keyboard of the computer."""
 
+import os
+import pathlib
 import pty
+import subprocess
+import unittest
 
-from support import *
+from support import AppTest, PATIENCE, PHONE, Process, TrayWatcher, run, visible_windows, wait_for
 
 
 def pointer():

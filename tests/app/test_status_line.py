@@ -1,6 +1,9 @@
 """The status line of the menu while the port is taken, and when it is free again."""
 
-from support import *
+import socket
+import unittest
+
+from support import AppTest, TrayWatcher, stays, wait_for
 
 
 class StatusLine(AppTest):

@@ -1,6 +1,8 @@
 """The tray menu over the bus, and what its rows do."""
 
-from support import *
+import unittest
+
+from support import AppTest, TrayWatcher, colors, screenshot, visible_windows, wait_for
 
 ROWS = [
     "Velloway", None, "Server: listening on :{port}", None, "Call…", "Send SMS…", "File Drop…", "Notifications…",

@@ -45,7 +45,7 @@ TEST_P(PasteboardContract, an_empty_pasteboard_has_no_text) {
 
 TEST_P(PasteboardContract, text_reads_back_whole_whatever_its_script) {
     for (const char* text : {"hello", "Grüße, 世界 👩‍👩‍👧", "two\nlines\twith\r\nbreaks",
-                             "  spaces  ", "<b>no markup</b>"}) {
+                             "  spaces  ", "<b>no markup</b>", "\xEF\xBB\xBFmark", "\xEF\xBB\xBF"}) {
         set(text);
         EXPECT_EQ(pasteboard->string(), text);
     }

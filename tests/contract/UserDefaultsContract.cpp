@@ -9,6 +9,7 @@
 #include <limits>
 #include <memory>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace velloway::test {
@@ -109,13 +110,33 @@ TEST_F(LinuxUserDefaultsTest, keys_of_others_stay_in_the_file) {
     EXPECT_THAT(readText(file), HasSubstr("port=2"));
 }
 
-TEST_F(LinuxUserDefaultsTest, what_is_no_integer_is_there_but_reads_as_zero) {
+TEST_F(LinuxUserDefaultsTest, what_is_not_an_integer_is_there_but_reads_as_zero) {
     for (const char* text :
-         {"abc", "12x", "12.5", "0x10", "1 2", "99999999999999999999", "\"\"", "1,2", "@Invalid()", "true"}) {
+         {"abc", "12x", "12.5", "0x10", "1 2", "\"\"", "1,2", "@Invalid()", "true", "nan", "inf", "+", "+-1"}) {
         writeText(file, std::string("[General]\nport=") + text + "\n");
         const LinuxUserDefaults defaults(file);
         EXPECT_EQ(defaults.integer("port"), 0) << text;
         EXPECT_TRUE(defaults.has("port")) << text;
+    }
+}
+
+TEST_F(LinuxUserDefaultsTest, an_integer_may_be_written_in_any_way_and_be_of_any_size) {
+    const std::pair<const char*, std::int64_t> cases[] = {
+        {"+9124", 9124},
+        {"9123.0", 9123},
+        {"-9123.0", -9123},
+        {"9.123e3", 9123},
+        {"09123", 9123},
+        {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+        {"9223372036854775808", std::numeric_limits<std::int64_t>::max()},
+        {"99999999999999999999", std::numeric_limits<std::int64_t>::max()},
+        {"1e300", std::numeric_limits<std::int64_t>::max()},
+        {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+        {"-99999999999999999999", std::numeric_limits<std::int64_t>::min()},
+    };
+    for (const auto& [text, value] : cases) {
+        writeText(file, std::string("[General]\nport=") + text + "\n");
+        EXPECT_EQ(LinuxUserDefaults(file).integer("port"), value) << text;
     }
 }
 

@@ -5,7 +5,9 @@ import sys
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
-from window_managers import *
+from support import NotificationService, run, wait_for
+from window_managers import (BLUE, BUTTON, DesktopTest, GREEN, active_window, buttons, main, pixels, states,
+                             words)
 
 
 class Panels(DesktopTest):

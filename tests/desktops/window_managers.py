@@ -3,9 +3,17 @@
 Nothing here reads a property that the program wrote: a window manager may do otherwise.
 """
 
+import os
+import pathlib
+import re
 import shutil
+import subprocess
+import time
+import unittest
 
-from support import *
+import dbus
+
+from support import AppTest, PATIENCE, Process, TrayWatcher, run, screenshot, stays, wait_for
 
 XFCONF = "/usr/lib/x86_64-linux-gnu/xfce4/xfconf/xfconfd"
 WORKSPACES = 4

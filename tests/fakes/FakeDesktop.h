@@ -26,12 +26,13 @@ public:
     std::optional<std::filesystem::path> downloadsDirectory() const override { return downloads; }
     Instant now() const override { return time; }
     std::string locale() const override { return "en_GB"; }
-    std::string timeZone() const override { return "Europe/London"; }
+    std::string timeZone() const override { return zone; }
     std::optional<std::vector<NetworkInterface>> networkInterfaces() const override { return interfaces; }
     std::vector<std::string> interfacePrefixes() const override { return {"en"}; }
 
     std::optional<std::string> name = "Desk";
     std::optional<std::filesystem::path> downloads;
+    std::string zone = "Europe/London";
     Instant time = Instant(std::chrono::seconds(1'700'000'000));
     std::optional<std::vector<NetworkInterface>> interfaces = std::vector<NetworkInterface>{};
 };
@@ -167,9 +168,7 @@ public:
         note(newPolicy == ActivationPolicy::regular ? "policy regular" : "policy accessory");
         policy = newPolicy;
     }
-    void activate(bool ignoringOtherApps) override {
-        note(ignoringOtherApps ? "activate" : "activate politely");
-    }
+    void activate() override { note("activate"); }
     int runModal(const Alert& alert) override {
         note("alert " + alert.messageText);
         alerts.push_back(alert);
@@ -179,7 +178,8 @@ public:
     ServicesProvider* provider = nullptr;
     std::optional<ActivationPolicy> policy;
     std::vector<Alert> alerts;
-    int alertAnswer = Application::alertFirstButtonReturn + 1;
+    /// The place of the button that the user takes.
+    int alertAnswer = 1;
 
 private:
     void note(std::string entry) {

@@ -2,6 +2,7 @@
 
 #include "fakes/FakeDesktop.h"
 #include "fakes/FakeDispatchQueue.h"
+#include "fakes/FakeFiles.h"
 #include "fakes/FakeInput.h"
 #include "fakes/FakeLog.h"
 #include "fakes/FakeNetwork.h"
@@ -29,9 +30,12 @@ struct FakePlatform {
     FakeWindows windows{&journal};
     FakeWorkspace workspace;
     FakeHost host;
+    FakeFiles files;
     FakeLog log;
 
-    Platform platform() {
+    Platform platform() { return platform(windows); }
+    /// The same host with other windows.
+    Platform platform(Windows& otherWindows) {
         return {.mainQueue = main,
                 .serverQueue = server,
                 .network = network,
@@ -44,9 +48,10 @@ struct FakePlatform {
                 .loginItem = loginItem,
                 .statusItem = statusItem,
                 .application = application,
-                .windows = windows,
+                .windows = otherWindows,
                 .workspace = workspace,
                 .host = host,
+                .files = files,
                 .log = log};
     }
 

@@ -54,6 +54,13 @@ TEST_F(ClipboardSyncTest, TakesAnEmptyTextLikeAnyOther) {
     EXPECT_EQ(banners(), (Banners{banner}));
 }
 
+TEST_F(ClipboardSyncTest, TakesTextOfWhiteSpaceAloneAsItIs) {
+    receive(" \n\t");
+    EXPECT_EQ(host.pasteboard.content, " \n\t");
+    EXPECT_EQ(history(), (Entries{" \n\t"}));
+    EXPECT_EQ(textToSend(host.pasteboard), " \n\t");
+}
+
 TEST_F(ClipboardSyncTest, TakesATextThatIsAlreadyOnThePasteboard) {
     receive("before");
     receive("before");

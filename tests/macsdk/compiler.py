@@ -50,7 +50,8 @@ class Compiler:
         self.standard.write_text("".join(f"#include <{name}>\n" for name in STANDARD))
         self.base = [clang, "-std=c++20", "-fblocks", "-isystem", SDK / "include", "-I", TOP / "src"]
         resources = pathlib.Path(run([clang, "-print-resource-dir"])[1].strip()) / "include"
-        newest = max(pathlib.Path("/usr/include/c++").iterdir(), key=lambda each: int(each.name))
+        versions = [each for each in pathlib.Path("/usr/include/c++").iterdir() if each.name.isdigit()]
+        newest = max(versions, key=lambda each: int(each.name))
         native = next(pathlib.Path("/usr/include").glob("*-linux-gnu"))
         self.headers = [resources, newest, native / "c++" / newest.name, native, "/usr/include"]
         # Each way of compiling, for C++ and for Objective-C++.

@@ -17,7 +17,6 @@ namespace velloway::test {
 
 namespace {
 
-using Kind = FakeInputEvents::Posted::Kind;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -44,81 +43,84 @@ std::string denied(std::string_view command) {
            "' failed. Accessibility permissions are missing.";
 }
 
-void expectCGKey(const FakeInputEvents& input, int keyCode, std::uint64_t flags) {
-    ASSERT_EQ(input.posted.size(), 2U);
-    for (const auto& event : input.posted) {
-        EXPECT_EQ(event.kind, Kind::keyboard);
-        EXPECT_EQ(event.virtualKey, keyCode);
-        EXPECT_EQ(event.flags, flags);
-        EXPECT_FALSE(event.text);
-    }
-    EXPECT_TRUE(input.posted[0].keyDown);
-    EXPECT_FALSE(input.posted[1].keyDown);
+void expectKey(const FakeInputEvents& input, Key key, Modifiers modifiers = {}) {
+    EXPECT_THAT(input.posted, ElementsAre(Input(PressedKey{key, modifiers})));
 }
 
-void expectSystemKey(const FakeInputEvents& input, int key) {
-    ASSERT_EQ(input.posted.size(), 2U);
-    EXPECT_EQ(input.posted[0].kind, Kind::systemDefined);
-    EXPECT_EQ(input.posted[0].data1, key * 0x10000 + 0xA00);
-    EXPECT_EQ(input.posted[1].data1, key * 0x10000 + 0xB00);
+void expectMediaKey(const FakeInputEvents& input, MediaKey key) {
+    EXPECT_THAT(input.posted, ElementsAre(Input(key)));
 }
 
 // The tables, written out once more by hand: what the phone may rely on.
 
-struct CGKeyCase {
+struct KeyCase {
     const char* command;
-    int keyCode;
-    friend void PrintTo(const CGKeyCase& value, std::ostream* out) { *out << value.command; }
+    Key key;
+    friend void PrintTo(const KeyCase& value, std::ostream* out) { *out << value.command; }
 };
-constexpr CGKeyCase cgKeys[] = {
-    {"key_escape", 53},    {"key_right", 124},     {"key_left", 123},
-    {"key_up", 126},       {"key_down", 125},      {"key_return", 36},
-    {"key_delete", 51},    {"key_control", 59},    {"key_option", 58},
-    {"key_command", 55},   {"next", 124},          {"slide_next", 124},
-    {"seek_forward", 124}, {"prev", 123},          {"presentation_next", 124},
-    {"slide_prev", 123},   {"seek_backward", 123}, {"presentation_prev", 123},
+constexpr KeyCase keyCommands[] = {
+    {"key_escape", Key::escape},
+    {"key_right", Key::right},
+    {"key_left", Key::left},
+    {"key_up", Key::up},
+    {"key_down", Key::down},
+    {"key_return", Key::returnKey},
+    {"key_delete", Key::deleteBackward},
+    {"key_control", Key::control},
+    {"key_option", Key::option},
+    {"key_command", Key::command},
+    {"next", Key::right},
+    {"slide_next", Key::right},
+    {"seek_forward", Key::right},
+    {"prev", Key::left},
+    {"presentation_next", Key::right},
+    {"slide_prev", Key::left},
+    {"seek_backward", Key::left},
+    {"presentation_prev", Key::left},
 };
 
-struct SystemKeyCase {
+struct MediaKeyCase {
     const char* command;
-    int key;
-    friend void PrintTo(const SystemKeyCase& value, std::ostream* out) { *out << value.command; }
+    MediaKey key;
+    friend void PrintTo(const MediaKeyCase& value, std::ostream* out) { *out << value.command; }
 };
-constexpr SystemKeyCase systemKeys[] = {
-    {"mute_mac", 7},         {"unmute_mac", 7},           {"brightness_up", 21},
-    {"brightness_down", 22}, {"screen_brightness_up", 2}, {"screen_brightness_down", 3},
+constexpr MediaKeyCase mediaKeyCommands[] = {
+    {"mute_mac", MediaKey::mute},
+    {"unmute_mac", MediaKey::mute},
+    {"brightness_up", MediaKey::keyboardLightUp},
+    {"brightness_down", MediaKey::keyboardLightDown},
+    {"screen_brightness_up", MediaKey::screenBrightnessUp},
+    {"screen_brightness_down", MediaKey::screenBrightnessDown},
 };
-constexpr SystemKeyCase mediaKeys[] = {
-    {"play_pause", 16}, {"next", 17}, {"prev", 18}, {"vol_up", 0}, {"vol_down", 1},
+constexpr MediaKeyCase mediaCommands[] = {
+    {"play_pause", MediaKey::playPause}, {"next", MediaKey::nextTrack},     {"prev", MediaKey::previousTrack},
+    {"vol_up", MediaKey::soundUp},       {"vol_down", MediaKey::soundDown},
 };
 
 struct ScriptCase {
     const char* command;
     bool isGuarded;
     SystemScript::Action action;
-    const char* source;
     friend void PrintTo(const ScriptCase& value, std::ostream* out) { *out << value.command; }
 };
 constexpr ScriptCase scriptCommands[] = {
-    {"vol_up", false, SystemScript::Action::volumeUp,
-     "set volume output volume (output volume of (get volume settings) + 5)"},
-    {"vol_down", false, SystemScript::Action::volumeDown,
-     "set volume output volume (output volume of (get volume settings) - 5)"},
-    {"empty_trash", false, SystemScript::Action::emptyTrash, "tell application \"Finder\" to empty trash"},
-    {"lock_mac", true, SystemScript::Action::lockScreen, "tell application \"System Events\" to lock screen"},
-    {"sleep_mac", true, SystemScript::Action::sleep, "tell application \"System Events\" to sleep"},
+    {"vol_up", false, SystemScript::Action::volumeUp},
+    {"vol_down", false, SystemScript::Action::volumeDown},
+    {"empty_trash", false, SystemScript::Action::emptyTrash},
+    {"lock_mac", true, SystemScript::Action::lockScreen},
+    {"sleep_mac", true, SystemScript::Action::sleep},
 };
 
 std::string nameOf(std::string_view command) {
     return std::string(command);
 }
 
-class KeyCommand : public ::testing::TestWithParam<CGKeyCase> {};
+class KeyCommand : public ::testing::TestWithParam<KeyCase> {};
 
 TEST_P(KeyCommand, PressesItsKeyInsideTheCall) {
     Rig rig;
     rig.handle(GetParam().command);
-    expectCGKey(rig.input, GetParam().keyCode, 0);
+    expectKey(rig.input, GetParam().key);
     EXPECT_EQ(rig.main.pending(), 0U);
     EXPECT_EQ(rig.accessibility.checks, 1);
     EXPECT_EQ(rig.accessibility.prompts, 0);
@@ -135,30 +137,30 @@ TEST_P(KeyCommand, DoesNothingButLogWithoutPermission) {
                 ElementsAre(received(GetParam().command, "other"), denied(GetParam().command)));
 }
 
-INSTANTIATE_TEST_SUITE_P(EachRow, KeyCommand, ::testing::ValuesIn(cgKeys),
+INSTANTIATE_TEST_SUITE_P(EachRow, KeyCommand, ::testing::ValuesIn(keyCommands),
                          [](const auto& each) { return nameOf(each.param.command); });
 
-class SystemKeyCommand : public ::testing::TestWithParam<SystemKeyCase> {};
+class MediaKeyCommand : public ::testing::TestWithParam<MediaKeyCase> {};
 
-TEST_P(SystemKeyCommand, PressesItsKeyInsideTheCallWithoutAskingForPermission) {
+TEST_P(MediaKeyCommand, PressesItsKeyInsideTheCallWithoutAskingForPermission) {
     Rig rig;
     rig.accessibility.trusted = false;
     rig.handle(GetParam().command);
-    expectSystemKey(rig.input, GetParam().key);
+    expectMediaKey(rig.input, GetParam().key);
     EXPECT_EQ(rig.main.pending(), 0U);
     EXPECT_EQ(rig.accessibility.checks, 0);
     EXPECT_THAT(rig.log.lines(), ElementsAre(received(GetParam().command, "remote")));
 }
 
-INSTANTIATE_TEST_SUITE_P(EachRow, SystemKeyCommand, ::testing::ValuesIn(systemKeys),
+INSTANTIATE_TEST_SUITE_P(EachRow, MediaKeyCommand, ::testing::ValuesIn(mediaKeyCommands),
                          [](const auto& each) { return nameOf(each.param.command); });
 
-class MediaCommand : public ::testing::TestWithParam<SystemKeyCase> {};
+class MediaCommand : public ::testing::TestWithParam<MediaKeyCase> {};
 
 TEST_P(MediaCommand, PressesItsKeyInsideTheCall) {
     Rig rig;
     rig.handle(GetParam().command, "media");
-    expectSystemKey(rig.input, GetParam().key);
+    expectMediaKey(rig.input, GetParam().key);
     EXPECT_EQ(rig.main.pending(), 0U);
     EXPECT_EQ(rig.accessibility.checks, 1);
     EXPECT_EQ(rig.accessibility.prompts, 0);
@@ -175,7 +177,7 @@ TEST_P(MediaCommand, LogsItsOwnWordsWithoutPermission) {
                             "[WebSocketServer] Error: Media keys require Accessibility permissions."));
 }
 
-INSTANTIATE_TEST_SUITE_P(EachRow, MediaCommand, ::testing::ValuesIn(mediaKeys),
+INSTANTIATE_TEST_SUITE_P(EachRow, MediaCommand, ::testing::ValuesIn(mediaCommands),
                          [](const auto& each) { return nameOf(each.param.command); });
 
 class ScriptCommand : public ::testing::TestWithParam<ScriptCase> {};
@@ -187,7 +189,6 @@ TEST_P(ScriptCommand, RunsItsScriptOnTheMainQueue) {
     EXPECT_EQ(rig.main.runAll(), 1U);
     ASSERT_EQ(rig.scripts.scripts.size(), 1U);
     EXPECT_EQ(rig.scripts.scripts[0].action, GetParam().action);
-    EXPECT_EQ(rig.scripts.scripts[0].sourceText, GetParam().source);
     EXPECT_THAT(rig.input.posted, IsEmpty());
     EXPECT_EQ(rig.accessibility.checks, GetParam().isGuarded ? 1 : 0);
 }
@@ -211,29 +212,32 @@ INSTANTIATE_TEST_SUITE_P(EachRow, ScriptCommand, ::testing::ValuesIn(scriptComma
 struct PrefixCase {
     const char* name;
     const char* command;
-    int keyCode;
-    std::uint64_t flags;
+    Key key;
+    Modifiers modifiers;
     friend void PrintTo(const PrefixCase& value, std::ostream* out) { *out << value.command; }
 };
 constexpr PrefixCase prefixes[] = {
-    {"OneModifier", "cmd_key_return", 36, 0x100000},
-    {"TwoModifiersJoinedByPlus", "cmd+shift_key_left", 123, 0x120000},
-    {"AllFourModifiers", "shift+option+ctrl+cmd_key_up", 126, 0x1E0000},
-    {"RepeatedAndUnknownModifiers", "cmd+cmd+hyper_key_down", 125, 0x100000},
-    {"EmptyModifierName", "_key_left", 123, 0},
-    {"EmptyModifierNamesAroundAPlus", "+cmd+_key_left", 123, 0x100000},
-    {"NamesAreComparedExactly", "Cmd+CTRL+alt+command_key_left", 123, 0},
-    {"SlidesTakeModifiers", "cmd_slide_next", 124, 0x100000},
-    {"PresentationsTakeModifiers", "ctrl_presentation_prev", 123, 0x40000},
-    {"CommandKeyWithItsOwnFlag", "cmd_key_command", 55, 0x100000},
+    {"OneModifier", "cmd_key_return", Key::returnKey, {.command = true}},
+    {"TwoModifiersJoinedByPlus", "cmd+shift_key_left", Key::left, {.command = true, .shift = true}},
+    {"AllFourModifiers",
+     "shift+option+ctrl+cmd_key_up",
+     Key::up,
+     {.command = true, .control = true, .option = true, .shift = true}},
+    {"RepeatedAndUnknownModifiers", "cmd+cmd+hyper_key_down", Key::down, {.command = true}},
+    {"EmptyModifierName", "_key_left", Key::left, {}},
+    {"EmptyModifierNamesAroundAPlus", "+cmd+_key_left", Key::left, {.command = true}},
+    {"NamesAreComparedExactly", "Cmd+CTRL+alt+command_key_left", Key::left, {}},
+    {"SlidesTakeModifiers", "cmd_slide_next", Key::right, {.command = true}},
+    {"PresentationsTakeModifiers", "ctrl_presentation_prev", Key::left, {.control = true}},
+    {"CommandKeyWithItself", "cmd_key_command", Key::command, {.command = true}},
 };
 
 class PrefixedCommand : public ::testing::TestWithParam<PrefixCase> {};
 
-TEST_P(PrefixedCommand, PressesTheKeyWithItsFlags) {
+TEST_P(PrefixedCommand, PressesTheKeyWithItsModifiers) {
     Rig rig;
     rig.handle(GetParam().command);
-    expectCGKey(rig.input, GetParam().keyCode, GetParam().flags);
+    expectKey(rig.input, GetParam().key, GetParam().modifiers);
 }
 
 TEST_P(PrefixedCommand, IsNamedAsItCameWhenPermissionIsMissing) {
@@ -278,7 +282,7 @@ TEST(CommandRouter, TreatsEveryUnknownTypeAsRemote) {
     for (const std::string_view type : {"remote", "whatever", "", "Media", "MOUSE_MOVE"}) {
         Rig rig;
         rig.handle("key_left", type);
-        expectCGKey(rig.input, 123, 0);
+        expectKey(rig.input, Key::left);
         EXPECT_THAT(rig.log.lines(), ElementsAre(received("key_left", type)));
     }
 }
@@ -286,16 +290,16 @@ TEST(CommandRouter, TreatsEveryUnknownTypeAsRemote) {
 TEST(CommandRouter, LetsTheTypeDecideWhatNextMeans) {
     Rig media;
     media.handle("next", "media");
-    expectSystemKey(media.input, 17);
+    expectMediaKey(media.input, MediaKey::nextTrack);
     Rig other;
     other.handle("next", "slides");
-    expectCGKey(other.input, 124, 0);
+    expectKey(other.input, Key::right);
 }
 
 TEST(CommandRouter, LetsTheTypeDecideWhatVolumeUpMeans) {
     Rig media;
     media.handle("vol_up", "media");
-    expectSystemKey(media.input, 0);
+    expectMediaKey(media.input, MediaKey::soundUp);
     EXPECT_EQ(media.main.pending(), 0U);
     Rig other;
     other.handle("vol_up", "anything");
@@ -312,13 +316,13 @@ TEST(CommandRouter, HandsAMediaMessageWithAnotherCommandOnToAllCommands) {
     EXPECT_EQ(rig.scripts.scripts[0].action, SystemScript::Action::lockScreen);
 
     rig.handle("cmd_key_left", "media");
-    expectCGKey(rig.input, 123, 0x100000);
+    expectKey(rig.input, Key::left, {.command = true});
 }
 
 TEST(CommandRouter, ComparesMediaCommandsWithTheirPrefix) {
     Rig rig;
     rig.handle("cmd_slide_next", "media");
-    expectCGKey(rig.input, 124, 0x100000);
+    expectKey(rig.input, Key::right, {.command = true});
 }
 
 TEST(CommandRouter, StopsEveryMediaMessageWithoutPermission) {
@@ -335,8 +339,7 @@ TEST(CommandRouter, TypesTextInsideTheCallWithoutAskingForPermission) {
     Rig rig;
     rig.accessibility.trusted = false;
     rig.router.handle({.command = "anything", .type = "keyboard_text", .text = "gr\u00FC\u00DFe"});
-    ASSERT_EQ(rig.input.posted.size(), 2U);
-    EXPECT_EQ(rig.input.posted[0].text, u"gr\u00FC\u00DFe");
+    EXPECT_THAT(rig.input.posted, ElementsAre(Input(TypedText{"gr\u00FC\u00DFe"})));
     EXPECT_EQ(rig.accessibility.checks, 0);
     EXPECT_EQ(rig.main.pending(), 0U);
     EXPECT_THAT(rig.log.lines(), ElementsAre(received("anything", "keyboard_text"),
@@ -346,8 +349,7 @@ TEST(CommandRouter, TypesTextInsideTheCallWithoutAskingForPermission) {
 TEST(CommandRouter, TypesAnEmptyText) {
     Rig rig;
     rig.router.handle({.command = "", .type = "keyboard_text", .text = ""});
-    ASSERT_EQ(rig.input.posted.size(), 2U);
-    EXPECT_EQ(rig.input.posted[0].text, u"");
+    EXPECT_THAT(rig.input.posted, ElementsAre(Input(TypedText{})));
 }
 
 TEST(CommandRouter, EndsATypingMessageWithoutText) {
@@ -365,8 +367,7 @@ TEST(CommandRouter, MovesThePointerOnTheMainQueue) {
     rig.router.handle({.command = "move", .type = "mouse_move", .dx = 1.5, .dy = -2.25});
     EXPECT_THAT(rig.input.posted, IsEmpty());
     EXPECT_EQ(rig.main.runAll(), 1U);
-    ASSERT_EQ(rig.input.posted.size(), 1U);
-    EXPECT_EQ(rig.input.posted[0].position, (Point{101.5, 197.75}));
+    EXPECT_THAT(rig.input.posted, ElementsAre(Input(MovedPointer{1.5, -2.25})));
     EXPECT_EQ(rig.accessibility.checks, 0);
     EXPECT_THAT(rig.log.lines(), ElementsAre(received("move", "mouse_move")));
 }
@@ -377,26 +378,22 @@ TEST(CommandRouter, CountsAMissingDeltaAsZero) {
     rig.router.handle({.command = "move", .type = "mouse_move", .dy = 9.0});
     rig.router.handle({.command = "move", .type = "mouse_move"});
     rig.main.runAll();
-    ASSERT_EQ(rig.input.posted.size(), 3U);
-    EXPECT_EQ(rig.input.posted[0].position, (Point{107, 200}));
-    EXPECT_EQ(rig.input.posted[1].position, (Point{107, 209}));
-    EXPECT_EQ(rig.input.posted[2].position, (Point{107, 209}));
+    EXPECT_THAT(rig.input.posted,
+                ElementsAre(Input(MovedPointer{7, 0}), Input(MovedPointer{0, 9}), Input(MovedPointer{0, 0})));
 }
 
 TEST(CommandRouter, PostsAMoveByNothing) {
     Rig rig;
     rig.router.handle({.command = "move", .type = "mouse_move", .dx = 0.0, .dy = 0.0});
     rig.main.runAll();
-    ASSERT_EQ(rig.input.posted.size(), 1U);
-    EXPECT_EQ(rig.input.posted[0].mouseType, MouseEventType::moved);
+    EXPECT_THAT(rig.input.posted, ElementsAre(Input(MovedPointer{0, 0})));
 }
 
 TEST(CommandRouter, NeverReadsTheCommandOfAMove) {
     Rig rig;
     rig.handle("key_left", "mouse_move");
     rig.main.runAll();
-    ASSERT_EQ(rig.input.posted.size(), 1U);
-    EXPECT_EQ(rig.input.posted[0].kind, Kind::mouse);
+    EXPECT_THAT(rig.input.posted, ElementsAre(Input(MovedPointer{0, 0})));
 }
 
 TEST(CommandRouter, ClicksOnTheMainQueue) {
@@ -409,8 +406,7 @@ TEST(CommandRouter, ClicksOnTheMainQueue) {
     }
     EXPECT_THAT(rig.input.posted, IsEmpty());
     EXPECT_EQ(rig.main.runAll(), 1U);
-    ASSERT_EQ(rig.input.posted.size(), 2U);
-    EXPECT_EQ(rig.input.posted[0].mouseType, MouseEventType::rightDown);
+    EXPECT_THAT(rig.input.posted, ElementsAre(Input(MouseButton::right)));
     EXPECT_EQ(rig.accessibility.checks, 0);
 }
 
@@ -418,8 +414,7 @@ TEST(CommandRouter, ClicksLeftWhenNoButtonIsNamed) {
     Rig rig;
     rig.handle("click", "mouse_click");
     rig.main.runAll();
-    ASSERT_EQ(rig.input.posted.size(), 2U);
-    EXPECT_EQ(rig.input.posted[0].mouseType, MouseEventType::leftDown);
+    EXPECT_THAT(rig.input.posted, ElementsAre(Input(MouseButton::left)));
 }
 
 // Addresses.
@@ -432,7 +427,6 @@ TEST(CommandRouter, OpensAnAddressOnTheMainQueue) {
     rig.main.runAll();
     ASSERT_EQ(rig.scripts.scripts.size(), 1U);
     EXPECT_EQ(rig.scripts.scripts[0].action, SystemScript::Action::openLocation);
-    EXPECT_EQ(rig.scripts.scripts[0].sourceText, "open location \"https://example.org/?a=b&c=d\"");
     EXPECT_EQ(rig.scripts.scripts[0].address, "https://example.org/?a=b&c=d");
     EXPECT_EQ(rig.accessibility.checks, 0);
 }
@@ -465,12 +459,10 @@ TEST(CommandRouter, LetsAKeyPassAnEarlierClick) {
     rig.handle("click", "mouse_click");
     rig.router.handle({.command = "move", .type = "mouse_move", .dx = 1.0});
     rig.handle("key_left");
-    ASSERT_EQ(rig.input.posted.size(), 2U);
+    expectKey(rig.input, Key::left);
     rig.main.runAll();
-    ASSERT_EQ(rig.input.posted.size(), 5U);
-    EXPECT_EQ(rig.input.posted[0].kind, Kind::keyboard);
-    EXPECT_EQ(rig.input.posted[2].mouseType, MouseEventType::leftDown);
-    EXPECT_EQ(rig.input.posted[4].mouseType, MouseEventType::moved);
+    EXPECT_THAT(rig.input.posted, ElementsAre(Input(PressedKey{Key::left, {}}), Input(MouseButton::left),
+                                              Input(MovedPointer{1, 0})));
 }
 
 TEST(CommandRouter, LogsTheErrorOfAScriptOnceItHasRun) {

@@ -84,7 +84,7 @@ TEST_F(AppDelegateTest, TheMenuHasItsFifteenEntries) {
         std::string title, key;
         int tag;
         bool isEnabled, isSeparator;
-        std::string selector;
+        std::string operation;
     };
     const std::vector<Expected> expected{
         {"Velloway", "", 0, false, false, ""},
@@ -101,7 +101,7 @@ TEST_F(AppDelegateTest, TheMenuHasItsFifteenEntries) {
         {"Settings…", ",", 0, true, false, "onMenuSettings"},
         {"Info…", "i", 0, true, false, "onMenuInfo"},
         {"", "", 0, true, true, ""},
-        {"Quit Velloway", "q", 0, true, false, "terminate:"},
+        {"Quit Velloway", "q", 0, true, false, ""},
     };
     ASSERT_EQ(on.statusItem.menu.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {
@@ -111,7 +111,7 @@ TEST_F(AppDelegateTest, TheMenuHasItsFifteenEntries) {
         EXPECT_EQ(item.tag, expected[i].tag);
         EXPECT_EQ(item.isEnabled, expected[i].isEnabled);
         EXPECT_EQ(item.isSeparator, expected[i].isSeparator);
-        EXPECT_EQ(item.selector, expected[i].selector);
+        EXPECT_EQ(item.operation, expected[i].operation);
     }
 }
 
@@ -263,11 +263,8 @@ TEST_F(AppDelegateTest, TheMainWindowIsBuiltOnceWithItsProperties) {
                                                   "main window makeKeyAndOrderFront", "activate"));
     const MainWindowProperties& properties = on.windows.mainProperties.at(0);
     EXPECT_EQ(properties.title, "Velloway Settings");
-    EXPECT_EQ(properties.contentRect, (Rect{0, 0, 850, 550}));
-    EXPECT_EQ(properties.styleMask, 1u | 2u | 4u | 8u);
-    EXPECT_EQ(properties.minWidth, 800);
-    EXPECT_EQ(properties.minHeight, 500);
-    EXPECT_FALSE(properties.isReleasedWhenClosed);
+    EXPECT_EQ(properties.size, (Size{850, 550}));
+    EXPECT_EQ(properties.minimumSize, (Size{800, 500}));
 
     on.journal.take();
     program.delegate().showSettings(1);
@@ -346,17 +343,20 @@ TEST_F(AppDelegateTest, AnErrorWithoutAGrantIsLoggedAndAlerted) {
     EXPECT_EQ(on.application.alerts.size(), 1u);
 }
 
-class AppDelegateQuietStatusTest : public AppDelegateTest, public testing::WithParamInterface<int> {};
+class AppDelegateQuietStatusTest : public AppDelegateTest,
+                                   public testing::WithParamInterface<AuthorizationStatus> {};
 
 TEST_P(AppDelegateQuietStatusTest, NeedsNoQuestion) {
     launch();
-    on.notificationCenter.answerStatus(static_cast<AuthorizationStatus>(GetParam()));
+    on.notificationCenter.answerStatus(GetParam());
     on.drain();
     EXPECT_THAT(on.application.alerts, IsEmpty());
     EXPECT_THAT(on.notificationCenter.authorizationQueries, IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Statuses, AppDelegateQuietStatusTest, testing::Values(2, 3, 4, 5, -1));
+INSTANTIATE_TEST_SUITE_P(Statuses, AppDelegateQuietStatusTest,
+                         testing::Values(AuthorizationStatus::authorized, AuthorizationStatus::provisional,
+                                         AuthorizationStatus::ephemeral, AuthorizationStatus::unknown));
 
 TEST_F(AppDelegateTest, ADeniedPermissionAlertsAtEveryLaunch) {
     for (int count = 1; count <= 2; ++count) {
@@ -369,7 +369,7 @@ TEST_F(AppDelegateTest, ADeniedPermissionAlertsAtEveryLaunch) {
 
 TEST_F(AppDelegateTest, OpeningTheSettingsFromTheAlertGivesTheAccessoryFaceBackShortlyAfter) {
     launch();
-    on.application.alertAnswer = Application::alertFirstButtonReturn;
+    on.application.alertAnswer = 0;
     on.journal.take();
     on.notificationCenter.answerStatus(AuthorizationStatus::denied);
     on.drain();
@@ -394,7 +394,7 @@ TEST_F(AppDelegateTest, TheOtherButtonOpensNothing) {
 TEST_F(AppDelegateTest, WithTheMainWindowOpenTheApplicationStaysRegularAfterTheAlert) {
     launch();
     program.delegate().showSettings(0);
-    on.application.alertAnswer = Application::alertFirstButtonReturn;
+    on.application.alertAnswer = 0;
     on.notificationCenter.answerStatus(AuthorizationStatus::denied);
     on.drain();
     on.main.advance(1s);
@@ -471,7 +471,8 @@ TEST_F(AppDelegateResponseTest, EveryNotificationIsPresentedAlike) {
         unsigned options = 0;
         program.delegate().willPresent({.identifier = "x", .content = {.categoryIdentifier = category}},
                                        [&](unsigned given) { options = given; });
-        EXPECT_EQ(options, 0x10u | 2u | 1u);
+        EXPECT_EQ(options,
+                  presentationOptions::banner | presentationOptions::sound | presentationOptions::badge);
     }
 }
 

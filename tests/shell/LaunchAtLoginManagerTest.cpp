@@ -19,9 +19,10 @@ protected:
 };
 
 TEST_F(LaunchAtLoginManagerTest, IsEnabledInThatOneStatusOnly) {
-    for (int status = -1; status <= 4; ++status) {
-        item.current = static_cast<LoginItemStatus>(status);
-        EXPECT_EQ(manager.isEnabled(), status == 1) << status;
+    for (const auto status : {LoginItemStatus::notRegistered, LoginItemStatus::enabled,
+                              LoginItemStatus::requiresApproval, LoginItemStatus::notFound}) {
+        item.current = status;
+        EXPECT_EQ(manager.isEnabled(), status == LoginItemStatus::enabled);
     }
 }
 

@@ -27,7 +27,7 @@ protected:
 
 TEST_F(MainWindowTest, ShowsTheTabsOnTheTabThatWasAskedFor) {
     program.delegate().showSettings(5);
-    EXPECT_EQ(view().tabContent(), TabContent::fileDrop);
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::fileDrop);
     EXPECT_EQ(view().history.get(), &program.historyStore());
 }
 
@@ -36,7 +36,7 @@ TEST_F(MainWindowTest, AnOpenWindowFollowsToAnotherTab) {
     const SettingsView* before = &view();
     program.delegate().showSettings(2);
     EXPECT_EQ(&view(), before);
-    EXPECT_EQ(view().tabContent(), TabContent::sendSms);
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
 }
 
 TEST_F(MainWindowTest, AClosedWindowComesBackTheSameAndWhereItWas) {
@@ -64,14 +64,14 @@ TEST_F(MainWindowTest, ComingToTheFrontReadsTheAccessibilityForTheOpenView) {
 
 TEST_F(MainWindowTest, TheLoginSwitchReachesTheSystem) {
     program.delegate().showSettings(0);
-    view().launchAtLogin.set(true);
+    view().settings.launchAtLogin.set(true);
     EXPECT_EQ(on.loginItem.current, LoginItemStatus::enabled);
 }
 
 TEST_F(MainWindowTest, TheLocalAddressIsThatOfTheHost) {
     on.host.interfaces = {{{.name = "en0", .flags = 0x41, .addressFamily = 2, .numericAddress = "10.1.2.3"}}};
     program.delegate().showSettings(0);
-    EXPECT_EQ(view().localIP(), "10.1.2.3");
+    EXPECT_EQ(view().settings.localIP.get(), "10.1.2.3");
 }
 
 TEST_F(MainWindowTest, ARingingCallOpensAPanelAndLeavesTheApplicationsFaceAlone) {

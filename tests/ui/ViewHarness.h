@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Program.h"
-#include "bridge/SettingsBridge.h"
+#include "bridge/MainBridge.h"
 #include "bridge/Views.h"
 #include "desktop/WaitFor.h"
 #include "fakes/FakePlatform.h"
@@ -67,24 +67,7 @@ template <class Wait> void waitForFrame(ContentView& of, Wait wait) {
 /// connected from the start.
 class ViewHarness {
 public:
-    ViewHarness()
-        : program(Platform{.mainQueue = on.main,
-                           .serverQueue = on.server,
-                           .network = on.network,
-                           .userDefaults = on.userDefaults,
-                           .notificationCenter = on.notificationCenter,
-                           .pasteboard = on.pasteboard,
-                           .inputEvents = on.input,
-                           .scripts = on.scripts,
-                           .accessibility = on.accessibility,
-                           .loginItem = on.loginItem,
-                           .statusItem = on.statusItem,
-                           .application = on.application,
-                           .windows = windows,
-                           .workspace = on.workspace,
-                           .host = on.host,
-                           .log = on.log},
-                  [] {}) {
+    ViewHarness() : program(on.platform(windows), [] {}) {
         program.delegate().applicationDidFinishLaunching();
         on.drain();
         on.network.listener().report(ListenerState::ready);
@@ -183,7 +166,7 @@ public:
     /// The state behind the main window.
     SettingsView& state() {
         auto* bridge = openWindow().rootObject()->property("bridge").value<QObject*>();
-        return qobject_cast<SettingsBridge*>(bridge)->view();
+        return qobject_cast<MainBridge*>(bridge)->view();
     }
 
     /// Those that are visible, from top to bottom.

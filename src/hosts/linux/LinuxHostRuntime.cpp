@@ -1,16 +1,18 @@
 #include "hosts/HostRuntime.h"
 #include "hosts/linux/desktop/LinuxDesktop.h"
 #include "hosts/linux/desktop/LinuxScripts.h"
-#include "hosts/linux/input/LinuxAccessibility.h"
-#include "hosts/linux/input/LinuxInputEvents.h"
+#include "hosts/linux/input/LinuxInput.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 #include "hosts/linux/windows/QtWindows.h"
 #include "hosts/linux/windows/ViewsLibrary.h"
+#include "hosts/posix/PosixFiles.h"
+#include "remote/SystemScripts.h"
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -19,12 +21,15 @@ namespace velloway {
 
 namespace {
 
+/// How long the end of the program waits for the running job of the server queue.
+constexpr std::chrono::milliseconds longestLastJob{250};
+
 bool isSet(const char* variable) {
     const char* value = std::getenv(variable);
     return value != nullptr && *value != '\0';
 }
 
-/// Qt, finding none, would abort the process with advice for programmers.
+/// Without a display Qt would abort the process with advice for programmers.
 bool hasScreen() {
     if (isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM")) {
         return true; // Qt knows better how to look there.
@@ -35,46 +40,53 @@ bool hasScreen() {
     return isThere;
 }
 
+/// Every port of this host.
+struct LinuxPorts : LinuxDesktop {
+    using LinuxDesktop::LinuxDesktop;
+
+    LinuxUserNotificationCenter notificationCenter{mainQueue};
+    std::unique_ptr<LinuxInput> input = makeLinuxInput();
+    InputEvents& inputEvents = *input;
+    Accessibility& accessibility = *input;
+    LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
+    PosixFiles files;
+    QtWindows windows{[this] { return loadViewsLibrary(log); }};
+    // Last, because its jobs may use everything above.
+    AsioQueue serverQueue{"ws.server",
+                          {.began =
+                               [] {
+                                   StandardOutputLog::gatherOnThisThread();
+                                   QtMainQueue::gatherOnThisThread();
+                               },
+                           .ended =
+                               [this] {
+                                   log.flush();
+                                   mainQueue.flush();
+                               }}};
+    LinuxNetwork network{serverQueue};
+};
+
 class LinuxHostRuntime : public HostRuntime {
 public:
-    LinuxHostRuntime(int& argc, char** argv) : desktop_(argc, argv) {}
+    LinuxHostRuntime(int& argc, char** argv) : ports_(argc, argv) {}
 
-    SingleInstance::Outcome claimSession() { return desktop_.claimSession(); }
+    SingleInstance::Outcome claimSession() { return ports_.claimSession(); }
 
-    Platform platform() override {
-        return {.mainQueue = desktop_.mainQueue,
-                .serverQueue = serverQueue_,
-                .network = network_,
-                .userDefaults = desktop_.userDefaults,
-                .notificationCenter = notificationCenter_,
-                .pasteboard = desktop_.pasteboard,
-                .inputEvents = inputEvents_,
-                .scripts = scripts_,
-                .accessibility = accessibility_,
-                .loginItem = desktop_.loginItem,
-                .statusItem = desktop_.statusItem,
-                .application = desktop_.application,
-                .windows = windows_,
-                .workspace = desktop_.workspace,
-                .host = desktop_.host,
-                .log = desktop_.log};
+    Platform platform() override { return platformOf(ports_); }
+    int run(ApplicationDelegate& delegate) override {
+        const int exitCode = ports_.run(delegate);
+        if (!ports_.serverQueue.end(longestLastJob)) {
+            // The file that is being read may be large, or lie on a disk that does not answer.
+            ports_.log.flush();
+            std::_Exit(exitCode);
+        }
+        ports_.mainQueue.end();
+        return exitCode;
     }
-    int run(ApplicationDelegate& delegate) override { return desktop_.run(delegate); }
-    void terminate() override { desktop_.terminate(); }
+    void terminate() override { ports_.terminate(); }
 
 private:
-    LinuxDesktop desktop_;
-    LinuxUserNotificationCenter notificationCenter_{desktop_.mainQueue};
-    std::unique_ptr<InputBackend> inputBackend_ = makeInputBackend();
-    LinuxInputEvents inputEvents_{*inputBackend_};
-    LinuxAccessibility accessibility_{*inputBackend_};
-    LinuxScripts scripts_{[this](const std::string& error) {
-        desktop_.log.line({"[WebSocketServer] AppleScript Error: ", error});
-    }};
-    QtWindows windows_{[this] { return loadViewsLibrary(desktop_.log); }};
-    // Last, so that its thread ends first: jobs there may use all of the above.
-    AsioQueue serverQueue_{"ws.server"};
-    LinuxNetwork network_{serverQueue_};
+    LinuxPorts ports_;
 };
 
 } // namespace
@@ -82,7 +94,7 @@ private:
 HostStart makeHost(int& argc, char** argv) {
     if (!hasScreen()) {
         std::fputs("Velloway needs a desktop: neither DISPLAY nor WAYLAND_DISPLAY leads to one\n", stderr);
-        return {.answer = 1};
+        return {.exitCode = 1};
     }
     auto runtime = std::make_unique<LinuxHostRuntime>(argc, argv);
     switch (runtime->claimSession()) {
@@ -94,7 +106,7 @@ HostStart makeHost(int& argc, char** argv) {
         break;
     }
     std::fputs("Velloway is already running but does not answer\n", stderr);
-    return {.answer = 1};
+    return {.exitCode = 1};
 }
 
 } // namespace velloway

@@ -17,7 +17,7 @@ public:
 
     void setServicesProvider(ServicesProvider* provider) override;
     void setActivationPolicy(ActivationPolicy policy) override;
-    void activate(bool ignoringOtherApps) override;
+    void activate() override;
     int runModal(const Alert& alert) override;
 
     /// Ends the process, with no question to anybody.

@@ -6,6 +6,22 @@
 
 namespace velloway {
 
+namespace {
+
+NSAlertStyle nativeStyle(Alert::Style style) {
+    switch (style) {
+    case Alert::Style::warning:
+        break;
+    case Alert::Style::informational:
+        return NSAlertStyleInformational;
+    case Alert::Style::critical:
+        return NSAlertStyleCritical;
+    }
+    return NSAlertStyleWarning;
+}
+
+} // namespace
+
 struct MacApplication::Native {
     id activationObserver;
 };
@@ -36,24 +52,26 @@ void MacApplication::setServicesProvider(ServicesProvider* provider) {
 }
 
 void MacApplication::setActivationPolicy(ActivationPolicy policy) {
-    [NSApplication.sharedApplication setActivationPolicy:static_cast<NSApplicationActivationPolicy>(policy)];
+    [NSApplication.sharedApplication setActivationPolicy:policy == ActivationPolicy::regular
+                                                             ? NSApplicationActivationPolicyRegular
+                                                             : NSApplicationActivationPolicyAccessory];
 }
 
-void MacApplication::activate(bool ignoringOtherApps) {
-    [NSApplication.sharedApplication activateIgnoringOtherApps:ignoringOtherApps ? YES : NO];
+void MacApplication::activate() {
+    [NSApplication.sharedApplication activateIgnoringOtherApps:YES];
 }
 
 int MacApplication::runModal(const Alert& alert) {
     NSAlert* native = [[NSAlert alloc] init];
     native.messageText = nsString(alert.messageText);
     native.informativeText = nsString(alert.informativeText);
-    native.alertStyle = static_cast<NSAlertStyle>(alert.style);
+    native.alertStyle = nativeStyle(alert.style);
     for (const std::string& title : alert.buttons) {
         [native addButtonWithTitle:nsString(title)];
     }
     // Nothing holds up the end of the process.
     native.window.preventsApplicationTerminationWhenModal = NO;
-    return static_cast<int>([native runModal]);
+    return static_cast<int>([native runModal] - NSAlertFirstButtonReturn);
 }
 
 void MacApplication::terminate() {

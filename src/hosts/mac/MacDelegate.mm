@@ -58,6 +58,14 @@ NotificationRequest requestFrom(UNNotificationRequest* request) {
                         .categoryIdentifier = stdString(content.categoryIdentifier)}};
 }
 
+UNNotificationPresentationOptions nativeOptions(unsigned options) {
+    UNNotificationPresentationOptions native = 0;
+    native |= (options & presentationOptions::badge) != 0 ? UNNotificationPresentationOptionBadge : 0;
+    native |= (options & presentationOptions::sound) != 0 ? UNNotificationPresentationOptionSound : 0;
+    native |= (options & presentationOptions::banner) != 0 ? UNNotificationPresentationOptionBanner : 0;
+    return native;
+}
+
 } // namespace
 
 @implementation VellowayDelegate {
@@ -158,8 +166,9 @@ NotificationRequest requestFrom(UNNotificationRequest* request) {
         completionHandler(0);
         return;
     }
-    _calls->notifications->willPresent(requestFrom(notification.request),
-                                       [completionHandler](unsigned options) { completionHandler(options); });
+    _calls->notifications->willPresent(
+        requestFrom(notification.request),
+        [completionHandler](unsigned options) { completionHandler(nativeOptions(options)); });
 }
 
 @end

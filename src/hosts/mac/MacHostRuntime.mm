@@ -15,6 +15,7 @@
 #include "hosts/mac/MacWindows.h"
 #include "hosts/mac/MacWorkspace.h"
 #include "hosts/mac/QtSurface.h"
+#include "hosts/posix/PosixFiles.h"
 #include "hosts/qt/QtMainQueue.h"
 #include "hosts/qt/StandardOutputLog.h"
 
@@ -49,62 +50,53 @@ protected:
     }
 };
 
-class MacHostRuntime final : public HostRuntime {
-public:
-    MacHostRuntime(int& argc, char** argv) : qtApplication_(argc, argv) {
+/// Every port of this host, in the order in which they must come to be.
+struct MacPorts {
+    MacPorts(int& argc, char** argv) : qtApplication(argc, argv) {
         QCoreApplication::setApplicationName(QStringLiteral("Velloway"));
         QGuiApplication::setQuitOnLastWindowClosed(false);
     }
 
-    Platform platform() override {
-        return {.mainQueue = mainQueue_,
-                .serverQueue = serverQueue_,
-                .network = network_,
-                .userDefaults = userDefaults_,
-                .notificationCenter = notificationCenter_,
-                .pasteboard = pasteboard_,
-                .inputEvents = inputEvents_,
-                .scripts = scripts_,
-                .accessibility = accessibility_,
-                .loginItem = loginItem_,
-                .statusItem = statusItem_,
-                .application = application_,
-                .windows = windows_,
-                .workspace = workspace_,
-                .host = host_,
-                .log = log_};
-    }
+    StandardOutputLog log;
+    BackgroundStart backgroundStart;
+    MacDelegate delegate;
+    MacApplication application{delegate};
+    EndingApplication qtApplication;
+    QtMainQueue mainQueue;
+    MacHost host;
+    PosixFiles files;
+    MacUserDefaults userDefaults;
+    MacUserNotificationCenter notificationCenter{delegate};
+    MacPasteboard pasteboard;
+    MacInputEvents inputEvents;
+    MacScripts scripts;
+    MacAccessibility accessibility;
+    MacLoginItem loginItem;
+    MacStatusItem statusItem{delegate};
+    QtSurfaces surfaces{std::make_shared<MacSystemImages>()};
+    MacWindows windows{delegate, [this](std::shared_ptr<WindowContent> content, MacWindows::Look look) {
+                           return surfaces.make(std::move(content), look);
+                       }};
+    MacWorkspace workspace;
+    MacDispatchQueue serverQueue{"ws.server"};
+    MacNetwork network;
+};
+
+class MacHostRuntime final : public HostRuntime {
+public:
+    MacHostRuntime(int& argc, char** argv) : ports_(argc, argv) {}
+
+    Platform platform() override { return platformOf(ports_); }
     int run(ApplicationDelegate& delegate) override {
-        delegate_.application = &delegate;
+        ports_.delegate.application = &delegate;
         const int answer = QApplication::exec();
-        delegate_.application = nullptr;
+        ports_.delegate.application = nullptr;
         return answer;
     }
-    void terminate() override { application_.terminate(); }
+    void terminate() override { ports_.application.terminate(); }
 
 private:
-    StandardOutputLog log_;
-    BackgroundStart backgroundStart_;
-    MacDelegate delegate_;
-    MacApplication application_{delegate_};
-    EndingApplication qtApplication_;
-    QtMainQueue mainQueue_;
-    MacHost host_;
-    MacUserDefaults userDefaults_;
-    MacUserNotificationCenter notificationCenter_{delegate_};
-    MacPasteboard pasteboard_;
-    MacInputEvents inputEvents_;
-    MacScripts scripts_;
-    MacAccessibility accessibility_;
-    MacLoginItem loginItem_;
-    MacStatusItem statusItem_{delegate_};
-    QtSurfaces surfaces_{std::make_shared<MacSystemImages>()};
-    MacWindows windows_{delegate_, [this](std::shared_ptr<WindowContent> content, MacWindows::Look look) {
-                            return surfaces_.make(std::move(content), look);
-                        }};
-    MacWorkspace workspace_;
-    MacDispatchQueue serverQueue_{"ws.server"};
-    MacNetwork network_;
+    MacPorts ports_;
 };
 
 } // namespace

@@ -5,18 +5,16 @@
 namespace velloway {
 
 /// Synthetic input at the tap where hardware events enter. The system drops it silently while this process is
-/// not trusted.
+/// not trusted. An event that can't be made ends the operation without a word.
 class MacInputEvents final : public InputEvents {
 public:
-    std::unique_ptr<EventSource> makeSource(EventSourceState state) override;
-    std::unique_ptr<InputEvent> makeKeyboardEvent(EventSource& source, std::uint16_t virtualKey,
-                                                  bool keyDown) override;
-    std::unique_ptr<InputEvent> makeEvent() override;
-    std::unique_ptr<InputEvent> makeMouseEvent(MouseEventType type, Point position,
-                                               MouseButton button) override;
-    std::unique_ptr<InputEvent> makeSystemDefinedEvent(std::uint64_t modifierFlags, std::int16_t subtype,
-                                                       std::int64_t data1, std::int64_t data2) override;
-    void post(InputEvent& event) override;
+    /// Modifiers exist only as flags on the press and the release of the key.
+    void pressKey(Key key, Modifiers modifiers) override;
+    /// The whole text is on one press, which stays posted when its release can't be made.
+    void typeText(std::string_view text) override;
+    void pressMediaKey(MediaKey key) override;
+    void movePointer(double dx, double dy) override;
+    void click(MouseButton button) override;
 };
 
 } // namespace velloway

@@ -15,7 +15,17 @@ std::optional<std::string> failure(BOOL hasWorked, NSError* error) {
 } // namespace
 
 LoginItemStatus MacLoginItem::status() const {
-    return static_cast<LoginItemStatus>(SMAppService.mainAppService.status);
+    switch (SMAppService.mainAppService.status) {
+    case SMAppServiceStatusEnabled:
+        return LoginItemStatus::enabled;
+    case SMAppServiceStatusRequiresApproval:
+        return LoginItemStatus::requiresApproval;
+    case SMAppServiceStatusNotFound:
+        return LoginItemStatus::notFound;
+    case SMAppServiceStatusNotRegistered:
+        break;
+    }
+    return LoginItemStatus::notRegistered;
 }
 
 std::optional<std::string> MacLoginItem::registerItem() {

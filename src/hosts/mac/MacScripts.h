@@ -4,8 +4,8 @@
 
 namespace velloway {
 
-/// Runs the source text in this process. The first script for another application makes the system ask the
-/// user, and waits for the answer.
+/// Runs each action as a script text in this process, to its end. The first script for another application
+/// makes the system ask the user, and waits for the answer.
 class MacScripts final : public Scripts {
 public:
     std::optional<std::string> run(const SystemScript& script) override;

@@ -23,7 +23,7 @@ NSImage* nativeImage(const StatusImage& image) {
 SEL actionOf(const MenuItem& item) {
     switch (item.action) {
     case MenuItem::Action::call:
-        return NSSelectorFromString(nsString(item.selector));
+        return NSSelectorFromString(nsString(item.operation));
     case MenuItem::Action::terminate:
         return @selector(terminate:);
     case MenuItem::Action::none:
@@ -96,7 +96,7 @@ void MacStatusItem::setMenu(const std::vector<MenuItem>& items) {
         delegate_.menuActions.clear();
         for (const MenuItem& item : items) {
             if (item.action == MenuItem::Action::call) {
-                delegate_.menuActions[item.selector] = item.onChosen;
+                delegate_.menuActions[item.operation] = item.onChosen;
             }
             [menu addItem:nativeItem(item, (__bridge id)delegate_.object())];
         }

@@ -52,6 +52,30 @@ UNNotificationCategory* nativeCategory(const NotificationCategory& category) {
                                                   options:UNNotificationCategoryOptionNone];
 }
 
+AuthorizationStatus statusFrom(UNAuthorizationStatus status) {
+    switch (status) {
+    case UNAuthorizationStatusNotDetermined:
+        return AuthorizationStatus::notDetermined;
+    case UNAuthorizationStatusDenied:
+        return AuthorizationStatus::denied;
+    case UNAuthorizationStatusAuthorized:
+        return AuthorizationStatus::authorized;
+    case UNAuthorizationStatusProvisional:
+        return AuthorizationStatus::provisional;
+    case UNAuthorizationStatusEphemeral:
+        return AuthorizationStatus::ephemeral;
+    }
+    return AuthorizationStatus::unknown;
+}
+
+UNAuthorizationOptions nativeOptions(unsigned options) {
+    UNAuthorizationOptions native = 0;
+    native |= (options & authorizationOptions::badge) != 0 ? UNAuthorizationOptionBadge : 0;
+    native |= (options & authorizationOptions::sound) != 0 ? UNAuthorizationOptionSound : 0;
+    native |= (options & authorizationOptions::alert) != 0 ? UNAuthorizationOptionAlert : 0;
+    return native;
+}
+
 } // namespace
 
 void MacUserNotificationCenter::setDelegate(UserNotificationCenterDelegate* delegate) {
@@ -91,13 +115,13 @@ void MacUserNotificationCenter::removePending(const std::vector<std::string>& id
 
 void MacUserNotificationCenter::getAuthorizationStatus(std::function<void(AuthorizationStatus)> completion) {
     [center() getNotificationSettingsWithCompletionHandler:^(UNNotificationSettings* settings) {
-      completion(static_cast<AuthorizationStatus>(settings.authorizationStatus));
+      completion(statusFrom(settings.authorizationStatus));
     }];
 }
 
 void MacUserNotificationCenter::requestAuthorization(
     unsigned options, std::function<void(bool granted, const std::optional<std::string>& error)> completion) {
-    [center() requestAuthorizationWithOptions:options
+    [center() requestAuthorizationWithOptions:nativeOptions(options)
                             completionHandler:^(BOOL granted, NSError* error) {
                               completion(granted != NO, textOf(error));
                             }];

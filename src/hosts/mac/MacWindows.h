@@ -29,7 +29,7 @@ public:
 
     MacWindows(MacDelegate& delegate, MakeSurface makeSurface);
 
-    /// There can be one: closing it is told to the delegate of the process.
+    /// There can be one: the delegate of the process reports its closing.
     std::shared_ptr<Window> makeMainWindow(const MainWindowProperties& properties,
                                            std::shared_ptr<WindowContent> content,
                                            std::function<void()> onClose) override;

@@ -10,8 +10,8 @@ namespace {
 
 constexpr CGFloat cornerRadius = 12;
 
-NSRect nativeRect(const Rect& rect) {
-    return {{rect.x, rect.y}, {rect.width, rect.height}};
+NSRect contentRect(const Size& size) {
+    return {{0, 0}, {size.width, size.height}};
 }
 
 /// Lets the view fill `holder`, also when that changes its size.
@@ -22,9 +22,9 @@ void fill(NSView* holder, NSView* view) {
 }
 
 /// What shines through behind a panel.
-NSVisualEffectView* makeBackground(const Rect& contentRect) {
+NSVisualEffectView* makeBackground(const Size& size) {
     NSVisualEffectView* background = [[NSVisualEffectView alloc] init];
-    background.frame = NSRect{{0, 0}, {contentRect.width, contentRect.height}};
+    background.frame = contentRect(size);
     background.bounds = background.frame;
     background.material = NSVisualEffectMaterialHUDWindow;
     background.blendingMode = NSVisualEffectBlendingModeBehindWindow;
@@ -35,24 +35,26 @@ NSVisualEffectView* makeBackground(const Rect& contentRect) {
     return background;
 }
 
-void apply(const PanelProperties& properties, NSPanel* panel) {
-    panel.floatingPanel = properties.isFloatingPanel;
-    panel.level = properties.level;
-    if (properties.becomesKeyOnlyIfNeeded) {
-        panel.becomesKeyOnlyIfNeeded = *properties.becomesKeyOnlyIfNeeded;
+/// Everything that is not the platform's own default, in the order in which it must be set: floating sets
+/// another level. A running call leaves two properties as they are.
+void apply(PanelKind kind, NSPanel* panel) {
+    const bool isRinging = kind == PanelKind::ringingCall;
+    panel.floatingPanel = YES;
+    panel.level = NSStatusWindowLevel;
+    if (isRinging) {
+        panel.becomesKeyOnlyIfNeeded = YES;
     }
-    panel.collectionBehavior = properties.collectionBehavior;
-    panel.movableByWindowBackground = properties.isMovableByWindowBackground;
-    panel.hasShadow = properties.hasShadow;
-    if (properties.hasClearBackground) {
-        panel.backgroundColor = NSColor.clearColor;
-    }
-    panel.opaque = properties.isOpaque;
-    panel.titlebarAppearsTransparent = properties.titlebarAppearsTransparent;
-    panel.titleVisibility = properties.titleIsHidden ? NSWindowTitleHidden : NSWindowTitleVisible;
-    panel.releasedWhenClosed = properties.isReleasedWhenClosed;
-    if (properties.hidesOnDeactivate) {
-        panel.hidesOnDeactivate = *properties.hidesOnDeactivate;
+    panel.collectionBehavior =
+        NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorFullScreenAuxiliary;
+    panel.movableByWindowBackground = YES;
+    panel.hasShadow = YES;
+    panel.backgroundColor = NSColor.clearColor;
+    panel.opaque = NO;
+    panel.titlebarAppearsTransparent = YES;
+    panel.titleVisibility = NSWindowTitleHidden;
+    panel.releasedWhenClosed = NO;
+    if (isRinging) {
+        panel.hidesOnDeactivate = NO;
     }
 }
 
@@ -118,10 +120,12 @@ MacWindows::MacWindows(MacDelegate& delegate, MakeSurface makeSurface)
 std::shared_ptr<Window> MacWindows::makeMainWindow(const MainWindowProperties& properties,
                                                    std::shared_ptr<WindowContent> content,
                                                    std::function<void()> onClose) {
-    NSWindow* window = [[NSWindow alloc] initWithContentRect:nativeRect(properties.contentRect)
-                                                   styleMask:properties.styleMask
-                                                     backing:NSBackingStoreBuffered
-                                                       defer:NO];
+    NSWindow* window =
+        [[NSWindow alloc] initWithContentRect:contentRect(properties.size)
+                                    styleMask:NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
+                                              NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskResizable
+                                      backing:NSBackingStoreBuffered
+                                        defer:NO];
     window.title = nsString(properties.title);
     const std::shared_ptr<ContentSurface> surface = makeSurface_(std::move(content), Look::opaque);
     fill(window.contentView, viewOf(*surface));
@@ -132,20 +136,21 @@ std::shared_ptr<Window> MacWindows::makeMainWindow(const MainWindowProperties& p
         onClose();
     };
     window.delegate = (__bridge id<NSWindowDelegate>)delegate_.object();
-    window.releasedWhenClosed = properties.isReleasedWhenClosed;
-    window.minSize = NSSize{properties.minWidth, properties.minHeight};
+    window.releasedWhenClosed = NO;
+    window.minSize = NSSize{properties.minimumSize.width, properties.minimumSize.height};
     return std::make_shared<MacWindow>(window, surface);
 }
 
 std::shared_ptr<Window> MacWindows::makePanel(const PanelProperties& properties,
                                               std::shared_ptr<WindowContent> content) {
-    NSPanel* panel = [[NSPanel alloc] initWithContentRect:nativeRect(properties.contentRect)
-                                                styleMask:properties.styleMask
-                                                  backing:NSBackingStoreBuffered
-                                                    defer:NO];
-    apply(properties, panel);
+    NSPanel* panel = [[NSPanel alloc]
+        initWithContentRect:contentRect(properties.size)
+                  styleMask:NSWindowStyleMaskNonactivatingPanel | NSWindowStyleMaskFullSizeContentView
+                    backing:NSBackingStoreBuffered
+                      defer:NO];
+    apply(properties.kind, panel);
     auto surface = makeSurface_(std::move(content), Look::translucent);
-    NSVisualEffectView* background = makeBackground(properties.contentRect);
+    NSVisualEffectView* background = makeBackground(properties.size);
     fill(background, viewOf(*surface));
     panel.contentView = background;
     // A press that reaches the view no longer reaches the window under it, which would drag it.

@@ -94,8 +94,8 @@ private:
 
 class LinuxActions : public ::testing::Test {
 protected:
-    void run(Action action, std::string_view address = {}) {
-        runScript(scripts_, log_, makeSystemScript(action, address));
+    void run(Action action, std::string address = {}) {
+        runScript(scripts_, log_, {.action = action, .address = std::move(address)});
     }
     bool logs(std::size_t count) {
         return waitFor([&] { return log_.lines().size() >= count; });

@@ -1,6 +1,4 @@
-#include "hosts/linux/input/InputBackend.h"
-#include "hosts/linux/input/LinuxAccessibility.h"
-#include "hosts/linux/input/LinuxInputEvents.h"
+#include "hosts/linux/input/LinuxInput.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +12,7 @@ namespace {
 
 using Variables = std::map<std::string, std::string>;
 
-/// Sets these variables and unsets the other two that tell a session's kind; puts all back at the end.
+/// Sets these variables and unsets the others that say of what kind a session is; puts all back at the end.
 class SessionVariables {
 public:
     explicit SessionVariables(Variables values) {
@@ -65,33 +63,39 @@ TEST(InputSession, FollowsTheTypeOfTheSessionAndNotThePresenceOfAnXServer) {
     }
 }
 
-TEST(InputSession, WithTheXServerOfThisTestIsReady) {
-    EXPECT_TRUE(makeInputBackend()->isReady());
+TEST(InputSession, WithTheXServerOfThisTestIsTrusted) {
+    EXPECT_TRUE(makeLinuxInput()->isTrusted());
 }
 
-TEST(InputSession, OnWaylandIsNotReadyThoughAnXServerIsThere) {
+TEST(InputSession, OnWaylandIsNotTrustedThoughAnXServerIsThere) {
     const SessionVariables variables(
         Variables{{"XDG_SESSION_TYPE", "wayland"}, {"DISPLAY", std::getenv("DISPLAY")}});
-    EXPECT_FALSE(makeInputBackend()->isReady());
+    EXPECT_FALSE(makeLinuxInput()->isTrusted());
 }
 
-TEST(InputSession, WithoutADisplayMakesNoEvents) {
+/// Every operation, none of which may do any harm.
+void useAll(LinuxInput& input) {
+    input.pressKey(Key::escape, {.command = true});
+    input.typeText("a");
+    input.pressMediaKey(MediaKey::mute);
+    input.movePointer(1, 1);
+    input.click(MouseButton::left);
+}
+
+TEST(InputSession, WithoutADisplayDropsEverything) {
     const SessionVariables variables(Variables{});
-    const auto backend = makeInputBackend();
-    LinuxAccessibility accessibility(*backend);
-    LinuxInputEvents events(*backend);
-    EXPECT_FALSE(accessibility.isTrustedWithPrompt());
-    EXPECT_EQ(events.makeSource(EventSourceState::hidSystemState), nullptr);
-    EXPECT_EQ(events.makeEvent(), nullptr);
+    const auto input = makeLinuxInput();
+    EXPECT_FALSE(input->isTrusted());
+    EXPECT_FALSE(input->isTrustedWithPrompt());
+    useAll(*input);
 }
 
-TEST(InputSession, WithADeadXServerMakesNoEvents) {
+TEST(InputSession, WithADeadXServerDropsEverything) {
     const SessionVariables variables(Variables{{"DISPLAY", ":9999"}});
-    const auto backend = makeInputBackend();
-    LinuxInputEvents events(*backend);
-    EXPECT_FALSE(backend->isReady());
-    EXPECT_EQ(events.makeSource(EventSourceState::hidSystemState), nullptr);
-    EXPECT_EQ(events.makeEvent(), nullptr);
+    const auto input = makeLinuxInput();
+    EXPECT_FALSE(input->isTrusted());
+    EXPECT_FALSE(input->isTrustedWithPrompt());
+    useAll(*input);
 }
 
 } // namespace

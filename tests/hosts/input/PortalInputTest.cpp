@@ -2,9 +2,6 @@
 
 #include "FakePortal.h"
 #include "desktop/WaitFor.h"
-#include "hosts/linux/input/LinuxAccessibility.h"
-#include "hosts/linux/input/LinuxInputEvents.h"
-#include "remote/InputInjection.h"
 
 #include <gtest/gtest.h>
 
@@ -20,11 +17,11 @@ namespace {
 class Portal : public ::testing::Test {
 protected:
     bool asks() {
-        accessibility_.isTrustedWithPrompt();
+        input_.isTrustedWithPrompt();
         return waitFor([this] { return portal_.isAsking(); });
     }
     bool becomesTrusted(bool expected) {
-        return waitFor([&] { return accessibility_.isTrusted() == expected; });
+        return waitFor([&] { return input_.isTrusted() == expected; });
     }
     bool opensSession() {
         if (!asks()) {
@@ -40,15 +37,12 @@ protected:
 
     FakePortal portal_;
     PortalInput input_;
-    LinuxAccessibility accessibility_{input_};
-    LinuxInputEvents events_{input_};
-    InputInjection injection_{events_};
 };
 
 TEST_F(Portal, IsNotAskedUntilAPromptIsWanted) {
-    EXPECT_FALSE(accessibility_.isTrusted());
-    injection_.movePointer(1, 1);
-    injection_.sendUnicodeText("a");
+    EXPECT_FALSE(input_.isTrusted());
+    input_.movePointer(1, 1);
+    input_.typeText("a");
     // Whatever had been asked for by now would come before this question.
     ASSERT_TRUE(asks());
     EXPECT_EQ(portal_.calls, QStringList({"CreateSession", "SelectDevices", "Start"}));
@@ -57,7 +51,7 @@ TEST_F(Portal, IsNotAskedUntilAPromptIsWanted) {
 
 TEST_F(Portal, TrustComesOnceTheUserHasAgreed) {
     ASSERT_TRUE(asks());
-    EXPECT_FALSE(accessibility_.isTrusted());
+    EXPECT_FALSE(input_.isTrusted());
     portal_.answer(0);
     EXPECT_TRUE(becomesTrusted(true));
     EXPECT_EQ(portal_.selectOptions.value("types").toUInt(), 3U);
@@ -67,12 +61,12 @@ TEST_F(Portal, TrustComesOnceTheUserHasAgreed) {
 
 TEST_F(Portal, SessionIsCreatedOnce) {
     ASSERT_TRUE(asks());
-    accessibility_.isTrustedWithPrompt();
-    accessibility_.isTrustedWithPrompt();
+    input_.isTrustedWithPrompt();
+    input_.isTrustedWithPrompt();
     portal_.answer(0);
     ASSERT_TRUE(becomesTrusted(true));
-    accessibility_.isTrustedWithPrompt();
-    injection_.click("left");
+    input_.isTrustedWithPrompt();
+    input_.click(MouseButton::left);
     expectInput({"PointerButton 272 1", "PointerButton 272 0"});
     EXPECT_EQ(portal_.calls, QStringList({"CreateSession", "SelectDevices", "Start"}));
 }
@@ -82,7 +76,7 @@ TEST_F(Portal, DenialLeavesItUntrustedUntilTheUserIsAskedAgain) {
     portal_.answer(1);
     // Denied sessions are closed by us.
     ASSERT_TRUE(waitFor([this] { return portal_.calls.contains("Close"); }));
-    EXPECT_FALSE(accessibility_.isTrusted());
+    EXPECT_FALSE(input_.isTrusted());
     EXPECT_TRUE(opensSession());
 }
 
@@ -90,11 +84,12 @@ TEST_F(Portal, SessionClosedByTheUserEndsTrustAndInput) {
     ASSERT_TRUE(opensSession());
     portal_.closeSession();
     ASSERT_TRUE(becomesTrusted(false));
-    EXPECT_FALSE(events_.makeEvent());
-    injection_.sendUnicodeText("lost");
+    input_.typeText("lost");
+    input_.movePointer(1, 1);
+    input_.click(MouseButton::left);
 
     ASSERT_TRUE(opensSession());
-    injection_.sendUnicodeText("b");
+    input_.typeText("b");
     expectInput({"KeyboardKeysym 98 1", "KeyboardKeysym 98 0"});
     EXPECT_EQ(portal_.selectOptions.value("restore_token").toString(), QString("token1"));
 }
@@ -107,13 +102,13 @@ TEST_F(Portal, ADesktopThatGoesAwayEndsTrust) {
 
 TEST_F(Portal, ADesktopWithoutSuchSessionsIsNotTrusted) {
     portal_.refusesSessions = true;
-    accessibility_.isTrustedWithPrompt();
+    input_.isTrustedWithPrompt();
     ASSERT_TRUE(waitFor([this] { return !portal_.calls.isEmpty(); }));
-    EXPECT_FALSE(accessibility_.isTrusted());
+    EXPECT_FALSE(input_.isTrusted());
     portal_.refusesSessions = false;
     // The refusal may still be on its way; the prompt works again once it has come.
     EXPECT_TRUE(waitFor([this] {
-        accessibility_.isTrustedWithPrompt();
+        input_.isTrustedWithPrompt();
         return portal_.isAsking();
     }));
 }
@@ -129,7 +124,7 @@ TEST_F(Portal, OldDesktopsMayChooseTheirOwnRequestPaths) {
             send();
         }
     };
-    accessibility_.isTrustedWithPrompt();
+    input_.isTrustedWithPrompt();
     ASSERT_TRUE(waitFor([&] {
         answerHeld();
         return portal_.isAsking();
@@ -141,24 +136,23 @@ TEST_F(Portal, OldDesktopsMayChooseTheirOwnRequestPaths) {
 
 TEST_F(Portal, PointerMovesByFractionsAreHandedOnUnrounded) {
     ASSERT_TRUE(opensSession());
-    injection_.movePointer(1.5, -0.25);
-    injection_.movePointer(-2000, 4);
-    injection_.movePointer(0, 0);
+    input_.movePointer(1.5, -0.25);
+    input_.movePointer(-2000, 4);
+    input_.movePointer(0, 0);
     expectInput({"PointerMotion 1.5 -0.25", "PointerMotion -2000 4", "PointerMotion 0 0"});
 }
 
 TEST_F(Portal, ClicksPressAndReleaseTheButton) {
     ASSERT_TRUE(opensSession());
-    injection_.click("right");
+    input_.click(MouseButton::right);
     expectInput({"PointerButton 273 1", "PointerButton 273 0"});
 }
 
 TEST_F(Portal, KeysFromAnotherThreadKeepTheirOrderAndTheirModifiers) {
     ASSERT_TRUE(opensSession());
     std::thread server([this] {
-        const std::string_view modifiers[] = {"cmd", "shift"};
-        injection_.sendCGKey(123, modifiers);
-        injection_.sendSystemMediaKey(16);
+        input_.pressKey(Key::left, {.command = true, .shift = true});
+        input_.pressMediaKey(MediaKey::playPause);
     });
     server.join();
     expectInput({"KeyboardKeysym 65515 1", "KeyboardKeysym 65505 1", "KeyboardKeysym 65361 1",
@@ -168,7 +162,7 @@ TEST_F(Portal, KeysFromAnotherThreadKeepTheirOrderAndTheirModifiers) {
 
 TEST_F(Portal, TextIsTypedByUnicodeKeysyms) {
     ASSERT_TRUE(opensSession());
-    injection_.sendUnicodeText("é\U0001F44D\n");
+    input_.typeText("é\U0001F44D\n");
     expectInput({"KeyboardKeysym 233 1", "KeyboardKeysym 233 0", "KeyboardKeysym 16905293 1",
                  "KeyboardKeysym 16905293 0", "KeyboardKeysym 65293 1", "KeyboardKeysym 65293 0"});
 }
@@ -176,9 +170,9 @@ TEST_F(Portal, TextIsTypedByUnicodeKeysyms) {
 TEST_F(Portal, OnlyTheDevicesThatTheUserGrantedAreUsed) {
     portal_.devices = 1;
     ASSERT_TRUE(opensSession());
-    injection_.movePointer(1, 1);
-    injection_.click("left");
-    injection_.sendUnicodeText("k");
+    input_.movePointer(1, 1);
+    input_.click(MouseButton::left);
+    input_.typeText("k");
     expectInput({"KeyboardKeysym 107 1", "KeyboardKeysym 107 0"});
 }
 

@@ -1,8 +1,6 @@
 #include "XServer.h"
 #include "desktop/WaitFor.h"
-#include "hosts/linux/input/LinuxInputEvents.h"
 #include "hosts/linux/input/X11Input.h"
-#include "remote/InputInjection.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +16,7 @@ class X11PointerMoves : public ::testing::Test {
 protected:
     X11PointerMoves() { server_.warpPointer(100, 200); }
 
-    void move(double dx, double dy) { injection_.movePointer(dx, dy); }
+    void move(double dx, double dy) { input_.movePointer(dx, dy); }
     void expectPointer(Position expected) {
         waitFor([&] { return server_.pointer() == expected; }, std::chrono::seconds(2));
         EXPECT_EQ(server_.pointer(), expected);
@@ -26,8 +24,6 @@ protected:
 
     XServer server_;
     X11Input input_;
-    LinuxInputEvents events_{input_};
-    InputInjection injection_{events_};
 };
 
 TEST_F(X11PointerMoves, AddUp) {
@@ -50,15 +46,14 @@ TEST_F(X11PointerMoves, KeepTheirFractions) {
 }
 
 TEST_F(X11PointerMoves, StartFromWhereSomebodyElseHasMovedThePointer) {
-    move(0.4, 0.4);
+    X11Pointer pointer;
+    pointer.moveBy(0.4, 0.4);
     // Asking brings the move to the server before the other client's.
-    ASSERT_TRUE(events_.makeEvent());
+    EXPECT_EQ(pointer.position(), (X11Pointer::Point{100.4, 200.4}));
     server_.warpPointer(300, 300);
-    move(0.4, 0.4);
+    pointer.moveBy(0.4, 0.4);
     expectPointer({300, 300});
-    const auto here = events_.makeEvent();
-    ASSERT_TRUE(here);
-    EXPECT_EQ(here->location(), (Point{300.4, 300.4}));
+    EXPECT_EQ(pointer.position(), (X11Pointer::Point{300.4, 300.4}));
 }
 
 TEST_F(X11PointerMoves, StopAtTheEdgeAndComeBackAtOnce) {
@@ -81,8 +76,8 @@ TEST_F(X11PointerMoves, ByNothingStayThere) {
 TEST_F(X11PointerMoves, ClicksComeWhereThePointerIs) {
     XRecorder recorder;
     move(20, 30);
-    injection_.click("left");
-    injection_.click("right");
+    input_.click(MouseButton::left);
+    input_.click(MouseButton::right);
     ASSERT_TRUE(waitFor([&] {
         recorder.read();
         return recorder.events().size() >= 4;
@@ -91,6 +86,7 @@ TEST_F(X11PointerMoves, ClicksComeWhereThePointerIs) {
         EXPECT_EQ((Position{event.x, event.y}), (Position{120, 230}));
     }
     EXPECT_THAT(recorder.take(), ElementsAre("+button1", "-button1", "+button3", "-button3"));
+    expectPointer({120, 230});
 }
 
 } // namespace

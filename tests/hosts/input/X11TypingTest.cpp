@@ -1,8 +1,6 @@
 #include "XServer.h"
 #include "desktop/WaitFor.h"
-#include "hosts/linux/input/LinuxInputEvents.h"
 #include "hosts/linux/input/X11Input.h"
-#include "remote/InputInjection.h"
 
 #include <gtest/gtest.h>
 
@@ -60,13 +58,11 @@ private:
 
 class X11Typing : public ::testing::Test {
 protected:
-    void type(const QString& text) { injection_.sendUnicodeText(text.toStdString()); }
+    void type(const QString& text) { input_->typeText(text.toStdString()); }
 
     XServer server_;
     std::vector<std::uint8_t> keymapsBefore_ = server_.keymaps();
     std::optional<X11Input> input_{std::in_place};
-    LinuxInputEvents events_{*input_};
-    InputInjection injection_{events_};
 };
 
 constexpr int runs = 10;
@@ -218,7 +214,7 @@ TEST_F(X11Typing, TypesPlainTextWithoutTouchingTheKeymap) {
 TEST_F(X11Typing, TypesLineBreaksOnceAndLeavesOtherControlCharactersOut) {
     QtEditor editor;
     ASSERT_TRUE(editor.isReady());
-    injection_.sendUnicodeText(std::string_view("a\r\nb\rc\n\x1B\0d", 10));
+    input_->typeText(std::string_view("a\r\nb\rc\n\x1B\0d", 10));
     EXPECT_TRUE(editor.receives("a\nb\nc\nd")) << editor.text().toStdString();
 }
 
@@ -240,7 +236,7 @@ TEST_F(X11Typing, TypesInTheOrderOfTheCalls) {
         type(text);
         expected += text;
     }
-    injection_.sendCGKey(51, {});
+    input_->pressKey(Key::deleteBackward, {});
     type("!");
     EXPECT_TRUE(editor.receives(expected.chopped(1) + '!')) << editor.text().toStdString();
 }
@@ -300,8 +296,8 @@ TEST(X11TypingKilled, NextStartGivesTheKeysBack) {
             ASSERT_NE(server.keymaps(), before) << "killed too late to prove anything";
         }
 
-        const X11Input next;
-        EXPECT_TRUE(next.isReady());
+        X11Input next;
+        EXPECT_TRUE(next.isTrusted());
         EXPECT_TRUE(waitFor([&] { return server.keymaps() == before; }));
         EXPECT_FALSE(server.isAnyKeyDown());
     }

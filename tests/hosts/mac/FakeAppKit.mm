@@ -556,7 +556,7 @@ class SystemEvent : public FakeObject {};
          std::to_string(flags) + ", time " + number(time) + ", window " + std::to_string(window) +
          (context == nil ? ", " : ", with a context, ") + "subtype " + std::to_string(subtype) + ", data " +
          std::to_string(data1) + " " + std::to_string(data2));
-    NSEvent* event = fakeMac.makesEvents ? [[self alloc] init] : nil;
+    NSEvent* event = fakeMac.makesEvents && fakeMac.eventThatFails-- != 0 ? [[self alloc] init] : nil;
     if (event != nil && fakeMac.eventsHavePostableForm) {
         event->_postable = CGEventCreate(nullptr);
     }

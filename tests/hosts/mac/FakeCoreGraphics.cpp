@@ -69,6 +69,7 @@ CGPoint CGEventGetLocation(CGEventRef event) {
     return {real<Event>(event).facts.x, real<Event>(event).facts.y};
 }
 void CGEventSetFlags(CGEventRef event, CGEventFlags flags) {
+    ++real<Event>(event).facts.timesFlagsWereSet;
     real<Event>(event).facts.flags = static_cast<std::uint64_t>(flags);
 }
 void CGEventKeyboardSetUnicodeString(CGEventRef event, UniCharCount count, const UniChar* units) {

@@ -14,6 +14,7 @@ struct PostedEvent {
     int sourceState = -1;
     int key = -1;
     std::uint64_t flags = 0;
+    int timesFlagsWereSet = 0;
     int mouseType = 0;
     int button = -1;
     double x = 0;

@@ -76,6 +76,8 @@ struct FakeMac {
 
     // Events
     bool makesEvents = true;
+    /// Counts down to the one event that can't be made.
+    int eventThatFails = -1;
     bool eventsHavePostableForm = true;
 
     // Notifications

@@ -11,7 +11,7 @@
 #include "hosts/mac/MacUserDefaults.h"
 #include "hosts/mac/MacUserNotificationCenter.h"
 #include "hosts/mac/MacWorkspace.h"
-#include "remote/InputInjection.h"
+#include "hosts/mac/SystemDefinedEvent.h"
 #include "runtime/ObjectiveC.h"
 
 #include <gmock/gmock.h>
@@ -61,10 +61,11 @@ public:
     }
     void willPresent(const NotificationRequest& request, std::function<void(unsigned)> completion) override {
         notes.push_back("present " + request.identifier);
-        completion(0x13);
+        completion(options);
     }
 
     bool terminates = false;
+    unsigned options = presentationOptions::banner | presentationOptions::sound | presentationOptions::badge;
     ServicePasteboard given;
     std::vector<std::string> notes;
 };
@@ -78,7 +79,7 @@ protected:
     MacApplication application{delegate};
 };
 
-TEST_F(MacDelegateTest, launch_reopen_activation_and_the_last_window_reach_the_program) {
+TEST_F(MacDelegateTest, LaunchReopenActivationAndTheLastWindowReachTheProgram) {
     fakeLaunch();
     EXPECT_TRUE(fakeReopen(false));
     EXPECT_TRUE(fakeReopen(true));
@@ -89,7 +90,7 @@ TEST_F(MacDelegateTest, launch_reopen_activation_and_the_last_window_reach_the_p
     EXPECT_TRUE(fakeLastWindowClosed());
 }
 
-TEST_F(MacDelegateTest, answers_to_its_selectors_and_to_no_others) {
+TEST_F(MacDelegateTest, AnswersToItsSelectorsAndToNoOthers) {
     for (const char* selector :
          {"applicationDidFinishLaunching:", "applicationShouldTerminateAfterLastWindowClosed:",
           "applicationShouldHandleReopen:hasVisibleWindows:", "onMenuCall", "onMenuSms", "onMenuFileDrop",
@@ -105,7 +106,7 @@ TEST_F(MacDelegateTest, answers_to_its_selectors_and_to_no_others) {
     }
 }
 
-TEST_F(MacDelegateTest, before_the_program_stands_calls_do_nothing) {
+TEST_F(MacDelegateTest, BeforeTheProgramStandsCallsDoNothing) {
     delegate.application = nullptr;
     fakeLaunch();
     fakeBecomeActive();
@@ -114,7 +115,7 @@ TEST_F(MacDelegateTest, before_the_program_stands_calls_do_nothing) {
     EXPECT_THAT(recorder.notes, IsEmpty());
 }
 
-TEST_F(MacDelegateTest, activation_is_told_to_nobody_after_the_end) {
+TEST_F(MacDelegateTest, ActivationIsToldToNobodyAfterTheEnd) {
     resetFakeMac();
     {
         const MacApplication another(delegate);
@@ -124,7 +125,7 @@ TEST_F(MacDelegateTest, activation_is_told_to_nobody_after_the_end) {
     EXPECT_THAT(recorder.notes, ElementsAre("active"));
 }
 
-TEST_F(MacDelegateTest, files_given_to_the_service_arrive_as_paths_in_order) {
+TEST_F(MacDelegateTest, FilesGivenToTheServiceArriveAsPathsInOrder) {
     EXPECT_FALSE(fakeService()) << "there is no provider yet";
     application.setServicesProvider(&recorder);
     fakeMac.pasteboardFiles = {"/tmp/a b.txt", "/tmp/\u00fc.png"};
@@ -135,7 +136,7 @@ TEST_F(MacDelegateTest, files_given_to_the_service_arrive_as_paths_in_order) {
     EXPECT_THAT(*recorder.given.urls, ElementsAre("/tmp/a b.txt", "/tmp/\u00fc.png"));
 }
 
-TEST_F(MacDelegateTest, an_address_given_to_the_service_arrives_whole) {
+TEST_F(MacDelegateTest, AnAddressGivenToTheServiceArrivesWhole) {
     application.setServicesProvider(&recorder);
     fakeMac.pasteboardFiles = {"https://example.org/etc/hosts", "/tmp/a"};
     EXPECT_TRUE(fakeService());
@@ -143,7 +144,7 @@ TEST_F(MacDelegateTest, an_address_given_to_the_service_arrives_whole) {
     EXPECT_THAT(*recorder.given.urls, ElementsAre("https://example.org/etc/hosts", "/tmp/a"));
 }
 
-TEST_F(MacDelegateTest, a_service_pasteboard_without_types_or_files_says_so) {
+TEST_F(MacDelegateTest, AServicePasteboardWithoutTypesOrFilesSaysSo) {
     application.setServicesProvider(&recorder);
     fakeMac.pasteboardText = "text";
     fakeService();
@@ -160,7 +161,7 @@ TEST_F(MacDelegateTest, a_service_pasteboard_without_types_or_files_says_so) {
     EXPECT_FALSE(recorder.given.urls);
 }
 
-TEST_F(MacDelegateTest, the_platform_does_not_keep_the_delegate_alive) {
+TEST_F(MacDelegateTest, ThePlatformDoesNotKeepTheDelegateAlive) {
     const int before = runtimeObjectsAlive();
     { MacDelegate another; }
     EXPECT_EQ(runtimeObjectsAlive(), before);
@@ -168,24 +169,28 @@ TEST_F(MacDelegateTest, the_platform_does_not_keep_the_delegate_alive) {
 
 // Application
 
-TEST_F(MacDelegateTest, policy_activation_and_the_end_are_passed_on) {
+TEST_F(MacDelegateTest, PolicyActivationAndTheEndArePassedOn) {
     application.setActivationPolicy(ActivationPolicy::accessory);
     application.setActivationPolicy(ActivationPolicy::regular);
-    application.activate(true);
-    application.activate(false);
+    application.activate();
     application.terminate();
     EXPECT_THAT(calls(), ElementsAre("activation policy 1", "activation policy 0", "activate, ignoring others",
-                                     "activate", "terminate"));
+                                     "terminate"));
 }
 
-TEST_F(MacDelegateTest, an_alert_shows_its_texts_and_buttons_and_answers_with_the_button) {
-    fakeMac.modalAnswer = Application::alertFirstButtonReturn;
-    const int answer = application.runModal({.style = Alert::Style::warning,
-                                             .messageText = "Message",
-                                             .informativeText = "More\n\nlines",
-                                             .buttons = {"First", "Second"}});
-    EXPECT_EQ(answer, 1000);
+TEST_F(MacDelegateTest, AnAlertShowsItsTextsAndButtonsAndAnswersWithTheButton) {
+    Alert alert{.messageText = "Message", .informativeText = "More\n\nlines", .buttons = {"First", "Second"}};
+    fakeMac.modalAnswer = 1000;
+    EXPECT_EQ(application.runModal(alert), 0);
     EXPECT_THAT(calls(), ElementsAre("prevents the end = 0", "alert 0 Message|More\n\nlines|[First][Second]"));
+    fakeMac.modalAnswer = 1001;
+    EXPECT_EQ(application.runModal(alert), 1);
+    alert.style = Alert::Style::informational;
+    application.runModal(alert);
+    EXPECT_THAT(calls().back(), testing::StartsWith("alert 1 "));
+    alert.style = Alert::Style::critical;
+    application.runModal(alert);
+    EXPECT_THAT(calls().back(), testing::StartsWith("alert 2 "));
 }
 
 // Status item
@@ -199,7 +204,7 @@ protected:
                 {.title = "Call\u2026",
                  .keyEquivalent = "c",
                  .action = MenuItem::Action::call,
-                 .selector = "onMenuCall",
+                 .operation = "onMenuCall",
                  .onChosen = [this] { ++chosen; }},
                 {.title = "Quit Velloway", .keyEquivalent = "q", .action = MenuItem::Action::terminate}};
     }
@@ -209,14 +214,14 @@ protected:
     std::unique_ptr<MacStatusItem> item = std::make_unique<MacStatusItem>(delegate);
 };
 
-TEST_F(MacStatusItemTest, has_variable_length_and_is_taken_away_at_the_end) {
+TEST_F(MacStatusItemTest, HasVariableLengthAndIsTakenAwayAtTheEnd) {
     item->create();
     EXPECT_TRUE(item->hasButton());
     item.reset();
     EXPECT_THAT(calls(), ElementsAre("status item of length -1", "status item removed"));
 }
 
-TEST_F(MacStatusItemTest, shows_the_asset_at_its_own_size_and_the_symbol_at_the_size_asked_for) {
+TEST_F(MacStatusItemTest, ShowsTheAssetAtItsOwnSizeAndTheSymbolAtTheSizeAskedFor) {
     item->create();
     const StatusImage asset{.kind = StatusImage::Kind::asset, .name = "StatusIcon", .isTemplate = true};
     const StatusImage symbol{
@@ -234,7 +239,7 @@ TEST_F(MacStatusItemTest, shows_the_asset_at_its_own_size_and_the_symbol_at_the_
     EXPECT_FALSE(item->hasImage(symbol));
 }
 
-TEST_F(MacStatusItemTest, without_a_button_an_image_goes_nowhere) {
+TEST_F(MacStatusItemTest, WithoutAButtonAnImageGoesNowhere) {
     fakeMac.hasButton = false;
     item->create();
     EXPECT_FALSE(item->hasButton());
@@ -242,7 +247,7 @@ TEST_F(MacStatusItemTest, without_a_button_an_image_goes_nowhere) {
     EXPECT_EQ(fakeMac.buttonImage, "");
 }
 
-TEST_F(MacStatusItemTest, the_menu_has_titles_keys_tags_actions_and_targets) {
+TEST_F(MacStatusItemTest, TheMenuHasTitlesKeysTagsActionsAndTargets) {
     item->create();
     item->setMenu(items());
     const auto menu = fakeMenu();
@@ -262,15 +267,15 @@ TEST_F(MacStatusItemTest, the_menu_has_titles_keys_tags_actions_and_targets) {
                                      .hasTarget = false}));
 }
 
-TEST_F(MacStatusItemTest, an_item_with_an_action_is_disabled_when_the_core_says_so) {
+TEST_F(MacStatusItemTest, AnItemWithAnActionIsDisabledWhenTheCoreSaysSo) {
     item->create();
     item->setMenu(
-        {{.title = "Call", .isEnabled = false, .action = MenuItem::Action::call, .selector = "onMenuCall"}});
+        {{.title = "Call", .isEnabled = false, .action = MenuItem::Action::call, .operation = "onMenuCall"}});
     ASSERT_EQ(fakeMenu().size(), 1u);
     EXPECT_FALSE(fakeMenu()[0].isEnabled);
 }
 
-TEST_F(MacStatusItemTest, a_click_runs_what_the_item_stands_for) {
+TEST_F(MacStatusItemTest, AClickRunsWhatTheItemStandsFor) {
     item->create();
     item->setMenu(items());
     EXPECT_TRUE(clickFakeMenuItem(3));
@@ -279,7 +284,7 @@ TEST_F(MacStatusItemTest, a_click_runs_what_the_item_stands_for) {
     EXPECT_FALSE(clickFakeMenuItem(4));
 }
 
-TEST_F(MacStatusItemTest, the_title_of_a_tagged_item_changes_and_an_unknown_tag_is_left_alone) {
+TEST_F(MacStatusItemTest, TheTitleOfATaggedItemChangesAndAnUnknownTagIsLeftAlone) {
     item->create();
     item->setItemTitle(1, "before there is a menu");
     item->setMenu(items());
@@ -288,7 +293,7 @@ TEST_F(MacStatusItemTest, the_title_of_a_tagged_item_changes_and_an_unknown_tag_
     EXPECT_EQ(fakeMenu()[2].title, "Server: listening on :8765");
 }
 
-TEST_F(MacStatusItemTest, a_menu_without_a_status_item_ends_the_process) {
+TEST_F(MacStatusItemTest, AMenuWithoutAStatusItemEndsTheProcess) {
     EXPECT_DEATH(item->setMenu(items()), "there is no status item");
     EXPECT_DEATH(item->setItemTitle(1, "x"), "there is no status item");
 }
@@ -304,7 +309,7 @@ protected:
     MacUserNotificationCenter center{delegate};
 };
 
-TEST_F(MacNotificationsTest, a_full_request_sets_everything) {
+TEST_F(MacNotificationsTest, AFullRequestSetsEverything) {
     std::vector<std::string> results;
     center.add({.identifier = "k1",
                 .content = {.title = "App",
@@ -320,13 +325,13 @@ TEST_F(MacNotificationsTest, a_full_request_sets_everything) {
     EXPECT_THAT(results, ElementsAre("sent"));
 }
 
-TEST_F(MacNotificationsTest, what_is_absent_is_never_set) {
+TEST_F(MacNotificationsTest, WhatIsAbsentIsNeverSet) {
     center.add({.identifier = "k2", .content = {.title = "T", .body = "b"}}, nullptr);
     EXPECT_THAT(calls(), ElementsAre("add k2|T|(unset)|b|(unset)|(unset)|silent"));
     EXPECT_THAT(fakeMac.later, IsEmpty()) << "no completion was asked for";
 }
 
-TEST_F(MacNotificationsTest, an_error_comes_with_its_description) {
+TEST_F(MacNotificationsTest, AnErrorComesWithItsDescription) {
     fakeMac.notificationError = "not allowed";
     std::vector<std::string> results;
     center.add({.identifier = "k"}, [&](const auto& error) { results.push_back(error.value_or("sent")); });
@@ -338,7 +343,7 @@ TEST_F(MacNotificationsTest, an_error_comes_with_its_description) {
     EXPECT_THAT(results, ElementsAre("error: not allowed", "refused error: not allowed"));
 }
 
-TEST_F(MacNotificationsTest, removals_categories_and_permission_are_passed_on) {
+TEST_F(MacNotificationsTest, RemovalsCategoriesAndPermissionArePassedOn) {
     center.removeDelivered({"a", "b"});
     center.removePending({"a"});
     center.setCategories({{.identifier = "REPLY_CATEGORY",
@@ -346,19 +351,54 @@ TEST_F(MacNotificationsTest, removals_categories_and_permission_are_passed_on) {
                                         .title = "Reply",
                                         .textInputButtonTitle = "Send",
                                         .textInputPlaceholder = "Type your reply..."}}}});
-    AuthorizationStatus status = AuthorizationStatus::notDetermined;
-    center.getAuthorizationStatus([&](AuthorizationStatus now) { status = now; });
-    center.requestAuthorization(7, [](bool, const auto&) {});
-    fakeMac.authorizationStatus = 1;
-    fakeMac.runLater();
-    EXPECT_EQ(status, AuthorizationStatus::denied);
+    center.requestAuthorization(authorizationOptions::alert | authorizationOptions::sound |
+                                    authorizationOptions::badge,
+                                [](bool, const auto&) {});
     EXPECT_THAT(calls(), ElementsAre("remove delivered a", "remove delivered b", "remove pending a",
                                      "category REPLY_CATEGORY options 0 intents 0 action "
                                      "REPLY_ACTION/Reply/0/Send/Type your reply...",
-                                     "notification settings", "request authorization 7"));
+                                     "request authorization 7"));
 }
 
-TEST_F(MacNotificationsTest, answers_reach_the_program_and_each_is_completed_once) {
+TEST_F(MacNotificationsTest, EachPermissionIsAskedForByItsOwnOption) {
+    const std::pair<unsigned, int> cases[] = {
+        {authorizationOptions::badge, 1}, {authorizationOptions::sound, 2}, {authorizationOptions::alert, 4}};
+    for (const auto& [option, native] : cases) {
+        center.requestAuthorization(option, [](bool, const auto&) {});
+        EXPECT_THAT(calls(), ElementsAre("request authorization " + std::to_string(native)));
+    }
+}
+
+TEST_F(MacNotificationsTest, TheStatusOfThePermissionIsThatOfTheSystem) {
+    const std::pair<int, AuthorizationStatus> cases[] = {
+        {0, AuthorizationStatus::notDetermined}, {1, AuthorizationStatus::denied},
+        {2, AuthorizationStatus::authorized},    {3, AuthorizationStatus::provisional},
+        {4, AuthorizationStatus::ephemeral},     {5, AuthorizationStatus::unknown},
+        {-1, AuthorizationStatus::unknown},
+    };
+    for (const auto& [native, expected] : cases) {
+        std::optional<AuthorizationStatus> status;
+        center.getAuthorizationStatus([&](AuthorizationStatus now) { status = now; });
+        EXPECT_FALSE(status) << "it comes later";
+        fakeMac.authorizationStatus = native;
+        fakeMac.runLater();
+        EXPECT_EQ(status, expected) << native;
+    }
+}
+
+TEST_F(MacNotificationsTest, EachWayOfPresentingIsItsOwnOption) {
+    center.setDelegate(&recorder);
+    const std::pair<unsigned, unsigned long> cases[] = {{presentationOptions::badge, 1},
+                                                        {presentationOptions::sound, 2},
+                                                        {presentationOptions::banner, 0x10},
+                                                        {0, 0}};
+    for (const auto& [options, native] : cases) {
+        recorder.options = options;
+        EXPECT_EQ(fakePresentNotification("k"), native);
+    }
+}
+
+TEST_F(MacNotificationsTest, AnswersReachTheProgramAndEachIsCompletedOnce) {
     center.setDelegate(&recorder);
     EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", "hello"), 1);
     EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", ""), 1);
@@ -368,14 +408,14 @@ TEST_F(MacNotificationsTest, answers_reach_the_program_and_each_is_completed_onc
                 ElementsAre("REPLY_ACTION k1 hello", "REPLY_ACTION k1 ", "DEFAULT k2 (no text)", "present k3"));
 }
 
-TEST_F(MacNotificationsTest, without_a_delegate_nothing_is_delivered) {
+TEST_F(MacNotificationsTest, WithoutADelegateNothingIsDelivered) {
     center.setDelegate(&recorder);
     center.setDelegate(nullptr);
     EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", "hello"), 0);
     EXPECT_THAT(recorder.notes, IsEmpty());
 }
 
-TEST_F(MacNotificationsTest, what_nobody_takes_is_completed_and_not_shown) {
+TEST_F(MacNotificationsTest, WhatNobodyTakesIsCompletedAndNotShown) {
     center.setDelegate(&recorder);
     delegate.notifications = nullptr;
     EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", "hello"), 1);
@@ -384,31 +424,58 @@ TEST_F(MacNotificationsTest, what_nobody_takes_is_completed_and_not_shown) {
 
 // Scripts, login item, pasteboard, defaults, workspace, facts
 
-TEST_F(MacTest, a_script_runs_from_its_source_text_and_tells_its_error) {
+using ScriptAction = SystemScript::Action;
+
+TEST_F(MacTest, EachActionRunsItsScript) {
+    const std::pair<SystemScript, std::string> cases[] = {
+        {{ScriptAction::volumeUp, ""}, "set volume output volume (output volume of (get volume settings) + 5)"},
+        {{ScriptAction::volumeDown, ""},
+         "set volume output volume (output volume of (get volume settings) - 5)"},
+        {{ScriptAction::emptyTrash, ""}, "tell application \"Finder\" to empty trash"},
+        {{ScriptAction::lockScreen, ""}, "tell application \"System Events\" to lock screen"},
+        {{ScriptAction::sleep, ""}, "tell application \"System Events\" to sleep"},
+        {{ScriptAction::openLocation, ""}, "open location \"\""},
+        {{ScriptAction::openLocation, "example.org/\u00e4 b\\n"}, "open location \"example.org/\u00e4 b\\n\""},
+        // A double quote in the address ends the string there.
+        {{ScriptAction::openLocation, "a\" & \"b"}, "open location \"a\" & \"b\""},
+    };
     MacScripts scripts;
-    EXPECT_FALSE(scripts.run({.sourceText = "set volume 5"}));
-    EXPECT_THAT(calls(), ElementsAre("script set volume 5", "executed"));
-    fakeMac.scriptError = "denied";
-    EXPECT_EQ(scripts.run({.sourceText = "x"}), "{ NSAppleScriptErrorMessage = denied; }");
-    fakeMac.compilesScripts = false;
-    EXPECT_FALSE(scripts.run({.sourceText = "x"})) << "a script that can't be made runs nothing";
+    for (const auto& [script, source] : cases) {
+        EXPECT_FALSE(scripts.run(script));
+        EXPECT_THAT(calls(), ElementsAre("script " + source, "executed"));
+    }
 }
 
-TEST_F(MacTest, the_login_item_registers_unregisters_and_tells_its_error) {
+TEST_F(MacTest, AScriptReturnsItsError) {
+    MacScripts scripts;
+    fakeMac.scriptError = "denied";
+    EXPECT_EQ(scripts.run({}), "{ NSAppleScriptErrorMessage = denied; }");
+    fakeMac.compilesScripts = false;
+    EXPECT_FALSE(scripts.run({})) << "a script that can't be made runs nothing";
+}
+
+TEST_F(MacTest, TheLoginItemRegistersUnregistersAndTellsItsError) {
     MacLoginItem login;
     EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
     EXPECT_FALSE(login.registerItem());
     EXPECT_EQ(login.status(), LoginItemStatus::enabled);
     EXPECT_FALSE(login.unregisterItem());
     EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
-    fakeMac.loginItemStatus = 2;
-    EXPECT_EQ(login.status(), LoginItemStatus::requiresApproval);
+    const std::pair<int, LoginItemStatus> statuses[] = {{0, LoginItemStatus::notRegistered},
+                                                        {1, LoginItemStatus::enabled},
+                                                        {2, LoginItemStatus::requiresApproval},
+                                                        {3, LoginItemStatus::notFound},
+                                                        {9, LoginItemStatus::notRegistered}};
+    for (const auto& [native, status] : statuses) {
+        fakeMac.loginItemStatus = native;
+        EXPECT_EQ(login.status(), status) << native;
+    }
     fakeMac.loginItemError = "no";
     EXPECT_EQ(login.registerItem(), "no");
     EXPECT_EQ(login.unregisterItem(), "no");
 }
 
-TEST_F(MacTest, the_pasteboard_is_cleared_written_and_read_as_plain_text) {
+TEST_F(MacTest, ThePasteboardIsClearedWrittenAndReadAsPlainText) {
     MacPasteboard pasteboard;
     EXPECT_FALSE(pasteboard.string());
     pasteboard.clearContents();
@@ -419,7 +486,7 @@ TEST_F(MacTest, the_pasteboard_is_cleared_written_and_read_as_plain_text) {
     EXPECT_EQ(pasteboard.string(), std::string("a\0b", 3));
 }
 
-TEST_F(MacTest, defaults_are_kept_and_each_write_is_observed) {
+TEST_F(MacTest, DefaultsAreKeptAndEachWriteIsObserved) {
     MacUserDefaults defaults;
     EXPECT_FALSE(defaults.has("port"));
     EXPECT_EQ(defaults.integer("port"), 0);
@@ -438,7 +505,7 @@ TEST_F(MacTest, defaults_are_kept_and_each_write_is_observed) {
     EXPECT_TRUE(defaults.has("zero"));
 }
 
-TEST_F(MacTest, addresses_are_opened_settings_reached_and_files_shown) {
+TEST_F(MacTest, AddressesAreOpenedSettingsReachedAndFilesShown) {
     MacWorkspace workspace;
     workspace.open("https://example.org/a");
     workspace.open("not an address");
@@ -453,7 +520,7 @@ TEST_F(MacTest, addresses_are_opened_settings_reached_and_files_shown) {
                     "reveal /tmp/a b.txt"));
 }
 
-TEST_F(MacTest, the_host_tells_its_facts_and_what_is_missing) {
+TEST_F(MacTest, TheHostTellsItsFactsAndWhatIsMissing) {
     const MacHost host;
     EXPECT_EQ(host.localizedName(), "Studio");
     EXPECT_EQ(host.downloadsDirectory(), "/Users/me/Downloads");
@@ -466,7 +533,7 @@ TEST_F(MacTest, the_host_tells_its_facts_and_what_is_missing) {
     EXPECT_FALSE(host.downloadsDirectory());
 }
 
-TEST_F(MacTest, the_loopback_interface_is_among_the_interfaces) {
+TEST_F(MacTest, TheLoopbackInterfaceIsAmongTheInterfaces) {
     const auto interfaces = MacHost().networkInterfaces();
     ASSERT_TRUE(interfaces);
     EXPECT_THAT(*interfaces,
@@ -478,24 +545,61 @@ TEST_F(MacTest, the_loopback_interface_is_among_the_interfaces) {
 
 // Media keys
 
-TEST_F(MacTest, a_media_key_is_two_system_events_at_the_hardware_tap) {
+TEST_F(MacTest, AMediaKeyIsTwoSystemEventsAtTheHardwareTap) {
     const int aliveBefore = FakeObject::alive;
-    MacInputEvents events;
-    InputInjection(events).sendSystemMediaKey(16);
+    MacInputEvents().pressMediaKey(MediaKey::playPause);
     EXPECT_THAT(calls(),
                 ElementsAre("event 14 at 0 0, flags 2560, time 0, window 0, subtype 8, data 1051136 -1",
                             "event 14 at 0 0, flags 2816, time 0, window 0, subtype 8, data 1051392 -1"));
     ASSERT_EQ(fakeCoreGraphics.posted.size(), 2u);
     EXPECT_EQ(fakeCoreGraphics.posted[0].tap, 0);
+    EXPECT_EQ(fakeCoreGraphics.posted[1].tap, 0);
     EXPECT_EQ(FakeObject::alive, aliveBefore);
 }
 
-TEST_F(MacTest, a_media_key_without_an_event_or_without_its_postable_form_posts_nothing) {
-    MacInputEvents events;
+TEST_F(MacTest, EachMediaKeyHasItsNumber) {
+    const std::pair<MediaKey, int> numbers[] = {
+        {MediaKey::soundUp, 0},
+        {MediaKey::soundDown, 1},
+        {MediaKey::screenBrightnessUp, 2},
+        {MediaKey::screenBrightnessDown, 3},
+        {MediaKey::mute, 7},
+        {MediaKey::playPause, 16},
+        {MediaKey::nextTrack, 17},
+        {MediaKey::previousTrack, 18},
+        {MediaKey::keyboardLightUp, 21},
+        {MediaKey::keyboardLightDown, 22},
+    };
+    for (const auto& [key, number] : numbers) {
+        MacInputEvents().pressMediaKey(key);
+        const std::string start = "event 14 at 0 0, flags ";
+        const std::string middle = ", time 0, window 0, subtype 8, data ";
+        EXPECT_THAT(calls(),
+                    ElementsAre(start + "2560" + middle + std::to_string(number * 65536 + 0xA00) + " -1",
+                                start + "2816" + middle + std::to_string(number * 65536 + 0xB00) + " -1"));
+    }
+}
+
+TEST_F(MacTest, TheDataOfAMediaKeyIsWidenedWithItsSign) {
+    EXPECT_EQ(systemKeyData(16, 0xA00), 0x100A00);
+    EXPECT_EQ(systemKeyData(0x8000, 0xA00), -0x7FFFF600LL);
+}
+
+TEST_F(MacTest, TheReleaseOfAMediaKeyIsTriedAlsoWhenItsPressCanNotBeMade) {
+    fakeMac.eventThatFails = 0;
+    MacInputEvents().pressMediaKey(MediaKey::mute);
+    EXPECT_THAT(calls(), testing::SizeIs(2));
+    EXPECT_THAT(fakeCoreGraphics.posted, testing::SizeIs(1));
+    fakeMac.eventThatFails = 1;
+    MacInputEvents().pressMediaKey(MediaKey::mute);
+    EXPECT_THAT(fakeCoreGraphics.posted, testing::SizeIs(2));
+}
+
+TEST_F(MacTest, AMediaKeyWithoutAnEventOrWithoutItsPostableFormPostsNothing) {
     fakeMac.eventsHavePostableForm = false;
-    InputInjection(events).sendSystemMediaKey(0);
+    MacInputEvents().pressMediaKey(MediaKey::soundUp);
     fakeMac.makesEvents = false;
-    InputInjection(events).sendSystemMediaKey(0);
+    MacInputEvents().pressMediaKey(MediaKey::soundUp);
     EXPECT_THAT(fakeCoreGraphics.posted, IsEmpty());
 }
 

@@ -3,12 +3,12 @@
 #include "hosts/mac/FakeObject.h"
 #include "hosts/mac/MacAccessibility.h"
 #include "hosts/mac/MacInputEvents.h"
-#include "remote/InputInjection.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
 
 namespace velloway::test {
 namespace {
@@ -17,60 +17,88 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr std::string_view commandAndShift[] = {"cmd", "shift"};
-
-/// The injection rules of the core over the adapters, so that whole sequences are seen.
-std::vector<PostedEvent> postedBy(const std::function<void(InputInjection&)>& act, int failsAt = -1) {
+/// The whole sequence of what one operation posts.
+std::vector<PostedEvent> postedBy(const std::function<void(InputEvents&)>& act, int failsAt = -1) {
     const int aliveBefore = FakeObject::alive;
     fakeCoreGraphics = {.failsAt = failsAt};
     {
         MacInputEvents events;
-        InputInjection injection(events);
-        act(injection);
+        act(events);
     }
     EXPECT_EQ(FakeObject::alive, aliveBefore) << "sources or events are leaked";
     return fakeCoreGraphics.posted;
 }
 
 PostedEvent key(const char* kind, int code, std::uint64_t flags = 0) {
-    return {.kind = kind, .tap = 0, .sourceState = 1, .key = code, .flags = flags};
+    return {.kind = kind, .tap = 0, .sourceState = 1, .key = code, .flags = flags, .timesFlagsWereSet = 1};
+}
+
+/// Carries a text, or goes with a press that does, and has no flags of its own.
+PostedEvent textKey(const char* kind) {
+    return {.kind = kind, .tap = 0, .sourceState = 1, .key = 0};
 }
 
 PostedEvent mouse(int type, int button, double x, double y) {
     return {.kind = "mouse", .tap = 0, .mouseType = type, .button = button, .x = x, .y = y};
 }
 
-TEST(MacInputTest, a_key_is_a_press_and_a_release_with_the_same_flags_at_the_hardware_tap) {
-    EXPECT_THAT(postedBy([](auto& injection) { injection.sendCGKey(123, commandAndShift); }),
+TEST(MacInputTest, AKeyIsAPressAndAReleaseWithTheSameFlagsAtTheHardwareTap) {
+    EXPECT_THAT(postedBy([](auto& input) { input.pressKey(Key::left, {.command = true, .shift = true}); }),
                 ElementsAre(key("key down", 123, 0x120000), key("key up", 123, 0x120000)));
 }
 
-TEST(MacInputTest, a_key_posts_nothing_when_any_of_its_parts_can_not_be_made) {
-    for (int part = 0; part < 3; ++part) {
-        EXPECT_THAT(postedBy([](auto& injection) { injection.sendCGKey(36, {}); }, part), IsEmpty()) << part;
+TEST(MacInputTest, EachKeyHasItsCode) {
+    const std::pair<Key, int> codes[] = {
+        {Key::returnKey, 36}, {Key::deleteBackward, 51}, {Key::escape, 53},
+        {Key::command, 55},   {Key::option, 58},         {Key::control, 59},
+        {Key::left, 123},     {Key::right, 124},         {Key::down, 125},
+        {Key::up, 126},
+    };
+    for (const auto& [each, code] : codes) {
+        EXPECT_THAT(postedBy([each = each](auto& input) { input.pressKey(each, {}); }),
+                    ElementsAre(key("key down", code), key("key up", code)));
     }
 }
 
-TEST(MacInputTest, a_text_goes_whole_onto_the_press_alone_and_sets_no_flags) {
-    PostedEvent down = key("key down", 0);
-    down.text = u"a\U0001F600";
-    down.timesTextWasSet = 1;
-    EXPECT_THAT(postedBy([](auto& injection) { injection.sendUnicodeText("a\U0001F600"); }),
-                ElementsAre(down, key("key up", 0)));
+TEST(MacInputTest, EachModifierIsAFlag) {
+    const std::pair<Modifiers, std::uint64_t> cases[] = {
+        {{.command = true}, 0x100000},
+        {{.control = true}, 0x40000},
+        {{.option = true}, 0x80000},
+        {{.shift = true}, 0x20000},
+        {{.command = true, .control = true, .option = true, .shift = true}, 0x1E0000},
+    };
+    for (const auto& [modifiers, flags] : cases) {
+        EXPECT_THAT(postedBy([held = modifiers](auto& input) { input.pressKey(Key::command, held); }),
+                    ElementsAre(key("key down", 55, flags), key("key up", 55, flags)));
+    }
 }
 
-TEST(MacInputTest, a_long_text_and_an_empty_one_are_one_press_and_one_release_too) {
-    const auto longText =
-        postedBy([](auto& injection) { injection.sendUnicodeText(std::string(10'000, 'x')); });
+TEST(MacInputTest, AKeyPostsNothingWhenAnyOfItsPartsCanNotBeMade) {
+    for (int part = 0; part < 3; ++part) {
+        EXPECT_THAT(postedBy([](auto& input) { input.pressKey(Key::returnKey, {}); }, part), IsEmpty()) << part;
+    }
+}
+
+TEST(MacInputTest, ATextGoesWholeOntoThePressAloneAndSetsNoFlags) {
+    PostedEvent down = textKey("key down");
+    down.text = u"a\U0001F600";
+    down.timesTextWasSet = 1;
+    EXPECT_THAT(postedBy([](auto& input) { input.typeText("a\U0001F600"); }),
+                ElementsAre(down, textKey("key up")));
+}
+
+TEST(MacInputTest, ALongTextAndAnEmptyOneAreOnePressAndOneReleaseToo) {
+    const auto longText = postedBy([](auto& input) { input.typeText(std::string(10'000, 'x')); });
     ASSERT_THAT(longText, SizeIs(2));
     EXPECT_EQ(longText[0].text.size(), 10'000u);
-    const auto emptyText = postedBy([](auto& injection) { injection.sendUnicodeText(""); });
+    const auto emptyText = postedBy([](auto& input) { input.typeText(""); });
     ASSERT_THAT(emptyText, SizeIs(2));
     EXPECT_EQ(emptyText[0].timesTextWasSet, 1);
 }
 
-TEST(MacInputTest, a_text_whose_release_can_not_be_made_leaves_its_press_posted) {
-    const auto type = [](InputInjection& injection) { injection.sendUnicodeText("a"); };
+TEST(MacInputTest, ATextWhoseReleaseCanNotBeMadeLeavesItsPressPosted) {
+    const auto type = [](InputEvents& input) { input.typeText("a"); };
     EXPECT_THAT(postedBy(type, 0), IsEmpty());
     EXPECT_THAT(postedBy(type, 1), IsEmpty());
     const auto posted = postedBy(type, 2);
@@ -78,25 +106,25 @@ TEST(MacInputTest, a_text_whose_release_can_not_be_made_leaves_its_press_posted)
     EXPECT_EQ(posted[0].kind, "key down");
 }
 
-TEST(MacInputTest, the_pointer_moves_from_where_it_is_by_fractions_and_off_the_screen) {
-    EXPECT_THAT(postedBy([](auto& injection) { injection.movePointer(1.5, -300); }),
+TEST(MacInputTest, ThePointerMovesFromWhereItIsByFractionsAndOffTheScreen) {
+    EXPECT_THAT(postedBy([](auto& input) { input.movePointer(1.5, -300); }),
                 ElementsAre(mouse(5, 0, 101.5, -100)));
     for (int part = 0; part < 2; ++part) {
-        EXPECT_THAT(postedBy([](auto& injection) { injection.movePointer(1, 1); }, part), IsEmpty());
+        EXPECT_THAT(postedBy([](auto& input) { input.movePointer(1, 1); }, part), IsEmpty());
     }
 }
 
-TEST(MacInputTest, a_click_is_pressed_and_released_where_the_pointer_is) {
-    EXPECT_THAT(postedBy([](auto& injection) { injection.click("right"); }),
+TEST(MacInputTest, AClickIsPressedAndReleasedWhereThePointerIs) {
+    EXPECT_THAT(postedBy([](auto& input) { input.click(MouseButton::right); }),
                 ElementsAre(mouse(3, 1, 100, 200), mouse(4, 1, 100, 200)));
-    EXPECT_THAT(postedBy([](auto& injection) { injection.click("middle"); }),
+    EXPECT_THAT(postedBy([](auto& input) { input.click(MouseButton::left); }),
                 ElementsAre(mouse(1, 0, 100, 200), mouse(2, 0, 100, 200)));
     for (int part = 0; part < 3; ++part) {
-        EXPECT_THAT(postedBy([](auto& injection) { injection.click("left"); }, part), IsEmpty()) << part;
+        EXPECT_THAT(postedBy([](auto& input) { input.click(MouseButton::left); }, part), IsEmpty()) << part;
     }
 }
 
-TEST(MacAccessibilityTest, asks_without_a_prompt_unless_told_to_prompt) {
+TEST(MacAccessibilityTest, AsksWithoutAPromptUnlessOneIsWanted) {
     const int aliveBefore = FakeObject::alive;
     fakeAccessibility = {};
     MacAccessibility accessibility;

@@ -1,5 +1,6 @@
 #include "app/Program.h"
 #include "fakes/FakeDispatchQueue.h"
+#include "fakes/FakeFiles.h"
 #include "fakes/FakeLog.h"
 #include "hosts/mac/FakeCoreFoundation.h"
 #include "hosts/mac/FakeDispatch.h"
@@ -38,7 +39,7 @@ using testing::StartsWith;
 /// The whole program on the macOS adapters. Only the main queue, the log and the views are stand-ins of ours:
 /// on a Mac they come from Qt.
 class MacProgramTest : public testing::Test {
-protected:
+public:
     MacProgramTest() {
         resetFakeMac();
         fakeNetworkFramework = {};
@@ -69,37 +70,19 @@ protected:
     void runAll() {
         for (int round = 0; round < 10; ++round) {
             fakeDispatch::runAll();
-            main.runAll();
+            mainQueue.runAll();
             fakeMac.runLater();
         }
     }
     std::vector<std::string> calls() { return std::exchange(fakeMac.calls, {}); }
 
-    Platform platform() {
-        return {.mainQueue = main,
-                .serverQueue = serverQueue,
-                .network = network,
-                .userDefaults = userDefaults,
-                .notificationCenter = notificationCenter,
-                .pasteboard = pasteboard,
-                .inputEvents = inputEvents,
-                .scripts = scripts,
-                .accessibility = accessibility,
-                .loginItem = loginItem,
-                .statusItem = statusItem,
-                .application = application,
-                .windows = windows,
-                .workspace = workspace,
-                .host = host,
-                .log = log};
-    }
-
     void* pool = objc_autoreleasePoolPush();
-    FakeDispatchQueue main;
+    FakeDispatchQueue mainQueue;
     FakeLog log;
     MacDelegate delegate;
     MacApplication application{delegate};
     MacHost host;
+    FakeFiles files;
     MacUserDefaults userDefaults;
     MacUserNotificationCenter notificationCenter{delegate};
     MacPasteboard pasteboard;
@@ -112,11 +95,11 @@ protected:
     MacWorkspace workspace;
     MacDispatchQueue serverQueue{"ws.server"};
     MacNetwork network;
-    std::unique_ptr<Program> program = std::make_unique<Program>(platform(), [] {});
+    std::unique_ptr<Program> program = std::make_unique<Program>(platformOf(*this), [] {});
     std::shared_ptr<FakePhone> phone;
 };
 
-TEST_F(MacProgramTest, the_launch_goes_through_its_steps_in_order) {
+TEST_F(MacProgramTest, TheLaunchGoesThroughItsStepsInOrder) {
     fakeLaunch();
     runAll();
     EXPECT_THAT(calls(),
@@ -129,7 +112,7 @@ TEST_F(MacProgramTest, the_launch_goes_through_its_steps_in_order) {
     EXPECT_EQ(fakeMenu()[2].title, "Server: listening on :8765");
 }
 
-TEST_F(MacProgramTest, a_notification_comes_from_the_phone_and_its_answer_goes_back) {
+TEST_F(MacProgramTest, ANotificationComesFromThePhoneAndItsAnswerGoesBack) {
     fakeLaunch();
     runAll();
     phone = dialFake(8765);
@@ -154,7 +137,7 @@ TEST_F(MacProgramTest, a_notification_comes_from_the_phone_and_its_answer_goes_b
     EXPECT_THAT(frame.text, HasSubstr(R"("message":"on my way")"));
 }
 
-TEST_F(MacProgramTest, a_click_in_the_menu_opens_the_main_window_and_closing_it_leaves_the_dock) {
+TEST_F(MacProgramTest, AClickInTheMenuOpensTheMainWindowAndClosingItLeavesTheDock) {
     fakeLaunch();
     runAll();
     calls();

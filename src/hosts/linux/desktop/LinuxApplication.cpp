@@ -39,7 +39,7 @@ void LinuxApplication::setDelegate(ApplicationDelegate* delegate) {
     delegate_ = delegate;
 }
 
-void LinuxApplication::activate(bool /*ignoringOtherApps*/) {
+void LinuxApplication::activate() {
     for (QWindow* window : QGuiApplication::topLevelWindows()) {
         if (isOrdinaryWindow(window)) {
             window->raise();
@@ -65,9 +65,8 @@ int LinuxApplication::runModal(const Alert& alert) {
     }
     box.exec();
     const auto clicked = std::find(buttons.begin(), buttons.end(), box.clickedButton());
-    const std::size_t index =
-        clicked != buttons.end() ? static_cast<std::size_t>(clicked - buttons.begin()) : escapeIndex;
-    return alertFirstButtonReturn + static_cast<int>(index);
+    return clicked != buttons.end() ? static_cast<int>(clicked - buttons.begin())
+                                    : static_cast<int>(escapeIndex);
 }
 
 bool LinuxApplication::hasVisibleWindows() {

@@ -15,11 +15,11 @@ public:
     void setServicesProvider(ServicesProvider* provider) override { servicesProvider_ = provider; }
     void setActivationPolicy(ActivationPolicy policy) override { activationPolicy_ = policy; }
     /// Asks the window manager to bring the visible windows forward; it may refuse.
-    void activate(bool ignoringOtherApps) override;
+    void activate() override;
     /// Escape, and the end of the process, answer like the second button.
     int runModal(const Alert& alert) override;
 
-    /// Not owned; hears of activation from now on.
+    /// Not owned; is told of every activation from now on.
     void setDelegate(ApplicationDelegate* delegate);
     ServicesProvider* servicesProvider() const { return servicesProvider_; }
     ActivationPolicy activationPolicy() const { return activationPolicy_; }

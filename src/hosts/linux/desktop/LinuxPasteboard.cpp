@@ -3,6 +3,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QStringConverter>
 
 namespace velloway {
 
@@ -11,7 +12,10 @@ void LinuxPasteboard::clearContents() {
 }
 
 void LinuxPasteboard::setString(std::string_view text) {
-    QGuiApplication::clipboard()->setText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+    // `QString::fromUtf8` would cut a byte order mark, which here is a character of the text.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    QGuiApplication::clipboard()->setText(
+        decoder(QByteArrayView(text.data(), static_cast<qsizetype>(text.size()))));
 }
 
 std::optional<std::string> LinuxPasteboard::string() const {

@@ -1,6 +1,6 @@
 #include "hosts/linux/input/PortalInput.h"
 
-#include "hosts/linux/input/TextKeysyms.h"
+#include "hosts/linux/input/Keysyms.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -39,8 +39,11 @@ PortalInput::~PortalInput() {
     closeSession();
 }
 
-void PortalInput::requestAccess() {
-    QMetaObject::invokeMethod(this, [this] { begin(); });
+bool PortalInput::isTrustedWithPrompt() {
+    if (!isReady_) {
+        QMetaObject::invokeMethod(this, [this] { begin(); });
+    }
+    return isReady_;
 }
 
 void PortalInput::begin() {
@@ -170,21 +173,29 @@ void PortalInput::closeSession() {
     }
 }
 
-void PortalInput::postKey(KeyStroke stroke, bool isDown) {
-    QMetaObject::invokeMethod(this, [this, stroke = std::move(stroke), isDown] {
-        std::vector<std::uint32_t> keysyms = stroke.modifiers;
-        keysyms.push_back(stroke.keysym);
-        if (isDown) {
-            std::for_each(keysyms.begin(), keysyms.end(),
-                          [this](std::uint32_t each) { sendKeysym(each, true); });
-        } else {
-            std::for_each(keysyms.rbegin(), keysyms.rend(),
-                          [this](std::uint32_t each) { sendKeysym(each, false); });
-        }
+void PortalInput::pressKey(Key key, Modifiers modifiers) {
+    sendTogether(keysymsOf(key, modifiers));
+}
+
+void PortalInput::pressMediaKey(MediaKey key) {
+    sendTogether({keysymOf(key)});
+}
+
+void PortalInput::sendTogether(std::vector<std::uint32_t> keysyms) {
+    if (!isReady_) {
+        return;
+    }
+    QMetaObject::invokeMethod(this, [this, keysyms = std::move(keysyms)] {
+        std::for_each(keysyms.begin(), keysyms.end(), [this](std::uint32_t each) { sendKeysym(each, true); });
+        std::for_each(keysyms.rbegin(), keysyms.rend(),
+                      [this](std::uint32_t each) { sendKeysym(each, false); });
     });
 }
 
-void PortalInput::postText(std::u16string text) {
+void PortalInput::typeText(std::string_view text) {
+    if (!isReady_) {
+        return;
+    }
     QMetaObject::invokeMethod(this, [this, keysyms = keysymsOf(text)] {
         for (const std::uint32_t keysym : keysyms) {
             sendKeysym(keysym, true);
@@ -199,21 +210,17 @@ void PortalInput::sendKeysym(std::uint32_t keysym, bool isDown) {
     }
 }
 
-std::optional<Point> PortalInput::pointerPosition() {
-    return (devices_ & pointerDevice) != 0 ? std::optional(position_) : std::nullopt;
-}
-
-void PortalInput::movePointer(Point to) {
+void PortalInput::movePointer(double dx, double dy) {
     if ((devices_ & pointerDevice) != 0) {
-        notify("NotifyPointerMotion", {to.x - position_.x, to.y - position_.y});
-        position_ = to;
+        notify("NotifyPointerMotion", {dx, dy});
     }
 }
 
-void PortalInput::postButton(MouseButton button, bool isDown) {
+void PortalInput::click(MouseButton button) {
     if ((devices_ & pointerDevice) != 0) {
-        notify("NotifyPointerButton",
-               {button == MouseButton::right ? rightButton : leftButton, isDown ? 1U : 0U});
+        const int number = button == MouseButton::right ? rightButton : leftButton;
+        notify("NotifyPointerButton", {number, 1U});
+        notify("NotifyPointerButton", {number, 0U});
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hosts/linux/input/InputBackend.h"
+#include "hosts/linux/input/LinuxInput.h"
 
 #include <QDBusConnection>
 #include <QDBusObjectPath>
@@ -22,22 +22,21 @@ namespace velloway {
 /// is dropped.
 ///
 /// Made and destroyed on the main thread. Whatever comes from other threads is done on the main thread.
-class PortalInput : public QObject, public InputBackend {
+class PortalInput : public QObject, public LinuxInput {
     Q_OBJECT
 
 public:
     PortalInput();
     ~PortalInput() override;
 
-    bool isReady() const override { return isReady_; }
-    void requestAccess() override;
+    bool isTrusted() override { return isReady_; }
+    bool isTrustedWithPrompt() override;
 
-    void postKey(KeyStroke stroke, bool isDown) override;
-    void postText(std::u16string text) override;
-    /// Nobody tells where the pointer is; this position only sums up the moves.
-    std::optional<Point> pointerPosition() override;
-    void movePointer(Point to) override;
-    void postButton(MouseButton button, bool isDown) override;
+    void pressKey(Key key, Modifiers modifiers) override;
+    void typeText(std::string_view text) override;
+    void pressMediaKey(MediaKey key) override;
+    void movePointer(double dx, double dy) override;
+    void click(MouseButton button) override;
 
 private slots:
     void requestResponded(uint code, const QVariantMap& results);
@@ -58,18 +57,18 @@ private:
     void callFinished(QDBusPendingCallWatcher* watcher);
     void closeSession();
 
+    void sendTogether(std::vector<std::uint32_t> keysyms);
     void sendKeysym(std::uint32_t keysym, bool isDown);
     void notify(const QString& method, const QVariantList& arguments);
 
     QDBusConnection bus_;
     Step step_ = Step::none;
-    /// Tells a late answer to an earlier question from one to the present question.
+    /// Sets a late answer to an earlier request apart from one to the present request.
     unsigned requestCount_ = 0;
     QString requestPath_;
     QDBusObjectPath session_;
     QString restoreToken_;
     std::uint32_t devices_ = 0;
-    Point position_;
     std::atomic<bool> isReady_ = false;
 };
 

@@ -1,34 +1,36 @@
 #include "hosts/linux/input/X11Input.h"
 
-#include <utility>
+#include "hosts/linux/input/Keysyms.h"
 
 namespace velloway {
 
-void X11Input::postKey(KeyStroke stroke, bool isDown) {
+void X11Input::pressKey(Key key, Modifiers modifiers) {
     if (isReady_) {
-        keyboard_.postKey(std::move(stroke), isDown);
+        keyboard_.press(keysymsOf(key, modifiers));
     }
 }
 
-void X11Input::postText(std::u16string text) {
+void X11Input::typeText(std::string_view text) {
     if (isReady_) {
-        keyboard_.postText(std::move(text));
+        keyboard_.type(keysymsOf(text));
     }
 }
 
-std::optional<Point> X11Input::pointerPosition() {
-    return isReady_ ? pointer_.position() : std::nullopt;
-}
-
-void X11Input::movePointer(Point to) {
+void X11Input::pressMediaKey(MediaKey key) {
     if (isReady_) {
-        pointer_.moveTo(to);
+        keyboard_.press({keysymOf(key)});
     }
 }
 
-void X11Input::postButton(MouseButton button, bool isDown) {
+void X11Input::movePointer(double dx, double dy) {
     if (isReady_) {
-        pointer_.postButton(button, isDown);
+        pointer_.moveBy(dx, dy);
+    }
+}
+
+void X11Input::click(MouseButton button) {
+    if (isReady_) {
+        pointer_.click(button);
     }
 }
 

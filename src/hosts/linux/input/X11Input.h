@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hosts/linux/input/InputBackend.h"
+#include "hosts/linux/input/LinuxInput.h"
 #include "hosts/linux/input/X11Keyboard.h"
 #include "hosts/linux/input/X11Pointer.h"
 
@@ -8,18 +8,19 @@ namespace velloway {
 
 /// Input by the X server's test extension. Keyboard and pointer have a connection each, as they are used on
 /// different threads.
-class X11Input : public InputBackend {
+class X11Input : public LinuxInput {
 public:
     X11Input() : isReady_(keyboard_.isUsable() && pointer_.isUsable()) {}
 
-    bool isReady() const override { return isReady_; }
+    bool isTrusted() override { return isReady_; }
     /// An X server never asks.
-    void requestAccess() override {}
-    void postKey(KeyStroke stroke, bool isDown) override;
-    void postText(std::u16string text) override;
-    std::optional<Point> pointerPosition() override;
-    void movePointer(Point to) override;
-    void postButton(MouseButton button, bool isDown) override;
+    bool isTrustedWithPrompt() override { return isReady_; }
+
+    void pressKey(Key key, Modifiers modifiers) override;
+    void typeText(std::string_view text) override;
+    void pressMediaKey(MediaKey key) override;
+    void movePointer(double dx, double dy) override;
+    void click(MouseButton button) override;
 
 private:
     X11Keyboard keyboard_;

@@ -1,7 +1,5 @@
 #include "hosts/linux/input/X11Keyboard.h"
 
-#include "hosts/linux/input/TextKeysyms.h"
-
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include <algorithm>
@@ -19,7 +17,7 @@ constexpr auto readingTime = 50ms;
 /// So long after the last key its meaning stands in any case.
 constexpr auto catchUpTime = 400ms;
 /// So long a busy program is waited for before the keys that it has not read yet lose their meaning.
-constexpr auto patience = 5s;
+constexpr auto busyProgramTimeout = 5s;
 /// The keys stay on loan this long, so that somebody who types on and on changes the keymap rarely.
 constexpr auto loanTime = 2s;
 
@@ -50,12 +48,12 @@ X11Keyboard::~X11Keyboard() {
     }
 }
 
-void X11Keyboard::postKey(KeyStroke stroke, bool isDown) {
-    post([this, stroke = std::move(stroke), isDown] { sendKey(stroke, isDown); });
+void X11Keyboard::press(std::vector<std::uint32_t> keysyms) {
+    post([this, keysyms = std::move(keysyms)] { sendTogether(keysyms); });
 }
 
-void X11Keyboard::postText(std::u16string text) {
-    post([this, text = std::move(text)] { type(text); });
+void X11Keyboard::type(std::vector<std::uint32_t> keysyms) {
+    post([this, keysyms = std::move(keysyms)] { sendInTurn(keysyms); });
 }
 
 void X11Keyboard::post(Job job) {
@@ -99,7 +97,7 @@ void X11Keyboard::run() {
 
 void X11Keyboard::giveBackOnceRead() {
     if (keymap_.isLending()) {
-        ping_.await(patience, [this] { return !isEnding(); });
+        ping_.await(busyProgramTimeout, [this] { return !isEnding(); });
         std::this_thread::sleep_until(lastTyped_ + catchUpTime);
         keymap_.giveBack();
     }
@@ -114,7 +112,7 @@ void X11Keyboard::fake(std::uint8_t keycode, bool isDown) {
     connection_.fakeInput(isDown ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode);
 }
 
-void X11Keyboard::press(X11KeyPress key) {
+void X11Keyboard::tap(X11KeyPress key) {
     const auto shift = key.isShifted ? keymap_.find(XKB_KEY_Shift_L) : std::nullopt;
     if (shift) {
         fake(shift->keycode, true);
@@ -126,24 +124,18 @@ void X11Keyboard::press(X11KeyPress key) {
     }
 }
 
-void X11Keyboard::sendKey(const KeyStroke& stroke, bool isDown) {
+/// A modifier that no key can be had for is left out; without the key itself nothing is pressed.
+void X11Keyboard::sendTogether(std::span<const std::uint32_t> keysyms) {
     std::vector<std::uint8_t> keycodes;
-    for (const std::uint32_t modifier : stroke.modifiers) {
-        if (const auto keycode = keycodeOf(modifier)) {
+    for (const std::uint32_t keysym : keysyms) {
+        if (const auto keycode = keycodeOf(keysym)) {
             keycodes.push_back(*keycode);
+        } else if (keysym == keysyms.back()) {
+            return;
         }
     }
-    const auto keycode = keycodeOf(stroke.keysym);
-    if (!keycode) {
-        return;
-    }
-    keycodes.push_back(*keycode);
-    if (!isDown) {
-        std::reverse(keycodes.begin(), keycodes.end());
-    }
-    for (const std::uint8_t each : keycodes) {
-        fake(each, isDown);
-    }
+    std::for_each(keycodes.begin(), keycodes.end(), [this](std::uint8_t each) { fake(each, true); });
+    std::for_each(keycodes.rbegin(), keycodes.rend(), [this](std::uint8_t each) { fake(each, false); });
     connection_.flush();
     lastTyped_ = Clock::now();
 }
@@ -165,12 +157,12 @@ std::optional<X11KeyPress> X11Keyboard::find(std::uint32_t keysym) const {
 }
 
 /// Caps Lock is off meanwhile, as it would change what the keys mean.
-void X11Keyboard::type(std::u16string_view text) {
+void X11Keyboard::sendInTurn(std::span<const std::uint32_t> keysyms) {
     const bool wasCapsLocked = keymap_.isCapsLocked();
     if (wasCapsLocked) {
         keymap_.setCapsLocked(false);
     }
-    typeWith(keysymsOf(text));
+    sendWithLoans(keysyms);
     if (wasCapsLocked) {
         keymap_.setCapsLocked(true);
     }
@@ -178,7 +170,7 @@ void X11Keyboard::type(std::u16string_view text) {
 }
 
 /// Borrows for the whole text at once, or for as much of it as there are unused keys.
-void X11Keyboard::typeWith(std::span<const std::uint32_t> keysyms) {
+void X11Keyboard::sendWithLoans(std::span<const std::uint32_t> keysyms) {
     while (!keysyms.empty()) {
         auto missing = missingIn(keysyms);
         if (missing.size() > keymap_.available() && keymap_.isLending()) {
@@ -190,7 +182,7 @@ void X11Keyboard::typeWith(std::span<const std::uint32_t> keysyms) {
         }
         const auto end = std::find_if(keysyms.begin(), keysyms.end(),
                                       [this](std::uint32_t keysym) { return !find(keysym); });
-        std::for_each(keysyms.begin(), end, [this](std::uint32_t keysym) { press(*find(keysym)); });
+        std::for_each(keysyms.begin(), end, [this](std::uint32_t keysym) { tap(*find(keysym)); });
         connection_.flush();
         lastTyped_ = Clock::now();
         keysyms = keysyms.subspan(static_cast<std::size_t>(end - keysyms.begin()));

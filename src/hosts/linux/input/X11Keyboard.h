@@ -1,6 +1,5 @@
 #pragma once
 
-#include "hosts/linux/input/InputBackend.h"
 #include "hosts/linux/input/X11Connection.h"
 #include "hosts/linux/input/X11Keymap.h"
 #include "hosts/linux/input/X11Ping.h"
@@ -13,7 +12,6 @@
 #include <mutex>
 #include <optional>
 #include <span>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -32,8 +30,10 @@ public:
     ~X11Keyboard();
 
     bool isUsable() const { return isUsable_; }
-    void postKey(KeyStroke stroke, bool isDown);
-    void postText(std::u16string text);
+    /// Presses the keys one after the other and releases them the other way round.
+    void press(std::vector<std::uint32_t> keysyms);
+    /// Types one key after the other, with whatever each of them needs.
+    void type(std::vector<std::uint32_t> keysyms);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -44,15 +44,15 @@ private:
     void giveBackOnceRead();
     bool isEnding();
 
-    void sendKey(const KeyStroke& stroke, bool isDown);
-    void type(std::u16string_view text);
-    void typeWith(std::span<const std::uint32_t> keysyms);
+    void sendTogether(std::span<const std::uint32_t> keysyms);
+    void sendInTurn(std::span<const std::uint32_t> keysyms);
+    void sendWithLoans(std::span<const std::uint32_t> keysyms);
     std::vector<std::uint32_t> missingIn(std::span<const std::uint32_t> keysyms) const;
     bool borrow(std::span<const std::uint32_t> keysyms);
     std::optional<X11KeyPress> find(std::uint32_t keysym) const;
     std::optional<std::uint8_t> keycodeOf(std::uint32_t keysym);
     void fake(std::uint8_t keycode, bool isDown);
-    void press(X11KeyPress key);
+    void tap(X11KeyPress key);
 
     X11Connection connection_;
     X11Keymap keymap_{connection_};

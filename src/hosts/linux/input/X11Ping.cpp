@@ -21,8 +21,8 @@ X11Ping::X11Ping(X11Connection& connection) : connection_(connection) {
     }
 }
 
-void X11Ping::await(std::chrono::milliseconds patience, const std::function<bool()>& isWorthWaiting) {
-    const auto end = Clock::now() + patience;
+void X11Ping::await(std::chrono::milliseconds timeout, const std::function<bool()>& isWorthWaiting) {
+    const auto end = Clock::now() + timeout;
     const xcb_window_t window = askedWindow();
     if (window == XCB_NONE) {
         return;

@@ -15,10 +15,10 @@ public:
     /// The connection must outlive this object.
     explicit X11Ping(X11Connection& connection);
 
-    /// Waits for the answer, but no longer than `patience` or, asked now and then, `isWorthWaiting`; and not at
+    /// Waits for the answer, but no longer than `timeout` or, asked now and then, `isWorthWaiting`; and not at
     /// all when nobody has the keyboard or the program takes no such questions. Drops events that wait on the
     /// connection.
-    void await(std::chrono::milliseconds patience, const std::function<bool()>& isWorthWaiting);
+    void await(std::chrono::milliseconds timeout, const std::function<bool()>& isWorthWaiting);
 
 private:
     using Clock = std::chrono::steady_clock;

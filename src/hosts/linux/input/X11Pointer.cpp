@@ -10,7 +10,7 @@ namespace {
 
 std::int16_t rounded(double coordinate) {
     using Limits = std::numeric_limits<std::int16_t>;
-    // Written so that a value that is no number comes out as 0.
+    // Written so that a value that is not a number comes out as 0.
     if (!(coordinate > Limits::min())) {
         return coordinate <= Limits::min() ? Limits::min() : std::int16_t{0};
     }
@@ -23,7 +23,7 @@ X11Pointer::Pixel X11Pointer::pixelOf(Point point) {
     return {rounded(point.x), rounded(point.y)};
 }
 
-std::optional<Point> X11Pointer::position() {
+std::optional<X11Pointer::Point> X11Pointer::position() {
     connection_.discardEvents();
     xcb_connection_t* connection = connection_.get();
     const X11Reply<xcb_query_pointer_reply_t> reply(
@@ -40,16 +40,23 @@ std::optional<Point> X11Pointer::position() {
     return Point{static_cast<double>(real.x), static_cast<double>(real.y)};
 }
 
-void X11Pointer::moveTo(Point to) {
+void X11Pointer::moveBy(double dx, double dy) {
+    const auto here = position();
+    if (!here) {
+        return;
+    }
+    const Point to{here->x + dx, here->y + dy};
     kept_ = Kept{.exact = to, .sent = pixelOf(to)};
     constexpr std::uint8_t absolute = 0;
     connection_.fakeInput(XCB_MOTION_NOTIFY, absolute, root_, kept_->sent.x, kept_->sent.y);
     connection_.flush();
 }
 
-void X11Pointer::postButton(MouseButton button, bool isDown) {
+void X11Pointer::click(MouseButton button) {
+    connection_.discardEvents();
     const std::uint8_t number = button == MouseButton::right ? 3 : 1;
-    connection_.fakeInput(isDown ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE, number);
+    connection_.fakeInput(XCB_BUTTON_PRESS, number);
+    connection_.fakeInput(XCB_BUTTON_RELEASE, number);
     connection_.flush();
 }
 

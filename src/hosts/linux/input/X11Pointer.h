@@ -14,10 +14,16 @@ class X11Pointer {
 public:
     bool isUsable() const { return connection_.isUsable(); }
 
+    struct Point {
+        double x = 0;
+        double y = 0;
+        bool operator==(const Point&) const = default;
+    };
+    /// With the fraction that earlier moves left over; absent when the server does not answer.
     std::optional<Point> position();
     /// Beyond the edge of the screens the server stops the pointer there.
-    void moveTo(Point to);
-    void postButton(MouseButton button, bool isDown);
+    void moveBy(double dx, double dy);
+    void click(MouseButton button);
 
 private:
     struct Pixel {

@@ -25,6 +25,10 @@ constexpr double cornerRadius = 12;
 /// How far two clicks on one button of a panel can be apart.
 constexpr double sameButton = 32;
 
+QSize pixels(const Size& size) {
+    return {static_cast<int>(size.width), static_cast<int>(size.height)};
+}
+
 /// The main window: closing it only hides it.
 class MainView : public ContentView {
 public:
@@ -229,9 +233,8 @@ std::shared_ptr<Window> QuickWindows::makeMainWindow(const MainWindowProperties&
     auto view = std::make_unique<MainView>(engine()->qml, std::move(content), std::move(onClose));
     view->setTitle(QString::fromStdString(properties.title));
     view->setFlags(Qt::Window);
-    view->setMinimumSize({static_cast<int>(properties.minWidth), static_cast<int>(properties.minHeight)});
-    view->resize(static_cast<int>(properties.contentRect.width),
-                 static_cast<int>(properties.contentRect.height));
+    view->setMinimumSize(pixels(properties.minimumSize));
+    view->resize(pixels(properties.size));
     return std::make_shared<QuickWindow>(engine(), std::move(view));
 }
 
@@ -242,8 +245,7 @@ std::shared_ptr<Window> QuickWindows::makePanel(const PanelProperties& propertie
                    Qt::WindowDoesNotAcceptFocus);
     view->setObjectName(callPanelName);
     view->setTitle(QStringLiteral("Velloway"));
-    const QSize size(static_cast<int>(properties.contentRect.width),
-                     static_cast<int>(properties.contentRect.height));
+    const QSize size = pixels(properties.size);
     view->setMinimumSize(size);
     view->setMaximumSize(size);
     view->resize(size);

@@ -12,9 +12,11 @@ NS_ASSUME_NONNULL_BEGIN
 @interface NSResponder : NSObject
 @end
 
-typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy){NSApplicationActivationPolicyRegular = 0,
-                                                          NSApplicationActivationPolicyAccessory = 1,
-                                                          NSApplicationActivationPolicyProhibited = 2};
+typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
+    NSApplicationActivationPolicyRegular = 0,
+    NSApplicationActivationPolicyAccessory = 1,
+    NSApplicationActivationPolicyProhibited = 2
+};
 FOUNDATION_EXPORT const NSNotificationName NSApplicationDidBecomeActiveNotification;
 
 @protocol NSApplicationDelegate <NSObject>
@@ -35,7 +37,7 @@ MACSDK_OPTIONAL
 - (void)terminate:(nullable id)sender;
 @end
 
-typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions){NSViewWidthSizable = 2, NSViewHeightSizable = 16};
+typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) { NSViewWidthSizable = 2, NSViewHeightSizable = 16 };
 @interface CALayer : NSObject
 @property CGFloat cornerRadius;
 @property BOOL masksToBounds;
@@ -49,11 +51,15 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions){NSViewWidthSizable = 2
 - (void)addSubview:(NSView*)view;
 - (void)removeFromSuperview;
 @end
-typedef NS_ENUM(NSInteger, NSVisualEffectMaterial){NSVisualEffectMaterialHUDWindow = 13};
-typedef NS_ENUM(NSInteger, NSVisualEffectBlendingMode){NSVisualEffectBlendingModeBehindWindow = 0,
-                                                       NSVisualEffectBlendingModeWithinWindow = 1};
-typedef NS_ENUM(NSInteger, NSVisualEffectState){NSVisualEffectStateFollowsWindowActiveState = 0,
-                                                NSVisualEffectStateActive = 1};
+typedef NS_ENUM(NSInteger, NSVisualEffectMaterial) { NSVisualEffectMaterialHUDWindow = 13 };
+typedef NS_ENUM(NSInteger, NSVisualEffectBlendingMode) {
+    NSVisualEffectBlendingModeBehindWindow = 0,
+    NSVisualEffectBlendingModeWithinWindow = 1
+};
+typedef NS_ENUM(NSInteger, NSVisualEffectState) {
+    NSVisualEffectStateFollowsWindowActiveState = 0,
+    NSVisualEffectStateActive = 1
+};
 @interface NSVisualEffectView : NSView
 @property NSVisualEffectMaterial material;
 @property NSVisualEffectBlendingMode blendingMode;
@@ -110,9 +116,12 @@ FOUNDATION_EXPORT const NSColorSpaceName NSDeviceRGBColorSpace;
 + (void)saveGraphicsState;
 + (void)restoreGraphicsState;
 @end
-typedef NS_ENUM(NSUInteger, NSCompositingOperation){NSCompositingOperationClear = 0, NSCompositingOperationCopy = 1,
-                                                    NSCompositingOperationSourceOver = 2,
-                                                    NSCompositingOperationSourceIn = 3};
+typedef NS_ENUM(NSUInteger, NSCompositingOperation) {
+    NSCompositingOperationClear = 0,
+    NSCompositingOperationCopy = 1,
+    NSCompositingOperationSourceOver = 2,
+    NSCompositingOperationSourceIn = 3
+};
 FOUNDATION_EXPORT void NSRectFillUsingOperation(NSRect rect, NSCompositingOperation op);
 
 @interface NSMenuItem : NSObject <NSCopying>
@@ -160,13 +169,21 @@ FOUNDATION_EXPORT const NSPasteboardType NSPasteboardTypeFileURL;
 @end
 
 typedef NSInteger NSWindowLevel;
-typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask){
-    NSWindowStyleMaskTitled = 1 << 0, NSWindowStyleMaskNonactivatingPanel = 1 << 7,
-    NSWindowStyleMaskFullSizeContentView = 1 << 15};
-typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior){NSWindowCollectionBehaviorCanJoinAllSpaces = 1 << 0,
-                                                           NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8};
-typedef NS_ENUM(NSInteger, NSWindowTitleVisibility){NSWindowTitleVisible = 0, NSWindowTitleHidden = 1};
-typedef NS_ENUM(NSUInteger, NSBackingStoreType){NSBackingStoreBuffered = 2};
+static const NSWindowLevel NSStatusWindowLevel = 25;
+typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask) {
+    NSWindowStyleMaskTitled = 1 << 0,
+    NSWindowStyleMaskClosable = 1 << 1,
+    NSWindowStyleMaskMiniaturizable = 1 << 2,
+    NSWindowStyleMaskResizable = 1 << 3,
+    NSWindowStyleMaskNonactivatingPanel = 1 << 7,
+    NSWindowStyleMaskFullSizeContentView = 1 << 15
+};
+typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
+    NSWindowCollectionBehaviorCanJoinAllSpaces = 1 << 0,
+    NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8
+};
+typedef NS_ENUM(NSInteger, NSWindowTitleVisibility) { NSWindowTitleVisible = 0, NSWindowTitleHidden = 1 };
+typedef NS_ENUM(NSUInteger, NSBackingStoreType) { NSBackingStoreBuffered = 2 };
 @interface NSColor : NSObject <NSCopying>
 @property(class, strong, readonly) NSColor* clearColor;
 + (NSColor*)colorWithDeviceRed:(CGFloat)red green:(CGFloat)green blue:(CGFloat)blue alpha:(CGFloat)alpha;
@@ -219,6 +236,7 @@ MACSDK_OPTIONAL
 
 typedef NSInteger NSModalResponse;
 static const NSModalResponse NSModalResponseOK = 1;
+static const NSModalResponse NSAlertFirstButtonReturn = 1000;
 @interface NSOpenPanel : NSPanel
 + (NSOpenPanel*)openPanel;
 @property BOOL allowsMultipleSelection;
@@ -227,9 +245,13 @@ static const NSModalResponse NSModalResponseOK = 1;
 - (void)beginWithCompletionHandler:(void (^)(NSModalResponse result))handler;
 @end
 
-typedef NS_ENUM(NSUInteger, NSEventType){NSEventTypeLeftMouseDown = 1, NSEventTypeLeftMouseUp = 2,
-                                         NSEventTypeLeftMouseDragged = 6, NSEventTypeSystemDefined = 14};
-typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags){NSEventModifierFlagCommand = 1 << 20};
+typedef NS_ENUM(NSUInteger, NSEventType) {
+    NSEventTypeLeftMouseDown = 1,
+    NSEventTypeLeftMouseUp = 2,
+    NSEventTypeLeftMouseDragged = 6,
+    NSEventTypeSystemDefined = 14
+};
+typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) { NSEventModifierFlagCommand = 1 << 20 };
 @interface NSEvent : NSObject <NSCopying>
 + (nullable NSEvent*)otherEventWithType:(NSEventType)type
                                location:(NSPoint)location
@@ -250,8 +272,11 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags){NSEventModifierFlagCommand 
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)fileURLs;
 @end
 
-typedef NS_ENUM(NSUInteger, NSAlertStyle){NSAlertStyleWarning = 0, NSAlertStyleInformational = 1,
-                                          NSAlertStyleCritical = 2};
+typedef NS_ENUM(NSUInteger, NSAlertStyle) {
+    NSAlertStyleWarning = 0,
+    NSAlertStyleInformational = 1,
+    NSAlertStyleCritical = 2
+};
 @interface NSAlert : NSObject
 @property(copy) NSString* messageText;
 @property(copy) NSString* informativeText;
