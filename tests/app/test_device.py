@@ -1,13 +1,19 @@
 """A real phone's commands, played by scripts on the PATH, between velloway-phone --device and the real program."""
 
 import datetime
+import json
 import os
+import pathlib
+import re
+import subprocess
 import tempfile
+import unittest
 
 os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
 
-from support import *
-from accessible import *
+from accessible import Tree, start_accessibility
+from support import (APP, AppTest, NotificationService, Process, TrayWatcher, clipboard, run, screenshot, terminate,
+                     visible_windows, wait_for)
 
 REFUSAL = '{"error": "Please grant the following permission to use this command: android.permission.READ_SMS"}'
 

@@ -6,11 +6,19 @@ The browser is driven through a pipe; the desktop is watched from outside, throu
 import base64
 import ctypes
 import hashlib
+import json
 import os
+import pathlib
+import re
 import shutil
+import socket
 import tempfile
+import threading
+import time
+import unittest
 
-from support import *
+from support import (APP, PATIENCE, SCREENSHOTS, AppTest, NotificationService, Process, TrayWatcher, clipboard, run,
+                     stays, turn, visible_windows, wait_for)
 
 CHROMIUM = shutil.which("chromium") or shutil.which("chromium-browser")
 PAGE = pathlib.Path(__file__).parents[2] / "tools" / "phone" / "web" / "phone.html"
