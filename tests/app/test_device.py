@@ -223,7 +223,7 @@ class Device(AppTest):
         tree.press("Call", "push button")
         self.commands.wait_call("termux-telephony-call", "16216")
         tree.press("Hang up", "push button")
-        device.wait_line("no command of the phone does it: ending a call")
+        device.wait_line("the phone's commands cannot do this: ending a call")
 
     def test_a_new_call_in_the_log_brings_the_log_unasked(self):
         device = self.start_device()

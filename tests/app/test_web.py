@@ -492,9 +492,9 @@ class Web(AppTest):
         self.wait_connected()
         self.assertEqual(self.page.js("document.querySelector('#host').value"), f"127.0.0.1:{self.relay.port}")
 
-    def test_a_searched_phone_rings_until_it_is_stopped(self):
+    def test_a_phone_to_be_found_rings_until_it_is_stopped(self):
         self.page.tap("#pad")
-        # No control of the program sends this message, so it is put into the page's ear.
+        # No control of the program sends this message, so the page is handed it directly.
         self.page.js("""hear('{"action":"find_device"}')""")
         wait_for(lambda: self.page.js("document.querySelector('#alarm').open"), "the alarm")
         wait_for(lambda: self.page.js("alarm.context.state") == "running", "a sound")
@@ -504,7 +504,7 @@ class Web(AppTest):
 
     def test_what_a_browser_cannot_do_is_said(self):
         self.page.js("""hear('{"action":"make_call","number":"+49 151","simSlot":0}')""")
-        self.assertIn("a browser cannot call +49 151.", self.page.js("document.querySelector('#note span').textContent"))
+        self.assertIn("A browser cannot call +49 151.", self.page.js("document.querySelector('#note span').textContent"))
         self.assertEqual(self.page.js("document.querySelector('#note a').getAttribute('href')"), "tel:%2B49%20151")
         self.page.js("""hear('{"action":"nav_command","command":"home"}')""")
         self.assertIn("press this phone’s home", self.page.js("document.querySelector('#note span').textContent"))

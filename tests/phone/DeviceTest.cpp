@@ -122,7 +122,7 @@ TEST_F(Device, EachMessageOfTheComputerCallsItsCommand) {
     }
 }
 
-TEST_F(Device, WhatNoCommandDoesIsRegrettedOnce) {
+TEST_F(Device, WhatNoCommandDoesIsReportedOnce) {
     for (const char* message :
          {R"({"action":"answer_call"})", R"({"action":"hangup_call"})",
           R"({"action":"toggle_mute","enabled":true})", R"({"action":"toggle_speaker","enabled":true})",
@@ -135,14 +135,14 @@ TEST_F(Device, WhatNoCommandDoesIsRegrettedOnce) {
     }
 }
 
-TEST_F(Device, ANumberThatIsNoneReachesNoCommand) {
+TEST_F(Device, TextThatIsNotANumberReachesNoCommand) {
     order(R"({"action":"make_call","number":"-h"})");
     order(R"({"action":"send_sms","number":"Bank","body":"x","simSlot":0})");
     EXPECT_THAT(runner.ran, IsEmpty());
     EXPECT_EQ(notes.size(), 2u);
 }
 
-TEST_F(Device, ASearchedPhoneIsLoudBrightAndThenAsItWas) {
+TEST_F(Device, APhoneToBeFoundIsLoudAndBrightAndThenAsBefore) {
     runner.answer("termux-volume", R"([{"stream":"music","volume":3,"max_volume":15}])");
     order(R"({"action":"find_device"})");
     EXPECT_THAT(runner.ran, Contains("termux-volume music 15"));
@@ -248,7 +248,7 @@ TEST(FindTone, IsAWholeRecording) {
 
 TEST(Limits, NameEachCommandThatIsMissing) {
     const auto lines = limits([](const std::string& command) { return command != "termux-torch"; }, {});
-    EXPECT_THAT(lines, Contains("termux-torch is not installed: no light when the phone is searched"));
+    EXPECT_THAT(lines, Contains("termux-torch is not installed: no light to find the phone by"));
     EXPECT_THAT(lines, Not(Contains(StartsWith("termux-vibrate"))));
     EXPECT_THAT(lines, Contains(HasSubstr("every 10 s; the battery and the call log every 60 s")));
     EXPECT_THAT(limits([](const std::string&) { return false; }, {}).back(),

@@ -47,8 +47,8 @@ void DeviceHandset::say(std::string message) {
 }
 
 void DeviceHandset::cannot(const std::string& what) {
-    if (regretted_.insert(what).second) {
-        note("asked for, but no command of the phone does it: " + what);
+    if (reported_.insert(what).second) {
+        note("the phone's commands cannot do this: " + what);
     }
 }
 

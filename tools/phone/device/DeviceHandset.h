@@ -69,7 +69,7 @@ private:
     /// The texts of messages that have just been shown, which the phone's own notifications repeat.
     std::deque<std::pair<std::chrono::steady_clock::time_point, std::string>> shownSms_;
     std::shared_ptr<void> findTimer_;
-    std::set<std::string> regretted_;
+    std::set<std::string> reported_;
     /// By their digits: the computer sends numbers back without their `+`.
     std::map<std::string, std::string> numbers_;
 };
