@@ -459,7 +459,31 @@ class Web(AppTest):
     def test_a_file_that_comes_short_is_not_offered(self):
         self.page.js("""hear('{"action":"file_transfer_start","fileName":"a.bin","fileSize":7}');
                         hear('{"action":"file_chunk","fileName":"a.bin","fileData":"Zm9v","isLast":true}')""")
-        self.assertIn("3 bytes have come, but 7", self.page.js("document.querySelector('#transfers p').textContent"))
+        self.assertIn("3 bytes arrived, but 7", self.page.js("document.querySelector('#transfers p').textContent"))
+        self.assertIsNone(self.page.js("document.querySelector('#transfers a')"))
+
+    def first_transfer(self):
+        return self.page.js("document.querySelector('#transfers li')?.textContent") or ""
+
+    def test_a_file_with_quotes_in_its_name_and_an_empty_one_arrive(self):
+        for name, end in (('a "quoted" \\ name.txt', "5 bytes; the size was not announced"),
+                          ("empty.txt", "0 bytes, as announced")):
+            path = self.folder / name
+            path.write_text("" if "empty" in name else "hello")
+            self.assertEqual(self.start(Process(APP, str(path))).wait_end(), 0)
+            wait_for(lambda: name in self.first_transfer() and end in self.first_transfer(), f"{name} on the page")
+        texts = self.page.js("""Promise.all([...document.querySelectorAll("#transfers a")].map(
+            async (each) => [each.download, await (await fetch(each.href)).text()]))""")
+        self.assertEqual(texts, [["empty.txt", ""], ['a "quoted" \\ name.txt', "hello"]])
+
+    def test_half_a_file_from_the_computer_is_not_offered(self):
+        path = self.folder / "half.bin"
+        path.write_bytes(os.urandom(100 * MEGABYTE))
+        already = self.relay.carried
+        self.start(Process(APP, str(path)))
+        wait_for(lambda: self.relay.carried > already + 5 * MEGABYTE, "5 MB on their way")
+        self.relay.cut()
+        wait_for(lambda: "The link broke" in self.first_transfer(), "the page says that the file is not whole")
         self.assertIsNone(self.page.js("document.querySelector('#transfers a')"))
 
     def test_the_link_drops_in_mid_file_and_returns(self):
