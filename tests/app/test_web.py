@@ -42,7 +42,7 @@ class Chromium(Process):
         super().__init__(
             CHROMIUM, "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
             "--disable-background-networking", "--disable-component-update", "--disable-sync",
-            "--disable-dev-shm-usage", "--hide-scrollbars", "--autoplay-policy=no-user-gesture-required",
+            "--disable-dev-shm-usage", "--hide-scrollbars",
             f"--user-data-dir={folder}/profile", "--remote-debugging-pipe", "about:blank",
             close_fds=False, preexec_fn=take_places)
         os.close(to_browser)
