@@ -27,6 +27,7 @@ namespace {
 constexpr std::size_t mostAtOnce = 3;
 constexpr std::size_t longestOutput = 64 << 20;
 constexpr double pauseBetweenLooks = 0.02;
+constexpr int highestDescriptor = 1024;
 
 /// Two ends that no other child inherits.
 bool makePipe(std::array<int, 2>& ends) {
@@ -120,6 +121,12 @@ private:
             dup2(out, STDOUT_FILENO);
             dup2(err, STDERR_FILENO);
             signal(SIGPIPE, SIG_DFL);
+            // A command that outlives its question must not hold the link, or the terminal, open.
+            for (int end = STDERR_FILENO + 1; end < highestDescriptor; ++end) {
+                if (end != fault[1]) {
+                    close(end);
+                }
+            }
             execvp(words[0], words.data());
             const int error = errno;
             [[maybe_unused]] const auto count = write(fault[1], &error, sizeof error);
