@@ -325,12 +325,14 @@ class Device(AppTest):
 
     def test_a_phone_that_leaves_takes_its_commands_along(self):
         self.commands.put("termux-sms-list", first="sleep 1000 & wait")
-        device = self.start_device()
-        wait_for(lambda: self.commands.calls("termux-sms-list"), "the slow command")
-        device.write("quit")
-        self.assertEqual(device.wait_end(), 0)
-        left = subprocess.run(["pgrep", "-f", "sleep 1000|termux-sms-list"], capture_output=True, text=True).stdout
-        self.assertEqual([pid for pid in left.split() if self.is_child_of_script(pid)], [])
+        for leave in (lambda device: device.write("quit"), terminate):
+            self.commands.log.write_text("")
+            device = self.start_device()
+            wait_for(lambda: self.commands.calls("termux-sms-list"), "the slow command")
+            leave(device)
+            self.assertEqual(device.wait_end(), 0)
+            left = subprocess.run(["pgrep", "-f", "sleep 1000|termux-sms-list"], capture_output=True, text=True).stdout
+            self.assertEqual([pid for pid in left.split() if self.is_child_of_script(pid)], [])
 
     def is_child_of_script(self, pid):
         try:

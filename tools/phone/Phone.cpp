@@ -48,8 +48,11 @@ int Phone::run() {
     } else {
         note("help lists the commands");
     }
+    std::shared_ptr<void> interrupt;
     if (options_.isDevice) {
         introduceDevice();
+        // The phone's commands are ended with the program.
+        interrupt = loop_.onInterrupt([this] { leave(exitCode_); });
     }
     if (!options_.isScripted() || options_.stay) {
         terminal_ = std::make_unique<Terminal>(
