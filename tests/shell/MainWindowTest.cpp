@@ -56,10 +56,10 @@ TEST_F(MainWindowTest, ComingToTheFrontReadsTheAccessibilityForTheOpenView) {
     program.delegate().applicationDidBecomeActive();
     on.accessibility.trusted = false;
     program.delegate().showSettings(7);
-    EXPECT_TRUE(view().showsAccessibilityWarning());
+    EXPECT_FALSE(view().remote.isAccessibilityEnabled.get());
     on.accessibility.trusted = true;
     program.delegate().applicationDidBecomeActive();
-    EXPECT_FALSE(view().showsAccessibilityWarning());
+    EXPECT_TRUE(view().remote.isAccessibilityEnabled.get());
 }
 
 TEST_F(MainWindowTest, TheLoginSwitchReachesTheSystem) {
