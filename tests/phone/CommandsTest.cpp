@@ -76,6 +76,22 @@ TEST(Commands, HelloIntroducesThePhoneItsNetworkAndItsSims) {
                             HasSubstr(R"("action":"sim_info")")));
 }
 
+TEST(Commands, ThatLeaveTheirWordsOutAskARealPhone) {
+    World world;
+    world.isDevice = true;
+    for (const auto& [line, what] :
+         {std::pair{"hello", Ask::What::introduction}, std::pair{"sms_history", Ask::What::smsHistory},
+          std::pair{"call_history", Ask::What::callHistory}, std::pair{"battery", Ask::What::battery},
+          std::pair{"clipboard", Ask::What::clipboard}}) {
+        const auto actions = parseCommand(line, world);
+        ASSERT_EQ(actions.size(), 1u) << line;
+        ASSERT_TRUE(std::holds_alternative<Ask>(actions[0])) << line;
+        EXPECT_EQ(std::get<Ask>(actions[0]).what, what) << line;
+    }
+    EXPECT_THAT(sentBy("battery 12", world), ElementsAre(HasSubstr("\"level\":12")));
+    EXPECT_THROW(parseCommand("battery", {}), std::invalid_argument);
+}
+
 TEST(Commands, ABinaryFrameCarriesTheRestOfTheLine) {
     const auto actions = parseCommand("binary {\"app\": \"x\"}", {});
     ASSERT_EQ(actions.size(), 1u);

@@ -38,6 +38,9 @@ TEST(Options, AreRefusedWhenTheyMeanNothing) {
                                                   {"--port", "x"},
                                                   {"--port"},
                                                   {"--fast"},
+                                                  {"--poll", "0"},
+                                                  {"--poll", "-1"},
+                                                  {"--command-limit", "inf"},
                                                   {"http://a"},
                                                   {"ws://:80"},
                                                   {"ws://a:80b"},
@@ -45,6 +48,19 @@ TEST(Options, AreRefusedWhenTheyMeanNothing) {
                                                   {"--connect-timeout", "soon"}}) {
         EXPECT_THROW(parseOptions(words), std::invalid_argument) << words[0];
     }
+}
+
+TEST(Options, OfADeviceMakeItStayAndSayHowOftenItLooks) {
+    const Options options =
+        parseOptions({"--device", "--name", "Tab", "--poll", "2.5", "--command-limit", "7"});
+    EXPECT_TRUE(options.isDevice);
+    EXPECT_TRUE(options.world.isDevice);
+    EXPECT_TRUE(options.stay);
+    EXPECT_EQ(options.device.name, "Tab");
+    EXPECT_EQ(options.device.pollInterval, 2.5);
+    EXPECT_EQ(options.device.commandLimit, 7);
+    EXPECT_FALSE(parseOptions({}).world.isDevice);
+    EXPECT_EQ(parseOptions({}).device.pollInterval, 10);
 }
 
 TEST(Options, ThatNameAScriptOrCommandsMakeThePhoneLeaveByItself) {

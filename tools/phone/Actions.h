@@ -26,6 +26,11 @@ struct Ring {
     std::string number;
     std::string name;
 };
+/// Sends what the phone itself knows.
+struct Ask {
+    enum class What { introduction, smsHistory, callHistory, clipboard, battery };
+    What what = What::introduction;
+};
 /// Waits for a message that holds at least what the pattern holds.
 struct Expect {
     std::string pattern;
@@ -37,7 +42,8 @@ struct Touchpad {};
 struct Help {};
 struct Quit {};
 
-using Action = std::variant<SendText, SendBinary, Sleep, SendFile, Ring, Expect, Cut, Touchpad, Help, Quit>;
+using Action =
+    std::variant<SendText, SendBinary, Sleep, SendFile, Ring, Ask, Expect, Cut, Touchpad, Help, Quit>;
 
 /// Actions to be done one after the other, begun at a certain time.
 struct Step {

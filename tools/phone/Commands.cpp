@@ -2,13 +2,13 @@
 
 #include "phone/History.h"
 #include "phone/Messages.h"
+#include "phone/Numbers.h"
 #include "phone/Words.h"
 
 #include <boost/json.hpp>
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <stdexcept>
 
@@ -37,12 +37,11 @@ public:
 
     double number(const char* what) {
         const std::string word = text(what);
-        double value = 0;
-        const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-        if (error != std::errc() || end != word.data() + word.size()) {
-            throw std::invalid_argument(std::string(what) + " is no number: " + word);
+        const auto value = readNumber(word);
+        if (!value) {
+            throw std::invalid_argument(std::string(what) + " is not a number: " + word);
         }
-        return value;
+        return *value;
     }
 
     double numberOr(const char* what, double otherwise) { return isEmpty() ? otherwise : number(what); }
@@ -50,7 +49,7 @@ public:
     std::int64_t integer(const char* what) {
         const double value = number(what);
         if (value != std::floor(value) || std::abs(value) > 9e15) {
-            throw std::invalid_argument(std::string(what) + " is no whole number");
+            throw std::invalid_argument(std::string(what) + " is not a whole number");
         }
         return static_cast<std::int64_t>(value);
     }
@@ -93,6 +92,9 @@ Actions say(std::string message) {
 }
 
 Actions hello(Arguments& words) {
+    if (words.isEmpty() && words.world().isDevice) {
+        return {Ask{Ask::What::introduction}};
+    }
     const std::string name = words.textOr("Paper Phone");
     const std::string wifi = words.textOr("Home");
     return {SendText{messages::connected(name)}, SendText{messages::deviceInfo(wifi, name)},
@@ -127,6 +129,9 @@ bool isNumber(const std::string& word) {
 
 Actions smsHistory(Arguments& words) {
     const World& world = words.world();
+    if (words.isEmpty() && world.isDevice) {
+        return {Ask{Ask::What::smsHistory}};
+    }
     if (words.isEmpty()) {
         return say(history::smsHistory(world.smsThreads, world.smsMessages, world.now));
     }
@@ -139,6 +144,9 @@ Actions smsHistory(Arguments& words) {
 
 Actions callHistory(Arguments& words) {
     const World& world = words.world();
+    if (words.isEmpty() && world.isDevice) {
+        return {Ask{Ask::What::callHistory}};
+    }
     const std::string first = words.textOr(std::to_string(world.calls));
     if (!isNumber(first)) {
         return say(history::fromFile(first, "call_history", "calls"));
@@ -164,7 +172,17 @@ bool readCharging(Arguments& words) {
     return !word.empty();
 }
 
+Actions clipboard(Arguments& words) {
+    if (words.isEmpty()) {
+        return {Ask{Ask::What::clipboard}};
+    }
+    return say(messages::clipboard(words.text("TEXT")));
+}
+
 Actions battery(Arguments& words) {
+    if (words.isEmpty() && words.world().isDevice) {
+        return {Ask{Ask::What::battery}};
+    }
     const std::int64_t level = words.integer("LEVEL");
     return say(messages::batteryStatus(level, readCharging(words)));
 }
@@ -270,8 +288,7 @@ const std::array commands{
     Command{"call_update", "SECONDS", "how long the call has run",
             [](Arguments& w) { return say(messages::callUpdate(w.integer("SECONDS"))); }},
     Command{"call_ended", "", "the call is over", [](Arguments&) { return say(messages::callEnded()); }},
-    Command{"clipboard", "TEXT", "copies a text to the computer",
-            [](Arguments& w) { return say(messages::clipboard(w.text("TEXT"))); }},
+    Command{"clipboard", "[TEXT]", "copies a text, or the phone's clipboard, to the computer", clipboard},
     Command{"battery", "LEVEL [charging]", "battery_status", battery},
     Command{"battery_fall", "FROM TO [STEP [SECONDS]]", "a battery that runs down", batteryFall},
     Command{"remote", "COMMAND [TYPE]", "a command for the computer, such as key_left", remote},

@@ -15,6 +15,8 @@ struct World {
     std::size_t smsThreads = 8;
     std::size_t smsMessages = 60;
     std::size_t calls = 20;
+    /// A real phone stands behind: commands that leave their words out ask it, and generate nothing.
+    bool isDevice = false;
 };
 
 /// Reads one command, for example `battery 20 charging`. An empty line gives nothing. Throws

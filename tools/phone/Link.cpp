@@ -32,11 +32,11 @@ struct Outgoing {
 } // namespace
 
 struct Link::State : std::enable_shared_from_this<State> {
-    State(Loop& loop_, std::string host_, std::uint16_t port_, bool reconnects_, Events events_)
+    State(Loop& loop_, std::string host_, std::uint16_t port_, Habits habits_, Events events_)
         : loop(loop_),
           host(std::move(host_)),
           port(port_),
-          reconnects(reconnects_),
+          habits(habits_),
           events(std::move(events_)),
           resolver(loop.engine().context) {}
 
@@ -62,7 +62,7 @@ struct Link::State : std::enable_shared_from_this<State> {
     Loop& loop;
     std::string host;
     std::uint16_t port;
-    bool reconnects;
+    Habits habits;
     Events events;
     tcp::resolver resolver;
 
@@ -107,8 +107,8 @@ void Link::State::shakeHands() {
     beast::get_lowest_layer(*socket).socket().set_option(tcp::no_delay(true), ignored);
     beast::get_lowest_layer(*socket).expires_never();
     auto limits = websocket::stream_base::timeout::suggested(beast::role_type::client);
-    limits.idle_timeout = websocket::stream_base::none();
-    limits.keep_alive_pings = false;
+    limits.idle_timeout = habits.pings ? std::chrono::seconds(40) : websocket::stream_base::none();
+    limits.keep_alive_pings = habits.pings;
     socket->set_option(limits);
     socket->auto_fragment(false);
     socket->write_buffer_bytes(64 << 10);
@@ -190,15 +190,15 @@ void Link::State::end(const std::string& reason) {
         std::exchange(closed, nullptr)();
         return;
     }
-    if (reconnects) {
+    if (habits.reconnects) {
         retry = loop.after(pause, [this] { dial(); });
         pause = std::min(pause * 2, longestPause);
     }
     events.isDown(reason);
 }
 
-Link::Link(Loop& loop, std::string host, std::uint16_t port, bool reconnects, Events events)
-    : state_(std::make_shared<State>(loop, std::move(host), port, reconnects, std::move(events))) {}
+Link::Link(Loop& loop, std::string host, std::uint16_t port, Habits habits, Events events)
+    : state_(std::make_shared<State>(loop, std::move(host), port, habits, std::move(events))) {}
 
 Link::~Link() {
     ++state_->connection;
@@ -231,7 +231,7 @@ void Link::cut() {
 }
 
 void Link::close(std::function<void()> done) {
-    state_->reconnects = false;
+    state_->habits.reconnects = false;
     state_->retry.reset();
     if (!state_->isUp) {
         done();

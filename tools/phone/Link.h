@@ -22,7 +22,15 @@ public:
         std::function<void()> isDrained;
     };
 
-    Link(Loop& loop, std::string host, std::uint16_t port, bool reconnects, Events events);
+    struct Habits {
+        /// Dials in again after a break.
+        bool reconnects = true;
+        /// Asks after the computer when nothing has come for a while, and takes silence for a break. Telephones
+        /// change networks without closing anything.
+        bool pings = false;
+    };
+
+    Link(Loop& loop, std::string host, std::uint16_t port, Habits habits, Events events);
     ~Link();
 
     void dial();

@@ -4,7 +4,10 @@
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/post.hpp>
+#include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
+
+#include <csignal>
 
 namespace velloway::phone {
 
@@ -35,6 +38,17 @@ std::shared_ptr<void> Loop::after(double seconds, std::function<void()> work) {
         }
     });
     return timer;
+}
+
+std::shared_ptr<void> Loop::onInterrupt(std::function<void()> work) {
+    const auto signals = std::make_shared<boost::asio::signal_set>(engine_->context, SIGINT, SIGTERM, SIGHUP);
+    signals->async_wait([alive = std::weak_ptr(signals), work = std::move(work)](const auto& error, int) {
+        if (const auto keep = alive.lock(); keep && !error) {
+            keep->clear();
+            work();
+        }
+    });
+    return signals;
 }
 
 } // namespace velloway::phone

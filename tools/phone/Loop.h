@@ -21,6 +21,10 @@ public:
     /// Runs `work` unless what is returned goes first.
     [[nodiscard]] std::shared_ptr<void> after(double seconds, std::function<void()> work);
 
+    /// Runs `work` when the user or the system wants the program to end, unless what is returned goes first.
+    /// Only once: the next time the program is killed.
+    [[nodiscard]] std::shared_ptr<void> onInterrupt(std::function<void()> work);
+
     struct Engine;
     Engine& engine() { return *engine_; }
 

@@ -1,11 +1,21 @@
 #include "phone/Options.h"
 
+#include "phone/Numbers.h"
+
 #include <charconv>
 #include <stdexcept>
 
 namespace velloway::phone {
 
 namespace {
+
+double seconds(const std::string& option, const std::string& word) {
+    const auto value = readNumber(word);
+    if (!value || *value <= 0) {
+        throw std::invalid_argument(option + " takes a number of seconds, not \"" + word + "\"");
+    }
+    return *value;
+}
 
 template <typename Number> Number number(const std::string& option, const std::string& word) {
     Number value{};
@@ -70,13 +80,23 @@ Options parseOptions(const std::vector<std::string>& words) {
         } else if (word == "--once") {
             options.reconnects = false;
         } else if (word == "--connect-timeout") {
-            options.connectTimeout = number<double>(word, value());
+            options.connectTimeout = seconds(word, value());
         } else if (word == "--threads") {
             options.world.smsThreads = number<std::size_t>(word, value());
         } else if (word == "--messages") {
             options.world.smsMessages = number<std::size_t>(word, value());
         } else if (word == "--calls") {
             options.world.calls = number<std::size_t>(word, value());
+        } else if (word == "--device") {
+            options.isDevice = true;
+            options.stay = true;
+            options.world.isDevice = true;
+        } else if (word == "--name") {
+            options.device.name = value();
+        } else if (word == "--poll") {
+            options.device.pollInterval = seconds(word, value());
+        } else if (word == "--command-limit") {
+            options.device.commandLimit = seconds(word, value());
         } else if (word == "--help" || word == "-h") {
             options.wantsHelp = true;
         } else if (!word.empty() && word.front() != '-') {
@@ -89,7 +109,7 @@ Options parseOptions(const std::vector<std::string>& words) {
 }
 
 std::string optionHelp() {
-    return R"(velloway-phone: a simulated phone for Velloway.
+    return R"(velloway-phone: a phone for Velloway, simulated or, with --device, the one that this runs on.
 
   velloway-phone [ws://HOST:PORT] [options]
 
@@ -104,6 +124,12 @@ std::string optionHelp() {
   --connect-timeout SECONDS  how long --exec and --script wait for the first connection (10)
   --threads N, --messages N, --calls N
                              how much there is in the generated logs (8, 60, 20)
+
+  --device                   this is a phone: its termux-* commands give the logs, notifications, battery and
+                             clipboard, and do what the computer asks for; stays, and keeps received files
+  --name NAME                what the computer calls this phone (its model)
+  --poll SECONDS             between two looks for new notifications and messages (10)
+  --command-limit SECONDS    how long one of the phone's commands may take (20)
 
 Leaves with 0 when all went well, 1 when an expectation was not met or a received file was broken, and 2 when
 there was no connection or the words above were not understood.

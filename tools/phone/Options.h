@@ -1,6 +1,7 @@
 #pragma once
 
 #include "phone/Commands.h"
+#include "phone/device/DeviceOptions.h"
 
 #include <cstdint>
 #include <string>
@@ -23,6 +24,9 @@ struct Options {
     /// How long a script or `--exec` waits for the first connection.
     double connectTimeout = 10;
     World world;
+    /// A real phone: its commands take the place of what is generated.
+    bool isDevice = false;
+    device::DeviceOptions device;
 
     /// Whether the phone works through a script or commands of its own and then leaves.
     bool isScripted() const { return !script.empty() || !commands.empty(); }

@@ -1,14 +1,16 @@
 #include "phone/Phone.h"
 
-#include "phone/Messages.h"
+#include "phone/MadeUpHandset.h"
+#include "phone/Members.h"
+#include "phone/Numbers.h"
 #include "phone/Script.h"
 #include "phone/Show.h"
 #include "phone/Words.h"
+#include "phone/device/DeviceHandset.h"
 
 #include <boost/json.hpp>
 
 #include <cstdio>
-#include <ctime>
 #include <stdexcept>
 
 namespace velloway::phone {
@@ -17,27 +19,6 @@ namespace {
 
 namespace json = boost::json;
 
-constexpr std::size_t keptMessages = 10'000;
-constexpr std::size_t keptText = 4096;
-
-std::string textUnder(const json::object& object, const char* key) {
-    const json::value* value = object.if_contains(key);
-    return value != nullptr && value->is_string() ? std::string(value->get_string()) : std::string();
-}
-
-std::string timeOfDay() {
-    const auto now = std::chrono::system_clock::now();
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    const auto milliseconds =
-        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
-    std::tm parts{};
-    localtime_r(&seconds, &parts);
-    char text[32];
-    std::snprintf(text, sizeof text, "%02d:%02d:%02d.%03d", parts.tm_hour, parts.tm_min, parts.tm_sec,
-                  static_cast<int>(milliseconds));
-    return text;
-}
-
 template <typename... Handlers> struct Overloaded : Handlers... { using Handlers::operator()...; };
 template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
@@ -45,11 +26,15 @@ template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers..
 
 Phone::Phone(const Options& options, std::vector<Step> steps)
     : options_(options),
-      link_(loop_, options.host, options.port, options.reconnects,
+      output_(options.rawOutput),
+      link_(loop_, options.host, options.port, {options.reconnects, options.isDevice},
             {[this] { onUp(); }, [this](const std::string& reason) { onDown(reason); },
              [this](std::string message) { onMessage(std::move(message)); }, [this] { onDrained(); }}),
       steps_(steps.begin(), steps.end()),
-      receiver_(options.saveTo) {}
+      receiver_(options.saveTo,
+                options.isDevice ? FileReceiver::Present::isKept : FileReceiver::Present::isReplaced),
+      runner_(loop_),
+      handset_(makeHandset()) {}
 
 int Phone::run() {
     std::shared_ptr<void> limit;
@@ -63,6 +48,12 @@ int Phone::run() {
     } else {
         note("help lists the commands");
     }
+    std::shared_ptr<void> interrupt;
+    if (options_.isDevice) {
+        introduceDevice();
+        // The phone's commands are ended with the program.
+        interrupt = loop_.onInterrupt([this] { leave(exitCode_); });
+    }
     if (!options_.isScripted() || options_.stay) {
         terminal_ = std::make_unique<Terminal>(
             loop_, [this](const std::string& bytes) { onInput(bytes); }, [this] { onInputEnd(); });
@@ -73,6 +64,13 @@ int Phone::run() {
     return exitCode_ == 0 && receiver_.faults() > 0 ? 1 : exitCode_;
 }
 
+void Phone::introduceDevice() const {
+    note("files from the computer go to " + options_.saveTo);
+    for (const std::string& line : device::limits(device::isOnPath, options_.device)) {
+        note(line);
+    }
+}
+
 // ---- The link
 
 void Phone::onUp() {
@@ -81,11 +79,18 @@ void Phone::onUp() {
         hasBeenUp_ = true;
         firstUp_ = std::chrono::steady_clock::now();
     }
+    handset_->linkIsUp();
     advance();
 }
 
 void Phone::onDown(const std::string& reason) {
     note(reason);
+    handset_->linkIsDown();
+    if (options_.isDevice) {
+        for (const std::string& line : receiver_.giveUp()) {
+            note(line);
+        }
+    }
     if (file_) {
         note("the rest of " + file_->name() + " is not sent");
         file_.reset();
@@ -100,26 +105,35 @@ void Phone::onDown(const std::string& reason) {
 
 void Phone::onMessage(std::string message) {
     if (options_.rawOutput) {
-        std::printf("%s\n", message.c_str());
-        std::fflush(stdout);
+        output_.write(message);
     } else {
-        show('<', pretty(message));
+        output_.show('<', pretty(message));
     }
+    read(message);
+    expectations_.add(message);
+    if (expectations_.areMet()) {
+        pause_.reset();
+        advance();
+    }
+}
+
+void Phone::read(const std::string& message) {
     json::error_code error;
     const json::value value = json::parse(message, error);
-    const std::string action = !error && value.is_object() ? textUnder(value.get_object(), "action") : "";
-    if (!options_.saveTo.empty() && (action == "file_transfer_start" || action == "file_chunk")) {
-        receiveFile(message);
+    if (error || !value.is_object()) {
+        if (message.find("file_transfer_start") != std::string::npos) {
+            receiver_.expectUnannounced();
+        }
+        return;
     }
-    if (options_.answers) {
-        answer(action, message);
-    }
-    if (seen_.size() == keptMessages) {
-        seen_.pop_front();
-    }
-    seen_.push_back(shortened(message, keptText));
-    if (meetsExpectation()) {
-        advance();
+    const json::object& object = value.get_object();
+    const std::string action = textUnder(object, "action");
+    if (action == "file_transfer_start" || action == "file_chunk") {
+        if (!options_.saveTo.empty()) {
+            receiveFile(object);
+        }
+    } else if (options_.answers) {
+        obey(*handset_, object);
     }
 }
 
@@ -133,7 +147,7 @@ void Phone::onDrained() {
 
 bool Phone::say(std::string message, bool isBinary) {
     if (!options_.rawOutput) {
-        show('>', pretty(message));
+        output_.show('>', pretty(message));
     }
     if (!link_.send(std::move(message), isBinary)) {
         note("not sent: there is no connection");
@@ -142,58 +156,45 @@ bool Phone::say(std::string message, bool isBinary) {
     return true;
 }
 
-void Phone::say(const std::vector<std::string>& messages) {
-    for (const std::string& message : messages) {
-        say(message);
-    }
-}
-
 // ---- What a phone does by itself
 
-void Phone::answer(const std::string& action, std::string_view message) {
-    if (action == "get_sms_history") {
-        for (const Action& each : parseCommand("sms_history", world())) {
-            perform(each);
-        }
-    } else if (action == "get_call_history") {
-        for (const Action& each : parseCommand("call_history", world())) {
-            perform(each);
-        }
-    } else if (action == "answer_call") {
-        say(call_.answer());
-        tickCall();
-    } else if (action == "hangup_call") {
-        say(call_.hangUp());
-    } else if (action == "make_call") {
-        say(call_.dial(
-            textUnder(json::parse(json::string_view(message.data(), message.size())).get_object(), "number")));
-        tickCall();
+std::unique_ptr<Handset> Phone::makeHandset() {
+    Handset::Services services{
+        [this](std::string message) { say(std::move(message)); },
+        [this](const std::string& line) { note(line); },
+        [this](double seconds, std::function<void()> work) { return loop_.after(seconds, std::move(work)); }};
+    if (options_.isDevice) {
+        return std::make_unique<device::DeviceHandset>(std::move(services), runner_, options_.device);
+    }
+    return std::make_unique<MadeUpHandset>(std::move(services), options_.world);
+}
+
+void Phone::ask(Ask::What what) {
+    switch (what) {
+    case Ask::What::introduction:
+        return handset_->sendIntroduction();
+    case Ask::What::smsHistory:
+        return handset_->sendSmsHistory();
+    case Ask::What::callHistory:
+        return handset_->sendCallHistory();
+    case Ask::What::clipboard:
+        return handset_->sendClipboard();
+    case Ask::What::battery:
+        return handset_->sendBattery();
     }
 }
 
-void Phone::tickCall() {
-    if (call_.state() == Call::State::offHook) {
-        callTimer_ = loop_.after(1, [this] {
-            say(call_.tick());
-            tickCall();
-        });
-    }
-}
-
-void Phone::receiveFile(std::string_view message) {
-    const json::value value = json::parse(json::string_view(message.data(), message.size()));
-    const json::object& object = value.get_object();
-    const std::string name = textUnder(object, "fileName");
-    std::string line;
-    if (const json::value* size = object.if_contains("fileSize"); size != nullptr && size->is_int64()) {
-        line = receiver_.start(name, size->get_int64());
-    } else {
-        const json::value* last = object.if_contains("isLast");
-        line = receiver_.chunk(name, textUnder(object, "fileData"),
-                               last != nullptr && last->is_bool() && last->get_bool());
-    }
+void Phone::receiveFile(const json::object& message) {
+    const std::string name = textUnder(message, "fileName");
+    const auto size = integerUnder(message, "fileSize");
+    const std::string line =
+        size ? receiver_.start(name, *size)
+             : receiver_.chunk(name, textUnder(message, "fileData"), isTrueUnder(message, "isLast"));
     if (!line.empty()) {
         note(line);
+    }
+    if (const auto path = receiver_.takeReceived()) {
+        handset_->fileIsReceived(*path);
     }
 }
 
@@ -201,9 +202,7 @@ void Phone::receiveFile(std::string_view message) {
 
 World Phone::world() const {
     World world = options_.world;
-    world.now = static_cast<double>(std::chrono::duration_cast<std::chrono::milliseconds>(
-                                        std::chrono::system_clock::now().time_since_epoch())
-                                        .count());
+    world.now = millisecondsNow();
     return world;
 }
 
@@ -212,7 +211,7 @@ void Phone::advance() {
     if (options_.isScripted() && !hasBeenUp_) {
         return;
     }
-    while (!isLeaving_ && !pause_ && !expecting_ && !file_ && !touchpad_) {
+    while (!isLeaving_ && !pause_ && !expectations_.areOpen() && !file_ && !touchpad_) {
         if (!actions_.empty()) {
             if (!mayPerform(actions_.front())) {
                 return;
@@ -236,7 +235,8 @@ bool Phone::mayPerform(const Action& action) const {
     const bool needsLink = std::holds_alternative<SendText>(action) ||
                            std::holds_alternative<SendBinary>(action) ||
                            std::holds_alternative<SendFile>(action) || std::holds_alternative<Ring>(action) ||
-                           std::holds_alternative<Cut>(action) || std::holds_alternative<Touchpad>(action);
+                           std::holds_alternative<Ask>(action) || std::holds_alternative<Cut>(action) ||
+                           std::holds_alternative<Touchpad>(action);
     return !needsLink || link_.isUp();
 }
 
@@ -262,7 +262,8 @@ void Phone::perform(const Action& action) {
                    [this](const SendBinary& send) { say(send.bytes, true); },
                    [this](const Sleep& sleep) { wait(sleep.seconds); },
                    [this](const SendFile& send) { beginFile(send.options); },
-                   [this](const Ring& ring) { say(call_.ring(ring.number, ring.name)); },
+                   [this](const Ring& ring) { handset_->ring(ring.number, ring.name); },
+                   [this](const Ask& question) { ask(question.what); },
                    [this](const Expect& expect) { beginExpecting(expect); },
                    [this](const Cut&) { link_.cut(); },
                    [this](const Touchpad&) {
@@ -280,8 +281,7 @@ void Phone::perform(const Action& action) {
 
 /// Leaves once nothing is left to do and all has been said.
 void Phone::leaveWhenDone() {
-    const bool isDone = options_.isScripted() ? !options_.stay : inputHasEnded_ && !options_.stay;
-    if (isDone) {
+    if (!options_.stay && (options_.isScripted() || inputHasEnded_)) {
         leave(exitCode_);
     }
 }
@@ -338,39 +338,27 @@ void Phone::continueFile() {
 // ---- Expectations
 
 void Phone::beginExpecting(const Expect& expect) {
-    expecting_ = expect;
-    if (meetsExpectation()) {
+    expectations_.begin(expect.pattern);
+    if (expectations_.areMet()) {
         return;
     }
-    pause_ = loop_.after(expect.within, [this] {
+    pause_ = loop_.after(expect.within, [this, expect] {
         pause_.reset();
         char limit[32];
-        std::snprintf(limit, sizeof limit, "%g", expecting_->within);
-        note("FAILED: nothing matched " + expecting_->pattern + " within " + limit + " s");
-        expecting_.reset();
+        std::snprintf(limit, sizeof limit, "%g", expect.within);
+        note("FAILED: nothing matched " + expect.pattern + " within " + limit + " s");
+        expectations_.giveUp();
         leave(1);
     });
-}
-
-/// Passes over the messages up to the first that fits.
-bool Phone::meetsExpectation() {
-    while (expecting_ && !seen_.empty()) {
-        const bool fits = matches(expecting_->pattern, seen_.front());
-        seen_.pop_front();
-        if (fits) {
-            expecting_.reset();
-            pause_.reset();
-            return true;
-        }
-    }
-    return false;
 }
 
 // ---- The keyboard
 
 void Phone::onInput(const std::string& bytes) {
     if (touchpad_) {
-        say(touchpad_->read(bytes));
+        for (const std::string& message : touchpad_->read(bytes)) {
+            say(message);
+        }
         if (touchpad_->isOver()) {
             leaveTouchpad();
         }
@@ -407,21 +395,6 @@ void Phone::leaveTouchpad() {
     }
     note("the keyboard gives commands again");
     advance();
-}
-
-// ---- Output
-
-void Phone::show(char direction, const std::string& line) const {
-    std::printf("%s %c %s\n", timeOfDay().c_str(), direction, line.c_str());
-    std::fflush(stdout);
-}
-
-void Phone::note(const std::string& line) const {
-    if (options_.rawOutput) {
-        std::fprintf(stderr, "%s\n", line.c_str());
-    } else {
-        show('-', line);
-    }
 }
 
 } // namespace velloway::phone

@@ -1,13 +1,16 @@
 #pragma once
 
-#include "phone/Call.h"
+#include "phone/Expectations.h"
 #include "phone/FileReceiver.h"
 #include "phone/FileSender.h"
+#include "phone/Handset.h"
 #include "phone/Link.h"
 #include "phone/Loop.h"
 #include "phone/Options.h"
+#include "phone/Output.h"
 #include "phone/Terminal.h"
 #include "phone/TouchpadKeys.h"
+#include "phone/device/ProcessRunner.h"
 
 #include <chrono>
 #include <deque>
@@ -43,23 +46,23 @@ private:
     void leaveWhenDone();
     void leave(int code);
 
-    void answer(const std::string& action, std::string_view message);
-    void receiveFile(std::string_view message);
-    void tickCall();
-    void say(const std::vector<std::string>& messages);
+    std::unique_ptr<Handset> makeHandset();
+    void introduceDevice() const;
+    void ask(Ask::What what);
+    void read(const std::string& message);
+    void receiveFile(const boost::json::object& message);
     bool say(std::string message, bool isBinary = false);
 
     void beginFile(const FileSendOptions& options);
     void continueFile();
     void beginExpecting(const Expect& expect);
-    bool meetsExpectation();
     void leaveTouchpad();
 
-    void show(char direction, const std::string& line) const;
-    void note(const std::string& line) const;
+    void note(const std::string& line) const { output_.note(line); }
     World world() const;
 
     const Options& options_;
+    Output output_;
     Loop loop_;
     Link link_;
     std::unique_ptr<Terminal> terminal_;
@@ -74,14 +77,12 @@ private:
     std::shared_ptr<void> leaveLimit_;
     int exitCode_ = 0;
 
-    std::optional<Expect> expecting_;
-    /// Messages that no expectation has passed yet, with their long texts cut.
-    std::deque<std::string> seen_;
+    Expectations expectations_;
     std::optional<FileSender> file_;
     int filePart_ = 0;
     FileReceiver receiver_;
-    Call call_;
-    std::shared_ptr<void> callTimer_;
+    device::ProcessRunner runner_;
+    std::unique_ptr<Handset> handset_;
     std::optional<TouchpadKeys> touchpad_;
     std::string inputLine_;
 };
