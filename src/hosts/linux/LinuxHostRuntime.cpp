@@ -6,6 +6,7 @@
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 #include "hosts/linux/windows/QtWindows.h"
+#include "hosts/linux/windows/SessionPlatform.h"
 #include "hosts/linux/windows/ViewsLibrary.h"
 #include "remote/SystemScripts.h"
 
@@ -40,7 +41,10 @@ struct LinuxPorts : LinuxDesktop {
     using LinuxDesktop::LinuxDesktop;
 
     LinuxUserNotificationCenter notificationCenter{mainQueue};
-    std::unique_ptr<LinuxInput> input = makeLinuxInput();
+    std::unique_ptr<LinuxInput> input = makeLinuxInput({
+        .settings = LinuxUserDefaults::defaultFile(),
+        .warn = [this](std::string_view warning) { log.line({"[Input] ", warning}); },
+    });
     InputEvents& inputEvents = *input;
     Accessibility& accessibility = *input;
     LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
@@ -52,7 +56,7 @@ struct LinuxPorts : LinuxDesktop {
 
 class LinuxHostRuntime : public HostRuntime {
 public:
-    LinuxHostRuntime(int& argc, char** argv) : ports_(argc, argv) {}
+    LinuxHostRuntime(int& argc, char** argv) : ports_(argc, argv) { platform_.withdraw(); }
 
     SingleInstance::Outcome claimSession() { return ports_.claimSession(); }
 
@@ -61,6 +65,7 @@ public:
     void terminate() override { ports_.terminate(); }
 
 private:
+    SessionPlatform platform_;
     LinuxPorts ports_;
 };
 

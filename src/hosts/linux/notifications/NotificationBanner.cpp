@@ -35,6 +35,9 @@ NotificationBanner::NotificationBanner(const Content& shown) {
     }
     fitHeight();
     floatOverEverything(nativeWindow());
+    if (row_) {
+        acceptKeyboardOnClick(nativeWindow());
+    }
 
     setLifetime(shown.reply ? toReadAndAnswer : toRead);
     connect(&life_, &QTimer::timeout, this, &NotificationBanner::timeOut);

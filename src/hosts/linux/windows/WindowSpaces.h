@@ -9,6 +9,10 @@ namespace velloway {
 /// manager looks after it: `requestActivate` is all that gives it the keyboard. Main thread only.
 void floatOverEverything(QWindow& window);
 
+/// Lets a window that floats over everything have the keyboard when the user clicks it, on desktops that give it
+/// to such windows only then. Before the window is first shown; main thread only.
+void acceptKeyboardOnClick(QWindow& window);
+
 /// The same for a window that takes the keyboard, which must stay in the care of the window manager: it is on
 /// every desktop each time that it is shown. Main thread only.
 void joinAllSpaces(QWindow& window);

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string_view>
 
 #include <xcb/xcb.h>
 
@@ -52,6 +53,35 @@ void ask(const QWindow& window, const char* what, const std::uint32_t (&data)[5]
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&message));
     xcb_flush(connection());
+}
+
+void setType(const QWindow& window, const char* type) {
+    setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, atom(type));
+}
+
+using Property = std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)>;
+
+Property property(xcb_window_t window, const char* name) {
+    constexpr std::uint32_t most = 64;
+    return {xcb_get_property_reply(
+                connection(),
+                xcb_get_property(connection(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, most), nullptr),
+            &std::free};
+}
+
+/// Whether a compositor of the wlroots family stands behind the X server. It shows managed windows under one that
+/// fills the screen, and gives the keyboard to unmanaged ones by their type: when they come up, and on a click.
+bool isWlroots() {
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+    const Property check = property(root, "_NET_SUPPORTING_WM_CHECK");
+    if (!check || xcb_get_property_value_length(check.get()) < int{sizeof(xcb_window_t)}) {
+        return false;
+    }
+    const Property name =
+        property(*static_cast<const xcb_window_t*>(xcb_get_property_value(check.get())), "_NET_WM_NAME");
+    return name && std::string_view(static_cast<const char*>(xcb_get_property_value(name.get())),
+                                    static_cast<std::size_t>(xcb_get_property_value_length(name.get()))) ==
+                       "wlroots wm";
 }
 
 /// Brings a window back up that no window manager looks after, whenever the manager has put another window
@@ -112,6 +142,26 @@ private:
     bool isAsked_ = false;
 };
 
+/// Makes a window one that takes the keyboard once it is on the screen, too late to be given it for coming up.
+class KeyboardOnClick : public QObject {
+public:
+    explicit KeyboardOnClick(QWindow& window) : QObject(&window), window_(window) {
+        window.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        if (event->type() == QEvent::Expose && window_.isExposed()) {
+            setType(window_, "_NET_WM_WINDOW_TYPE_DIALOG");
+        } else if (event->type() == QEvent::Hide) {
+            setType(window_, "_NET_WM_WINDOW_TYPE_NOTIFICATION");
+        }
+        return false;
+    }
+
+private:
+    QWindow& window_;
+};
+
 } // namespace
 
 void floatOverEverything(QWindow& window) {
@@ -122,12 +172,23 @@ void floatOverEverything(QWindow& window) {
     // every window manager. A window that is none of the manager's business is.
     window.setFlag(Qt::BypassWindowManagerHint);
     // For compositing managers, which draw shadows and animations by it.
-    setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, atom("_NET_WM_WINDOW_TYPE_NOTIFICATION"));
+    setType(window, "_NET_WM_WINDOW_TYPE_NOTIFICATION");
     new StayingOnTop(window);
+}
+
+void acceptKeyboardOnClick(QWindow& window) {
+    if (connection() && isWlroots()) {
+        new KeyboardOnClick(window);
+    }
 }
 
 void joinAllSpaces(QWindow& window) {
     if (!connection()) {
+        return;
+    }
+    if (isWlroots()) {
+        window.setFlag(Qt::BypassWindowManagerHint);
+        setType(window, "_NET_WM_WINDOW_TYPE_DIALOG");
         return;
     }
     setProperty(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, everyDesktop);
