@@ -20,27 +20,24 @@ class Input(WlrootsTest):
     def remote(self, **message):
         self.node.send({"action": "remote_control", "command": "", **message})
 
-    def type_remotely(self, text):
-        self.remote(type="keyboard_text", text=text)
-
     def test_text_arrives_exactly_in_a_wayland_program(self):
         typed = self.terminal()
         for count in range(1, 4):
-            self.type_remotely(SAMPLE)
+            self.type(SAMPLE)
             self.wait_typed(typed, SAMPLE * count)
         self.picture("text")
 
     def test_many_different_characters_arrive_exactly(self):
         typed = self.terminal()
         start = time.monotonic()
-        self.type_remotely(MANY)
+        self.type(MANY)
         self.wait_typed(typed, MANY)
         print(f"{len(MANY)} different characters: {time.monotonic() - start:.2f} s")
 
     def test_text_arrives_exactly_in_a_program_on_the_x_server(self):
         typed = self.terminal(program="xterm", options=["-u8"])
         for count in range(1, 4):
-            self.type_remotely(SAMPLE)
+            self.type(SAMPLE)
             self.wait_typed(typed, SAMPLE * count)
 
     def test_keys_arrive_with_their_modifiers(self):
@@ -48,7 +45,7 @@ class Input(WlrootsTest):
         self.remote(command="key_left")
         self.remote(command="ctrl+shift_key_right")
         self.remote(command="key_return")
-        self.type_remotely("x")
+        self.type("x")
         self.remote(command="option_key_up")
         self.wait_typed(typed, "\x1b[D\x1b[1;6C\rx\x1b[1;3A")
 

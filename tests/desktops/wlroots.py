@@ -19,7 +19,7 @@ focus_follows_mouse no
 bindsym Mod4+Shift+Left exec touch $HOME/bound
 exec sh -c 'echo "$DISPLAY $WAYLAND_DISPLAY $SWAYSOCK" >"$HOME/displays.new"; mv "$HOME/displays.new" "$HOME/displays"'
 """
-NEEDED = ["sway", "swaymsg", "Xwayland", "grim", "foot", "wtype", "xterm", "convert"]
+NEEDED = ["sway", "swaymsg", "Xwayland", "grim", "foot", "xterm"]
 
 
 def missing():
@@ -98,17 +98,19 @@ class WlrootsTest(AppTest):
             self.picture("missed")
             raise
 
-    def place_of(self, colors, height=360):
-        """The middle of what the top right of the screen shows in these colours."""
-        hits = [divmod(at, 400) for at, pixel in enumerate(self.pixels(WIDTH - 400, 0, 400, height)) if pixel in colors]
+    def button_of(self, colors):
+        """The middle of the rightmost button of this colour in the top right of the screen."""
+        hits = [divmod(at, 400) for at, pixel in enumerate(self.pixels(WIDTH - 400, 0, 400, 360)) if pixel in colors]
         rows, columns = [row for row, _ in hits], [column for _, column in hits]
-        return WIDTH - 400 + (min(columns) + max(columns)) // 2, (min(rows) + max(rows)) // 2
+        return WIDTH - 400 + max(columns) - 15, (min(rows) + max(rows)) // 2
 
     def wait_blue(self, what):
         wait_for(lambda: sum(pixel in BLUE for pixel in self.pixels(WIDTH - 400, 0, 400, 360)) > BUTTON, what)
 
     def click(self, x, y):
         self.command("seat", "-", "cursor", "set", str(x), str(y))
+        # Nobody clicks the moment the pointer arrives.
+        stays(lambda: True, "the pointer", 0.3)
         self.command("seat", "-", "cursor", "press", "button1")
         self.command("seat", "-", "cursor", "release", "button1")
 
@@ -144,7 +146,9 @@ class WlrootsTest(AppTest):
         return typed
 
     def type(self, text):
-        run("wtype", "-d", "10", text, env=self.environment)
+        """On the keyboard that the program has added, as there is no other. A keyboard that comes later would have the
+        compositor give the focus back to a managed window."""
+        self.node.send({"action": "remote_control", "command": "", "type": "keyboard_text", "text": text})
 
     def wait_typed(self, typed, text):
         def found():
