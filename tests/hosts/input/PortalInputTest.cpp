@@ -7,6 +7,8 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QSettings>
+#include <QTemporaryDir>
 
 #include <thread>
 
@@ -55,7 +57,7 @@ TEST_F(Portal, TrustComesOnceTheUserHasAgreed) {
     portal_.answer(0);
     EXPECT_TRUE(becomesTrusted(true));
     EXPECT_EQ(portal_.selectOptions.value("types").toUInt(), 3U);
-    EXPECT_EQ(portal_.selectOptions.value("persist_mode").toUInt(), 1U);
+    EXPECT_EQ(portal_.selectOptions.value("persist_mode").toUInt(), 2U);
     EXPECT_FALSE(portal_.selectOptions.contains("restore_token"));
 }
 
@@ -158,6 +160,52 @@ TEST_F(Portal, KeysFromAnotherThreadKeepTheirOrderAndTheirModifiers) {
     expectInput({"KeyboardKeysym 65515 1", "KeyboardKeysym 65505 1", "KeyboardKeysym 65361 1",
                  "KeyboardKeysym 65361 0", "KeyboardKeysym 65505 0", "KeyboardKeysym 65515 0",
                  "KeyboardKeysym 269025044 1", "KeyboardKeysym 269025044 0"});
+}
+
+TEST_F(Portal, InputKeepsItsOrderThoughThePortalHandlesCallsSideBySide) {
+    ASSERT_TRUE(opensSession());
+    input_.typeText("abcdefgh");
+    input_.click(MouseButton::left);
+    QStringList expected;
+    for (int character = 'a'; character <= 'h'; ++character) {
+        expected += {QString("KeyboardKeysym %1 1").arg(character), QString("KeyboardKeysym %1 0").arg(character)};
+    }
+    expectInput(expected + QStringList{"PointerButton 272 1", "PointerButton 272 0"});
+}
+
+TEST_F(Portal, InputThatWaitsForItsTurnIsDroppedWhenTheSessionEnds) {
+    ASSERT_TRUE(opensSession());
+    input_.typeText(std::string(100, 'x'));
+    ASSERT_TRUE(waitFor([this] { return !portal_.input.isEmpty(); }));
+    portal_.closeSession();
+    ASSERT_TRUE(becomesTrusted(false));
+    ASSERT_TRUE(opensSession());
+    const auto typed = portal_.input.count("KeyboardKeysym 120 1");
+    EXPECT_LT(typed, 100);
+    input_.click(MouseButton::left);
+    ASSERT_TRUE(waitFor([this] { return portal_.input.contains("PointerButton 272 0"); }));
+    EXPECT_EQ(portal_.input.count("KeyboardKeysym 120 1"), typed);
+}
+
+TEST(PortalPermission, IsRememberedAndHandedInAtTheNextStart) {
+    const QTemporaryDir folder;
+    const InputNeeds needs{.settings = folder.filePath("velloway.conf").toStdString()};
+    QSettings(folder.filePath("velloway.conf"), QSettings::IniFormat).setValue("port", 9999);
+    FakePortal portal;
+    const auto opens = [&](PortalInput& input) {
+        input.isTrustedWithPrompt();
+        ASSERT_TRUE(waitFor([&] { return portal.isAsking(); }));
+        portal.answer(0);
+        ASSERT_TRUE(waitFor([&] { return input.isTrusted(); }));
+    };
+    for (const char* expected : {"", "token1", "token2"}) {
+        PortalInput input(needs);
+        opens(input);
+        EXPECT_EQ(portal.selectOptions.value("restore_token").toString().toStdString(), expected);
+    }
+    QSettings settings(folder.filePath("velloway.conf"), QSettings::IniFormat);
+    EXPECT_EQ(settings.value("inputPermission").toString().toStdString(), "token3");
+    EXPECT_EQ(settings.value("port").toInt(), 9999);
 }
 
 TEST_F(Portal, TextIsTypedByUnicodeKeysyms) {

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 /// For input methods and holders of key grabs, which learn of a new keymap beside the stream of key events.
 constexpr auto readingTime = 50ms;
-/// So long after the last key its meaning stands in any case.
+/// So long after the last key its meaning stands for programs that cannot be asked.
 constexpr auto catchUpTime = 400ms;
 /// So long a busy program is waited for before the keys that it has not read yet lose their meaning.
 constexpr auto busyProgramTimeout = 5s;
@@ -97,9 +97,15 @@ void X11Keyboard::run() {
 
 void X11Keyboard::giveBackOnceRead() {
     if (keymap_.isLending()) {
-        ping_.await(busyProgramTimeout, [this] { return !isEnding(); });
-        std::this_thread::sleep_until(lastTyped_ + catchUpTime);
+        awaitReading();
         keymap_.giveBack();
+    }
+}
+
+/// Until the program with the keyboard has read what was typed into it.
+void X11Keyboard::awaitReading() {
+    if (!ping_.await(busyProgramTimeout, [this] { return !isEnding(); })) {
+        std::this_thread::sleep_until(lastTyped_ + catchUpTime);
     }
 }
 
@@ -174,7 +180,8 @@ void X11Keyboard::sendWithLoans(std::span<const std::uint32_t> keysyms) {
     while (!keysyms.empty()) {
         auto missing = missingIn(keysyms);
         if (missing.size() > keymap_.available() && keymap_.isLending()) {
-            giveBackOnceRead();
+            awaitReading();
+            keymap_.recycle();
             missing = missingIn(keysyms);
         }
         if (!missing.empty() && !borrow(missing)) {
