@@ -2,6 +2,7 @@
 #include "hosts/linux/desktop/LinuxDesktop.h"
 #include "hosts/linux/desktop/LinuxScripts.h"
 #include "hosts/linux/input/LinuxInput.h"
+#include "hosts/linux/input/PermissionWorkspace.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
@@ -47,6 +48,7 @@ struct LinuxPorts : LinuxDesktop {
     });
     InputEvents& inputEvents = *input;
     Accessibility& accessibility = *input;
+    PermissionWorkspace workspace{LinuxDesktop::workspace, *input};
     LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
     QtWindows windows{[this] { return loadViewsLibrary(log); }};
     // Last, so that its thread ends first: jobs there may use all of the above.

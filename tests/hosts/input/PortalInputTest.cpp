@@ -2,6 +2,7 @@
 
 #include "FakePortal.h"
 #include "desktop/WaitFor.h"
+#include "hosts/linux/input/PermissionWorkspace.h"
 
 #include <gtest/gtest.h>
 
@@ -185,6 +186,37 @@ TEST_F(Portal, InputThatWaitsForItsTurnIsDroppedWhenTheSessionEnds) {
     input_.click(MouseButton::left);
     ASSERT_TRUE(waitFor([this] { return portal_.input.contains("PointerButton 272 0"); }));
     EXPECT_EQ(portal_.input.count("KeyboardKeysym 120 1"), typed);
+}
+
+/// Notes which settings were opened.
+class NotingWorkspace : public Workspace {
+public:
+    void open(std::string_view) override {}
+    void openSettings(SettingsPane pane) override { opened.push_back(pane); }
+    void activateFileViewerSelecting(const std::filesystem::path&) override {}
+
+    std::vector<SettingsPane> opened;
+};
+
+TEST_F(Portal, SettingsAskAgainAfterARefusalAndAfterTheSessionWasClosed) {
+    NotingWorkspace settings;
+    PermissionWorkspace workspace(settings, input_);
+    ASSERT_TRUE(asks());
+    portal_.answer(1);
+    ASSERT_TRUE(waitFor([this] { return portal_.calls.contains("Close"); }));
+    for (int time = 0; time < 2; ++time) {
+        workspace.openSettings(SettingsPane::accessibility);
+        ASSERT_TRUE(waitFor([this] { return portal_.isAsking(); }));
+        portal_.answer(0);
+        ASSERT_TRUE(becomesTrusted(true));
+        portal_.closeSession();
+        ASSERT_TRUE(becomesTrusted(false));
+    }
+    EXPECT_TRUE(settings.opened.empty());
+    workspace.openSettings(SettingsPane::notifications);
+    portal_.leaveTheBus();
+    workspace.openSettings(SettingsPane::accessibility);
+    EXPECT_EQ(settings.opened, std::vector({SettingsPane::notifications, SettingsPane::accessibility}));
 }
 
 TEST(PortalPermission, IsRememberedAndHandedInAtTheNextStart) {

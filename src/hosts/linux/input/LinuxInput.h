@@ -13,7 +13,11 @@ namespace velloway {
 /// Input into this desktop together with the permission for it, which one session of the desktop answers for.
 /// An X server with its test extension gives it to everybody, a Wayland desktop once the user has agreed. Input
 /// without it is dropped.
-class LinuxInput : public InputEvents, public Accessibility {};
+class LinuxInput : public InputEvents, public Accessibility {
+public:
+    /// Whether `isTrustedWithPrompt` would ask the user now. Main thread.
+    virtual bool canAsk() { return false; }
+};
 
 enum class InputSession { x11, wayland, none };
 

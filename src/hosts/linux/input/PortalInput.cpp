@@ -2,6 +2,7 @@
 
 #include "hosts/linux/input/Keysyms.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -55,6 +56,10 @@ bool PortalInput::isTrustedWithPrompt() {
         QMetaObject::invokeMethod(this, [this] { begin(); });
     }
     return isReady_;
+}
+
+bool PortalInput::canAsk() {
+    return !isReady_ && bus_.interface() && bus_.interface()->isServiceRegistered(service);
 }
 
 void PortalInput::begin() {
@@ -267,6 +272,10 @@ void PortalInput::sendNext() {
     waiting_.pop_front();
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
         finished->deleteLater();
+        if (finished->isError()) {
+            needs_.warn("The desktop portal did not take a piece of input: " +
+                        finished->error().message().toStdString());
+        }
         isAwaitingAnswer_ = false;
         sendNext();
     });

@@ -34,6 +34,7 @@ public:
 
     bool isTrusted() override { return isReady_; }
     bool isTrustedWithPrompt() override;
+    bool canAsk() override;
 
     void pressKey(Key key, Modifiers modifiers) override;
     void typeText(std::string_view text) override;

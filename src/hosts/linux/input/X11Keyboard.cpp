@@ -162,8 +162,10 @@ std::optional<X11KeyPress> X11Keyboard::find(std::uint32_t keysym) const {
     return isCharacter(keysym) ? keymap_.findCharacter(characterOf(keysym)) : keymap_.find(keysym);
 }
 
-/// Caps Lock is off meanwhile, as it would change what the keys mean.
+/// Caps Lock is off and modifiers are up meanwhile, as they would change what the keys mean.
 void X11Keyboard::sendInTurn(std::span<const std::uint32_t> keysyms) {
+    const std::vector<std::uint8_t> held = keymap_.heldModifiers();
+    std::for_each(held.begin(), held.end(), [this](std::uint8_t each) { fake(each, false); });
     const bool wasCapsLocked = keymap_.isCapsLocked();
     if (wasCapsLocked) {
         keymap_.setCapsLocked(false);
@@ -172,6 +174,7 @@ void X11Keyboard::sendInTurn(std::span<const std::uint32_t> keysyms) {
     if (wasCapsLocked) {
         keymap_.setCapsLocked(true);
     }
+    std::for_each(held.begin(), held.end(), [this](std::uint8_t each) { fake(each, true); });
     connection_.flush();
 }
 

@@ -278,6 +278,20 @@ void X11Keymap::write(std::span<const std::uint8_t> keycodes) {
     connection_.flush();
 }
 
+std::vector<std::uint8_t> X11Keymap::heldModifiers() const {
+    constexpr unsigned locks = XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2;
+    const X11Reply<xcb_query_keymap_reply_t> down(
+        xcb_query_keymap_reply(connection_.get(), xcb_query_keymap(connection_.get()), nullptr));
+    std::vector<std::uint8_t> held;
+    for (std::size_t place = 0; down && place < modifierMap_.size(); ++place) {
+        const auto keycode = static_cast<std::uint8_t>(firstKeycode_ + place);
+        if ((modifierMap_[place] & ~locks) != 0 && (down->keys[keycode / 8] >> (keycode % 8) & 1) != 0) {
+            held.push_back(keycode);
+        }
+    }
+    return held;
+}
+
 void X11Keymap::setCapsLocked(bool isLocked) {
     xcb_xkb_latch_lock_state(connection_.get(), coreKeyboard, XCB_MOD_MASK_LOCK,
                              isLocked ? XCB_MOD_MASK_LOCK : 0, 0, 0, 0, 0, 0);

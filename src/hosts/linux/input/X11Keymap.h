@@ -49,6 +49,8 @@ public:
     /// two, which counts: every program reads the whole keymap after each.
     void recycle();
 
+    /// The keys that are down and change what others mean.
+    std::vector<std::uint8_t> heldModifiers() const;
     bool isCapsLocked() const { return isCapsLocked_; }
     void setCapsLocked(bool isLocked);
 
