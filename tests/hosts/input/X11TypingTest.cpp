@@ -262,6 +262,19 @@ TEST_F(X11Typing, KeepsTheCaseWhileCapsLockIsOn) {
     server_.setCapsLocked(false);
 }
 
+TEST_F(X11Typing, ArrivesAsTextWhileTheUserHoldsModifiers) {
+    QtEditor editor;
+    ASSERT_TRUE(editor.isReady());
+    for (const char* modifier : {"Control_L", "Alt_L", "Super_L", "Shift_L"}) {
+        editor.clear();
+        ASSERT_EQ(QProcess::execute("xdotool", {"keydown", modifier}), 0);
+        type("aB1ж");
+        EXPECT_TRUE(editor.receives("aB1ж")) << modifier << ": " << editor.text().toStdString();
+        ASSERT_EQ(QProcess::execute("xdotool", {"keyup", modifier}), 0);
+    }
+    EXPECT_FALSE(server_.isAnyKeyDown());
+}
+
 TEST_F(X11Typing, TypesInTheOrderOfTheCalls) {
     QtEditor editor;
     ASSERT_TRUE(editor.isReady());
