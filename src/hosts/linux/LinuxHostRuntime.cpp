@@ -44,7 +44,10 @@ struct LinuxPorts : LinuxDesktop {
     LinuxUserNotificationCenter notificationCenter{mainQueue};
     std::unique_ptr<LinuxInput> input = makeLinuxInput({
         .settings = LinuxUserDefaults::defaultFile(),
-        .warn = [this](std::string_view warning) { log.line({"[Input] ", warning}); },
+        .warn =
+            [this](std::string_view warning) {
+                log.line({"[Input] ", warning});
+            },
     });
     InputEvents& inputEvents = *input;
     Accessibility& accessibility = *input;

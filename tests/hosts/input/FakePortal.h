@@ -14,8 +14,8 @@
 
 namespace velloway::test {
 
-/// A desktop portal that offers remote-desktop sessions, with a user who does what the test says. It handles input
-/// on several threads that take unequal time, so that calls under way together overtake one another.
+/// A desktop portal that offers remote-desktop sessions, with a user who does what the test says. It handles
+/// input on several threads that take unequal time, so that calls under way together overtake one another.
 class FakePortal : public QDBusVirtualObject {
 public:
     FakePortal();

@@ -169,7 +169,8 @@ TEST_F(Portal, InputKeepsItsOrderThoughThePortalHandlesCallsSideBySide) {
     input_.click(MouseButton::left);
     QStringList expected;
     for (int character = 'a'; character <= 'h'; ++character) {
-        expected += {QString("KeyboardKeysym %1 1").arg(character), QString("KeyboardKeysym %1 0").arg(character)};
+        expected +=
+            {QString("KeyboardKeysym %1 1").arg(character), QString("KeyboardKeysym %1 0").arg(character)};
     }
     expectInput(expected + QStringList{"PointerButton 272 1", "PointerButton 272 0"});
 }

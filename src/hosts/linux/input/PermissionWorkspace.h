@@ -5,8 +5,8 @@
 
 namespace velloway {
 
-/// A workspace whose settings for Accessibility are the question of the desktop portal, where there is one: that is
-/// where this permission lives, and a user who has refused or withdrawn it can give it again.
+/// A workspace whose settings for Accessibility are the question of the desktop portal, where there is one:
+/// that is where this permission lives, and a user who has refused or withdrawn it can give it again.
 class PermissionWorkspace : public Workspace {
 public:
     /// Both must outlive this object.

@@ -24,14 +24,15 @@ struct zwp_virtual_keyboard_v1;
 namespace velloway {
 
 /// Input on a Wayland compositor that lets any program add a keyboard and a pointer, over a connection of its
-/// own. Such a compositor asks nobody, so there is nothing to permit. The keyboard's modifiers are its own: those
-/// that the user holds elsewhere don't mix with what is typed here.
+/// own. Such a compositor asks nobody, so there is nothing to permit. The keyboard's modifiers are its own:
+/// those that the user holds elsewhere don't mix with what is typed here.
 ///
 /// Keys and texts are typed in the order of the calls on a thread of its own, no faster than programs read.
 /// Destruction drops what is still to be typed.
 class VirtualDevices : public LinuxInput {
 public:
-    /// Null where there is no Wayland compositor or it offers no such devices. Waits for the compositor's answers.
+    /// Null where there is no Wayland compositor or it offers no such devices. Waits for the compositor's
+    /// answers.
     static std::unique_ptr<VirtualDevices> connect();
     ~VirtualDevices() override;
 

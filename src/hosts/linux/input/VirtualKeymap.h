@@ -9,8 +9,8 @@
 
 namespace velloway {
 
-/// The keymap of a keyboard that has whatever keys are asked of it. A key keeps its meaning for as long as there
-/// is room, so that programs that look a key up late still find what was typed.
+/// The keymap of a keyboard that has whatever keys are asked of it. A key keeps its meaning for as long as
+/// there is room, so that programs that look a key up late still find what was typed.
 class VirtualKeymap {
 public:
     struct Provided {

@@ -162,8 +162,9 @@ std::optional<X11KeyPress> X11Keyboard::find(std::uint32_t keysym) const {
     return isCharacter(keysym) ? keymap_.findCharacter(characterOf(keysym)) : keymap_.find(keysym);
 }
 
-/// Caps Lock is off meanwhile, as it would change what the keys mean. Modifiers that the user holds are let go for the
-/// same reason, and not pressed again: were one released while the text is typed, it would stay down for ever.
+/// Caps Lock is off meanwhile, as it would change what the keys mean. Modifiers that the user holds are let go
+/// for the same reason, and not pressed again: were one released while the text is typed, it would stay down
+/// for ever.
 void X11Keyboard::sendInTurn(std::span<const std::uint32_t> keysyms) {
     const std::vector<std::uint8_t> held = keymap_.heldModifiers();
     std::for_each(held.begin(), held.end(), [this](std::uint8_t each) { fake(each, false); });

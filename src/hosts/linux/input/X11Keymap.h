@@ -45,8 +45,8 @@ public:
     /// Puts the keysyms on unused keys, all in one change; there must be enough of them available.
     void borrow(std::span<const std::uint32_t> keysyms);
     void giveBack();
-    /// Makes the keys on loan available for the next `borrow`, which must follow. The change is one then, and not
-    /// two, which counts: every program reads the whole keymap after each.
+    /// Makes the keys on loan available for the next `borrow`, which must follow. The change is one then, and
+    /// not two, which counts: every program reads the whole keymap after each.
     void recycle();
 
     /// The keys that are down and change what others mean.

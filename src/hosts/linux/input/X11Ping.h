@@ -15,9 +15,9 @@ public:
     /// The connection must outlive this object.
     explicit X11Ping(X11Connection& connection);
 
-    /// Waits for the answer, and returns whether it came, but no longer than `timeout` or, asked now and then, `isWorthWaiting`; and not at
-    /// all when nobody has the keyboard or the program takes no such questions. Drops events that wait on the
-    /// connection.
+    /// Waits for the answer, and returns whether it came, but no longer than `timeout` or, asked now and then,
+    /// `isWorthWaiting`; and not at all when nobody has the keyboard or the program takes no such questions.
+    /// Drops events that wait on the connection.
     bool await(std::chrono::milliseconds timeout, const std::function<bool()>& isWorthWaiting);
 
 private:

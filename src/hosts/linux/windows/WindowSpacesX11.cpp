@@ -66,12 +66,14 @@ Property readProperty(xcb_window_t window, const char* name) {
     constexpr std::uint32_t most = 64;
     return {xcb_get_property_reply(
                 connection(),
-                xcb_get_property(connection(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, most), nullptr),
+                xcb_get_property(connection(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, most),
+                nullptr),
             &std::free};
 }
 
-/// Whether a compositor of the wlroots family stands behind the X server. It shows managed windows under one that
-/// fills the screen, and gives the keyboard to unmanaged ones by their type: when they come up, and on a click.
+/// Whether a compositor of the wlroots family stands behind the X server. It shows managed windows under one
+/// that fills the screen, and gives the keyboard to unmanaged ones by their type: when they come up, and on a
+/// click.
 bool isWlroots() {
     const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
     const Property check = readProperty(root, "_NET_SUPPORTING_WM_CHECK");
@@ -143,8 +145,9 @@ private:
     bool isAsked_ = false;
 };
 
-/// Gives an unmanaged window the keyboard of a compositor of the wlroots family. That family keeps the X server's
-/// own focus where it was, so the window holds the X keyboard by a grab, until a managed window becomes active.
+/// Gives an unmanaged window the keyboard of a compositor of the wlroots family. That family keeps the X
+/// server's own focus where it was, so the window holds the X keyboard by a grab, until a managed window
+/// becomes active.
 class KeyboardByGrab : public QObject, public QAbstractNativeEventFilter {
 public:
     enum class From { start, click };
@@ -206,8 +209,9 @@ private:
 
 bool hasKeyboardByGrab(const QWindow& window) {
     const QObjectList& children = window.children();
-    return std::any_of(children.begin(), children.end(),
-                       [](const QObject* each) { return dynamic_cast<const KeyboardByGrab*>(each) != nullptr; });
+    return std::any_of(children.begin(), children.end(), [](const QObject* each) {
+        return dynamic_cast<const KeyboardByGrab*>(each) != nullptr;
+    });
 }
 
 } // namespace
