@@ -1,5 +1,5 @@
 #include "tabs/Conversations.h"
-#include "tabs/SmsTab.h"
+#include "tabs/sms/SmsRules.h"
 
 #include "fakes/FakeDesktop.h"
 

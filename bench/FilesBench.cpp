@@ -1,7 +1,8 @@
+#include "base64/Base64.h"
 #include "fakes/FakePlatform.h"
 #include "features/IncomingFiles.h"
 #include "features/OutgoingFiles.h"
-#include "text/Base64.h"
+#include "hosts/posix/PosixFiles.h"
 
 #include <benchmark/benchmark.h>
 
@@ -47,6 +48,7 @@ struct Setting {
     std::shared_ptr<HistoryStore> store = std::make_shared<HistoryStore>(host.host);
     std::shared_ptr<StoreLink> link = std::make_shared<StoreLink>(StoreLink{store});
     NotificationManager notifications{host.notificationCenter, host.host, host.log};
+    PosixFiles storage;
     Folder folder;
 };
 
@@ -55,7 +57,7 @@ void receiveChunks(benchmark::State& state, bool isEscaped) {
     Setting setting;
     setting.host.host.downloads = setting.folder.path();
     IncomingFiles files(setting.host.main, setting.link, setting.notifications, setting.host.host,
-                        setting.host.log);
+                        setting.storage, setting.host.log);
     std::string text;
     base64::appendEncodedEscaped(text, randomBytes(chunkSize));
     if (!isEscaped) {
@@ -76,15 +78,15 @@ void receiveChunks(benchmark::State& state, bool isEscaped) {
 void writeChunks(benchmark::State& state) {
     Folder folder;
     const std::string bytes = randomBytes(chunkSize);
-    std::optional<FileHandle> file;
+    PosixFiles storage;
+    std::unique_ptr<FileWriter> file;
     std::error_code error;
     std::size_t count = 0;
     for (auto _ : state) {
         if (count++ % 256 == 0) {
-            FileHandle::createEmpty(folder.path() / "a.bin");
-            file = FileHandle::openForWriting(folder.path() / "a.bin", error);
+            file = storage.create(folder.path() / "a.bin", error);
         }
-        error = file->write(bytes);
+        benchmark::DoNotOptimize(file->append(bytes, error));
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * chunkSize));
 }
@@ -97,7 +99,7 @@ void sendFile(benchmark::State& state) {
     std::vector<std::string> messages;
     std::size_t bytes = 0;
     OutgoingFiles files(setting.host.main, setting.host.server, setting.link, setting.notifications,
-                        setting.host.host, setting.host.log, [&](std::string text) {
+                        setting.host.host, setting.storage, setting.host.log, [&](std::string text) {
                             bytes += text.size();
                             messages.push_back(std::move(text));
                         });

@@ -77,6 +77,32 @@ void notification(benchmark::State& state) {
 }
 BENCHMARK(notification);
 
+/// Some 860 KB.
+void smsHistory(benchmark::State& state) {
+    std::string text = R"({"action":"sms_history","messages":[)";
+    for (int i = 0; i < 6500; ++i) {
+        text += std::string(i > 0 ? "," : "") + R"({"address":"+49151555)" + std::to_string(1000 + i % 900) +
+                R"(","name":"Anna Bell","body":"Are you coming to the station?\nI am there","date":)" +
+                std::to_string(1'700'000'000'000 + i) + R"(,"type":)" + std::to_string(1 + i % 2) + "}";
+    }
+    const Received message(text + "]}");
+    JsonReader reader;
+    std::string error;
+    for (auto iteration : state) {
+        const auto root = reader.parse(message.text(), padding, error);
+        root->member("messages")->forEachElement([](const JsonValue& sms) {
+            for (const std::string_view key : {"address", "name", "body"}) {
+                benchmark::DoNotOptimize(sms.member(key)->text());
+            }
+            benchmark::DoNotOptimize(sms.member("date")->real());
+            benchmark::DoNotOptimize(sms.member("type")->integer());
+            return true;
+        });
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(message.size));
+}
+BENCHMARK(smsHistory)->Unit(benchmark::kMicrosecond);
+
 /// The base64 text of 1 MiB, in which every 64th character is a slash as in random bytes.
 std::string base64Text(std::string_view slash) {
     constexpr std::size_t length = (std::size_t{1} << 20) / 3 * 4;

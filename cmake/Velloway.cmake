@@ -36,3 +36,5 @@ elseif(VELLOWAY_SANITIZE STREQUAL "fuzzer")
 elseif(VELLOWAY_SANITIZE)
     message(FATAL_ERROR "VELLOWAY_SANITIZE is '${VELLOWAY_SANITIZE}', which is none of: address, thread, fuzzer")
 endif()
+
+include(VellowayHardening)

@@ -12,6 +12,7 @@
 #include "features/NotificationManager.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
+#include "hosts/posix/PosixFiles.h"
 #include "hosts/qt/QtMainQueue.h"
 #include "server/WebSocketServer.h"
 #include "state/AppNotificationCenter.h"
@@ -183,6 +184,7 @@ int run(int argc, char** argv) {
         TimingInputEvents input;
         FileLog log(folder / "log");
         AppNotificationCenter notifications;
+        PosixFiles files;
         NotificationManager notificationManager(center, host, log);
         AsioQueue serverQueue("ws.server");
         LinuxNetwork network(serverQueue);
@@ -200,6 +202,7 @@ int run(int argc, char** argv) {
                                                    .scripts = scripts,
                                                    .accessibility = accessibility,
                                                    .host = host,
+                                                   .files = files,
                                                    .log = log,
                                                    .notificationManager = notificationManager,
                                                    .notifications = notifications});

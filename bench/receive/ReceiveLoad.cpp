@@ -3,7 +3,7 @@
 
 #include "LoadClient.h"
 #include "MeasuredProcess.h"
-#include "text/Base64.h"
+#include "base64/Base64.h"
 
 #include <algorithm>
 #include <chrono>

@@ -6,6 +6,7 @@
 #include "features/NotificationManager.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
+#include "hosts/posix/PosixFiles.h"
 #include "hosts/qt/StandardOutputLog.h"
 #include "server/WebSocketServer.h"
 #include "state/AppNotificationCenter.h"
@@ -48,6 +49,7 @@ int main(int count, char** arguments) {
     QuietInput input;
     NotificationManager notificationManager(center, host, log);
     AppNotificationCenter notifications;
+    PosixFiles files;
     std::shared_ptr<HistoryStore> store;
     std::shared_ptr<WebSocketServer> server;
 
@@ -65,6 +67,7 @@ int main(int count, char** arguments) {
                                         .scripts = scripts,
                                         .accessibility = accessibility,
                                         .host = host,
+                                        .files = files,
                                         .log = log,
                                         .notificationManager = notificationManager,
                                         .notifications = notifications});

@@ -1,5 +1,6 @@
 #include "app/Program.h"
 
+#include "hosts/HostRuntime.h"
 #include "platform/Host.h"
 #include "shell/LocalIP.h"
 
@@ -20,6 +21,7 @@ Program::Program(const Platform& on, std::function<void()> terminate)
           .scripts = on.scripts,
           .accessibility = on.accessibility,
           .host = on.host,
+          .files = on.files,
           .log = on.log,
           .notificationManager = notificationManager_,
           .notifications = notifications_,
@@ -62,6 +64,16 @@ std::shared_ptr<SettingsView> Program::makeSettingsView(const Platform& on) {
         .isLaunchAtLoginEnabled = [this] { return launchAtLogin_.isEnabled(); },
         .setLaunchAtLogin = [this](bool enabled) { launchAtLogin_.setEnabled(enabled); },
     });
+}
+
+int runProgram(HostRuntime& host) {
+    Program program(host.platform(), [&host] { host.terminate(); });
+    WebSocketServer::setShared(program.sharedServer());
+    AppDelegate::setShared(program.sharedDelegate());
+    const int exitCode = host.run(program.delegate());
+    AppDelegate::setShared(nullptr);
+    WebSocketServer::setShared(nullptr);
+    return exitCode;
 }
 
 } // namespace velloway

@@ -14,6 +14,8 @@
 
 namespace velloway {
 
+class HostRuntime;
+
 /// The program's objects, put together on one host. Built on the main thread before the event loop runs;
 /// `delegate` is what the host calls.
 class Program {
@@ -41,5 +43,8 @@ private:
     std::shared_ptr<HistoryStore> historyStore_;
     std::shared_ptr<AppDelegate> delegate_;
 };
+
+/// Runs the program on `host` until it ends, and returns the exit code of the process.
+int runProgram(HostRuntime& host);
 
 } // namespace velloway

@@ -12,11 +12,17 @@ void ClipboardSync::receive(std::string text) {
     main_.async([link = link_, &pasteboard = pasteboard_, &notifications = notifications_,
                  text = std::move(text)]() mutable {
         pasteboard.clearContents();
-        pasteboard.setString(text);
+        const bool isSet = pasteboard.setString(text);
         if (const auto store = link->historyStore.lock()) {
             store->addClipboard(std::move(text));
         }
-        notifications.postSimple("Clipboard Synced", "Text from Android copied to your Mac clipboard.");
+        if (isSet) {
+            notifications.postSimple("Clipboard Synced", "Text from Android copied to your Mac clipboard.");
+        } else {
+            notifications.postSimple(
+                "Clipboard Not Synced",
+                "This desktop did not accept the text from Android. It is in the Clipboard tab.");
+        }
     });
 }
 

@@ -1,7 +1,7 @@
 #include "features/FileMessages.h"
 
+#include "base64/Base64.h"
 #include "json/JsonWriter.h"
-#include "text/Base64.h"
 
 #include <utility>
 

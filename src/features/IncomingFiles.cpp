@@ -1,7 +1,7 @@
 #include "features/IncomingFiles.h"
 
+#include "base64/Base64.h"
 #include "platform/Fatal.h"
-#include "text/Base64.h"
 
 #include <utility>
 
@@ -23,8 +23,13 @@ std::filesystem::path destination(const Host& host, std::string_view fileName) {
 } // namespace
 
 IncomingFiles::IncomingFiles(DispatchQueue& main, std::weak_ptr<StoreLink> link,
-                             NotificationManager& notifications, const Host& host, Log& log)
-    : main_(main), link_(std::move(link)), notifications_(notifications), host_(host), log_(log) {}
+                             NotificationManager& notifications, const Host& host, Files& files, Log& log)
+    : main_(main),
+      link_(std::move(link)),
+      notifications_(notifications),
+      host_(host),
+      files_(files),
+      log_(log) {}
 
 IncomingFiles::~IncomingFiles() = default;
 
@@ -40,15 +45,13 @@ void IncomingFiles::start(std::string_view fileName, std::int64_t fileSize) {
     activeTransfers_.insert_or_assign(std::string(fileName), id);
 
     const std::filesystem::path url = destination(host_, fileName);
-    // If this fails, so does the opening, which tells why.
-    FileHandle::createEmpty(url);
     std::error_code error;
-    auto handle = FileHandle::openForWriting(url, error);
-    if (!handle) {
+    auto file = files_.create(url, error);
+    if (!file) {
         log_.line({"[WebSocketServer] Failed to create file handle: ", error.message()});
         return;
     }
-    incomingFileSessions_.insert_or_assign(std::string(fileName), Session{std::move(*handle), url, fileSize});
+    incomingFileSessions_.insert_or_assign(std::string(fileName), Session{std::move(file), url, fileSize});
 
     FileTransferRecord record{
         .id = id, .fileName = std::string(fileName), .fileSize = fileSize, .date = host_.now()};
@@ -71,14 +74,14 @@ void IncomingFiles::chunk(std::string_view fileName, std::string_view fileData, 
     }
     Session& session = found->second;
     std::error_code error;
-    const auto offset = append(session.handle, *bytes, error);
-    if (!offset) {
+    const auto length = session.file->append(*bytes, error);
+    if (!length) {
         log_.line({"[WebSocketServer] Error writing chunk: ", error.message()});
         return;
     }
 
     const double progress =
-        session.totalSize > 0 ? static_cast<double>(*offset) / static_cast<double>(session.totalSize) : 0.0;
+        session.totalSize > 0 ? static_cast<double>(*length) / static_cast<double>(session.totalSize) : 0.0;
     onMain([id = recordOf(fileName), progress](HistoryStore* store) {
         if (store) {
             store->updateFileTransfer(id, progress, false, std::nullopt);
@@ -105,15 +108,6 @@ std::optional<std::string_view> IncomingFiles::decode(std::string_view fileData)
     return std::string_view(buffer_.get(), *size);
 }
 
-std::optional<std::int64_t> IncomingFiles::append(FileHandle& handle, std::string_view bytes,
-                                                  std::error_code& error) {
-    error = handle.seekToEnd();
-    if (!error) {
-        error = handle.write(bytes);
-    }
-    return error ? std::nullopt : handle.offset(error);
-}
-
 Uuid IncomingFiles::recordOf(std::string_view fileName) const {
     const auto found = activeTransfers_.find(fileName);
     return found == activeTransfers_.end() ? Uuid::random() : found->second;
@@ -125,7 +119,7 @@ void IncomingFiles::finalizeIncomingFile(std::string_view fileName) {
         log_.line({"[WebSocketServer] Error: No active session found for file ", fileName, " to finalize."});
         return;
     }
-    if (const std::error_code error = found->second.handle.close()) {
+    if (const std::error_code error = found->second.file->close()) {
         log_.line({"[WebSocketServer] Error closing file handle for ", fileName, ": ", error.message()});
     } else {
         log_.line({"[WebSocketServer] File handle closed for ", fileName});

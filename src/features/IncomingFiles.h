@@ -1,8 +1,8 @@
 #pragma once
 
-#include "features/FileHandle.h"
 #include "features/NotificationManager.h"
 #include "platform/DispatchQueue.h"
+#include "platform/Files.h"
 #include "platform/Host.h"
 #include "platform/Log.h"
 #include "state/StoreLink.h"
@@ -15,7 +15,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <unordered_map>
 
 namespace velloway {
@@ -27,7 +26,7 @@ namespace velloway {
 class IncomingFiles {
 public:
     IncomingFiles(DispatchQueue& main, std::weak_ptr<StoreLink> link, NotificationManager& notifications,
-                  const Host& host, Log& log);
+                  const Host& host, Files& files, Log& log);
     /// Closes what is still open.
     ~IncomingFiles();
 
@@ -40,7 +39,7 @@ public:
 
 private:
     struct Session {
-        FileHandle handle;
+        std::unique_ptr<FileWriter> file;
         std::filesystem::path url;
         /// As announced; for the progress only.
         std::int64_t totalSize;
@@ -52,9 +51,6 @@ private:
     template <class T> using ByName = std::unordered_map<std::string, T, NameHash, std::equal_to<>>;
 
     std::optional<std::string_view> decode(std::string_view fileData);
-    /// Returns the file's length afterwards.
-    static std::optional<std::int64_t> append(FileHandle& handle, std::string_view bytes,
-                                              std::error_code& error);
     Uuid recordOf(std::string_view fileName) const;
     void finalizeIncomingFile(std::string_view fileName);
     /// Runs `step` on the main queue with the store, or with null when that has gone; keeps the server's hold
@@ -65,6 +61,7 @@ private:
     std::weak_ptr<StoreLink> link_;
     NotificationManager& notifications_;
     const Host& host_;
+    Files& files_;
     Log& log_;
 
     ByName<Session> incomingFileSessions_;

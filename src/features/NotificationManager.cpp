@@ -19,14 +19,14 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto dedupWindow = 3s;
-constexpr auto remembrance = 30s;
+constexpr auto pruneAge = 30s;
 
 /// Cut toward zero.
 std::int64_t wholePercent(double progress) {
     constexpr double limit = 9223372036854775808.0;
     const double percent = progress * 100.0;
     if (!(percent >= -limit && percent < limit)) {
-        fatal("The progress of a file is no whole number of percent");
+        fatal("The progress of a file is not a whole number of percent");
     }
     return static_cast<std::int64_t>(percent);
 }
@@ -45,10 +45,19 @@ NotificationContent contentOf(const NotifPayload& payload) {
     return content;
 }
 
+/// The phone's own key, or else one made of what is shown.
+std::string identifierOf(const NotifPayload& payload) {
+    if (payload.key) {
+        return *payload.key;
+    }
+    std::string identifier = payload.app + ":" + payload.title + ":";
+    return identifier.append(trimBlanks(payload.body));
+}
+
 } // namespace
 
 void NotificationManager::post(const NotifPayload& payload) {
-    const std::string trimmed(trimBlanks(payload.body));
+    const std::string_view trimmed = trimBlanks(payload.body);
     const Instant now = host_.now();
 
     const auto earlier = recentBodies_.find(trimmed);
@@ -56,21 +65,22 @@ void NotificationManager::post(const NotifPayload& payload) {
         if (looksLikePhoneNumber(payload.title)) {
             return;
         }
-        center_.removeDelivered({earlier->second.identifier});
-        center_.removePending({earlier->second.identifier});
+        const std::string identifier = identifierOf(earlier->second.payload);
+        center_.removeDelivered({identifier});
+        center_.removePending({identifier});
     }
 
-    const std::string identifier =
-        payload.key ? *payload.key : payload.app + ":" + payload.title + ":" + trimmed;
-    center_.add({.identifier = identifier, .content = contentOf(payload)},
+    center_.add({.identifier = identifierOf(payload), .content = contentOf(payload)},
                 [&log = log_](const std::optional<std::string>& error) {
                     if (error) {
                         log.line({"[Notifications] Post error: ", *error});
                     }
                 });
 
-    recentBodies_.insert_or_assign(trimmed, Recent{now, identifier});
-    std::erase_if(recentBodies_, [&](const auto& entry) { return now - entry.second.date >= remembrance; });
+    // Not assigned: the key that is there belongs to the old body.
+    recentBodies_.erase(trimmed);
+    recentBodies_.emplace(trimmed, Recent{now, payload});
+    std::erase_if(recentBodies_, [&](const auto& entry) { return now - entry.second.date >= pruneAge; });
 }
 
 void NotificationManager::postSimple(std::string_view title, std::string_view body) {

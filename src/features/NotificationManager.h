@@ -25,7 +25,7 @@ public:
     void postSimple(std::string_view title, std::string_view body);
 
     /// Shows how far an incoming file is; the same `identifier` replaces the notification in place. A
-    /// `progress` whose percentage is no 64-bit whole number is fatal. Main thread.
+    /// `progress` whose percentage is not a 64-bit whole number is fatal. Main thread.
     void postFileProgress(std::string_view fileName, double progress, std::string_view identifier);
 
     /// How many bodies the de-duplication now remembers. Main thread.
@@ -34,7 +34,7 @@ public:
 private:
     struct Recent {
         Instant date;
-        std::string identifier;
+        NotifPayload payload;
     };
 
     static bool looksLikePhoneNumber(std::string_view text);
@@ -42,8 +42,8 @@ private:
     UserNotificationCenter& center_;
     const Host& host_;
     Log& log_;
-    /// By body, with blanks cut from both ends.
-    std::unordered_map<std::string, Recent> recentBodies_;
+    /// By body, with blanks cut from both ends. The keys are parts of the bodies that the entries hold.
+    std::unordered_map<std::string_view, Recent> recentBodies_;
 };
 
 } // namespace velloway

@@ -1,8 +1,7 @@
 #include "features/OutgoingFiles.h"
 
-#include "features/FileHandle.h"
 #include "features/FileMessages.h"
-#include "json/Utf8.h"
+#include "text/Utf8.h"
 
 #include <optional>
 #include <string>
@@ -29,6 +28,7 @@ struct OutgoingFiles::Job {
     std::weak_ptr<StoreLink> link;
     NotificationManager& notifications;
     const Host& host;
+    Files& files;
     Log& log;
     Send send;
     std::filesystem::path url;
@@ -47,7 +47,7 @@ struct OutgoingFiles::Job {
 
     std::error_code sendAll() {
         std::error_code error;
-        auto file = FileHandle::openForReading(url, error);
+        auto file = files.open(url, error);
         if (!file) {
             return error;
         }
@@ -76,12 +76,12 @@ struct OutgoingFiles::Job {
 
     /// Ends only when as much was read as the file had at the start, however long a file that has shrunk since
     /// then takes to grow again.
-    std::error_code sendChunks(FileHandle& file, const Uuid& id, std::int64_t fileSize) {
+    std::error_code sendChunks(FileReader& file, const Uuid& id, std::int64_t fileSize) {
         const auto buffer = std::make_unique_for_overwrite<char[]>(chunkSize);
         std::int64_t totalSent = 0;
         while (totalSent < fileSize) {
             std::error_code error;
-            const auto count = file.read(buffer.get(), chunkSize, error);
+            const auto count = file.readAt(totalSent, buffer.get(), chunkSize, error);
             if (!count) {
                 return error;
             }
@@ -103,18 +103,22 @@ struct OutgoingFiles::Job {
 };
 
 OutgoingFiles::OutgoingFiles(DispatchQueue& main, DispatchQueue& server, std::weak_ptr<StoreLink> link,
-                             NotificationManager& notifications, const Host& host, Log& log, Send send)
+                             NotificationManager& notifications, const Host& host, Files& files, Log& log,
+                             Send send)
     : main_(main),
       server_(server),
       link_(std::move(link)),
       notifications_(notifications),
       host_(host),
+      files_(files),
       log_(log),
       send_(std::move(send)) {}
 
 void OutgoingFiles::sendFile(const std::filesystem::path& url) {
     hop(server_, link_,
-        [job = Job{main_, link_, notifications_, host_, log_, send_, url}](StoreLink&) mutable { job.run(); });
+        [job = Job{main_, link_, notifications_, host_, files_, log_, send_, url}](StoreLink&) mutable {
+            job.run();
+        });
 }
 
 } // namespace velloway

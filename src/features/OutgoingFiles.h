@@ -2,6 +2,7 @@
 
 #include "features/NotificationManager.h"
 #include "platform/DispatchQueue.h"
+#include "platform/Files.h"
 #include "platform/Host.h"
 #include "platform/Log.h"
 #include "state/StoreLink.h"
@@ -21,7 +22,7 @@ public:
     using Send = std::function<void(std::string text)>;
 
     OutgoingFiles(DispatchQueue& main, DispatchQueue& server, std::weak_ptr<StoreLink> link,
-                  NotificationManager& notifications, const Host& host, Log& log, Send send);
+                  NotificationManager& notifications, const Host& host, Files& files, Log& log, Send send);
 
     /// Returns at once; the job runs on the server queue and is skipped if the server has gone by then. Any
     /// thread.
@@ -36,6 +37,7 @@ private:
     std::weak_ptr<StoreLink> link_;
     NotificationManager& notifications_;
     const Host& host_;
+    Files& files_;
     Log& log_;
     Send send_;
 };

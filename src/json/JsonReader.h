@@ -29,34 +29,35 @@ public:
     std::optional<double> real() const;
     std::optional<bool> boolean() const;
 
-    /// The member under `key`; of several equal keys the last one. Absent when there is none or this is no
+    /// The member under `key`; of several equal keys the last one. Absent when there is none or this is not an
     /// object.
     std::optional<JsonValue> member(std::string_view key) const;
 
-    /// Walks the elements of an array in order until `visit` returns false. Returns false if this is no array
-    /// or the walk was cut short.
+    /// Walks the elements of an array in order until `visit` returns false. Returns false if this is not an
+    /// array or the walk was cut short.
     bool forEachElement(const std::function<bool(const JsonValue&)>& visit) const;
 
 private:
     friend class JsonReader;
-    enum class Backend { simdjson, boost };
-    JsonValue(Backend backend, const void* document, std::size_t index)
-        : backend_(backend), document_(document), index_(index) {}
+    struct Text;
+    /// The parser's own handle on the value.
+    struct Element {
+        alignas(void*) std::byte bytes[2 * sizeof(void*)];
+    };
+    JsonValue(const Text& text, const Element& element) : text_(&text), element_(element) {}
 
-    Backend backend_;
-    const void* document_;
-    std::size_t index_;
+    const Text* text_;
+    Element element_;
 };
 
 /// Parses JSON texts; keeps its memory from one text to the next. One thread at a time.
 ///
-/// A text is one object or array with nothing but white space around it; a UTF-8 byte order mark before it is
-/// passed over. Refused: anything else at top level, invalid UTF-8, lone surrogates, raw control characters,
-/// bytes after the value, and nesting deeper than 512. Numbers may have any size, but beside one beyond 64 bits
-/// or the range of a double, one whose exponent does not fit 32 bits is refused.
+/// A text is one object or array with nothing but white space around it; one UTF-8 byte order mark before it is
+/// skipped. Refused: anything else at top level, invalid UTF-8, lone surrogates, raw control characters, bytes
+/// after the value, and nesting deeper than 512. Numbers may have any size.
 ///
-/// What one large text needed (some 15 bytes of address space for each of its bytes) is given back after
-/// `patience` texts in a row that needed little of it.
+/// The memory that one large text needed (some 15 bytes of address space for each of its bytes) is released
+/// after `smallTextsBeforeRelease` texts in a row that needed little of it.
 class JsonReader {
 public:
     /// Texts within a message that have at least `longText` bytes may be left where they are.
@@ -70,11 +71,11 @@ public:
 
     static constexpr std::size_t maxDepth = 512;
 
-    /// Memory for texts up to this many bytes is never given back.
+    /// Memory for texts up to this many bytes is never released.
     static constexpr std::size_t alwaysKept = std::size_t{4} << 20;
-    static constexpr int patience = 64;
+    static constexpr int smallTextsBeforeRelease = 64;
 
-    /// The longest text for which there is memory now.
+    /// The longest text for which there is memory at present.
     std::size_t capacity() const;
 
 private:

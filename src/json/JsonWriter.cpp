@@ -1,7 +1,7 @@
 #include "json/JsonWriter.h"
 
-#include "json/Utf8.h"
-#include "text/Base64.h"
+#include "base64/Base64.h"
+#include "text/Utf8.h"
 
 #include <array>
 #include <charconv>

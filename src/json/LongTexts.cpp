@@ -87,6 +87,8 @@ void LongTexts::findTexts(std::string_view message) {
 
 std::optional<std::string_view> LongTexts::cut(std::string_view message, std::size_t readableAfter) {
     texts_.clear();
+    textsPassed_ = 0;
+    textsFound_ = 0;
     if (message.size() < least_) {
         return std::nullopt;
     }
@@ -114,18 +116,27 @@ std::optional<std::string_view> LongTexts::cut(std::string_view message, std::si
     return std::string_view(rest_).substr(0, size);
 }
 
-const LongTexts::Text* LongTexts::find(std::size_t place) const {
+bool LongTexts::passText(const void* place) {
+    if (textsFound_ < texts_.size() && texts_[textsFound_].ordinal == textsPassed_) {
+        texts_[textsFound_].place = place;
+        ++textsFound_;
+    }
+    ++textsPassed_;
+    return textsFound_ < texts_.size();
+}
+
+const LongTexts::Text* LongTexts::find(const void* place) const {
     const auto found =
         std::find_if(texts_.begin(), texts_.end(), [&](const Text& text) { return text.place == place; });
     return found == texts_.end() ? nullptr : &*found;
 }
 
-const std::string_view* LongTexts::escaped(std::size_t place) const {
+const std::string_view* LongTexts::escaped(const void* place) const {
     const Text* text = find(place);
     return text ? &text->escaped : nullptr;
 }
 
-std::string_view LongTexts::plain(std::size_t place) const {
+std::string_view LongTexts::plain(const void* place) const {
     const Text& text = *find(place);
     if (!text.plain) {
         std::string& plain = text.plain.emplace();

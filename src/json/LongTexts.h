@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,33 +24,32 @@ public:
     std::optional<std::string_view> cut(std::string_view message, std::size_t readableAfter);
     void clear() { texts_.clear(); }
 
-    /// Calls `place` with the number of each text among all texts and keys that are left, in order, and keeps
-    /// what it returns to find the text by.
-    template <class Place> void setPlaces(Place place) {
-        for (Text& text : texts_) {
-            text.place = place(text.ordinal);
-        }
-    }
+    /// To be called for each text and key that is left, in their order, until it returns false. `place` stands
+    /// for the text from then on, if it was cut out.
+    bool passText(const void* place);
 
     /// Null where no text was cut out.
-    const std::string_view* escaped(std::size_t place) const;
+    const std::string_view* escaped(const void* place) const;
     /// As it reads without the backslashes.
-    std::string_view plain(std::size_t place) const;
+    std::string_view plain(const void* place) const;
 
 private:
     struct Text {
         std::string_view escaped;
         std::size_t ordinal;
-        std::size_t place = std::numeric_limits<std::size_t>::max();
+        const void* place = nullptr;
         /// Made when somebody asks.
         mutable std::optional<std::string> plain{};
     };
 
-    const Text* find(std::size_t place) const;
+    const Text* find(const void* place) const;
     void findTexts(std::string_view message);
 
     std::size_t least_;
     std::vector<Text> texts_;
+    /// Of the walk through what is left.
+    std::size_t textsPassed_ = 0;
+    std::size_t textsFound_ = 0;
     std::string rest_;
 };
 

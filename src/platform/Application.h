@@ -36,6 +36,9 @@ public:
     virtual void applicationDidFinishLaunching() = 0;
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
     virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
+    /// `tel:` and `sms:` addresses that the user chose in another program. They prepare a call or a message,
+    /// which the user still has to make or send.
+    virtual void applicationOpenLinks(const std::vector<std::string>& /*addresses*/) {}
     /// The application came to the front.
     virtual void applicationDidBecomeActive() = 0;
 };

@@ -6,9 +6,22 @@
 
 namespace velloway {
 
+namespace {
+
+void (*beforeFatal)() = nullptr;
+
+} // namespace
+
+void setBeforeFatal(void (*action)()) {
+    beforeFatal = action;
+}
+
 void fatal(std::string_view message) {
     std::string line = "Fatal error: ";
     line.append(message).push_back('\n');
+    if (beforeFatal) {
+        beforeFatal();
+    }
     std::fwrite(line.data(), 1, line.size(), stderr);
     std::fflush(stderr);
     std::abort();

@@ -10,6 +10,10 @@ namespace velloway {
 
 using Instant = std::chrono::sys_time<std::chrono::nanoseconds>;
 
+inline double secondsSince1970(Instant instant) {
+    return std::chrono::duration<double>(instant.time_since_epoch()).count();
+}
+
 /// One entry of the system's list of network interfaces.
 struct NetworkInterface {
     std::string name;

@@ -17,6 +17,8 @@ struct NetworkError {
     std::string localizedDescription;
     /// What a log line shows; may name the system's error code.
     std::string description;
+    /// The other side has closed the connection in the regular way.
+    bool isGoodbye = false;
 };
 
 enum class ListenerState { setup, waiting, ready, failed, cancelled };

@@ -5,6 +5,7 @@ namespace velloway {
 class Accessibility;
 class Application;
 class DispatchQueue;
+class Files;
 class Host;
 class InputEvents;
 class Log;
@@ -36,6 +37,7 @@ struct Platform {
     Windows& windows;
     Workspace& workspace;
     Host& host;
+    Files& files;
     Log& log;
 };
 
@@ -56,6 +58,7 @@ template <class Ports> Platform platformOf(Ports& ports) {
             .windows = ports.windows,
             .workspace = ports.workspace,
             .host = ports.host,
+            .files = ports.files,
             .log = ports.log};
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/ImmutableText.h"
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -11,7 +13,7 @@ struct NotificationContent {
     std::string title;
     /// Absent is not the same as empty: an absent subtitle is never set.
     std::optional<std::string> subtitle;
-    std::string body;
+    ImmutableText body;
     bool hasDefaultSound = false;
     std::optional<std::string> threadIdentifier;
     std::optional<std::string> categoryIdentifier;

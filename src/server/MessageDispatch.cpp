@@ -6,8 +6,8 @@
 #include "text/Case.h"
 #include "text/Trim.h"
 
+#include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <optional>
@@ -94,15 +94,21 @@ public:
     void handle(std::string_view data, std::size_t readableAfter);
 
 private:
+    struct Row;
+    /// Each action with its handler.
+    static const std::array<Row, 15> table;
+
     void act(std::string_view action, const JsonValue& message);
 
     void connected(const JsonValue& message);
     void smsHistory(const JsonValue& message);
     void callHistory(const JsonValue& message);
-    void callEvent(std::string_view name, CallAction action, const JsonValue& message);
+    template <CallAction action> void callEvent(const JsonValue& message);
     void simInfo(const JsonValue& message);
     void fileStart(const JsonValue& message);
-    void filePiece(const JsonValue& message, bool isWholeFile);
+    void wholeFile(const JsonValue& message) { filePiece(message, true); }
+    void fileChunk(const JsonValue& message) { filePiece(message, isTrue(message, "isLast")); }
+    void filePiece(const JsonValue& message, bool isLast);
     void deviceInfo(const JsonValue& message);
     void clipboard(const JsonValue& message);
     void batteryStatus(const JsonValue& message);
@@ -136,37 +142,34 @@ void MessageDispatch::Reading::handle(std::string_view data, std::size_t readabl
     }
 }
 
+struct MessageDispatch::Reading::Row {
+    std::string_view action;
+    void (Reading::*handler)(const JsonValue& message);
+};
+
+const std::array<MessageDispatch::Reading::Row, 15> MessageDispatch::Reading::table{{
+    {"connected", &Reading::connected},
+    {"sms_history", &Reading::smsHistory},
+    {"call_history", &Reading::callHistory},
+    {"incoming_call", &Reading::callEvent<CallAction::incomingCall>},
+    {"call_state_changed", &Reading::callEvent<CallAction::callStateChanged>},
+    {"call_update", &Reading::callEvent<CallAction::callUpdate>},
+    {"call_ended", &Reading::callEvent<CallAction::callEnded>},
+    {"sim_info", &Reading::simInfo},
+    {"file_transfer_start", &Reading::fileStart},
+    {"file_transfer", &Reading::wholeFile},
+    {"file_chunk", &Reading::fileChunk},
+    {"device_info", &Reading::deviceInfo},
+    {"clipboard", &Reading::clipboard},
+    {"battery_status", &Reading::batteryStatus},
+    {"remote_control", &Reading::remoteControl},
+}};
+
 void MessageDispatch::Reading::act(std::string_view action, const JsonValue& message) {
-    if (action == "connected") {
-        connected(message);
-    } else if (action == "sms_history") {
-        smsHistory(message);
-    } else if (action == "call_history") {
-        callHistory(message);
-    } else if (action == "incoming_call") {
-        callEvent(action, CallAction::incomingCall, message);
-    } else if (action == "call_state_changed") {
-        callEvent(action, CallAction::callStateChanged, message);
-    } else if (action == "call_update") {
-        callEvent(action, CallAction::callUpdate, message);
-    } else if (action == "call_ended") {
-        callEvent(action, CallAction::callEnded, message);
-    } else if (action == "sim_info") {
-        simInfo(message);
-    } else if (action == "file_transfer_start") {
-        fileStart(message);
-    } else if (action == "file_transfer") {
-        filePiece(message, true);
-    } else if (action == "file_chunk") {
-        filePiece(message, false);
-    } else if (action == "device_info") {
-        deviceInfo(message);
-    } else if (action == "clipboard") {
-        clipboard(message);
-    } else if (action == "battery_status") {
-        batteryStatus(message);
-    } else if (action == "remote_control") {
-        remoteControl(message);
+    const auto found =
+        std::find_if(table.begin(), table.end(), [&](const Row& row) { return row.action == action; });
+    if (found != table.end()) {
+        (this->*found->handler)(message);
     }
 }
 
@@ -189,8 +192,8 @@ void MessageDispatch::Reading::callHistory(const JsonValue& message) {
     }
 }
 
-void MessageDispatch::Reading::callEvent(std::string_view name, CallAction action, const JsonValue& message) {
-    targets_.log.line({"[WebSocketServer] Call Event: ", name});
+template <CallAction action> void MessageDispatch::Reading::callEvent(const JsonValue& message) {
+    targets_.log.line({"[WebSocketServer] Call Event: ", textOf(message, "action").value_or("")});
     CallEvent event{.action = action, .state = callState(message), .duration = callDuration(message)};
     if (!isCallOver(event.action, event.state, event.duration)) {
         event.number = callNumber(message);
@@ -211,12 +214,12 @@ void MessageDispatch::Reading::fileStart(const JsonValue& message) {
     }
 }
 
-void MessageDispatch::Reading::filePiece(const JsonValue& message, bool isWholeFile) {
+void MessageDispatch::Reading::filePiece(const JsonValue& message, bool isLast) {
     const auto fileName = textOf(message, "fileName");
     const auto fileDataValue = message.member("fileData");
     const auto fileData = fileDataValue ? fileDataValue->slashEscapedText() : std::nullopt;
     if (fileName && fileData) {
-        targets_.incomingFiles.chunk(*fileName, *fileData, isWholeFile || isTrue(message, "isLast"));
+        targets_.incomingFiles.chunk(*fileName, *fileData, isLast);
     }
 }
 

@@ -14,7 +14,6 @@ namespace velloway {
 namespace {
 
 constexpr std::string_view area = "[WebSocketServer] ";
-constexpr std::uint16_t defaultPort = 8765;
 constexpr auto retryDelay = std::chrono::milliseconds(5000);
 
 std::shared_ptr<WebSocketServer>& sharedInstance() {
@@ -23,6 +22,9 @@ std::shared_ptr<WebSocketServer>& sharedInstance() {
 }
 
 std::string describe(ConnectionState state, const std::optional<NetworkError>& error) {
+    if (error && error->isGoodbye) {
+        return "closed(" + error->description + ")";
+    }
     switch (state) {
     case ConnectionState::setup:
         return "setup";
@@ -45,8 +47,8 @@ std::string describe(ConnectionState state, const std::optional<NetworkError>& e
 std::shared_ptr<WebSocketServer> WebSocketServer::make(const Dependencies& dependencies) {
     auto server = std::shared_ptr<WebSocketServer>(new WebSocketServer(dependencies));
     server->outgoingFiles_.emplace(dependencies.main, dependencies.queue, server->link_,
-                                   dependencies.notificationManager, dependencies.host, dependencies.log,
-                                   [weak = server->weak_from_this()](std::string text) {
+                                   dependencies.notificationManager, dependencies.host, dependencies.files,
+                                   dependencies.log, [weak = server->weak_from_this()](std::string text) {
                                        if (auto self = weak.lock()) {
                                            self->send(std::move(text));
                                        }
@@ -72,7 +74,7 @@ WebSocketServer::WebSocketServer(const Dependencies& on)
       link_(std::make_shared<StoreLink>()),
       connections_(std::make_shared<const ConnectionList>()),
       callEvents_(on.main, link_, on.notifications, on.log),
-      incomingFiles_(on.main, link_, on.notificationManager, on.host, on.log),
+      incomingFiles_(on.main, link_, on.notificationManager, on.host, on.files, on.log),
       clipboardSync_(on.main, link_, on.pasteboard, on.notificationManager),
       batteryAlerts_(on.main, link_, on.notificationManager),
       commandRouter_(on.main, on.input, on.scripts, on.accessibility, on.log),

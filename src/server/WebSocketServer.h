@@ -5,6 +5,7 @@
 #include "features/ClipboardSync.h"
 #include "features/IncomingFiles.h"
 #include "features/OutgoingFiles.h"
+#include "platform/Files.h"
 #include "platform/Network.h"
 #include "platform/UserDefaults.h"
 #include "remote/CommandRouter.h"
@@ -43,6 +44,7 @@ public:
         Scripts& scripts;
         Accessibility& accessibility;
         Host& host;
+        Files& files;
         Log& log;
         NotificationManager& notificationManager;
         AppNotificationCenter& notifications;
@@ -64,7 +66,8 @@ public:
     /// of `start` for what `start` itself finds. Must be set before `start`.
     void setOnStatusChange(StatusCallback callback) { onStatusChange_ = std::move(callback); }
 
-    /// The stored port, or 8765 when none above 0 is stored. A stored port above 65535 is fatal.
+    static constexpr std::uint16_t defaultPort = 8765;
+    /// The stored port, or the default when none above 0 is stored. A stored port above 65535 is fatal.
     std::uint16_t port() const;
 
     /// Stops what is running, then listens. Main thread.

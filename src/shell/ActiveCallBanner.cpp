@@ -1,7 +1,9 @@
 #include "shell/ActiveCallBanner.h"
 
-#include "tabs/CallsTab.h"
+#include "tabs/calls/CallsModel.h"
 
+#include <array>
+#include <memory>
 #include <utility>
 #include <variant>
 
@@ -35,6 +37,22 @@ void ActiveCallBanner::toggleMute() {
 
 void ActiveCallBanner::hangup() {
     server_.hangupCall();
+}
+
+CallPanel ActiveCallBanner::panel() const {
+    // The buttons have no tooltips; a screen reader still needs their names.
+    return {.iconSymbol = iconSymbol,
+            .text = text(),
+            .isMuted = isMuted.get(),
+            .left = {.symbol = muteSymbol(), .name = isMuted.get() ? "Unmute" : "Mute"},
+            .right = {.symbol = hangupSymbol, .name = "Hang up"}};
+}
+
+Subscription ActiveCallBanner::observe(std::function<void()> changed) {
+    auto both = std::make_shared<std::array<Subscription, 2>>(
+        std::array{duration.observe([changed](std::int64_t) { changed(); }),
+                   isMuted.observe([changed](bool) { changed(); })});
+    return Subscription([both] { *both = {}; });
 }
 
 } // namespace velloway

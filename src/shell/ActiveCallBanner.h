@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/Windows.h"
 #include "server/WebSocketServer.h"
-#include "shell/IncomingCallBanner.h"
+#include "shell/CallPanelContent.h"
 #include "state/AppNotificationCenter.h"
+#include "state/Observable.h"
 
 #include <cstdint>
 #include <string>
@@ -13,7 +13,7 @@ namespace velloway {
 
 /// What the panel of a running call shows and does. It follows the time that the phone tells for as long as it
 /// lives. Main thread.
-class ActiveCallBanner : public WindowContent {
+class ActiveCallBanner : public CallPanelContent {
 public:
     /// The server and the notifications must outlive the banner.
     ActiveCallBanner(std::string callName, std::string callNumber, WebSocketServer& server,
@@ -28,6 +28,11 @@ public:
     Observable<bool> isMuted{false};
 
     BannerText text() const;
+    CallPanel panel() const override;
+    [[nodiscard]] Subscription observe(std::function<void()> changed) override;
+    void pressLeft() override { toggleMute(); }
+    void pressRight() override { hangup(); }
+
     std::string_view muteSymbol() const { return isMuted.get() ? "mic.slash.fill" : "mic.fill"; }
 
     static constexpr std::string_view iconSymbol = "phone.fill";

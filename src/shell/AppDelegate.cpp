@@ -1,7 +1,9 @@
 #include "shell/AppDelegate.h"
 
 #include "features/ClipboardSync.h"
+#include "shell/PhoneLink.h"
 #include "shell/StatusMenu.h"
+#include "state/Uuid.h"
 #include "tabs/TabIndex.h"
 
 #include <chrono>
@@ -45,6 +47,17 @@ void perform(MenuCommand command, AppDelegate& delegate) {
     case MenuCommand::separator:
     case MenuCommand::quit:
         return;
+    }
+}
+
+void fillDialPad(SettingsView& view, const PhoneLink& link) {
+    view.calls.dialpadNumber.set(link.number);
+}
+
+void fillComposer(SettingsView& view, const PhoneLink& link) {
+    view.sms.openConversation(link.number);
+    if (!link.body.empty()) {
+        view.sms.chatText.set(link.body);
     }
 }
 
@@ -100,6 +113,21 @@ bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
         showSettings(static_cast<int>(on_.userDefaults.integer(selectedTabKey)));
     }
     return true;
+}
+
+void AppDelegate::applicationOpenLinks(const std::vector<std::string>& addresses) {
+    for (const std::string& address : addresses) {
+        const auto link = parsePhoneLink(address);
+        if (!link) {
+            on_.log.line({"[AppDelegate] Not an address of a phone: ", address});
+            continue;
+        }
+        const bool isCall = link->kind == PhoneLink::Kind::call;
+        showSettings(isCall ? tabIndex::call : tabIndex::sms);
+        if (const auto view = settingsView_.lock()) {
+            isCall ? fillDialPad(*view, *link) : fillComposer(*view, *link);
+        }
+    }
 }
 
 void AppDelegate::applicationDidBecomeActive() {
@@ -205,6 +233,14 @@ void AppDelegate::onMenuInfo() {
 void AppDelegate::onMenuSendClipboard() {
     if (const auto text = textToSend(on_.pasteboard)) {
         on_.server.sendClipboard(*text);
+    } else if (!on_.pasteboard.isReadable()) {
+        on_.notificationCenter.add(
+            {.identifier = Uuid::random().text(),
+             .content = {.title = "Clipboard Not Sent",
+                         .body = "This desktop lets Velloway read the clipboard only while one "
+                                 "of its windows is in front. Use the Clipboard tab.",
+                         .hasDefaultSound = true}},
+            nullptr);
     }
 }
 

@@ -62,6 +62,7 @@ public:
     void applicationDidFinishLaunching() override;
     bool applicationShouldTerminateAfterLastWindowClosed() override;
     bool applicationShouldHandleReopen(bool hasVisibleWindows) override;
+    void applicationOpenLinks(const std::vector<std::string>& addresses) override;
     void applicationDidBecomeActive() override;
     void handleSendToAndroidService(const ServicePasteboard& pasteboard) override;
 

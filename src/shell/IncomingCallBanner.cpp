@@ -28,4 +28,12 @@ BannerText IncomingCallBanner::text() const {
     return text;
 }
 
+CallPanel IncomingCallBanner::panel() const {
+    return {.isRinging = true,
+            .iconSymbol = iconSymbol,
+            .text = text(),
+            .left = {.symbol = declineSymbol, .name = declineTooltip, .tooltip = declineTooltip},
+            .right = {.symbol = acceptSymbol, .name = acceptTooltip, .tooltip = acceptTooltip}};
+}
+
 } // namespace velloway

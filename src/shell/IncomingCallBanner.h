@@ -1,27 +1,17 @@
 #pragma once
 
-#include "platform/Windows.h"
+#include "shell/CallPanelContent.h"
 #include "state/Records.h"
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace velloway {
 
-/// The lines of a call panel, top to bottom.
-struct BannerText {
-    std::string firstLine;
-    std::optional<std::string> secondLine;
-    std::string lastLine;
-
-    bool operator==(const BannerText&) const = default;
-};
-
 /// What the panel of a ringing call shows and does. A value: another caller is another banner. Main thread.
-struct IncomingCallBanner : WindowContent {
+struct IncomingCallBanner : CallPanelContent {
     IncomingCallBanner(IncomingCallInfo shownInfo, std::function<void()> answer, std::function<void()> hangup)
         : info(std::move(shownInfo)), onAnswer(std::move(answer)), onHangup(std::move(hangup)) {}
 
@@ -31,6 +21,11 @@ struct IncomingCallBanner : WindowContent {
 
     /// Takes blanks off, and takes "unknown" in any case of letters for nothing known.
     BannerText text() const;
+
+    CallPanel panel() const override;
+    [[nodiscard]] Subscription observe(std::function<void()>) override { return {}; }
+    void pressLeft() override { onHangup(); }
+    void pressRight() override { onAnswer(); }
 
     static constexpr std::string_view iconSymbol = "phone.fill";
     static constexpr std::string_view declineSymbol = "phone.down.fill";

@@ -18,7 +18,7 @@ namespace velloway {
 /// newest 100 elements; an addition that trims is two changes, and so notifies twice.
 class HistoryStore {
 public:
-    /// `host` tells the time of clipboard texts; it must outlive the store.
+    /// `host` dates the clipboard texts; it must outlive the store.
     explicit HistoryStore(const Host& host) : host_(host) {}
 
     Observable<std::vector<NotifPayload>> items;

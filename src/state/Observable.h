@@ -51,7 +51,7 @@ private:
     std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
-/// A value that tells its observers of every assignment, also of one that leaves it equal. Main thread only.
+/// A value that reports every assignment to its observers, also of one that leaves it equal. Main thread only.
 template <class T> class Observable {
 public:
     using Observer = std::function<void(const T&)>;

@@ -1,6 +1,5 @@
 #include "state/RecordDecoding.h"
 
-#include <chrono>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,6 +9,14 @@ namespace velloway {
 namespace {
 
 bool read(const JsonValue& value, std::string& field) {
+    const auto text = value.text();
+    if (text) {
+        field = *text;
+    }
+    return text.has_value();
+}
+
+bool read(const JsonValue& value, ImmutableText& field) {
     const auto text = value.text();
     if (text) {
         field = *text;
@@ -77,10 +84,6 @@ decodeList(const JsonValue& message, std::string_view key, std::optional<Record>
     return isGood ? std::optional(std::move(records)) : std::nullopt;
 }
 
-double secondsSince1970(Instant instant) {
-    return std::chrono::duration<double>(instant.time_since_epoch()).count();
-}
-
 } // namespace
 
 std::optional<NotifPayload> decodeNotifPayload(const JsonValue& value, const Host& host) {
@@ -121,12 +124,6 @@ std::optional<SimInfo> decodeSimInfo(const JsonValue& value) {
     SimInfo sim;
     const auto reader = RecordReader(value).require("slot", sim.slot).require("carrier", sim.carrier);
     return ifGood(reader, std::move(sim));
-}
-
-std::optional<IncomingCallInfo> decodeIncomingCallInfo(const JsonValue& value) {
-    IncomingCallInfo info;
-    const auto reader = RecordReader(value).require("number", info.number).allow("name", info.name);
-    return ifGood(reader, std::move(info));
 }
 
 std::optional<std::vector<SmsRecord>> decodeSmsHistory(const JsonValue& message) {

@@ -11,12 +11,11 @@
 /// as missing, and other keys are passed over.
 namespace velloway {
 
-/// `host` tells the time for a notification that carries none. The `id` is a new one each time.
+/// `host` gives the time of a notification that carries none. The `id` is a new one each time.
 std::optional<NotifPayload> decodeNotifPayload(const JsonValue& value, const Host& host);
 std::optional<SmsRecord> decodeSmsRecord(const JsonValue& value);
 std::optional<CallRecord> decodeCallRecord(const JsonValue& value);
 std::optional<SimInfo> decodeSimInfo(const JsonValue& value);
-std::optional<IncomingCallInfo> decodeIncomingCallInfo(const JsonValue& value);
 
 // The list under a required key of a message. One bad element fails the whole.
 std::optional<std::vector<SmsRecord>> decodeSmsHistory(const JsonValue& message);

@@ -6,7 +6,7 @@ namespace velloway {
 
 std::string NotifPayload::formattedTime(const Host& host) const {
     const DateContext context{host.locale(), host.timeZone()};
-    const double now = std::chrono::duration<double>(host.now().time_since_epoch()).count();
+    const double now = secondsSince1970(host.now());
     return RecentDays(now, context).isToday(time) ? shortTime(time, context) : shortDateAndTime(time, context);
 }
 

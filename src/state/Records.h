@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Host.h"
+#include "platform/ImmutableText.h"
 #include "state/Uuid.h"
 
 #include <cstddef>
@@ -16,7 +17,8 @@ struct NotifPayload {
     Uuid id = Uuid::random();
     std::string app;
     std::string title;
-    std::string body;
+    /// Shared with whatever shows it: a body may be large.
+    ImmutableText body;
     /// Seconds since 1970, as it came.
     double time = 0;
     /// The phone's own handle for this notification.

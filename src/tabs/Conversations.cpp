@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstddef>
 #include <utility>
 
@@ -17,18 +16,6 @@ namespace {
 
 constexpr std::size_t keyDigits = 10;
 constexpr double millisecondsPerSecond = 1000;
-
-bool isAscii(std::string_view text) {
-    unsigned char seen = 0;
-    for (const char c : text) {
-        seen = static_cast<unsigned char>(seen | static_cast<unsigned char>(c));
-    }
-    return seen < 0x80;
-}
-
-char lowerAscii(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 /// The last ten digits, in reading order; empty when there are none.
 std::string lastAsciiDigits(std::string_view address) {
@@ -269,8 +256,7 @@ std::string formatDate(double milliseconds, const Host& host) {
 }
 
 RelativeDates::RelativeDates(const Host& host)
-    : context_(dateContext(host)),
-      days_(std::chrono::duration<double>(host.now().time_since_epoch()).count(), context_) {}
+    : context_(dateContext(host)), days_(secondsSince1970(host.now()), context_) {}
 
 std::string RelativeDates::text(double milliseconds) const {
     const double seconds = milliseconds / millisecondsPerSecond;

@@ -10,9 +10,9 @@ const TabRow* selectedRow(std::int64_t selectedTab) {
     return found == tabRows.end() ? nullptr : &*found;
 }
 
-TabContent contentFor(std::int64_t selectedTab) {
+int shownTab(std::int64_t selectedTab) {
     const TabRow* row = selectedRow(selectedTab);
-    return row ? row->content : TabContent::calls;
+    return row ? row->index : tabIndex::call;
 }
 
 } // namespace velloway

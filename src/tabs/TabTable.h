@@ -8,36 +8,32 @@
 
 namespace velloway {
 
-/// What the detail column of the main window shows.
-enum class TabContent { calls, sendSms, fileDrop, notifications, remoteControl, clipboard, settings, info };
-
 struct TabRow {
     /// The value of `selectedTab` that this row stands for.
     int index;
     std::string_view title;
     std::string_view symbol;
-    TabContent content;
+
+    bool operator==(const TabRow&) const = default;
 };
 
 /// The rows of the sidebar, top to bottom.
 inline constexpr std::array<TabRow, 8> tabRows{{
-    {tabIndex::call, "Call", "phone", TabContent::calls},
-    {tabIndex::sms, "SMS", "paperplane", TabContent::sendSms},
-    {tabIndex::fileDrop, "File Drop", "arrow.down.doc", TabContent::fileDrop},
-    {tabIndex::notifications, "Notifications", "clock", TabContent::notifications},
-    {tabIndex::remote, "Remote", "command", TabContent::remoteControl},
-    {tabIndex::clipboard, "Clipboard", "doc.on.clipboard", TabContent::clipboard},
-    {tabIndex::settings, "Settings", "gearshape", TabContent::settings},
-    {tabIndex::info, "Info", "info.circle", TabContent::info},
+    {tabIndex::call, "Call", "phone"},
+    {tabIndex::sms, "SMS", "paperplane"},
+    {tabIndex::fileDrop, "File Drop", "arrow.down.doc"},
+    {tabIndex::notifications, "Notifications", "clock"},
+    {tabIndex::remote, "Remote", "command"},
+    {tabIndex::clipboard, "Clipboard", "doc.on.clipboard"},
+    {tabIndex::settings, "Settings", "gearshape"},
+    {tabIndex::info, "Info", "info.circle"},
 }};
-
-inline constexpr double sidebarMinimumWidth = 200;
 
 /// The row to highlight, or null for an index outside the table.
 const TabRow* selectedRow(std::int64_t selectedTab);
 
-/// An index outside the table shows the calls.
-TabContent contentFor(std::int64_t selectedTab);
+/// The index of the tab whose content shows; an index outside the table shows the calls.
+int shownTab(std::int64_t selectedTab);
 
 /// How the rows of the sidebar look.
 struct AdaptiveLabelStyle {

@@ -11,18 +11,6 @@ namespace velloway {
 
 namespace {
 
-bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
-char upperAscii(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-char lowerAscii(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 using Mapping = void (*)(const char* locale, std::uint32_t options, icu::StringPiece source,
                          icu::ByteSink& sink, icu::Edits* edits, UErrorCode& error);
 
@@ -42,6 +30,14 @@ std::string mapped(std::string_view text, char (*ascii)(char), Mapping map) {
 }
 
 } // namespace
+
+bool isAscii(std::string_view text) {
+    unsigned char seen = 0;
+    for (const char c : text) {
+        seen = static_cast<unsigned char>(seen | static_cast<unsigned char>(c));
+    }
+    return seen < 0x80;
+}
 
 std::string upperCased(std::string_view text) {
     return mapped(text, upperAscii, &icu::CaseMap::utf8ToUpper);

@@ -1,40 +1,36 @@
 #include "text/CodePoints.h"
 
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
+
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 namespace velloway {
 
+namespace {
+
+constexpr char32_t replacementCharacter = 0xFFFD;
+
+} // namespace
+
 char32_t takeCodePoint(std::string_view& text) {
-    const auto byteAt = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
-    const unsigned char first = byteAt(0);
-    std::size_t length = 1;
-    char32_t codePoint = first;
-    char32_t smallest = 0;
-    if (first >= 0xF0 && first < 0xF8) {
-        length = 4;
-        codePoint = first & 0x07U;
-        smallest = 0x10000;
-    } else if (first >= 0xE0) {
-        length = 3;
-        codePoint = first & 0x0FU;
-        smallest = 0x800;
-    } else if (first >= 0xC0) {
-        length = 2;
-        codePoint = first & 0x1FU;
-        smallest = 0x80;
-    }
-    bool isValid = first < 0x80 || (first >= 0xC0 && first < 0xF8 && length <= text.size());
-    for (std::size_t index = 1; isValid && index < length; ++index) {
-        isValid = (byteAt(index) & 0xC0U) == 0x80U;
-        codePoint = codePoint << 6U | (byteAt(index) & 0x3FU);
-    }
-    const bool isSurrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
-    if (!isValid || codePoint < smallest || codePoint > 0x10FFFF || isSurrogate) {
-        text.remove_prefix(1);
-        return 0xFFFD;
-    }
-    text.remove_prefix(length);
-    return codePoint;
+    std::int64_t end = 0;
+    UChar32 codePoint = 0;
+    U8_NEXT(text.data(), end, static_cast<std::int64_t>(text.size()), codePoint);
+    text.remove_prefix(codePoint < 0 ? 1 : static_cast<std::size_t>(end));
+    return codePoint < 0 ? replacementCharacter : static_cast<char32_t>(codePoint);
+}
+
+char32_t takeLastCodePoint(std::string_view& text) {
+    constexpr std::size_t longest = U8_MAX_LENGTH;
+    const std::string_view end = text.substr(text.size() - std::min(text.size(), longest));
+    auto start = static_cast<std::int32_t>(end.size());
+    UChar32 codePoint = 0;
+    U8_PREV(reinterpret_cast<const std::uint8_t*>(end.data()), 0, start, codePoint);
+    text.remove_suffix(codePoint < 0 ? 1 : end.size() - static_cast<std::size_t>(start));
+    return codePoint < 0 ? replacementCharacter : static_cast<char32_t>(codePoint);
 }
 
 std::u16string utf16From(std::string_view text) {
@@ -42,12 +38,11 @@ std::u16string utf16From(std::string_view text) {
     units.reserve(text.size());
     while (!text.empty()) {
         const char32_t codePoint = takeCodePoint(text);
-        if (codePoint < 0x10000) {
+        if (U_IS_BMP(codePoint)) {
             units.push_back(static_cast<char16_t>(codePoint));
         } else {
-            const char32_t offset = codePoint - 0x10000;
-            units.push_back(static_cast<char16_t>(0xD800 + (offset >> 10U)));
-            units.push_back(static_cast<char16_t>(0xDC00 + (offset & 0x3FFU)));
+            units.push_back(static_cast<char16_t>(U16_LEAD(codePoint)));
+            units.push_back(static_cast<char16_t>(U16_TRAIL(codePoint)));
         }
     }
     return units;

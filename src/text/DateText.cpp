@@ -57,7 +57,8 @@ public:
         return out;
     }
 
-    /// The number of the local day that `seconds` lies on. No number when it can't be told, which equals none.
+    /// The number of the local day that `seconds` lies on. Not a number when it is unknown, which equals
+    /// nothing.
     double day(double seconds) const {
         UErrorCode error = U_ZERO_ERROR;
         std::int32_t fromGreenwich = 0;

@@ -3,7 +3,7 @@
 #include <compare>
 #include <string>
 
-/// Instants as a user reads them. Instants are seconds since 1970; one that is no finite number counts as 0.
+/// Instants as a user reads them. Instants are seconds since 1970; one that is not a finite number counts as 0.
 /// What is expensive to set up is kept per thread, locale and time zone.
 namespace velloway {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 /// Text in user-perceived characters (extended grapheme clusters). Views point into the text that was given.
-/// Bytes that are no UTF-8 count as characters of their own. Any thread.
+/// Bytes that are not UTF-8 count as characters of their own. Any thread.
 namespace velloway {
 
 /// Empty when the text is.

@@ -6,11 +6,10 @@ import Velloway
 FocusScope {
     id: root
 
-    required property var bridge
-    readonly property bool showLabels: bridge.showsLabels(width)
-    readonly property string content: bridge.shown.tabContent
+    required property MainBridge bridge
 
-    onContentChanged: if (!sidebar.activeFocus) detail.forceActiveFocus()
+    onWidthChanged: bridge.setWidth(width)
+    Component.onCompleted: detail.forceActiveFocus()
 
     Rectangle {
         anchors.fill: parent
@@ -23,8 +22,6 @@ FocusScope {
         width: 200
         height: parent.height
         bridge: root.bridge
-        showLabels: root.showLabels
-        onChosen: detail.forceActiveFocus()
     }
 
     FocusScope {
@@ -41,16 +38,15 @@ FocusScope {
             anchors.fill: parent
             focus: true
             Component.onCompleted: load()
-            function load() {
-                const files = {
-                    calls: "CallsTab", sendSms: "SmsTab", fileDrop: "FileDropTab", notifications: "NotificationsTab",
-                    remoteControl: "RemoteTab", clipboard: "ClipboardTab", settings: "SettingsTab", info: "InfoTab"
-                }
-                setSource("tabs/" + files[root.content] + ".qml", { bridge: root.bridge })
-            }
+            function load() { setSource("tabs/" + root.bridge.tabFile, { bridge: root.bridge.tab }) }
             Connections {
-                target: root
-                function onContentChanged() { loader.load() }
+                target: root.bridge
+                function onTabChosen() { detail.forceActiveFocus() }
+                function onTabChanged() {
+                    if (!sidebar.activeFocus)
+                        detail.forceActiveFocus()
+                    loader.load()
+                }
             }
         }
     }

@@ -4,10 +4,7 @@ import Velloway
 FocusScope {
     id: sidebar
 
-    required property var bridge
-    property bool showLabels: true
-    /// A row was chosen with the mouse.
-    signal chosen()
+    required property MainBridge bridge
 
     Rectangle {
         anchors.fill: parent
@@ -29,59 +26,58 @@ FocusScope {
         Keys.onUpPressed: choose(-1)
         Keys.onDownPressed: choose(1)
 
-        function choose(step) {
-            let row = 0
-            for (let i = 0; i < count; ++i)
-                if (model[i].index === sidebar.bridge.shown.selectedRow)
-                    row = i + step
-            if (row >= 0 && row < count)
-                sidebar.bridge.fields.selectedTab = model[row].index
+        function choose(step: int) {
+            sidebar.bridge.select(sidebar.bridge.selectedRow < 0 ? 0 : sidebar.bridge.selectedRow + step)
         }
 
         delegate: Rectangle {
             id: row
 
-            required property var modelData
-            readonly property bool current: sidebar.bridge.shown.selectedRow === modelData.index
+            required property MainBridge bridge
+            required property int index
+            required property int tabIndex
+            required property string title
+            required property string symbol
+            readonly property bool current: bridge.selectedRow === index
 
-            objectName: "tab" + modelData.index
-            width: list.width
+            objectName: "tab" + tabIndex
+            width: ListView.view ? ListView.view.width : 0
             height: 32
             radius: 7
             color: current ? Theme.blue : hover.hovered ? Theme.hover : "transparent"
             Accessible.role: Accessible.ListItem
-            Accessible.name: modelData.title
+            Accessible.name: title
             Accessible.selectable: true
             Accessible.selected: current
             Accessible.focusable: true
             Accessible.onPressAction: press()
 
             function press() {
-                sidebar.bridge.fields.selectedTab = modelData.index
-                sidebar.chosen()
+                bridge.select(index)
+                bridge.tabChosen()
             }
 
             Symbol {
-                id: symbol
+                id: picture
 
-                x: sidebar.showLabels ? 10 : (row.width - width) / 2
+                x: row.bridge.showsLabels ? 10 : (row.width - width) / 2
                 anchors.verticalCenter: parent.verticalCenter
-                name: row.modelData.symbol
+                name: row.symbol
                 size: 17
                 tint: row.current ? Theme.white : Theme.blue
             }
             Text {
                 objectName: "label"
-                visible: sidebar.showLabels
-                anchors { left: symbol.right; leftMargin: 9; verticalCenter: parent.verticalCenter }
-                text: row.modelData.title
+                visible: row.bridge.showsLabels
+                anchors { left: picture.right; leftMargin: 9; verticalCenter: parent.verticalCenter }
+                text: row.title
                 color: row.current ? Theme.white : Theme.primary
                 font.pixelSize: Theme.body
                 Accessible.ignored: true
             }
             HoverHandler { id: hover }
             TapHandler { onTapped: row.press() }
-            FocusRing { control: null; visible: row.current && list.activeFocus; radius: 9 }
+            FocusRing { control: null; visible: row.current && row.ListView.view !== null && row.ListView.view.activeFocus; radius: 9 }
         }
     }
     Separator {

@@ -32,7 +32,7 @@ def command(exec_line, files):
     """What an application's Exec line becomes for `files`."""
     words = []
     for word in _split(exec_line):
-        if word == "%F":
+        if word in ("%F", "%U"):  # Files of this computer come as paths in both.
             words += [str(file) for file in files]
         elif "%" in word:
             raise ValueError(f"not expanded here: {word}")

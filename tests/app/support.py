@@ -9,6 +9,7 @@ import json
 import os
 import pathlib
 import re
+import select
 import signal
 import socket
 import subprocess
@@ -392,6 +393,16 @@ class AppTest(unittest.TestCase):
 def clipboard():
     found = subprocess.run(["xclip", "-selection", "clipboard", "-o"], capture_output=True, timeout=PATIENCE)
     return found.stdout.decode(errors="replace") if found.returncode == 0 else None
+
+
+def open_files(pid):
+    files = pathlib.Path(f"/proc/{pid}/fd")
+    return {os.readlink(each) for each in files.iterdir() if each.is_symlink()}
+
+
+def is_full(pipe):
+    """Whether a write to this end of a pipe would wait."""
+    return not select.select([], [pipe], [], 0)[1]
 
 
 def visible_windows(pid):

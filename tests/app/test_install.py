@@ -1,6 +1,7 @@
 """The program as it is installed, and the entries of the file managers: from the menu to the phone."""
 
 import hashlib
+import json
 import os
 import pathlib
 import re
@@ -29,6 +30,15 @@ THUNAR = "share/Thunar/sendto/velloway-send.desktop"
 ENTRIES = [APPLICATION, DOLPHIN, NEMO, PCMANFM, THUNAR]
 VIEWS = "lib/velloway/libvelloway-views.so"
 ICON = "share/icons/hicolor/scalable/apps/org.velloway.Velloway.svg"
+SYMBOLIC = "share/icons/hicolor/symbolic/apps/org.velloway.Velloway-symbolic.svg"
+METAINFO = "share/metainfo/org.velloway.Velloway.metainfo.xml"
+SERVICE = "share/dbus-1/services/org.velloway.Velloway.service"
+UNIT = "lib/systemd/user/velloway.service"
+FIREWALLD = "lib/firewalld/services/velloway.xml"
+UFW = "share/velloway/ufw/velloway"
+MAN = ["share/man/man1/velloway.1.gz", "share/man/man1/velloway-phone.1.gz"]
+DOCUMENTS = ["share/doc/velloway/changelog.gz", "share/doc/velloway/phone-does-not-connect.md"]
+PROGRAMS = ["bin/velloway", "bin/velloway-phone"]
 
 # What trips up whoever takes a name for something else. No quotes or backslashes: the announcement of such a file
 # is a broken message by the protocol, so that no phone can follow; they have a test of their own.
@@ -53,15 +63,83 @@ def files_of(folder):
 
 class Tree(unittest.TestCase):
     def test_has_all_its_files(self):
-        self.assertEqual(files_of(PREFIX), sorted(["bin/velloway", VIEWS, ICON, SCRIPT, *ENTRIES]))
+        self.assertEqual(files_of(PREFIX), sorted([*PROGRAMS, VIEWS, ICON, SYMBOLIC, METAINFO, SERVICE, UNIT, FIREWALLD,
+                                                   UFW, *MAN, *DOCUMENTS, SCRIPT, *ENTRIES]))
 
     def test_names_no_folder_of_the_place_where_it_was_built(self):
         for name in files_of(PREFIX):
             data = (PREFIX / name).read_bytes()
             for folder in (BUILD, SOURCE, PREFIX):
                 self.assertNotIn(bytes(folder), data, name)
-        for name in ("bin/velloway", VIEWS):
+        for name in (*PROGRAMS, VIEWS):
             self.assertNotRegex(run("readelf", "-d", str(PREFIX / name)), "R(UN)?PATH")
+
+    def test_is_hardened(self):
+        for name in (*PROGRAMS, VIEWS):
+            path = str(PREFIX / name)
+            with self.subTest(name):
+                self.assertIn("GNU_RELRO", run("readelf", "-lW", path))
+                self.assertRegex(run("readelf", "-dW", path), r"FLAGS_1.*NOW")
+                self.assertIn("DYN (", run("readelf", "-hW", path))
+                calls = run("nm", "-D", "--undefined-only", path)
+                self.assertIn(" __stack_chk_fail", calls)
+        if os.uname().machine == "x86_64":
+            # Debian's own start files lack the note that would switch this on, so look for its landing places.
+            self.assertGreater(run("objdump", "-d", "--no-show-raw-insn", "-j", ".text",
+                                   str(PREFIX / "bin/velloway")).count("endbr64"), 500)
+        # A call whose size the compiler cannot see through.
+        self.assertRegex(run("nm", "-D", "--undefined-only", str(PREFIX / "bin/velloway")), r" __(?!stack)\w+_chk\b")
+
+    def test_the_man_pages_are_free_of_warnings(self):
+        for name in MAN:
+            answer = subprocess.run(["man", "--warnings", "--encoding=utf8", "--local-file", str(PREFIX / name)],
+                                    capture_output=True, text=True, timeout=PATIENCE, env=os.environ | {"MANWIDTH": "80"})
+            self.assertEqual((answer.returncode, answer.stderr), (0, ""), name)
+            self.assertIn("SYNOPSIS", answer.stdout)
+        # They know every option of what they describe.
+        for program, page in zip(PROGRAMS, MAN):
+            text = run("man", "--local-file", str(PREFIX / page), env=os.environ | {"MANWIDTH": "200"})
+            text = re.sub(".\b", "", text)
+            for option in re.findall(r"(?m)^  (--[a-z-]+)", run(str(PREFIX / program), "--help")):
+                self.assertIn(option, text, program)
+
+    def test_the_metainfo_is_valid_and_names_what_is_installed(self):
+        report = subprocess.run(["appstreamcli", "validate", "--no-net", "--strict", "--explain", str(PREFIX / METAINFO)],
+                                capture_output=True, text=True, timeout=PATIENCE)
+        # The project has no home page yet, which is its owner's to add.
+        findings = re.findall(r"^[EWIP]: \S+ ([a-z-]+)", report.stdout, re.M)
+        self.assertLessEqual({*findings}, {"url-homepage-missing"}, report.stdout)
+        text = (PREFIX / METAINFO).read_text()
+        version = run(str(PREFIX / "bin/velloway"), "--version").split()[1]
+        self.assertIn(f'<release version="{version}"', text)
+        for name in (APPLICATION, SERVICE):
+            self.assertIn(pathlib.Path(name).stem, text)
+
+    def test_the_unit_is_valid(self):
+        answer = subprocess.run(["systemd-analyze", "verify", "--user", "--man=no", str(PREFIX / UNIT)],
+                                capture_output=True, text=True, timeout=PATIENCE)
+        ours = [line for line in (answer.stdout + answer.stderr).splitlines() if "velloway" in line.lower()]
+        self.assertEqual(ours, [], answer.stderr)
+
+    def test_the_firewall_profiles_open_the_port_that_the_program_listens_on(self):
+        import xml.etree.ElementTree
+        service = xml.etree.ElementTree.parse(PREFIX / FIREWALLD).getroot()
+        self.assertEqual([port.attrib for port in service.iter("port")], [{"protocol": "tcp", "port": "8765"}])
+        profile = entries.read(PREFIX / UFW)
+        self.assertEqual(profile["Velloway"]["ports"], "8765/tcp")
+        self.assertRegex((SOURCE / "src/server/WebSocketServer.cpp").read_text(), r"defaultPort = 8765;")
+
+    def test_the_package_files_of_other_systems_hold_to_their_format(self):
+        recipe = SOURCE / "packaging/linux/arch/PKGBUILD"
+        run("bash", "-n", str(recipe))
+        self.assertEqual(run("bash", "-c", f'. "{recipe}"; echo $pkgver').strip(),
+                         run(str(PREFIX / "bin/velloway"), "--version").split()[1])
+        manifest = SOURCE / "packaging/linux/flatpak/org.velloway.Velloway.yml"
+        self.assertRegex(manifest.read_text(), r"(?m)^id: org\.velloway\.Velloway$")
+        if shutil.which("flatpak-builder"):
+            with tempfile.TemporaryDirectory() as state:
+                shown = json.loads(run("flatpak-builder", "--state-dir", state, "--show-manifest", str(manifest)))
+            self.assertEqual(shown["command"], "velloway")
 
     def test_entries_for_the_application_hold_to_the_format(self):
         for name in (APPLICATION, THUNAR):
@@ -70,8 +148,9 @@ class Tree(unittest.TestCase):
     def test_entries_call_the_program_and_show_the_icon_that_are_there(self):
         self.assertEqual(shutil.which("velloway"), str(PREFIX / "bin/velloway"))
         for name in ENTRIES:
-            groups = entries.read(PREFIX / name).values()
-            values = {key: text for group in groups for key, text in group.items()}
+            groups = {group: text for group, text in entries.read(PREFIX / name).items()
+                      if not (name == APPLICATION and group != "Desktop Entry")}
+            values = {key: text for group in groups.values() for key, text in group.items()}
             self.assertEqual(values["Exec"].split()[0], "velloway", name)
             self.assertEqual(values.get("TryExec", values.get("Dependencies", "")).rstrip(";"), "velloway", name)
             self.assertEqual(values.get("Icon", values.get("Icon-Name")), pathlib.Path(ICON).stem, name)
@@ -86,7 +165,7 @@ class Tree(unittest.TestCase):
         for kind in ("application/octet-stream", "text/plain"):
             self.assertNotIn("velloway", run("gio", "mime", kind, env=environment).lower())
         # It can be chosen all the same.
-        self.assertTrue(Gio.DesktopAppInfo.new_from_filename(str(PREFIX / APPLICATION)).supports_files())
+        self.assertTrue(Gio.DesktopAppInfo.new_from_filename(str(PREFIX / APPLICATION)).supports_uris())
 
 
 class Package(AppTest):
@@ -104,6 +183,7 @@ class Package(AppTest):
     def test_holds_what_is_installed_and_starts(self):
         run("dpkg-deb", "--extract", str(self.package), str(self.folder / "root"))
         self.assertEqual(files_of(self.folder / "root/usr"), files_of(PREFIX))
+        self.assertEqual(files_of(self.folder / "root/etc"), ["ufw/applications.d/velloway"])
         self.start(App(free_port(), program=str(self.folder / "root/usr/bin/velloway"))).wait_listening()
 
     def test_needs_what_the_program_is_linked_with_and_what_it_loads_by_name(self):
@@ -117,6 +197,16 @@ class Package(AppTest):
             (owner,) = {line.split(":")[0] for line in run("dpkg", "--search", f"{folder}/qmldir").splitlines()}
             self.assertIn(owner, packages, module)
         self.assertNotIn("xvfb", packages)
+        recommended = run("dpkg-deb", "--field", str(self.package), "Recommends").strip()
+        for each in ("qt6-wayland", "xdg-utils", "xdg-desktop-portal", "wireplumber | pulseaudio-utils", "fonts-inter",
+                     "fonts-noto-cjk"):
+            self.assertIn(each, recommended.split(", "))
+
+    def test_is_clean_but_for_the_licence_that_its_owner_has_not_chosen(self):
+        report = subprocess.run(["lintian", "--tag-display-limit", "0", "--allow-root", "--no-cfg", str(self.package)],
+                                capture_output=True, text=True, timeout=120)
+        findings = re.findall(r"^[EW]: velloway: (\S+)", report.stdout, re.M)
+        self.assertEqual(findings, ["no-copyright-file"], report.stdout + report.stderr)
 
 
 class Expansion(unittest.TestCase):
@@ -144,10 +234,13 @@ class Expansion(unittest.TestCase):
 
     def test_is_the_same_for_every_entry_of_an_application(self):
         files = [self.folder / name for name in [*NAMES, 'say "hello".bin', "back\\slash.bin"]]
-        for name in (APPLICATION, THUNAR):
-            words = entries.command(entries.read(PREFIX / name)["Desktop Entry"]["Exec"], files)
+        # As where programs are not started over the bus.
+        plain = self.folder / "plain.desktop"
+        plain.write_text((PREFIX / APPLICATION).read_text().replace("DBusActivatable=true", "DBusActivatable=false"))
+        for entry in (plain, PREFIX / THUNAR):
+            words = entries.command(entries.read(entry)["Desktop Entry"]["Exec"], files)
             self.assertEqual(words, ["velloway", *map(str, files)])
-            self.assertEqual(self.launched(PREFIX / name, files), words[1:])
+            self.assertEqual(self.launched(entry, files), words[1:])
 
     def test_is_the_same_for_words_in_quotes(self):
         files = [self.folder / name for name in [*NAMES, 'say "hello".bin', "back\\slash.bin"]]

@@ -4,10 +4,25 @@ import os
 import pathlib
 import shutil
 import signal
+import socket
+import subprocess
 import tempfile
+import time
 import unittest
 
-from support import APP, AppTest, Process, TrayWatcher, close_window, terminate, visible_windows, wait_for
+from support import (
+    APP,
+    AppTest,
+    Process,
+    TrayWatcher,
+    close_window,
+    free_port,
+    is_full,
+    open_files,
+    terminate,
+    visible_windows,
+    wait_for,
+)
 
 
 class Life(AppTest):
@@ -31,7 +46,7 @@ class Life(AppTest):
         self.assertEqual(second.wait_end(), 1)
         self.assertEqual(second.lines, ["Velloway is already running but does not answer"])
 
-    def test_quit_in_the_menu_ends_the_process_with_0_and_tells_the_phone_nothing(self):
+    def test_quit_in_the_menu_ends_the_process_with_0_and_sends_the_phone_nothing(self):
         one = self.start_node(self.app.port)
         self.tray.choose("Quit Velloway")
         self.assertEqual(self.app.wait_end(), 0)
@@ -44,6 +59,47 @@ class Life(AppTest):
         # The port is free at once for the next start.
         again = self.start_app(port=self.app.port).wait_listening()
         self.start_node(again.port)
+
+    def test_a_request_to_terminate_does_not_wait_for_a_large_file_that_is_being_read(self):
+        large = tempfile.NamedTemporaryFile(prefix="large", suffix=".bin")
+        self.addCleanup(large.close)
+        large.truncate(1 << 30)
+        self.start_node(self.app.port)
+        self.assertEqual(self.start(Process(APP, large.name)).wait_end(), 0)
+        wait_for(lambda: large.name in open_files(self.app.pid), "the file is being read")
+        start = time.monotonic()
+        terminate(self.app)
+        self.assertEqual(self.app.wait_end(), 0)
+        self.assertLess(time.monotonic() - start, 1)
+
+    def test_a_reader_of_standard_output_that_does_not_read_stops_nothing(self):
+        terminate(self.app)
+        self.app.wait_end()
+        reading, writing = os.pipe()
+        self.addCleanup(os.close, reading)
+        self.addCleanup(os.close, writing)
+        port = free_port()
+        settings = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "velloway" / "velloway.conf"
+        settings.write_text(f"[General]\nport={port}\n")
+        app = subprocess.Popen([APP], stdout=writing, stderr=subprocess.DEVNULL)
+        self.addCleanup(app.wait)
+        self.addCleanup(app.kill)
+
+        def listens():
+            with socket.socket() as probe:
+                return probe.connect_ex(("127.0.0.1", port)) == 0
+
+        wait_for(listens, "the program listens")
+        one = self.start_node(port)
+        for number in range(2000):
+            one.send({"app": "Chat", "title": f"Title {number}", "body": "x" * 40})
+        wait_for(lambda: is_full(writing), "the pipe is full")
+        self.start_node(port)
+        start = time.monotonic()
+        app.send_signal(signal.SIGTERM)
+        wait_for(lambda: app.poll() is not None, "the end of the program")
+        self.assertLess(time.monotonic() - start, 1)
+        self.assertEqual(app.returncode, 0)
 
     def test_closing_the_window_leaves_the_process_running(self):
         self.tray.choose("Settings…")

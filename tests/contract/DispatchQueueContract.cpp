@@ -72,7 +72,7 @@ protected:
     std::vector<std::string> notes;
 };
 
-TEST_P(DispatchQueueContract, runs_jobs_in_the_order_in_which_they_were_handed_over) {
+TEST_P(DispatchQueueContract, RunsJobsInTheOrderInWhichTheyWereHandedOver) {
     std::vector<int> order;
     for (int job = 0; job < 1000; ++job) {
         queue.async([&order, job] { order.push_back(job); });
@@ -81,7 +81,7 @@ TEST_P(DispatchQueueContract, runs_jobs_in_the_order_in_which_they_were_handed_o
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
 }
 
-TEST_P(DispatchQueueContract, never_runs_a_job_inside_the_call_that_hands_it_over) {
+TEST_P(DispatchQueueContract, NeverRunsAJobInsideTheCallThatHandsItOver) {
     queue.async([&] {
         queue.async([&] { note("inner"); });
         note("outer");
@@ -91,7 +91,7 @@ TEST_P(DispatchQueueContract, never_runs_a_job_inside_the_call_that_hands_it_ove
     EXPECT_THAT(notes, ElementsAre("outer", "inner"));
 }
 
-TEST_P(DispatchQueueContract, delayed_jobs_run_in_the_order_of_their_times_and_then_of_the_calls) {
+TEST_P(DispatchQueueContract, DelayedJobsRunInTheOrderOfTheirTimesAndThenOfTheCalls) {
     queue.asyncAfter(30ms, [&] { note("30 first"); });
     queue.asyncAfter(10ms, [&] { note("10"); });
     queue.asyncAfter(30ms, [&] { note("30 second"); });
@@ -100,7 +100,7 @@ TEST_P(DispatchQueueContract, delayed_jobs_run_in_the_order_of_their_times_and_t
     EXPECT_THAT(notes, ElementsAre("at once", "10", "30 first", "30 second"));
 }
 
-TEST_P(DispatchQueueContract, is_current_inside_a_job) {
+TEST_P(DispatchQueueContract, IsCurrentInsideAJob) {
     bool wasCurrent = false;
     queue.async([&] {
         wasCurrent = queue.isCurrent();
@@ -110,7 +110,7 @@ TEST_P(DispatchQueueContract, is_current_inside_a_job) {
     EXPECT_TRUE(wasCurrent);
 }
 
-TEST_P(DispatchQueueContract, lets_go_of_what_a_job_holds_once_it_has_run) {
+TEST_P(DispatchQueueContract, LetsGoOfWhatAJobHoldsOnceItHasRun) {
     auto held = std::make_shared<int>(1);
     const std::weak_ptr<int> watch = held;
     queue.async([held = std::move(held)] {});
@@ -123,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(, DispatchQueueContract,
                                          Implementation{"Qt", make<QtDriver>}),
                          [](const auto& it) { return std::string(it.param.name); });
 
-TEST(QtMainQueueTest, takes_jobs_from_other_threads_and_keeps_the_order_of_each) {
+TEST(QtMainQueueTest, TakesJobsFromOtherThreadsAndKeepsTheOrderOfEach) {
     QtMainQueue queue;
     constexpr int perThread = 20'000;
     std::vector<int> seen[2];
@@ -145,7 +145,7 @@ TEST(QtMainQueueTest, takes_jobs_from_other_threads_and_keeps_the_order_of_each)
     }
 }
 
-TEST(QtMainQueueTest, is_current_on_the_main_thread_only) {
+TEST(QtMainQueueTest, IsCurrentOnTheMainThreadOnly) {
     QtMainQueue queue;
     EXPECT_TRUE(queue.isCurrent());
     bool onOtherThread = true;
@@ -153,7 +153,7 @@ TEST(QtMainQueueTest, is_current_on_the_main_thread_only) {
     EXPECT_FALSE(onOtherThread);
 }
 
-TEST(QtMainQueueTest, jobs_waiting_behind_one_that_enters_a_nested_loop_run_inside_it) {
+TEST(QtMainQueueTest, JobsWaitingBehindOneThatEntersANestedLoopRunInsideIt) {
     QtMainQueue queue;
     std::vector<std::string> notes;
     QEventLoop nested;
@@ -174,7 +174,7 @@ TEST(QtMainQueueTest, jobs_waiting_behind_one_that_enters_a_nested_loop_run_insi
     EXPECT_THAT(notes, ElementsAre("modal begins", "waiting", "handed over inside", "delayed", "modal ends"));
 }
 
-TEST(QtMainQueueTest, a_flood_of_jobs_does_not_lock_out_timers) {
+TEST(QtMainQueueTest, AFloodOfJobsDoesNotLockOutTimers) {
     QtMainQueue queue;
     std::atomic<bool> goOn = true;
     std::atomic<int> ran = 0;
@@ -198,7 +198,7 @@ TEST(QtMainQueueTest, a_flood_of_jobs_does_not_lock_out_timers) {
     timer.stop();
 }
 
-TEST(QtMainQueueTest, a_delayed_job_comes_neither_early_nor_much_late) {
+TEST(QtMainQueueTest, ADelayedJobComesNeitherEarlyNorMuchLate) {
     QtMainQueue queue;
     bool done = false;
     qint64 elapsed = 0;
@@ -213,7 +213,7 @@ TEST(QtMainQueueTest, a_delayed_job_comes_neither_early_nor_much_late) {
     EXPECT_LT(elapsed, 560'000'000);
 }
 
-TEST(QtMainQueueTest, an_earlier_delay_asked_for_later_is_not_held_up_by_a_long_one) {
+TEST(QtMainQueueTest, AnEarlierDelayAskedForLaterIsNotHeldUpByALongOne) {
     QtMainQueue queue;
     bool early = false;
     queue.asyncAfter(1h, [] { FAIL() << "the long delay ran"; });
@@ -222,7 +222,47 @@ TEST(QtMainQueueTest, an_earlier_delay_asked_for_later_is_not_held_up_by_a_long_
     EXPECT_TRUE(waitFor([&] { return early; }, 5s));
 }
 
-TEST(QtMainQueueTest, jobs_left_at_the_end_are_dropped_with_what_they_hold) {
+TEST(QtMainQueueTest, GatheredJobsWaitForTheFlushAndKeepTheirOrderAmongOthers) {
+    QtMainQueue queue;
+    std::vector<std::string> notes;
+    const auto note = [&](const char* text) { return [&notes, text] { notes.emplace_back(text); }; };
+    std::thread([&] {
+        QtMainQueue::gatherOnThisThread();
+        queue.async(note("one"));
+    }).join();
+    processPending();
+    EXPECT_TRUE(notes.empty());
+    queue.flush();
+    EXPECT_TRUE(waitFor([&] { return notes.size() == 1; }));
+
+    std::thread([&] {
+        QtMainQueue::gatherOnThisThread();
+        queue.async(note("two"));
+        std::thread([&] { queue.async(note("three")); }).join();
+        queue.async(note("four"));
+        queue.flush();
+    }).join();
+    EXPECT_TRUE(waitFor([&] { return notes.size() == 4; }));
+    EXPECT_THAT(notes, ElementsAre("one", "two", "three", "four"));
+}
+
+TEST(QtMainQueueTest, JobsOfATurnThatTakesLongRunMeanwhile) {
+    QtMainQueue queue;
+    std::atomic<int> ran = 0;
+    std::atomic<bool> isOver = false;
+    std::thread turn([&] {
+        QtMainQueue::gatherOnThisThread();
+        while (!isOver) {
+            queue.async([&] { ++ran; });
+            std::this_thread::sleep_for(5ms);
+        }
+    });
+    EXPECT_TRUE(waitFor([&] { return ran > 2; }));
+    isOver = true;
+    turn.join();
+}
+
+TEST(QtMainQueueTest, JobsLeftAtTheEndAreDroppedWithWhatTheyHold) {
     auto held = std::make_shared<int>(1);
     const std::weak_ptr<int> watch = held;
     {

@@ -1,5 +1,6 @@
 #include "contract/NetworkContract.h"
 #include "hosts/linux/network/LinuxListener.h"
+#include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/network/RawPhone.h"
 
 #include <chrono>

@@ -31,18 +31,18 @@ protected:
     std::unique_ptr<LoginItem> item;
 };
 
-TEST_P(LoginItemContract, is_not_registered_at_first) {
+TEST_P(LoginItemContract, IsNotRegisteredAtFirst) {
     EXPECT_EQ(item->status(), LoginItemStatus::notRegistered);
 }
 
-TEST_P(LoginItemContract, is_enabled_once_registered_and_stays_so_when_registered_again) {
+TEST_P(LoginItemContract, IsEnabledOnceRegisteredAndStaysSoWhenRegisteredAgain) {
     EXPECT_EQ(item->registerItem(), std::nullopt);
     EXPECT_EQ(item->status(), LoginItemStatus::enabled);
     EXPECT_EQ(item->registerItem(), std::nullopt);
     EXPECT_EQ(item->status(), LoginItemStatus::enabled);
 }
 
-TEST_P(LoginItemContract, is_not_registered_after_it_was_taken_out) {
+TEST_P(LoginItemContract, IsNotRegisteredAfterItWasTakenOut) {
     item->registerItem();
     EXPECT_EQ(item->unregisterItem(), std::nullopt);
     EXPECT_EQ(item->status(), LoginItemStatus::notRegistered);
@@ -69,14 +69,15 @@ protected:
     std::filesystem::path entry = autostart / "velloway.desktop";
 };
 
-TEST_F(LinuxLoginItemTest, the_entry_starts_the_program_by_its_quoted_path) {
+TEST_F(LinuxLoginItemTest, TheEntryStartsTheProgramByItsQuotedPath) {
     const std::filesystem::path path = program("velloway");
     ASSERT_EQ(LinuxLoginItem(path, autostart).registerItem(), std::nullopt);
-    EXPECT_THAT(readText(entry), HasSubstr("\nExec=\"" + path.string() + "\"\n"));
+    EXPECT_THAT(readText(entry),
+                HasSubstr("\nExec=env DESKTOP_AUTOSTART_ID=velloway \"" + path.string() + "\"\n"));
     EXPECT_THAT(readText(entry), HasSubstr("[Desktop Entry]\nType=Application\nName=Velloway\n"));
 }
 
-TEST_F(LinuxLoginItemTest, awkward_paths_are_escaped_by_both_rules_and_found_again) {
+TEST_F(LinuxLoginItemTest, AwkwardPathsAreEscapedByBothRulesAndFoundAgain) {
     const struct {
         const char* name;
         const char* escaped;
@@ -89,20 +90,20 @@ TEST_F(LinuxLoginItemTest, awkward_paths_are_escaped_by_both_rules_and_found_aga
         const std::filesystem::path path = program(each.name);
         LinuxLoginItem item(path, autostart);
         ASSERT_EQ(item.registerItem(), std::nullopt);
-        EXPECT_THAT(readText(entry),
-                    HasSubstr("Exec=\"" + folder.path().string() + "/" + each.escaped + "\"\n"));
+        EXPECT_THAT(readText(entry), HasSubstr("Exec=env DESKTOP_AUTOSTART_ID=velloway \"" +
+                                               folder.path().string() + "/" + each.escaped + "\"\n"));
         EXPECT_EQ(item.status(), LoginItemStatus::enabled) << each.name;
     }
 }
 
-TEST_F(LinuxLoginItemTest, an_entry_that_the_user_or_the_desktop_turned_off_is_not_registered) {
+TEST_F(LinuxLoginItemTest, AnEntryThatTheUserOrTheDesktopTurnedOffIsNotRegistered) {
     for (const char* off : {"Hidden=true", "X-GNOME-Autostart-enabled=false", " Hidden = true "}) {
         writeText(entry, std::string("[Desktop Entry]\nType=Application\nExec=/bin/sh\n") + off + "\n");
         EXPECT_EQ(LinuxLoginItem("/bin/sh", autostart).status(), LoginItemStatus::notRegistered) << off;
     }
 }
 
-TEST_F(LinuxLoginItemTest, registering_turns_on_an_entry_that_was_turned_off) {
+TEST_F(LinuxLoginItemTest, RegisteringTurnsOnAnEntryThatWasTurnedOff) {
     writeText(entry, "[Desktop Entry]\nType=Application\nExec=/bin/sh\nHidden=true\n");
     LinuxLoginItem item("/bin/sh", autostart);
     ASSERT_EQ(item.registerItem(), std::nullopt);
@@ -110,12 +111,12 @@ TEST_F(LinuxLoginItemTest, registering_turns_on_an_entry_that_was_turned_off) {
     EXPECT_THAT(readText(entry), Not(HasSubstr("Hidden")));
 }
 
-TEST_F(LinuxLoginItemTest, keys_of_other_groups_do_not_count) {
+TEST_F(LinuxLoginItemTest, KeysOfOtherGroupsDoNotCount) {
     writeText(entry, "[Desktop Entry]\nType=Application\nExec=/bin/sh\n[Other]\nHidden=true\nExec=/nowhere\n");
     EXPECT_EQ(LinuxLoginItem("/bin/sh", autostart).status(), LoginItemStatus::enabled);
 }
 
-TEST_F(LinuxLoginItemTest, an_entry_for_a_program_that_has_gone_is_not_found) {
+TEST_F(LinuxLoginItemTest, AnEntryForAProgramThatHasGoneIsNotFound) {
     const std::filesystem::path path = program("old/velloway");
     LinuxLoginItem item(path, autostart);
     item.registerItem();
@@ -123,7 +124,7 @@ TEST_F(LinuxLoginItemTest, an_entry_for_a_program_that_has_gone_is_not_found) {
     EXPECT_EQ(item.status(), LoginItemStatus::notFound);
 }
 
-TEST_F(LinuxLoginItemTest, a_failed_registration_tells_why_and_stays_off) {
+TEST_F(LinuxLoginItemTest, AFailedRegistrationTellsWhyAndStaysOff) {
     writeText(folder.path() / "file", "no folder");
     LinuxLoginItem item("/bin/sh", folder.path() / "file");
     const std::optional<std::string> error = item.registerItem();
@@ -132,14 +133,14 @@ TEST_F(LinuxLoginItemTest, a_failed_registration_tells_why_and_stays_off) {
     EXPECT_EQ(item.status(), LoginItemStatus::notRegistered);
 }
 
-TEST_F(LinuxLoginItemTest, a_removal_that_fails_tells_why) {
+TEST_F(LinuxLoginItemTest, ARemovalThatFailsTellsWhy) {
     std::filesystem::create_directories(entry / "in the way");
     const std::optional<std::string> error = LinuxLoginItem("/bin/sh", autostart).unregisterItem();
     ASSERT_TRUE(error.has_value());
     EXPECT_FALSE(error->empty());
 }
 
-TEST_F(LinuxLoginItemTest, leaves_nothing_but_the_entry_in_the_folder) {
+TEST_F(LinuxLoginItemTest, LeavesNothingButTheEntryInTheFolder) {
     LinuxLoginItem("/bin/sh", autostart).registerItem();
     int files = 0;
     for ([[maybe_unused]] const auto& file : std::filesystem::directory_iterator(autostart)) {
@@ -148,7 +149,7 @@ TEST_F(LinuxLoginItemTest, leaves_nothing_but_the_entry_in_the_folder) {
     EXPECT_EQ(files, 1);
 }
 
-TEST(LinuxLoginItemPlaces, follow_the_environment) {
+TEST(LinuxLoginItemPlaces, FollowTheEnvironment) {
     EXPECT_EQ(LinuxLoginItem::autostartFolder(),
               std::filesystem::path(std::getenv("XDG_CONFIG_HOME")) / "autostart");
     EXPECT_EQ(LinuxLoginItem::ownProgram(), std::filesystem::read_symlink("/proc/self/exe"));

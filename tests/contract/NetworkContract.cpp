@@ -171,14 +171,14 @@ protected:
 
 // Listening.
 
-TEST_P(NetworkContract, a_listener_is_ready_and_then_cancelled) {
+TEST_P(NetworkContract, AListenerIsReadyAndThenCancelled) {
     listen();
     listener->cancel();
     ASSERT_TRUE(runUntil([&] { return listenerNotes.have("cancelled"); }));
     EXPECT_THAT(listenerNotes.all(), ElementsAre("ready", "cancelled"));
 }
 
-TEST_P(NetworkContract, a_second_cancel_of_a_listener_is_not_reported) {
+TEST_P(NetworkContract, ASecondCancelOfAListenerIsNotReported) {
     listen();
     listener->cancel();
     listener->cancel();
@@ -186,7 +186,7 @@ TEST_P(NetworkContract, a_second_cancel_of_a_listener_is_not_reported) {
     EXPECT_THAT(listenerNotes.all(), ElementsAre("ready", "cancelled"));
 }
 
-TEST_P(NetworkContract, a_listener_on_a_port_in_use_fails_with_a_text_and_can_still_be_cancelled) {
+TEST_P(NetworkContract, AListenerOnAPortInUseFailsWithATextAndCanStillBeCancelled) {
     listen();
     const auto second = listen(port);
     ASSERT_TRUE(runUntil([&] { return listenerNotes.count() == 2; }));
@@ -195,7 +195,7 @@ TEST_P(NetworkContract, a_listener_on_a_port_in_use_fails_with_a_text_and_can_st
     EXPECT_THAT(listenerNotes.all(), ElementsAre("ready", "failed: Address already in use", "cancelled"));
 }
 
-TEST_P(NetworkContract, a_port_is_free_again_for_a_listener_started_right_after_the_cancel) {
+TEST_P(NetworkContract, APortIsFreeAgainForAListenerStartedRightAfterTheCancel) {
     auto peer = connect();
     for (int round = 1; round <= 5; ++round) {
         listener->cancel();
@@ -206,7 +206,7 @@ TEST_P(NetworkContract, a_port_is_free_again_for_a_listener_started_right_after_
     EXPECT_TRUE(dial()->shakeHands());
 }
 
-TEST_P(NetworkContract, a_listener_that_is_dropped_gives_its_port_back_in_silence) {
+TEST_P(NetworkContract, AListenerThatIsDroppedGivesItsPortBackInSilence) {
     listen();
     listener.reset();
     listener = listen(port);
@@ -214,7 +214,7 @@ TEST_P(NetworkContract, a_listener_that_is_dropped_gives_its_port_back_in_silenc
     EXPECT_THAT(listenerNotes.all(), ElementsAre("ready", "ready"));
 }
 
-TEST_P(NetworkContract, connections_outlive_their_listener) {
+TEST_P(NetworkContract, ConnectionsOutliveTheirListener) {
     auto peer = connect();
     listener->cancel();
     ASSERT_TRUE(runUntil([&] { return listenerNotes.have("cancelled"); }));
@@ -224,7 +224,7 @@ TEST_P(NetworkContract, connections_outlive_their_listener) {
 
 // Becoming ready.
 
-TEST_P(NetworkContract, a_connection_prepares_and_is_ready_after_the_handshake) {
+TEST_P(NetworkContract, AConnectionPreparesAndIsReadyAfterTheHandshake) {
     listen();
     auto peer = dial();
     ASSERT_TRUE(runUntilNoted("preparing"));
@@ -234,7 +234,7 @@ TEST_P(NetworkContract, a_connection_prepares_and_is_ready_after_the_handshake) 
     EXPECT_THAT(notes.all(), ElementsAre("preparing", "ready"));
 }
 
-TEST_P(NetworkContract, a_connection_tells_the_host_of_its_far_end) {
+TEST_P(NetworkContract, AConnectionTellsTheHostOfItsFarEnd) {
     listen();
     auto peer = dial();
     Endpoint endpoint;
@@ -243,7 +243,7 @@ TEST_P(NetworkContract, a_connection_tells_the_host_of_its_far_end) {
     EXPECT_THAT(endpoint.description, testing::StartsWith(world->hostOfPeers() + ":"));
 }
 
-TEST_P(NetworkContract, several_connections_are_served_side_by_side) {
+TEST_P(NetworkContract, SeveralConnectionsAreServedSideBySide) {
     whenReady = [this](NetworkConnection& connection) { receiveAll(connection); };
     listen();
     auto first = dial();
@@ -258,7 +258,7 @@ TEST_P(NetworkContract, several_connections_are_served_side_by_side) {
 
 // Receiving.
 
-TEST_P(NetworkContract, each_message_comes_whole_in_order_and_marked_as_a_message) {
+TEST_P(NetworkContract, EachMessageComesWholeInOrderAndMarkedAsAMessage) {
     whenReady = [this](NetworkConnection& connection) { receiveAll(connection); };
     auto peer = connect();
     peer->sendText("one");
@@ -269,7 +269,7 @@ TEST_P(NetworkContract, each_message_comes_whole_in_order_and_marked_as_a_messag
     EXPECT_THAT(notes.all(), ElementsAre("preparing", "ready", "got one", "got two", "got ", "got four"));
 }
 
-TEST_P(NetworkContract, a_message_waits_until_it_is_asked_for) {
+TEST_P(NetworkContract, AMessageWaitsUntilItIsAskedFor) {
     auto peer = connect();
     peer->sendText("early");
     peer->sendText("late");
@@ -284,7 +284,7 @@ TEST_P(NetworkContract, a_message_waits_until_it_is_asked_for) {
     EXPECT_TRUE(runUntilNoted("got late"));
 }
 
-TEST_P(NetworkContract, a_receive_asked_for_before_the_handshake_is_answered_after_it) {
+TEST_P(NetworkContract, AReceiveAskedForBeforeTheHandshakeIsAnsweredAfterIt) {
     listen();
     auto peer = dial();
     onQueue([&] { receiveAll(connection()); });
@@ -294,7 +294,7 @@ TEST_P(NetworkContract, a_receive_asked_for_before_the_handshake_is_answered_aft
     EXPECT_THAT(notes.all(), ElementsAre("preparing", "ready", "got hello"));
 }
 
-TEST_P(NetworkContract, large_messages_come_whole) {
+TEST_P(NetworkContract, LargeMessagesComeWhole) {
     whenReady = [this](NetworkConnection& connection) { receiveAll(connection); };
     auto peer = connect();
     const std::string large(3'000'000, 'x');
@@ -309,7 +309,7 @@ TEST_P(NetworkContract, large_messages_come_whole) {
 
 // Sending.
 
-TEST_P(NetworkContract, texts_leave_in_the_order_of_the_calls_and_each_send_is_answered) {
+TEST_P(NetworkContract, TextsLeaveInTheOrderOfTheCallsAndEachSendIsAnswered) {
     auto peer = connect();
     std::vector<std::string> expected{"preparing", "ready"};
     onQueue([&] {
@@ -325,7 +325,7 @@ TEST_P(NetworkContract, texts_leave_in_the_order_of_the_calls_and_each_send_is_a
     EXPECT_THAT(notes.all(), ElementsAreArray(expected));
 }
 
-TEST_P(NetworkContract, texts_sent_before_the_handshake_leave_after_it_in_order) {
+TEST_P(NetworkContract, TextsSentBeforeTheHandshakeLeaveAfterItInOrder) {
     listen();
     auto peer = dial();
     onQueue([&] {
@@ -338,7 +338,7 @@ TEST_P(NetworkContract, texts_sent_before_the_handshake_leave_after_it_in_order)
     EXPECT_EQ(peer->nextText(), "second");
 }
 
-TEST_P(NetworkContract, one_text_serves_several_connections_without_a_copy) {
+TEST_P(NetworkContract, OneTextServesSeveralConnectionsWithoutACopy) {
     listen();
     auto first = dial();
     auto second = dial();
@@ -356,7 +356,7 @@ TEST_P(NetworkContract, one_text_serves_several_connections_without_a_copy) {
 
 // The end.
 
-TEST_P(NetworkContract, cancel_before_the_start_reports_cancelled_alone) {
+TEST_P(NetworkContract, CancelBeforeTheStartReportsCancelledAlone) {
     startsAtOnce = false;
     listen();
     auto peer = dial();
@@ -368,7 +368,7 @@ TEST_P(NetworkContract, cancel_before_the_start_reports_cancelled_alone) {
     EXPECT_TRUE(peer->seesEnd());
 }
 
-TEST_P(NetworkContract, cancel_during_the_handshake_answers_what_waits_and_then_reports_cancelled) {
+TEST_P(NetworkContract, CancelDuringTheHandshakeAnswersWhatWaitsAndThenReportsCancelled) {
     listen();
     auto peer = dial();
     ASSERT_TRUE(runUntilNoted("preparing"));
@@ -382,7 +382,7 @@ TEST_P(NetworkContract, cancel_during_the_handshake_answers_what_waits_and_then_
     EXPECT_TRUE(peer->seesEnd());
 }
 
-TEST_P(NetworkContract, cancel_of_a_ready_connection_ends_the_receive_and_is_reported_once) {
+TEST_P(NetworkContract, CancelOfAReadyConnectionEndsTheReceiveAndIsReportedOnce) {
     whenReady = [this](NetworkConnection& connection) { receiveAll(connection); };
     auto peer = connect();
     connection().cancel();
@@ -393,7 +393,7 @@ TEST_P(NetworkContract, cancel_of_a_ready_connection_ends_the_receive_and_is_rep
     EXPECT_TRUE(peer->seesEnd());
 }
 
-TEST_P(NetworkContract, when_the_far_end_closes_the_receive_fails_first_and_then_the_connection) {
+TEST_P(NetworkContract, WhenTheFarEndClosesTheReceiveFailsFirstAndThenTheConnection) {
     whenReady = [this](NetworkConnection& connection) { receiveAll(connection); };
     auto peer = connect();
     peer->closeProperly();
@@ -402,7 +402,7 @@ TEST_P(NetworkContract, when_the_far_end_closes_the_receive_fails_first_and_then
     EXPECT_THAT(notes.all(), ElementsAre("preparing", "ready", "receive error", "failed"));
 }
 
-TEST_P(NetworkContract, when_the_far_end_vanishes_the_receive_fails_first_and_then_the_connection) {
+TEST_P(NetworkContract, WhenTheFarEndVanishesTheReceiveFailsFirstAndThenTheConnection) {
     whenReady = [this](NetworkConnection& connection) { receiveAll(connection); };
     auto peer = connect();
     peer->vanish();
@@ -411,7 +411,7 @@ TEST_P(NetworkContract, when_the_far_end_vanishes_the_receive_fails_first_and_th
     EXPECT_THAT(notes.all(), ElementsAre("preparing", "ready", "receive error", "failed"));
 }
 
-TEST_P(NetworkContract, a_cancel_after_the_failure_changes_nothing) {
+TEST_P(NetworkContract, ACancelAfterTheFailureChangesNothing) {
     whenReady = [this](NetworkConnection& connection) { receiveAll(connection); };
     auto peer = connect();
     peer->vanish();
@@ -422,7 +422,7 @@ TEST_P(NetworkContract, a_cancel_after_the_failure_changes_nothing) {
     EXPECT_FALSE(notes.have("cancelled"));
 }
 
-TEST_P(NetworkContract, what_is_asked_of_an_ended_connection_is_answered_with_errors) {
+TEST_P(NetworkContract, WhatIsAskedOfAnEndedConnectionIsAnsweredWithErrors) {
     auto peer = connect();
     connection().cancel();
     ASSERT_TRUE(runUntilNoted("cancelled"));
@@ -436,7 +436,7 @@ TEST_P(NetworkContract, what_is_asked_of_an_ended_connection_is_answered_with_er
                 ElementsAre("preparing", "ready", "cancelled", "asked", "receive error", "not sent text"));
 }
 
-TEST_P(NetworkContract, an_ended_connection_lets_go_of_its_handlers) {
+TEST_P(NetworkContract, AnEndedConnectionLetsGoOfItsHandlers) {
     auto peer = connect();
     std::weak_ptr<NetworkConnection> watch;
     onQueue([&] {
@@ -448,7 +448,7 @@ TEST_P(NetworkContract, an_ended_connection_lets_go_of_its_handlers) {
     EXPECT_TRUE(notes.have("cancelled"));
 }
 
-TEST_P(NetworkContract, a_connection_that_is_dropped_ends_without_a_callback) {
+TEST_P(NetworkContract, AConnectionThatIsDroppedEndsWithoutACallback) {
     listen();
     auto peer = dial();
     EXPECT_TRUE(peer->shakeHands());

@@ -39,30 +39,30 @@ protected:
     std::unique_ptr<Pasteboard> pasteboard;
 };
 
-TEST_P(PasteboardContract, an_empty_pasteboard_has_no_text) {
+TEST_P(PasteboardContract, AnEmptyPasteboardHasNoText) {
     EXPECT_EQ(pasteboard->string(), std::nullopt);
 }
 
-TEST_P(PasteboardContract, text_reads_back_whole_whatever_its_script) {
+TEST_P(PasteboardContract, TextReadsBackWholeWhateverItsScript) {
     for (const char* text : {"hello", "Grüße, 世界 👩‍👩‍👧", "two\nlines\twith\r\nbreaks",
-                             "  spaces  ", "<b>no markup</b>"}) {
+                             "  spaces  ", "<b>no markup</b>", "\xEF\xBB\xBFmark", "\xEF\xBB\xBF"}) {
         set(text);
         EXPECT_EQ(pasteboard->string(), text);
     }
 }
 
-TEST_P(PasteboardContract, empty_text_is_text) {
+TEST_P(PasteboardContract, EmptyTextIsText) {
     set("");
     EXPECT_EQ(pasteboard->string(), "");
 }
 
-TEST_P(PasteboardContract, the_last_text_counts) {
+TEST_P(PasteboardContract, TheLastTextCounts) {
     set("one");
     set("two");
     EXPECT_EQ(pasteboard->string(), "two");
 }
 
-TEST_P(PasteboardContract, clearing_takes_the_text_away) {
+TEST_P(PasteboardContract, ClearingTakesTheTextAway) {
     set("one");
     pasteboard->clearContents();
     EXPECT_EQ(pasteboard->string(), std::nullopt);
@@ -111,18 +111,18 @@ protected:
     QProcess owner;
 };
 
-TEST_F(LinuxPasteboardTest, another_program_reads_what_was_set_though_no_window_was_ever_shown) {
+TEST_F(LinuxPasteboardTest, AnotherProgramReadsWhatWasSetThoughNoWindowWasEverShown) {
     pasteboard.clearContents();
     pasteboard.setString("Grüße, 世界 👋");
     EXPECT_EQ(otherReads(), QByteArray("Grüße, 世界 👋"));
 }
 
-TEST_F(LinuxPasteboardTest, text_of_another_program_is_read) {
+TEST_F(LinuxPasteboardTest, TextOfAnotherProgramIsRead) {
     otherOwns("von außen 👋");
     EXPECT_EQ(pasteboard.string(), "von außen 👋");
 }
 
-TEST_F(LinuxPasteboardTest, five_mebibytes_go_out_whole) {
+TEST_F(LinuxPasteboardTest, FiveMebibytesGoOutWhole) {
     const std::string text(5 * 1024 * 1024, 'x');
     pasteboard.clearContents();
     pasteboard.setString(text);
@@ -131,31 +131,31 @@ TEST_F(LinuxPasteboardTest, five_mebibytes_go_out_whole) {
     EXPECT_TRUE(*read == QByteArray::fromStdString(text)) << read->size();
 }
 
-TEST_F(LinuxPasteboardTest, five_mebibytes_come_in_whole) {
+TEST_F(LinuxPasteboardTest, FiveMebibytesComeInWhole) {
     QByteArray text(5 * 1024 * 1024, 'y');
     text.replace(0, 6, "start ");
     otherOwns(text);
     EXPECT_TRUE(pasteboard.string() == text.toStdString());
 }
 
-TEST_F(LinuxPasteboardTest, an_image_alone_has_no_text) {
+TEST_F(LinuxPasteboardTest, AnImageAloneHasNoText) {
     otherOwns("\x89PNG\r\n\x1a\n", {"-target", "image/png"});
     EXPECT_EQ(pasteboard.string(), std::nullopt);
 }
 
-TEST_F(LinuxPasteboardTest, addresses_of_files_alone_are_no_text) {
+TEST_F(LinuxPasteboardTest, AddressesOfFilesAloneAreNoText) {
     otherOwns("file:///tmp/a\r\n", {"-target", "text/uri-list"});
     EXPECT_EQ(pasteboard.string(), std::nullopt);
 }
 
-TEST_F(LinuxPasteboardTest, when_the_owner_has_gone_there_is_no_text) {
+TEST_F(LinuxPasteboardTest, WhenTheOwnerHasGoneThereIsNoText) {
     otherOwns("gone soon");
     owner.kill();
     owner.waitForFinished();
     EXPECT_TRUE(waitFor([this] { return !pasteboard.string(); }));
 }
 
-TEST_F(LinuxPasteboardTest, an_owner_that_does_not_answer_holds_the_caller_only_for_a_bounded_time) {
+TEST_F(LinuxPasteboardTest, AnOwnerThatDoesNotAnswerHoldsTheCallerOnlyForABoundedTime) {
     otherOwns("never answered");
     ::kill(static_cast<pid_t>(owner.processId()), SIGSTOP);
     QElapsedTimer clock;

@@ -56,7 +56,7 @@ protected:
     std::unique_ptr<TrayHost> tray;
 };
 
-TEST_F(LinuxStatusItemTest, appears_in_a_tray_that_comes_long_after_it) {
+TEST_F(LinuxStatusItemTest, AppearsInATrayThatComesLongAfterIt) {
     processPending();
     EXPECT_FALSE(item->isReachable());
     startTray();
@@ -64,7 +64,7 @@ TEST_F(LinuxStatusItemTest, appears_in_a_tray_that_comes_long_after_it) {
     EXPECT_TRUE(item->isReachable());
 }
 
-TEST_F(LinuxStatusItemTest, waits_for_a_host_behind_the_service) {
+TEST_F(LinuxStatusItemTest, WaitsForAHostBehindTheService) {
     startTray({"--without-host"});
     EXPECT_FALSE(waitFor([this] { return tray->itemCount() > 0; }, std::chrono::milliseconds(300)));
     EXPECT_FALSE(item->isReachable());
@@ -72,7 +72,7 @@ TEST_F(LinuxStatusItemTest, waits_for_a_host_behind_the_service) {
     EXPECT_TRUE(isShown());
 }
 
-TEST_F(LinuxStatusItemTest, comes_back_once_when_the_tray_restarts) {
+TEST_F(LinuxStatusItemTest, ComesBackOnceWhenTheTrayRestarts) {
     startTray();
     ASSERT_TRUE(isShown());
     for (int restart = 0; restart < 3; ++restart) {
@@ -85,7 +85,7 @@ TEST_F(LinuxStatusItemTest, comes_back_once_when_the_tray_restarts) {
     }
 }
 
-TEST_F(LinuxStatusItemTest, tells_of_each_change_of_its_reachability) {
+TEST_F(LinuxStatusItemTest, TellsOfEachChangeOfItsReachability) {
     std::vector<bool> heard;
     QObject::connect(item.get(), &LinuxStatusItem::reachabilityChanged,
                      [&] { heard.push_back(item->isReachable()); });
@@ -96,7 +96,7 @@ TEST_F(LinuxStatusItemTest, tells_of_each_change_of_its_reachability) {
     EXPECT_THAT(heard, ElementsAre(true, false));
 }
 
-TEST_F(LinuxStatusItemTest, shows_the_entries_in_order_with_their_state_and_keys) {
+TEST_F(LinuxStatusItemTest, ShowsTheEntriesInOrderWithTheirStateAndKeys) {
     startTray();
     ASSERT_TRUE(isShown());
     const QJsonArray expected{
@@ -110,7 +110,7 @@ TEST_F(LinuxStatusItemTest, shows_the_entries_in_order_with_their_state_and_keys
     EXPECT_TRUE(shown == expected) << QJsonDocument(shown).toJson().toStdString();
 }
 
-TEST_F(LinuxStatusItemTest, a_new_title_shows_in_the_live_menu) {
+TEST_F(LinuxStatusItemTest, ANewTitleShowsInTheLiveMenu) {
     startTray();
     ASSERT_TRUE(isShown());
     item->setItemTitle(1, "Server: listening on 8765");
@@ -119,7 +119,7 @@ TEST_F(LinuxStatusItemTest, a_new_title_shows_in_the_live_menu) {
     EXPECT_EQ(statusLine(), "Server: last");
 }
 
-TEST_F(LinuxStatusItemTest, a_title_for_an_unknown_tag_changes_nothing) {
+TEST_F(LinuxStatusItemTest, ATitleForAnUnknownTagChangesNothing) {
     startTray();
     ASSERT_TRUE(isShown());
     const QJsonValue before = tray->ask("menu");
@@ -127,7 +127,7 @@ TEST_F(LinuxStatusItemTest, a_title_for_an_unknown_tag_changes_nothing) {
     EXPECT_EQ(tray->ask("menu"), before);
 }
 
-TEST_F(LinuxStatusItemTest, choosing_an_entry_runs_what_it_stands_for) {
+TEST_F(LinuxStatusItemTest, ChoosingAnEntryRunsWhatItStandsFor) {
     startTray();
     ASSERT_TRUE(isShown());
     EXPECT_TRUE(tray->ask("click Settings…").toBool());
@@ -137,7 +137,7 @@ TEST_F(LinuxStatusItemTest, choosing_an_entry_runs_what_it_stands_for) {
     EXPECT_THAT(chosen, ElementsAre("settings", "call"));
 }
 
-TEST_F(LinuxStatusItemTest, an_entry_may_replace_the_menu_while_it_runs) {
+TEST_F(LinuxStatusItemTest, AnEntryMayReplaceTheMenuWhileItRuns) {
     startTray();
     ASSERT_TRUE(isShown());
     item->setMenu({{.title = "Again", .onChosen = [this] {
@@ -149,7 +149,7 @@ TEST_F(LinuxStatusItemTest, an_entry_may_replace_the_menu_while_it_runs) {
     EXPECT_EQ(tray->ask("menu").toArray().at(0).toObject()["label"].toString(), "New");
 }
 
-TEST_F(LinuxStatusItemTest, has_a_name_and_an_icon_that_is_not_blank) {
+TEST_F(LinuxStatusItemTest, HasANameAndAnIconThatIsNotBlank) {
     QGuiApplication::setApplicationDisplayName("Velloway");
     startTray();
     ASSERT_TRUE(isShown());
@@ -161,13 +161,13 @@ TEST_F(LinuxStatusItemTest, has_a_name_and_an_icon_that_is_not_blank) {
     }
 }
 
-TEST_F(LinuxStatusItemTest, knows_which_images_there_are) {
+TEST_F(LinuxStatusItemTest, KnowsWhichImagesThereAre) {
     EXPECT_TRUE(item->hasButton());
     EXPECT_TRUE(item->hasImage({.kind = StatusImage::Kind::asset, .name = "StatusIcon"}));
     EXPECT_FALSE(item->hasImage({.kind = StatusImage::Kind::asset, .name = "NoSuchIcon"}));
 }
 
-TEST_F(LinuxStatusItemTest, gives_up_waiting_once_when_no_tray_comes) {
+TEST_F(LinuxStatusItemTest, GivesUpWaitingOnceWhenNoTrayComes) {
     LinuxStatusItem impatient(10);
     int times = 0;
     QObject::connect(&impatient, &LinuxStatusItem::patienceOver, [&] { ++times; });
@@ -176,7 +176,7 @@ TEST_F(LinuxStatusItemTest, gives_up_waiting_once_when_no_tray_comes) {
     EXPECT_FALSE(impatient.isReachable());
 }
 
-TEST_F(LinuxStatusItemTest, an_entry_that_ends_the_program_does_so_by_itself_or_as_it_was_told) {
+TEST_F(LinuxStatusItemTest, AnEntryThatEndsTheProgramDoesSoByItselfOrAsItWasTold) {
     bool isTold = false;
     LinuxStatusItem::choose({.action = MenuItem::Action::terminate, .onChosen = [&] { isTold = true; }});
     EXPECT_TRUE(isTold);

@@ -9,6 +9,7 @@
 #include <limits>
 #include <memory>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace velloway::test {
@@ -31,12 +32,12 @@ protected:
     std::unique_ptr<UserDefaults> defaults;
 };
 
-TEST_P(UserDefaultsContract, what_was_never_stored_is_absent_and_reads_as_zero) {
+TEST_P(UserDefaultsContract, WhatWasNeverStoredIsAbsentAndReadsAsZero) {
     EXPECT_FALSE(defaults->has("port"));
     EXPECT_EQ(defaults->integer("port"), 0);
 }
 
-TEST_P(UserDefaultsContract, a_stored_integer_reads_back_also_at_the_ends_of_its_range) {
+TEST_P(UserDefaultsContract, AStoredIntegerReadsBackAlsoAtTheEndsOfItsRange) {
     for (const std::int64_t value :
          {std::int64_t{0}, std::int64_t{8765}, std::int64_t{-1}, std::numeric_limits<std::int64_t>::min(),
           std::numeric_limits<std::int64_t>::max()}) {
@@ -46,7 +47,7 @@ TEST_P(UserDefaultsContract, a_stored_integer_reads_back_also_at_the_ends_of_its
     }
 }
 
-TEST_P(UserDefaultsContract, observers_hear_every_write_of_their_key_also_of_an_equal_value) {
+TEST_P(UserDefaultsContract, ObserversHearEveryWriteOfTheirKeyAlsoOfAnEqualValue) {
     std::vector<std::int64_t> heard;
     const Subscription subscription =
         defaults->observe("selectedSettingsTab", [&](std::int64_t value) { heard.push_back(value); });
@@ -56,7 +57,7 @@ TEST_P(UserDefaultsContract, observers_hear_every_write_of_their_key_also_of_an_
     EXPECT_THAT(heard, ElementsAre(4, 4));
 }
 
-TEST_P(UserDefaultsContract, the_value_is_in_place_when_observers_hear_of_it) {
+TEST_P(UserDefaultsContract, TheValueIsInPlaceWhenObserversHearOfIt) {
     std::int64_t read = 0;
     const Subscription subscription =
         defaults->observe("port", [&](std::int64_t) { read = defaults->integer("port"); });
@@ -64,7 +65,7 @@ TEST_P(UserDefaultsContract, the_value_is_in_place_when_observers_hear_of_it) {
     EXPECT_EQ(read, 7);
 }
 
-TEST_P(UserDefaultsContract, an_observer_that_has_left_hears_nothing) {
+TEST_P(UserDefaultsContract, AnObserverThatHasLeftHearsNothing) {
     int calls = 0;
     Subscription subscription = defaults->observe("port", [&](std::int64_t) { ++calls; });
     defaults->setInteger("port", 1);
@@ -73,7 +74,7 @@ TEST_P(UserDefaultsContract, an_observer_that_has_left_hears_nothing) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST_P(UserDefaultsContract, an_observer_may_write_another_key) {
+TEST_P(UserDefaultsContract, AnObserverMayWriteAnotherKey) {
     const Subscription subscription =
         defaults->observe("a", [&](std::int64_t value) { defaults->setInteger("b", value + 1); });
     defaults->setInteger("a", 1);
@@ -89,19 +90,19 @@ protected:
     std::filesystem::path file = folder.path() / "velloway.conf";
 };
 
-TEST_F(LinuxUserDefaultsTest, values_outlive_the_object_in_a_readable_file) {
+TEST_F(LinuxUserDefaultsTest, ValuesOutliveTheObjectInAReadableFile) {
     { LinuxUserDefaults(file).setInteger("port", 4321); }
     EXPECT_EQ(LinuxUserDefaults(file).integer("port"), 4321);
     EXPECT_THAT(readText(file), HasSubstr("port=4321"));
 }
 
-TEST_F(LinuxUserDefaultsTest, a_write_is_in_the_file_at_once) {
+TEST_F(LinuxUserDefaultsTest, AWriteIsInTheFileAtOnce) {
     LinuxUserDefaults defaults(file);
     defaults.setInteger("port", 4321);
     EXPECT_THAT(readText(file), HasSubstr("port=4321"));
 }
 
-TEST_F(LinuxUserDefaultsTest, keys_of_others_stay_in_the_file) {
+TEST_F(LinuxUserDefaultsTest, KeysOfOthersStayInTheFile) {
     writeText(file, "[General]\nport=1\nother=text\n[Group]\nx=y\n");
     LinuxUserDefaults(file).setInteger("port", 2);
     EXPECT_THAT(readText(file), HasSubstr("other=text"));
@@ -109,9 +110,9 @@ TEST_F(LinuxUserDefaultsTest, keys_of_others_stay_in_the_file) {
     EXPECT_THAT(readText(file), HasSubstr("port=2"));
 }
 
-TEST_F(LinuxUserDefaultsTest, what_is_no_integer_is_there_but_reads_as_zero) {
+TEST_F(LinuxUserDefaultsTest, WhatIsNotAnIntegerIsThereButReadsAsZero) {
     for (const char* text :
-         {"abc", "12x", "12.5", "0x10", "1 2", "99999999999999999999", "\"\"", "1,2", "@Invalid()", "true"}) {
+         {"abc", "12x", "12.5", "0x10", "1 2", "\"\"", "1,2", "@Invalid()", "true", "nan", "inf", "+", "+-1"}) {
         writeText(file, std::string("[General]\nport=") + text + "\n");
         const LinuxUserDefaults defaults(file);
         EXPECT_EQ(defaults.integer("port"), 0) << text;
@@ -119,14 +120,36 @@ TEST_F(LinuxUserDefaultsTest, what_is_no_integer_is_there_but_reads_as_zero) {
     }
 }
 
-TEST_F(LinuxUserDefaultsTest, a_broken_file_counts_for_what_can_be_read_of_it) {
+TEST_F(LinuxUserDefaultsTest, AnIntegerMayBeWrittenInAnyWayAndBeOfAnySize) {
+    const std::pair<const char*, std::int64_t> cases[] = {
+        {"+9124", 9124},
+        {"9123.0", 9123},
+        {"-9123.0", -9123},
+        {"9.123e3", 9123},
+        {"09123", 9123},
+        {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+        {"9223372036854775808", std::numeric_limits<std::int64_t>::max()},
+        {"99999999999999999999", std::numeric_limits<std::int64_t>::max()},
+        {"1e300", std::numeric_limits<std::int64_t>::max()},
+        {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+        {"-99999999999999999999", std::numeric_limits<std::int64_t>::min()},
+    };
+    for (const auto& [text, value] : cases) {
+        // A file of its own each: the toolkit takes one of the same size and time for unchanged.
+        const std::filesystem::path each = file.parent_path() / (std::string("port ") + text);
+        writeText(each, std::string("[General]\nport=") + text + "\n");
+        EXPECT_EQ(LinuxUserDefaults(each).integer("port"), value) << text;
+    }
+}
+
+TEST_F(LinuxUserDefaultsTest, ABrokenFileCountsForWhatCanBeReadOfIt) {
     writeText(file, std::string("\x00\xff[[[\n=\n[General\nport=5\n[General]\nport=77\n\x01\x02", 44));
     LinuxUserDefaults defaults(file);
     defaults.setInteger("port", 8);
     EXPECT_EQ(defaults.integer("port"), 8);
 }
 
-TEST_F(LinuxUserDefaultsTest, without_a_place_to_write_the_values_live_on_in_memory) {
+TEST_F(LinuxUserDefaultsTest, WithoutAPlaceToWriteTheValuesLiveOnInMemory) {
     writeText(folder.path() / "file", "no folder");
     LinuxUserDefaults defaults(folder.path() / "file" / "velloway.conf");
     std::int64_t heard = 0;
@@ -136,7 +159,7 @@ TEST_F(LinuxUserDefaultsTest, without_a_place_to_write_the_values_live_on_in_mem
     EXPECT_EQ(heard, 8);
 }
 
-TEST_F(LinuxUserDefaultsTest, a_folder_in_the_place_of_the_file_does_no_harm) {
+TEST_F(LinuxUserDefaultsTest, AFolderInThePlaceOfTheFileDoesNoHarm) {
     std::filesystem::create_directories(file);
     LinuxUserDefaults defaults(file);
     EXPECT_EQ(defaults.integer("port"), 0);
@@ -144,7 +167,7 @@ TEST_F(LinuxUserDefaultsTest, a_folder_in_the_place_of_the_file_does_no_harm) {
     EXPECT_EQ(defaults.integer("port"), 3);
 }
 
-TEST_F(LinuxUserDefaultsTest, any_thread_may_read_while_the_main_thread_writes) {
+TEST_F(LinuxUserDefaultsTest, AnyThreadMayReadWhileTheMainThreadWrites) {
     LinuxUserDefaults defaults(file);
     bool isAscending = true;
     std::thread reader([&] {
@@ -162,7 +185,7 @@ TEST_F(LinuxUserDefaultsTest, any_thread_may_read_while_the_main_thread_writes) 
     EXPECT_TRUE(isAscending);
 }
 
-TEST_F(LinuxUserDefaultsTest, the_file_lies_in_the_folder_of_settings) {
+TEST_F(LinuxUserDefaultsTest, TheFileLiesInTheFolderOfSettings) {
     EXPECT_EQ(LinuxUserDefaults::defaultFile(),
               std::filesystem::path(std::getenv("XDG_CONFIG_HOME")) / "velloway" / "velloway.conf");
 }

@@ -26,12 +26,13 @@ public:
     std::optional<std::filesystem::path> downloadsDirectory() const override { return downloads; }
     Instant now() const override { return time; }
     std::string locale() const override { return "en_GB"; }
-    std::string timeZone() const override { return "Europe/London"; }
+    std::string timeZone() const override { return zone; }
     std::optional<std::vector<NetworkInterface>> networkInterfaces() const override { return interfaces; }
     std::vector<std::string> interfacePrefixes() const override { return {"en"}; }
 
     std::optional<std::string> name = "Desk";
     std::optional<std::filesystem::path> downloads;
+    std::string zone = "Europe/London";
     Instant time = Instant(std::chrono::seconds(1'700'000'000));
     std::optional<std::vector<NetworkInterface>> interfaces = std::vector<NetworkInterface>{};
 };
@@ -44,13 +45,20 @@ public:
         note("pasteboard clear");
         content.reset();
     }
-    void setString(std::string_view text) override {
+    bool setString(std::string_view text) override {
+        if (isLocked) {
+            return false;
+        }
         note("pasteboard set " + std::string(text));
         content = std::string(text);
+        return true;
     }
-    std::optional<std::string> string() const override { return content; }
+    std::optional<std::string> string() const override { return isLocked ? std::nullopt : content; }
+    bool isReadable() const override { return !isLocked; }
 
     std::optional<std::string> content;
+    /// As on a desktop that lets only the program in front use its clipboard.
+    bool isLocked = false;
 
 private:
     void note(std::string entry) {

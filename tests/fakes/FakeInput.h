@@ -30,11 +30,13 @@ using Input = std::variant<PressedKey, TypedText, MediaKey, MovedPointer, MouseB
 /// Records what was asked for, in order.
 class FakeInputEvents : public InputEvents {
 public:
-    void pressKey(Key key, Modifiers modifiers) override { posted.push_back(PressedKey{key, modifiers}); }
-    void typeText(std::string_view text) override { posted.push_back(TypedText{std::string(text)}); }
-    void pressMediaKey(MediaKey key) override { posted.push_back(key); }
-    void movePointer(double dx, double dy) override { posted.push_back(MovedPointer{dx, dy}); }
-    void click(MouseButton button) override { posted.push_back(button); }
+    void pressKey(Key key, Modifiers modifiers) override { posted.emplace_back(PressedKey{key, modifiers}); }
+    void typeText(std::string_view text) override {
+        posted.emplace_back(std::in_place_type<TypedText>, std::string(text));
+    }
+    void pressMediaKey(MediaKey key) override { posted.emplace_back(key); }
+    void movePointer(double dx, double dy) override { posted.emplace_back(MovedPointer{dx, dy}); }
+    void click(MouseButton button) override { posted.emplace_back(button); }
 
     std::vector<Input> posted;
 };

@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 
+#include <functional>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -16,9 +17,15 @@ public:
         for (std::string_view piece : pieces) {
             whole.append(piece);
         }
+        if (onLine) {
+            onLine(whole);
+        }
         const std::lock_guard lock(mutex_);
         lines_.push_back(std::move(whole));
     }
+
+    /// Called on the thread that logs. To be set only while no other thread does.
+    std::function<void(const std::string&)> onLine;
 
     std::vector<std::string> lines() const {
         const std::lock_guard lock(mutex_);

@@ -4,6 +4,7 @@
 #include "platform/Network.h"
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -31,6 +32,9 @@ public:
     }
     void send(SharedText text, std::string_view identifier, SendCompletion completion) override {
         note("send");
+        if (onSend) {
+            onSend();
+        }
         sent.push_back({*text, std::string(identifier)});
         sharedTexts.push_back(text);
         completions.push_back(std::move(completion));
@@ -73,6 +77,7 @@ public:
     std::vector<SharedText> sharedTexts;
     std::deque<SendCompletion> completions;
     int receivesArmed = 0;
+    std::function<void()> onSend;
     bool isCancelled = false;
 
 private:

@@ -2,6 +2,7 @@
 
 #include "fakes/FakeDesktop.h"
 #include "fakes/FakeDispatchQueue.h"
+#include "fakes/FakeFiles.h"
 #include "fakes/FakeInput.h"
 #include "fakes/FakeLog.h"
 #include "fakes/FakeNetwork.h"
@@ -29,6 +30,7 @@ struct FakePlatform {
     FakeWindows windows{&journal};
     FakeWorkspace workspace;
     FakeHost host;
+    FakeFiles files;
     FakeLog log;
 
     Platform platform() { return platform(windows); }
@@ -49,6 +51,7 @@ struct FakePlatform {
                 .windows = otherWindows,
                 .workspace = workspace,
                 .host = host,
+                .files = files,
                 .log = log};
     }
 

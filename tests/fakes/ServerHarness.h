@@ -28,6 +28,7 @@ struct ServerHarness {
         .scripts = on.scripts,
         .accessibility = on.accessibility,
         .host = on.host,
+        .files = on.files,
         .log = on.log,
         .notificationManager = notificationManager,
         .notifications = notifications,

@@ -66,6 +66,12 @@ TEST_F(BatteryAlertsTest, StartsAfreshWhenTheChargerGoesIn) {
     EXPECT_EQ(report(10), low(10));
 }
 
+TEST_F(BatteryAlertsTest, StartsAfreshWhenTheChargerGoesInWithoutALevel) {
+    EXPECT_EQ(report(10), low(10));
+    EXPECT_EQ(report({}, true), Banners{});
+    EXPECT_EQ(report(10), low(10));
+}
+
 TEST_F(BatteryAlertsTest, WarnsAfterAChargeThatEndedAbove) {
     EXPECT_EQ(report(30, true), Banners{});
     EXPECT_EQ(report(20), low(20));

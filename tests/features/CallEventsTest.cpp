@@ -57,6 +57,18 @@ const Rule rules[] = {
      {CallAction::callStateChanged, "RINGING", 1, "", {}},
      {.duration = 1}},
     {"a number alone changes nothing", {CallAction::callStateChanged, {}, {}, "0151", "Ann"}, {}},
+    {"OFFHOOK under call_update clears",
+     {CallAction::callUpdate, "OFFHOOK", 5, "", {}},
+     {.banner = Banner::clear, .duration = 5}},
+    {"OFFHOOK under call_update with a number clears",
+     {CallAction::callUpdate, "OFFHOOK", {}, "0151", {}},
+     {.banner = Banner::clear}},
+    {"-1 beside a call that rings is passed on",
+     {CallAction::incomingCall, {}, -1, "0151", {}},
+     {.banner = Banner::show, .duration = -1}},
+    {"-2 beside a call that is taken is passed on",
+     {CallAction::callStateChanged, "OFFHOOK", -2, "", {}},
+     {.banner = Banner::clear, .duration = -2}},
     {"an unknown state changes nothing", {CallAction::callUpdate, "HOLDING", 12, "0151", {}}, {.duration = 12}},
 };
 
@@ -108,6 +120,13 @@ TEST_F(CallEventsTest, StoresTheRingingCallBeforeItPostsTheDuration) {
               (Entries{"rings 0151/Ann", "duration 4"}));
     EXPECT_EQ(host.log.take(), (Entries{"[WebSocketServer] Setting Banner Info: 0151"}));
     EXPECT_EQ(store->incomingCallInfo.get(), (IncomingCallInfo{"0151", "Ann"}));
+}
+
+TEST_F(CallEventsTest, PostsANegativeDurationBesideAChangeOfTheBanner) {
+    EXPECT_EQ(effectsOf({CallAction::incomingCall, "RINGING", -1, "0151", {}}),
+              (Entries{"rings 0151/-", "duration -1"}));
+    EXPECT_EQ(effectsOf({CallAction::callStateChanged, "OFFHOOK", -2, "", {}}),
+              (Entries{"rings no more", "duration -2"}));
 }
 
 TEST_F(CallEventsTest, WritesTheStoreAgainForARepeatedRing) {

@@ -54,6 +54,13 @@ TEST_F(ClipboardSyncTest, TakesAnEmptyTextLikeAnyOther) {
     EXPECT_EQ(banners(), (Banners{banner}));
 }
 
+TEST_F(ClipboardSyncTest, TakesTextOfWhiteSpaceAloneAsItIs) {
+    receive(" \n\t");
+    EXPECT_EQ(host.pasteboard.content, " \n\t");
+    EXPECT_EQ(history(), (Entries{" \n\t"}));
+    EXPECT_EQ(textToSend(host.pasteboard), " \n\t");
+}
+
 TEST_F(ClipboardSyncTest, TakesATextThatIsAlreadyOnThePasteboard) {
     receive("before");
     receive("before");
@@ -86,6 +93,15 @@ TEST_F(ClipboardSyncTest, FinishesWhatItBeganWhenTheServerGoes) {
     EXPECT_EQ(host.pasteboard.content, "late");
     EXPECT_EQ(history(), (Entries{"late"}));
     EXPECT_EQ(banners(), (Banners{banner}));
+}
+
+TEST_F(ClipboardSyncTest, KeepsTheTextButClaimsNothingWhenTheDesktopRefusesIt) {
+    host.pasteboard.isLocked = true;
+    receive("hello");
+    EXPECT_EQ(history(), (Entries{"hello"}));
+    EXPECT_EQ(banners(),
+              (Banners{{"Clipboard Not Synced",
+                        "This desktop did not accept the text from Android. It is in the Clipboard tab."}}));
 }
 
 TEST_F(ClipboardSyncTest, SendsOnlyPlainTextThatIsNotEmpty) {

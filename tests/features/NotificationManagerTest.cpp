@@ -89,7 +89,7 @@ TEST_F(NotificationManagerTest, ComparesBodiesWithoutTheBlanksAroundThem) {
     EXPECT_EQ(host.notificationCenter.requests[0].content.body, " \t\u00a0\u3000");
 }
 
-TEST_F(NotificationManagerTest, TellsBodiesApartByTheirLineBreaks) {
+TEST_F(NotificationManagerTest, KeepsBodiesApartByTheirLineBreaks) {
     post("Mail", "Ann", "hi", "k1");
     post("Mail", "Ann", "hi\n", "k2");
     EXPECT_EQ(onScreen(), (Entries{"k1", "k2"}));
@@ -147,6 +147,24 @@ TEST_F(NotificationManagerTest, ReplacesInPlaceUnderTheSameKeyWithoutRemoving) {
     EXPECT_EQ(host.journal.take(), (Entries{"add k", "add k"}));
 }
 
+TEST_F(NotificationManagerTest, RemovesADoubleFirstEvenUnderTheSameKey) {
+    post("Mail", "Ann", "one", "k");
+    post("Mail", "Ann", "one", "k");
+    EXPECT_EQ(host.journal.take(), (Entries{"add k", "removeDelivered k", "removePending k", "add k"}));
+}
+
+TEST_F(NotificationManagerTest, FindsADoubleWithoutAKeyByWhatWasShown) {
+    post("Mail", "015112345678", "one");
+    post("Chat", "Ann", " one ");
+    EXPECT_EQ(host.journal.take(),
+              (Entries{"add Mail:015112345678:one", "removeDelivered Mail:015112345678:one",
+                       "removePending Mail:015112345678:one", "add Chat:Ann:one"}));
+    post("Chat", "Ann", "one\t");
+    EXPECT_EQ(host.journal.take(),
+              (Entries{"removeDelivered Chat:Ann:one", "removePending Chat:Ann:one", "add Chat:Ann:one"}));
+    EXPECT_EQ(notificationManager.rememberedBodies(), 1u);
+}
+
 TEST_F(NotificationManagerTest, LogsAFailedPostAndRemembersItAllTheSame) {
     host.notificationCenter.addError = "not allowed";
     post("Mail", "Ann", "one", "k1");
@@ -156,7 +174,7 @@ TEST_F(NotificationManagerTest, LogsAFailedPostAndRemembersItAllTheSame) {
     EXPECT_TRUE(host.log.lines().empty());
 }
 
-TEST_F(NotificationManagerTest, TellsPhoneNumbersFromNames) {
+TEST_F(NotificationManagerTest, KnowsPhoneNumbersFromNames) {
     struct {
         const char* title;
         bool isNumber;
@@ -165,6 +183,9 @@ TEST_F(NotificationManagerTest, TellsPhoneNumbersFromNames) {
         {"+", true},
         {"+Ann", true},
         {" +4912345678", true},
+        {" +Ann", false},
+        {"1234567  ", false},
+        {"  1234567", false},
         {"1234567", true},
         {"123456", false},
         {"01511 2345 67", true},
@@ -216,7 +237,8 @@ TEST_F(NotificationManagerTest, ShowsFileProgressUnderTheGivenIdentifier) {
 
 TEST_F(NotificationManagerDeathTest, StopsTheProcessOverAProgressThatIsNoWholeNumber) {
     for (const double progress : {std::nan(""), std::numeric_limits<double>::infinity(), 1e17, -1e18}) {
-        EXPECT_DEATH(notificationManager.postFileProgress("a", progress, "id"), "whole number of percent");
+        EXPECT_DEATH(notificationManager.postFileProgress("a", progress, "id"),
+                     "not a whole number of percent");
     }
     notificationManager.postFileProgress("a", 9e16, "id");
     EXPECT_EQ(content().body, "a (9000000000000000000%)");

@@ -1,17 +1,12 @@
 #include "features/OutgoingFiles.h"
+#include "base64/Base64.h"
 #include "features/FeatureTest.h"
 #include "features/FileMessages.h"
-#include "features/OpenFiles.h"
-#include "features/TemporaryFolder.h"
-#include "text/Base64.h"
 
 #include <atomic>
 #include <cstdint>
-#include <fcntl.h>
 #include <future>
 #include <limits>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace velloway::test {
 
@@ -71,17 +66,27 @@ protected:
     }
     const FileTransferRecord& row(std::size_t index = 0) const { return store->fileTransfers.get().at(index); }
 
-    TemporaryFolder folder;
+    std::filesystem::path write(const std::string& name, std::string bytes) {
+        return host.files.put(folder / name, std::move(bytes));
+    }
+
+    const std::filesystem::path folder = "/home/me";
     std::vector<std::string> sent;
     /// Called with the number of messages so far, this one included.
     std::function<void(std::size_t)> afterSend;
-    OutgoingFiles files{
-        host.main, host.server, link, notificationManager, host.host, host.log, [this](std::string text) {
-            sent.push_back(std::move(text));
-            if (afterSend) {
-                afterSend(sent.size());
-            }
-        }};
+    OutgoingFiles files{host.main,
+                        host.server,
+                        link,
+                        notificationManager,
+                        host.host,
+                        host.files,
+                        host.log,
+                        [this](std::string text) {
+                            sent.push_back(std::move(text));
+                            if (afterSend) {
+                                afterSend(sent.size());
+                            }
+                        }};
 
 private:
     Subscription subscription_;
@@ -90,17 +95,17 @@ private:
 } // namespace
 
 TEST_F(OutgoingFilesTest, SendsASmallFileAsAStartAndOneLastChunk) {
-    const auto file = folder.write("a.txt", "hello");
+    const auto file = write("a.txt", "hello");
     send(file);
     expectSent({R"({"action":"file_transfer_start","fileName":"a.txt","fileSize":5})",
                 R"({"action":"file_chunk","fileName":"a.txt","fileData":"aGVsbG8=","isLast":true})"});
     EXPECT_EQ(banners(), fileSent("a.txt"));
     EXPECT_TRUE(host.log.lines().empty());
-    EXPECT_TRUE(descriptorsOf(file).empty());
+    EXPECT_EQ(host.files.openCount(file), 0);
 }
 
 TEST_F(OutgoingFilesTest, ReturnsAtOnceAndWorksOnTheServerQueue) {
-    files.sendFile(folder.write("a.txt", "hello"));
+    files.sendFile(write("a.txt", "hello"));
     EXPECT_TRUE(sent.empty());
     host.main.runAll();
     EXPECT_TRUE(sent.empty());
@@ -113,7 +118,7 @@ TEST_F(OutgoingFilesTest, ReturnsAtOnceAndWorksOnTheServerQueue) {
 }
 
 TEST_F(OutgoingFilesTest, DatesTheRecordWhenTheMainQueueMakesIt) {
-    const auto file = folder.write("a.txt", "hello");
+    const auto file = write("a.txt", "hello");
     files.sendFile(file);
     host.server.runAll();
     host.host.time += 1h;
@@ -129,14 +134,14 @@ TEST_F(OutgoingFilesTest, DatesTheRecordWhenTheMainQueueMakesIt) {
 }
 
 TEST_F(OutgoingFilesTest, ShowsTheShareOfWhatWasReadAndCompletesWithTheLastChunk) {
-    send(folder.write("a.txt", bytesOfLength(2 * mebibyte + mebibyte / 2)));
+    send(write("a.txt", bytesOfLength(2 * mebibyte + mebibyte / 2)));
     const std::string banner = "add " + host.notificationCenter.requests.at(0).identifier;
     EXPECT_EQ(host.journal.take(), (Entries{banner, "row a.txt 0.000000", "row a.txt 0.400000",
                                             "row a.txt 0.800000", "row a.txt 1.000000 done"}));
 }
 
 TEST_F(OutgoingFilesTest, AnnouncesAnEmptyFileAndSendsNoChunk) {
-    send(folder.write("empty", ""));
+    send(write("empty", ""));
     expectSent({startText("empty", 0)});
     EXPECT_EQ(banners(), fileSent("empty"));
     EXPECT_EQ(row().progress, 0.0);
@@ -147,7 +152,7 @@ TEST_F(OutgoingFilesTest, CutsFilesIntoChunksOfOneMebibyte) {
     for (const std::size_t size : {mebibyte - 1, mebibyte, mebibyte + 1, 3 * mebibyte}) {
         sent.clear();
         const std::string bytes = bytesOfLength(size);
-        send(folder.write("a.bin", bytes));
+        send(write("a.bin", bytes));
         std::vector<std::string> expected{startText("a.bin", size)};
         for (std::size_t at = 0; at < size; at += mebibyte) {
             expected.push_back(
@@ -160,11 +165,11 @@ TEST_F(OutgoingFilesTest, CutsFilesIntoChunksOfOneMebibyte) {
 
 TEST_F(OutgoingFilesTest, GoesByTheSizeAtTheStartWhenTheFileGrows) {
     const std::string bytes = bytesOfLength(mebibyte + 10);
-    const auto file = folder.write("a.bin", bytes);
+    const auto file = write("a.bin", bytes);
     const std::string more = bytesOfLength(2 * mebibyte);
     afterSend = [&](std::size_t count) {
         if (count == 1) {
-            std::ofstream(file, std::ios::app | std::ios::binary) << more;
+            host.files.put(file, bytes + more);
         }
     };
     send(file);
@@ -177,11 +182,11 @@ TEST_F(OutgoingFilesTest, GoesByTheSizeAtTheStartWhenTheFileGrows) {
 
 TEST_F(OutgoingFilesTest, SpinsOnAFileThatHasShrunkUntilItHasItsLengthAgain) {
     const std::string bytes = bytesOfLength(2 * mebibyte);
-    const auto file = folder.write("a.bin", bytes);
+    const auto file = write("a.bin", bytes);
     std::atomic<bool> hasShrunk = false;
     afterSend = [&](std::size_t count) {
         if (count == 2) {
-            std::filesystem::resize_file(file, mebibyte);
+            host.files.put(file, bytes.substr(0, mebibyte));
             hasShrunk = true;
         }
     };
@@ -189,7 +194,7 @@ TEST_F(OutgoingFilesTest, SpinsOnAFileThatHasShrunkUntilItHasItsLengthAgain) {
     auto job = std::async(std::launch::async, [&] { host.server.runAll(); });
     EXPECT_EQ(job.wait_for(300ms), std::future_status::timeout) << "nothing ends the job";
     EXPECT_TRUE(hasShrunk);
-    std::ofstream(file, std::ios::app | std::ios::binary) << bytes.substr(mebibyte);
+    host.files.put(file, bytes);
     ASSERT_EQ(job.wait_for(60s), std::future_status::ready);
     host.main.runAll();
     for (std::size_t i = 1; i < sent.size(); ++i) {
@@ -200,7 +205,7 @@ TEST_F(OutgoingFilesTest, SpinsOnAFileThatHasShrunkUntilItHasItsLengthAgain) {
 }
 
 TEST_F(OutgoingFilesTest, PutsTheNameIntoTheStartAsItStandsAndEscapesItInTheChunks) {
-    send(folder.write("a \"b\"\\c.txt", "hello"));
+    send(write("a \"b\"\\c.txt", "hello"));
     expectSent({"{\"action\":\"file_transfer_start\",\"fileName\":\"a \"b\"\\c.txt\",\"fileSize\":5}",
                 chunkText(R"(a \"b\"\\c.txt)", "hello", true)});
     EXPECT_EQ(banners(), fileSent("a \"b\"\\c.txt"));
@@ -208,7 +213,7 @@ TEST_F(OutgoingFilesTest, PutsTheNameIntoTheStartAsItStandsAndEscapesItInTheChun
 
 TEST_F(OutgoingFilesTest, RepairsANameThatIsNotUtf8) {
     const std::string repaired = "bad\xef\xbf\xbd.bin";
-    send(folder.write("bad\xff.bin", "hello"));
+    send(write("bad\xff.bin", "hello"));
     expectSent({startText(repaired, 5), chunkText(repaired, "hello", true)});
     EXPECT_EQ(row().fileName, repaired);
     EXPECT_EQ(banners(), fileSent(repaired));
@@ -221,9 +226,9 @@ TEST_F(OutgoingFilesTest, FailsOnAFileThatIsNotThere) {
     EXPECT_TRUE(store->fileTransfers.get().empty());
 }
 
-TEST_F(OutgoingFilesTest, FailsOnAFolder) {
-    std::filesystem::create_directory(folder / "photos");
+TEST_F(OutgoingFilesTest, FailsOnAFileThatDoesNotOpen) {
     for (const char* path : {"photos", "photos/"}) {
+        host.files.openErrors[folder / path] = std::make_error_code(std::errc::is_a_directory);
         host.notificationCenter.requests.clear();
         send(folder / path);
         expectFailure("photos", "Is a directory");
@@ -232,45 +237,41 @@ TEST_F(OutgoingFilesTest, FailsOnAFolder) {
     EXPECT_TRUE(store->fileTransfers.get().empty());
 }
 
+TEST_F(OutgoingFilesTest, FailsOnAFileWhoseSizeCannotBeRead) {
+    host.files.sizeError = std::make_error_code(std::errc::io_error);
+    send(write("a.bin", "hello"));
+    expectFailure("a.bin", host.files.sizeError.message());
+    EXPECT_TRUE(sent.empty());
+    EXPECT_TRUE(store->fileTransfers.get().empty());
+    EXPECT_EQ(host.files.openCount(folder / "a.bin"), 0);
+}
+
 TEST_F(OutgoingFilesTest, FailsOnAReadErrorAndLeavesTheRowWhereItIs) {
-    const auto file = folder.write("a.bin", bytesOfLength(2 * mebibyte));
+    const auto file = write("a.bin", bytesOfLength(2 * mebibyte));
     afterSend = [&](std::size_t count) {
         if (count == 2) {
-            // What is open under the file's descriptor can't be read from here on.
-            const int other = ::open("/dev/null", O_WRONLY);
-            ASSERT_NE(::dup2(other, descriptorsOf(file).at(0)), -1);
-            ::close(other);
+            host.files.readError = std::make_error_code(std::errc::io_error);
         }
     };
     send(file);
-    expectFailure("a.bin", "Bad file descriptor");
+    expectFailure("a.bin", host.files.readError.message());
     EXPECT_EQ(sent.size(), 2u);
     EXPECT_EQ(row().progress, 0.5);
     EXPECT_FALSE(row().isCompleted);
+    EXPECT_EQ(host.files.openCount(file), 0);
 }
 
 TEST_F(OutgoingFilesTest, FailsOnACloseErrorAfterEverythingWasHandedOver) {
-    const auto file = folder.write("a.bin", "hello");
-    afterSend = [&](std::size_t count) {
-        if (count == 2) {
-            ::close(descriptorsOf(file).at(0));
-        }
-    };
-    send(file);
-    expectFailure("a.bin", "Bad file descriptor");
+    host.files.closeError = std::make_error_code(std::errc::io_error);
+    send(write("a.bin", "hello"));
+    expectFailure("a.bin", host.files.closeError.message());
     EXPECT_EQ(sent.size(), 2u);
     EXPECT_TRUE(row().isCompleted);
 }
 
-TEST_F(OutgoingFilesTest, DoesNotWaitForTheOtherEndOfANamedPipe) {
-    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-    send(folder / "pipe");
-    expectSent({startText("pipe", 0)});
-}
-
 TEST_F(OutgoingFilesTest, FinishesOneFileBeforeItBeginsTheNext) {
-    files.sendFile(folder.write("a", bytesOfLength(mebibyte + 1)));
-    files.sendFile(folder.write("b", "hello"));
+    files.sendFile(write("a", bytesOfLength(mebibyte + 1)));
+    files.sendFile(write("b", "hello"));
     host.drain();
     ASSERT_EQ(sent.size(), 5u);
     EXPECT_EQ(sent[0], startText("a", mebibyte + 1));
@@ -281,7 +282,7 @@ TEST_F(OutgoingFilesTest, FinishesOneFileBeforeItBeginsTheNext) {
 }
 
 TEST_F(OutgoingFilesTest, DoesNothingWhenTheServerHasGone) {
-    files.sendFile(folder.write("a.txt", "hello"));
+    files.sendFile(write("a.txt", "hello"));
     link.reset();
     host.drain();
     EXPECT_TRUE(sent.empty());
@@ -291,7 +292,7 @@ TEST_F(OutgoingFilesTest, DoesNothingWhenTheServerHasGone) {
 
 TEST_F(OutgoingFilesTest, SendsWithoutAStore) {
     store.reset();
-    send(folder.write("a.txt", "hello"));
+    send(write("a.txt", "hello"));
     EXPECT_EQ(sent.size(), 2u);
     EXPECT_EQ(banners(), fileSent("a.txt"));
 }

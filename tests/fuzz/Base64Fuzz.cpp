@@ -1,6 +1,6 @@
-#include "text/Base64.h"
-#include "text/Base64Kernels.h"
-#include "text/Base64With.h"
+#include "base64/Base64.h"
+#include "base64/Base64Kernels.h"
+#include "base64/Base64With.h"
 
 #include <cstdint>
 #include <cstdlib>

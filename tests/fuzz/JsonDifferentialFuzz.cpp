@@ -2,7 +2,7 @@
 
 #include "json/JsonReader.h"
 
-#include <boost/json.hpp>
+#include <boost/json/src.hpp>
 
 #include <cmath>
 #include <cstddef>

@@ -19,7 +19,7 @@ std::string written(std::string_view text) {
     return std::move(writer).finish();
 }
 
-TEST(JsonWriter, writesKeysInTheOrderOfTheCalls) {
+TEST(JsonWriter, WritesKeysInTheOrderOfTheCalls) {
     JsonWriter writer;
     writer.add("b", "x");
     writer.add("a", std::int64_t{-5});
@@ -28,30 +28,30 @@ TEST(JsonWriter, writesKeysInTheOrderOfTheCalls) {
     EXPECT_EQ(std::move(writer).finish(), R"({"b":"x","a":-5,"d":true,"c":false})");
 }
 
-TEST(JsonWriter, writesAnEmptyObject) {
+TEST(JsonWriter, WritesAnEmptyObject) {
     EXPECT_EQ(JsonWriter().finish(), "{}");
 }
 
-TEST(JsonWriter, writesTheWholeRangeOfIntegers) {
+TEST(JsonWriter, WritesTheWholeRangeOfIntegers) {
     JsonWriter writer;
     writer.add("a", std::numeric_limits<std::int64_t>::min());
     writer.add("b", std::numeric_limits<std::int64_t>::max());
     EXPECT_EQ(std::move(writer).finish(), R"({"a":-9223372036854775808,"b":9223372036854775807})");
 }
 
-TEST(JsonWriter, escapesQuotesBackslashesSlashesAndControlCharacters) {
+TEST(JsonWriter, EscapesQuotesBackslashesSlashesAndControlCharacters) {
     EXPECT_EQ(written("\"\\/"), R"({"t":"\"\\\/"})");
     EXPECT_EQ(written("\b\f\n\r\t"), R"({"t":"\b\f\n\r\t"})");
     using namespace std::string_view_literals;
     EXPECT_EQ(written("\0\x01\x0B\x1F"sv), R"({"t":"\u0000\u0001\u000b\u001f"})");
 }
 
-TEST(JsonWriter, leavesEverythingElseAsItIs) {
+TEST(JsonWriter, LeavesEverythingElseAsItIs) {
     constexpr std::string_view text = " !#.0[]~\x7F\xC3\xA9\xE2\x80\xA8\xE2\x82\xAC\xF0\x9F\x98\x80";
     EXPECT_EQ(written(text), "{\"t\":\"" + std::string(text) + "\"}");
 }
 
-TEST(JsonWriter, escapesAtEveryOffsetAndInEveryLength) {
+TEST(JsonWriter, EscapesAtEveryOffsetAndInEveryLength) {
     JsonReader reader;
     for (std::size_t length = 1; length <= 40; ++length) {
         for (std::size_t at = 0; at < length; ++at) {
@@ -68,7 +68,7 @@ TEST(JsonWriter, escapesAtEveryOffsetAndInEveryLength) {
     }
 }
 
-TEST(JsonWriter, sparesNoCharacterWhenAllMustBeEscaped) {
+TEST(JsonWriter, SparesNoCharacterWhenAllMustBeEscaped) {
     EXPECT_EQ(written(std::string(100, '/')), [] {
         std::string expected = "{\"t\":\"";
         for (int i = 0; i < 100; ++i) {
@@ -78,7 +78,7 @@ TEST(JsonWriter, sparesNoCharacterWhenAllMustBeEscaped) {
     }());
 }
 
-TEST(JsonWriter, noticesTextsThatAreNotUtf8) {
+TEST(JsonWriter, NoticesTextsThatAreNotUtf8) {
     for (const std::string_view text : {"\xFF", "a\xC3", "\xED\xA0\x80", "\xC0\x80"}) {
         JsonWriter writer;
         writer.add("good", "text");

@@ -53,7 +53,7 @@ protected:
     std::string error;
 };
 
-TEST_F(LongTextsTest, staysWhereItIsUntilItIsAskedForWithoutItsEscapes) {
+TEST_F(LongTextsTest, StaysWhereItIsUntilItIsAskedForWithoutItsEscapes) {
     std::string escaped = R"(\/AB+\/\/)";
     std::string plain = "/AB+//";
     for (int i = 0; i < 40; ++i) {
@@ -75,7 +75,7 @@ TEST_F(LongTextsTest, staysWhereItIsUntilItIsAskedForWithoutItsEscapes) {
     EXPECT_FALSE(root->member("n")->slashEscapedText());
 }
 
-TEST_F(LongTextsTest, isFoundAmongValuesOfEveryKind) {
+TEST_F(LongTextsTest, IsFoundAmongValuesOfEveryKind) {
     const auto root = parse(R"([1,-2,2.5,18446744073709551615,{"k":"kkkkkkkkkk\/","":null},true,"short",)"
                             R"(["llllllllllllllllll"],false,"mmmmmmmmmmmmmmmm\/m"])");
     ASSERT_TRUE(root) << error;
@@ -97,7 +97,7 @@ TEST_F(LongTextsTest, isFoundAmongValuesOfEveryKind) {
               (std::vector<std::string>{"kkkkkkkkkk/", "short", "llllllllllllllllll", "mmmmmmmmmmmmmmmm/m"}));
 }
 
-TEST_F(LongTextsTest, mayBeAKey) {
+TEST_F(LongTextsTest, MayBeAKey) {
     const auto root =
         parse(R"({"long long long key" : "value","x":"yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy"})");
     ASSERT_TRUE(root) << error;
@@ -106,20 +106,20 @@ TEST_F(LongTextsTest, mayBeAKey) {
     EXPECT_TRUE(isInPlace(*root->member("x")->slashEscapedText()));
 }
 
-TEST_F(LongTextsTest, ofEqualKeysTheLastCounts) {
+TEST_F(LongTextsTest, OfEqualKeysTheLastCounts) {
     const auto root = parse(R"({"data":"aaaaaaaaaaaaaaaaaaaaaaa","data":"bbbbbbbbbbbbbbbbbbbbbbbb"})");
     ASSERT_TRUE(root) << error;
     EXPECT_EQ(root->member("data")->text(), "bbbbbbbbbbbbbbbbbbbbbbbb");
 }
 
-TEST_F(LongTextsTest, isReadWithNumbersOfAnySizeBesideIt) {
+TEST_F(LongTextsTest, IsReadWithNumbersOfAnySizeBesideIt) {
     const auto root = parse(R"({"n":1e400,"data":"aaaaaaaaaaaaaaaaaaaaaaaaaaaaa\/"})");
     ASSERT_TRUE(root) << error;
     EXPECT_EQ(root->member("data")->text(), "aaaaaaaaaaaaaaaaaaaaaaaaaaaaa/");
     EXPECT_EQ(root->member("data")->slashEscapedText(), "aaaaaaaaaaaaaaaaaaaaaaaaaaaaa/");
 }
 
-TEST_F(LongTextsTest, changesNothingOfWhatIsJsonAndWhatIsWrongWithTheRest) {
+TEST_F(LongTextsTest, ChangesNothingOfWhatIsJsonAndWhatIsWrongWithTheRest) {
     const std::string message = "\xEF\xBB\xBF"
                                 R"({"name":"gr)"
                                 "\xC3\xBC"
@@ -137,7 +137,7 @@ TEST_F(LongTextsTest, changesNothingOfWhatIsJsonAndWhatIsWrongWithTheRest) {
     }
 }
 
-TEST_F(LongTextsTest, holdsNothingButPlainCharacters) {
+TEST_F(LongTextsTest, HoldsNothingButPlainCharacters) {
     const std::string filler(70, 'a');
     for (int byte = 0; byte < 256; ++byte) {
         for (const std::size_t at : {0U, 1U, 15U, 16U, 63U, 64U, 69U}) {

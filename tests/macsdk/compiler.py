@@ -125,5 +125,5 @@ class Compiler:
 
     def link_tests(self, objects, program):
         linker = ["-fuse-ld=lld"] if shutil.which("ld.lld") else []
-        return run([self.clang, *linker, *SANITIZERS, *objects, "-lgtest_main", "-lgtest", "-lgmock",
+        return run([self.clang, *linker, *SANITIZERS, *objects, "-lgtest_main", "-lgtest", "-lgmock", "-licuuc", "-licudata",
                     "-lBlocksRuntime", "-lpthread", "-Wl,--strip-debug", "-o", program])

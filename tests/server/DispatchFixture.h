@@ -18,7 +18,7 @@ struct DispatchBench {
     AppNotificationCenter notifications;
     NotificationManager notificationManager{fakes.notificationCenter, fakes.host, fakes.log};
     CallEvents callEvents{fakes.main, link, notifications, fakes.log};
-    IncomingFiles incomingFiles{fakes.main, link, notificationManager, fakes.host, fakes.log};
+    IncomingFiles incomingFiles{fakes.main, link, notificationManager, fakes.host, fakes.files, fakes.log};
     /// Keeps a link of its own, so that the other one can go.
     ClipboardSync clipboardSync{fakes.main, std::make_shared<StoreLink>(*link), fakes.pasteboard,
                                 notificationManager};

@@ -3,10 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <string>
 #include <vector>
@@ -49,7 +45,7 @@ private:
     std::vector<Subscription> subscriptions_;
 };
 
-TEST_F(MessageDispatchTest, logsTextsThatAreNoJsonWithTheirLength) {
+TEST_F(MessageDispatchTest, LogsTextsThatAreNoJsonWithTheirLength) {
     const std::vector<std::pair<std::string, std::string>> cases{
         {"12", "2"}, {"\"text\"", "6"}, {"", "0"}, {"{", "1"}, {"null", "4"}, {"\xEF\xBB\xBFnope", "7"}};
     for (const auto& [message, size] : cases) {
@@ -61,20 +57,20 @@ TEST_F(MessageDispatchTest, logsTextsThatAreNoJsonWithTheirLength) {
     }
 }
 
-TEST_F(MessageDispatchTest, writesTheReasonOfAFailureWithOneStopOnly) {
+TEST_F(MessageDispatchTest, WritesTheReasonOfAFailureWithOneStopOnly) {
     for (const char* message : {"12", "{\"a\":1e}", "{"}) {
         deliver(message);
         EXPECT_THAT(log(), ElementsAre(testing::Not(HasSubstr("..")))) << message;
     }
 }
 
-TEST_F(MessageDispatchTest, logsTextsThatAreNoObject) {
+TEST_F(MessageDispatchTest, LogsTextsThatAreNoObject) {
     deliver(R"([{"action":"connected","deviceName":"x"}])");
     EXPECT_THAT(log(), ElementsAre("[WebSocketServer] Error: Received data is not a valid JSON dictionary."));
     EXPECT_FALSE(store().connectedDeviceName.get());
 }
 
-TEST_F(MessageDispatchTest, passesOverWhatItDoesNotKnow) {
+TEST_F(MessageDispatchTest, PassesOverWhatItDoesNotKnow) {
     for (const char* message : {"{}", R"({"title":"a"})", R"({"action":"no_such_action","app":"Chat"})",
                                 R"({"action":"","app":"Chat"})", R"({"action":"Connected","deviceName":"x"})",
                                 R"({"action":"connected ","deviceName":"x"})", R"({"action":null})",
@@ -83,7 +79,7 @@ TEST_F(MessageDispatchTest, passesOverWhatItDoesNotKnow) {
     }
 }
 
-TEST_F(MessageDispatchTest, takesTheNameOfThePhone) {
+TEST_F(MessageDispatchTest, TakesTheNameOfThePhone) {
     deliver(R"({"action":"connected","deviceName":"Pixel\/8"})");
     EXPECT_EQ(store().connectedDeviceName.get(), "Pixel/8");
     for (const char* message :
@@ -94,17 +90,17 @@ TEST_F(MessageDispatchTest, takesTheNameOfThePhone) {
     EXPECT_EQ(store().connectedDeviceName.get(), "Pixel/8");
 }
 
-TEST_F(MessageDispatchTest, takesTheLastOfTwoActions) {
+TEST_F(MessageDispatchTest, TakesTheLastOfTwoActions) {
     deliver(R"({"action":"sim_info","deviceName":"P","action":"connected"})");
     EXPECT_EQ(store().connectedDeviceName.get(), "P");
 }
 
-TEST_F(MessageDispatchTest, takesMessagesWithNumbersBeyondEveryRange) {
+TEST_F(MessageDispatchTest, TakesMessagesWithNumbersBeyondEveryRange) {
     deliver(R"({"big":1e400,"action":"connected","huge":123456789012345678901234567890,"deviceName":"P"})");
     EXPECT_EQ(store().connectedDeviceName.get(), "P");
 }
 
-TEST_F(MessageDispatchTest, postsTheSmsHistory) {
+TEST_F(MessageDispatchTest, PostsTheSmsHistory) {
     deliver(R"({"action":"sms_history","messages":[{"address":"1","body":"b","date":5,"type":2},{}]})");
     ASSERT_EQ(posted.size(), 1U);
     EXPECT_EQ(posted[0].first, AppNotification::smsHistoryUpdated);
@@ -114,7 +110,7 @@ TEST_F(MessageDispatchTest, postsTheSmsHistory) {
     EXPECT_EQ(posted[1].second, AppNotificationObject(std::vector<SmsRecord>{}));
 }
 
-TEST_F(MessageDispatchTest, postsTheCallHistory) {
+TEST_F(MessageDispatchTest, PostsTheCallHistory) {
     deliver(R"({"action":"call_history","calls":[{"number":"1","date":5,"duration":6,"type":1}]})");
     ASSERT_EQ(posted.size(), 1U);
     EXPECT_EQ(posted[0].first, AppNotification::callHistoryUpdated);
@@ -122,7 +118,7 @@ TEST_F(MessageDispatchTest, postsTheCallHistory) {
                                     {.number = "1", .date = 5, .duration = 6, .type = 1}}));
 }
 
-TEST_F(MessageDispatchTest, dropsABadHistoryInSilenceAndShowsItNowhereElse) {
+TEST_F(MessageDispatchTest, DropsABadHistoryInSilenceAndShowsItNowhereElse) {
     for (const char* message : {R"({"action":"sms_history","app":"Chat"})",
                                 R"({"action":"sms_history","messages":[{"type":"1"}],"app":"Chat"})",
                                 R"({"action":"call_history","calls":[{"number":"1","date":5,"type":1}]})",
@@ -131,7 +127,7 @@ TEST_F(MessageDispatchTest, dropsABadHistoryInSilenceAndShowsItNowhereElse) {
     }
 }
 
-TEST_F(MessageDispatchTest, postsNoHistoryOnceTheServerHasGone) {
+TEST_F(MessageDispatchTest, PostsNoHistoryOnceTheServerHasGone) {
     bench.handle(R"({"action":"sms_history","messages":[]})");
     bench.handle(R"({"action":"call_history","calls":[]})");
     bench.link.reset();
@@ -139,13 +135,13 @@ TEST_F(MessageDispatchTest, postsNoHistoryOnceTheServerHasGone) {
     EXPECT_THAT(posted, IsEmpty());
 }
 
-TEST_F(MessageDispatchTest, postsAHistoryEvenWithoutAStore) {
+TEST_F(MessageDispatchTest, PostsAHistoryEvenWithoutAStore) {
     bench.store.reset();
     deliver(R"({"action":"sms_history","messages":[]})");
     EXPECT_EQ(posted.size(), 1U);
 }
 
-TEST_F(MessageDispatchTest, replacesTheSimsAsAWhole) {
+TEST_F(MessageDispatchTest, ReplacesTheSimsAsAWhole) {
     deliver(R"({"action":"sim_info","sims":[{"slot":1,"carrier":"Two"},{"slot":0,"carrier":"One"}]})");
     const std::vector<SimInfo> sims{{.slot = 1, .carrier = "Two"}, {.slot = 0, .carrier = "One"}};
     EXPECT_EQ(store().availableSIMs.get(), sims);
@@ -157,7 +153,7 @@ TEST_F(MessageDispatchTest, replacesTheSimsAsAWhole) {
     EXPECT_TRUE(store().availableSIMs.get().empty());
 }
 
-TEST_F(MessageDispatchTest, takesAnEmptyWifiNameButNoEmptyDeviceName) {
+TEST_F(MessageDispatchTest, TakesAnEmptyWifiNameButNoEmptyDeviceName) {
     deliver(R"({"action":"device_info","wifiName":"Home","deviceName":"Pixel"})");
     EXPECT_EQ(store().connectedWifiName.get(), "Home");
     EXPECT_EQ(store().connectedDeviceName.get(), "Pixel");
@@ -167,7 +163,7 @@ TEST_F(MessageDispatchTest, takesAnEmptyWifiNameButNoEmptyDeviceName) {
     EXPECT_EQ(store().connectedDeviceName.get(), "Pixel");
 }
 
-TEST_F(MessageDispatchTest, takesEachKeyOfTheDeviceByItself) {
+TEST_F(MessageDispatchTest, TakesEachKeyOfTheDeviceByItself) {
     deliver(R"({"action":"device_info","deviceName":"Pixel"})");
     EXPECT_FALSE(store().connectedWifiName.get());
     deliver(R"({"action":"device_info","wifiName":"Home","deviceName":7})");
@@ -176,7 +172,7 @@ TEST_F(MessageDispatchTest, takesEachKeyOfTheDeviceByItself) {
     expectNoEffect(R"({"action":"device_info","wifiName":null})");
 }
 
-TEST_F(MessageDispatchTest, writesTheDeviceInTwoJobsWifiFirst) {
+TEST_F(MessageDispatchTest, WritesTheDeviceInTwoJobsWifiFirst) {
     bench.handle(R"({"action":"device_info","deviceName":"Pixel","wifiName":"Home"})");
     EXPECT_EQ(bench.fakes.main.pending(), 2U);
     bench.fakes.main.runOne();
@@ -184,7 +180,7 @@ TEST_F(MessageDispatchTest, writesTheDeviceInTwoJobsWifiFirst) {
     EXPECT_FALSE(store().connectedDeviceName.get());
 }
 
-TEST_F(MessageDispatchTest, writesNothingOnceTheServerOrTheStoreHasGone) {
+TEST_F(MessageDispatchTest, WritesNothingOnceTheServerOrTheStoreHasGone) {
     bench.handle(R"({"action":"connected","deviceName":"Pixel"})");
     bench.handle(R"({"action":"sim_info","sims":[{"slot":0,"carrier":"One"}]})");
     bench.link.reset();
@@ -200,7 +196,7 @@ TEST_F(MessageDispatchTest, writesNothingOnceTheServerOrTheStoreHasGone) {
     EXPECT_EQ(other.fakes.main.runAll(), 1U);
 }
 
-TEST_F(MessageDispatchTest, keepsTheOrderOfTheMessages) {
+TEST_F(MessageDispatchTest, KeepsTheOrderOfTheMessages) {
     std::vector<std::string> names;
     const auto subscription =
         store().connectedDeviceName.observe([&](const auto& name) { names.push_back(name.value_or("-")); });
@@ -214,7 +210,7 @@ TEST_F(MessageDispatchTest, keepsTheOrderOfTheMessages) {
 
 // Notifications.
 
-TEST_F(MessageDispatchTest, putsANotificationIntoTheStore) {
+TEST_F(MessageDispatchTest, PutsANotificationIntoTheStore) {
     deliver(R"({"app":"Chat","title":"Anna","body":"Hi","time":1700000000,"key":"k"})");
     ASSERT_EQ(store().items.get().size(), 1U);
     const NotifPayload& item = store().items.get().front();
@@ -225,14 +221,14 @@ TEST_F(MessageDispatchTest, putsANotificationIntoTheStore) {
     EXPECT_EQ(item.key, "k");
 }
 
-TEST_F(MessageDispatchTest, takesTheTimeOfArrivalForANotificationWithoutATime) {
+TEST_F(MessageDispatchTest, TakesTheTimeOfArrivalForANotificationWithoutATime) {
     bench.handle(R"({"app":"Chat"})");
     bench.fakes.host.time += std::chrono::seconds(5);
     bench.fakes.main.runAll();
     EXPECT_EQ(store().items.get().front().time, 1'700'000'000.0);
 }
 
-TEST_F(MessageDispatchTest, takesAnActionThatIsNoTextForNone) {
+TEST_F(MessageDispatchTest, TakesAnActionThatIsNoTextForNone) {
     for (const char* action : {"5", "null", "true", "{}", "[]"}) {
         deliver("{\"action\":" + std::string(action) + R"(,"app":"Chat"})");
         EXPECT_EQ(store().items.get().size(), 1U) << action;
@@ -240,7 +236,7 @@ TEST_F(MessageDispatchTest, takesAnActionThatIsNoTextForNone) {
     }
 }
 
-TEST_F(MessageDispatchTest, readsAnAppOfAnyTypeStrictly) {
+TEST_F(MessageDispatchTest, ReadsAnAppOfAnyTypeStrictly) {
     for (const char* message : {R"({"app":5})", R"({"app":true})", R"({"app":{}})",
                                 R"({"app":"Chat","title":5})", R"({"app":"Chat","time":"now"})"}) {
         expectNoEffect(message);
@@ -250,20 +246,20 @@ TEST_F(MessageDispatchTest, readsAnAppOfAnyTypeStrictly) {
     EXPECT_EQ(store().items.get().front().app, "");
 }
 
-TEST_F(MessageDispatchTest, showsANotificationOnTheDesktop) {
+TEST_F(MessageDispatchTest, ShowsANotificationOnTheDesktop) {
     deliver(R"({"app":"Chat","title":"Anna","body":"Hi","key":"k"})");
     ASSERT_EQ(bench.fakes.notificationCenter.requests.size(), 1U);
     EXPECT_EQ(bench.fakes.notificationCenter.requests.front().identifier, "k");
 }
 
-TEST_F(MessageDispatchTest, showsANotificationEvenIfTheStoreHasGone) {
+TEST_F(MessageDispatchTest, ShowsANotificationEvenIfTheStoreHasGone) {
     bench.handle(R"({"app":"Chat","title":"Anna","body":"Hi"})");
     bench.store.reset();
     bench.fakes.main.runAll();
     EXPECT_EQ(bench.fakes.notificationCenter.requests.size(), 1U);
 }
 
-TEST_F(MessageDispatchTest, showsANotificationEvenIfTheServerHasGone) {
+TEST_F(MessageDispatchTest, ShowsANotificationEvenIfTheServerHasGone) {
     bench.handle(R"({"app":"Chat","title":"Anna","body":"Hi"})");
     bench.link.reset();
     bench.fakes.main.runAll();
@@ -273,21 +269,21 @@ TEST_F(MessageDispatchTest, showsANotificationEvenIfTheServerHasGone) {
 
 // Calls.
 
-TEST_F(MessageDispatchTest, logsEachCallEventByItsAction) {
+TEST_F(MessageDispatchTest, LogsEachCallEventByItsAction) {
     for (const std::string action : {"incoming_call", "call_state_changed", "call_update", "call_ended"}) {
         deliver("{\"action\":\"" + action + "\"}");
         EXPECT_THAT(log(), ElementsAre("[WebSocketServer] Call Event: " + action));
     }
 }
 
-TEST_F(MessageDispatchTest, readsTheStateOfACallInAnyCase) {
+TEST_F(MessageDispatchTest, ReadsTheStateOfACallInAnyCase) {
     deliver(R"({"action":"call_state_changed","state":"rInging","number":"1"})");
     EXPECT_EQ(store().incomingCallInfo.get(), (IncomingCallInfo{.number = "1"}));
     deliver(R"({"action":"incoming_call","state":"idle","number":"1"})");
     EXPECT_FALSE(store().incomingCallInfo.get());
 }
 
-TEST_F(MessageDispatchTest, readsTheNumberFromTheFirstKeyThatIsThere) {
+TEST_F(MessageDispatchTest, ReadsTheNumberFromTheFirstKeyThatIsThere) {
     const std::vector<std::pair<const char*, std::optional<std::string>>> cases{
         {R"("number":"1")", "1"},
         {R"("phoneNumber":"2")", "2"},
@@ -319,14 +315,14 @@ TEST_F(MessageDispatchTest, readsTheNumberFromTheFirstKeyThatIsThere) {
     }
 }
 
-TEST_F(MessageDispatchTest, readsTheNameOfACallAsItCame) {
+TEST_F(MessageDispatchTest, ReadsTheNameOfACallAsItCame) {
     deliver(R"({"action":"incoming_call","number":"1","name":" Anna "})");
     EXPECT_EQ(store().incomingCallInfo.get()->name, " Anna ");
     deliver(R"({"action":"incoming_call","number":"1","name":5})");
     EXPECT_EQ(store().incomingCallInfo.get()->name, std::nullopt);
 }
 
-TEST_F(MessageDispatchTest, cutsTheDurationTowardZero) {
+TEST_F(MessageDispatchTest, CutsTheDurationTowardZero) {
     const std::vector<std::pair<const char*, std::int64_t>> cases{
         {"12", 12},
         {"12.9", 12},
@@ -343,14 +339,14 @@ TEST_F(MessageDispatchTest, cutsTheDurationTowardZero) {
     }
 }
 
-TEST_F(MessageDispatchTest, passesOverADurationThatIsNoNumber) {
+TEST_F(MessageDispatchTest, PassesOverADurationThatIsNoNumber) {
     for (const char* duration : {"\"5\"", "null", "true", "[]"}) {
         deliver(std::string(R"({"action":"call_update","duration":)") + duration + "}");
         EXPECT_THAT(posted, IsEmpty()) << duration;
     }
 }
 
-TEST_F(MessageDispatchTest, endsACallOnADurationThatIsCutToMinusOne) {
+TEST_F(MessageDispatchTest, EndsACallOnADurationThatIsCutToMinusOne) {
     for (const char* duration : {"-1", "-1.0", "-1.5", "-1.9"}) {
         posted.clear();
         store().incomingCallInfo.set(IncomingCallInfo{.number = "1"});
@@ -361,7 +357,7 @@ TEST_F(MessageDispatchTest, endsACallOnADurationThatIsCutToMinusOne) {
     }
 }
 
-TEST_F(MessageDispatchTest, doesNotReadTheNumberOfACallThatIsOver) {
+TEST_F(MessageDispatchTest, DoesNotReadTheNumberOfACallThatIsOver) {
     deliver(R"({"action":"call_ended","number":1e400,"duration":7})");
     deliver(R"({"action":"incoming_call","state":"idle","number":1e400})");
     EXPECT_EQ(posted.size(), 2U);
@@ -369,7 +365,7 @@ TEST_F(MessageDispatchTest, doesNotReadTheNumberOfACallThatIsOver) {
 
 using MessageDispatchDeathTest = MessageDispatchTest;
 
-TEST_F(MessageDispatchDeathTest, endsTheProcessOnACallNumberBeyond64Bits) {
+TEST_F(MessageDispatchDeathTest, EndsTheProcessOnACallNumberBeyond64Bits) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     for (const char* number : {"1e400", "-1e400", "9223372036854775808", "-9223372036854777856", "1e19",
                                "99999999999999999999999"}) {
@@ -381,14 +377,14 @@ TEST_F(MessageDispatchDeathTest, endsTheProcessOnACallNumberBeyond64Bits) {
     }
 }
 
-TEST_F(MessageDispatchDeathTest, endsTheProcessOnTheDurationOfACallThatIsOver) {
+TEST_F(MessageDispatchDeathTest, EndsTheProcessOnTheDurationOfACallThatIsOver) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_DEATH(bench.handle(R"({"action":"call_ended","duration":1e19})"), "Fatal error: .*64-bit");
 }
 
 // What reaches the other features.
 
-TEST_F(MessageDispatchTest, putsAClipboardTextOnThePasteboardEvenAnEmptyOne) {
+TEST_F(MessageDispatchTest, PutsAClipboardTextOnThePasteboardEvenAnEmptyOne) {
     deliver(R"({"action":"clipboard","text":"a\/b"})");
     EXPECT_EQ(bench.fakes.pasteboard.content, "a/b");
     deliver(R"({"action":"clipboard","text":""})");
@@ -397,7 +393,7 @@ TEST_F(MessageDispatchTest, putsAClipboardTextOnThePasteboardEvenAnEmptyOne) {
     expectNoEffect(R"({"action":"clipboard","text":5})");
 }
 
-TEST_F(MessageDispatchTest, readsTheBatteryLoosely) {
+TEST_F(MessageDispatchTest, ReadsTheBatteryLoosely) {
     deliver(R"({"action":"battery_status","level":80.0,"isCharging":true})");
     EXPECT_EQ(store().batteryLevel.get(), 80);
     EXPECT_TRUE(store().isCharging.get());
@@ -405,12 +401,12 @@ TEST_F(MessageDispatchTest, readsTheBatteryLoosely) {
     EXPECT_FALSE(store().isCharging.get());
 }
 
-TEST_F(MessageDispatchTest, handsARemoteCommandOverWhole) {
+TEST_F(MessageDispatchTest, HandsARemoteCommandOverWhole) {
     deliver(R"({"action":"remote_control","command":"move","type":"mouse_move","dx":3.5,"dy":-2})");
     EXPECT_THAT(bench.fakes.input.posted, ElementsAre(Input(MovedPointer{3.5, -2})));
 }
 
-TEST_F(MessageDispatchTest, readsEachKeyOfARemoteCommandByItself) {
+TEST_F(MessageDispatchTest, ReadsEachKeyOfARemoteCommandByItself) {
     deliver(R"({"action":"remote_control","command":"t","type":"keyboard_text","text":"h\u00e9"})");
     EXPECT_THAT(log(), ElementsAre("[WebSocketServer] Command received: t [Type: keyboard_text]",
                                    "[WebSocketServer] Typing unicode text: h\u00e9"));
@@ -423,26 +419,16 @@ TEST_F(MessageDispatchTest, readsEachKeyOfARemoteCommandByItself) {
 
 class IncomingFileDispatchTest : public MessageDispatchTest {
 protected:
-    IncomingFileDispatchTest() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "velloway-dispatch-XXXXXX").string();
-        folder = ::mkdtemp(pattern.data());
-        bench.fakes.host.downloads = folder;
-    }
-    ~IncomingFileDispatchTest() override { std::filesystem::remove_all(folder); }
+    IncomingFileDispatchTest() { bench.fakes.host.downloads = "/home/me"; }
 
-    std::string content(const std::string& name) const {
-        std::ifstream file(folder / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string content(const std::string& name) const { return bench.fakes.files.content("/home/me/" + name); }
     bool isCompleted() {
         const auto& rows = store().fileTransfers.get();
         return !rows.empty() && rows.front().isCompleted;
     }
-
-    std::filesystem::path folder;
 };
 
-TEST_F(IncomingFileDispatchTest, writesAFileFromItsPieces) {
+TEST_F(IncomingFileDispatchTest, WritesAFileFromItsPieces) {
     deliver(R"({"action":"file_transfer_start","fileName":"a.txt","fileSize":6.0})");
     deliver(R"({"action":"file_chunk","fileName":"a.txt","fileData":"YWJj"})");
     EXPECT_FALSE(isCompleted());
@@ -452,7 +438,7 @@ TEST_F(IncomingFileDispatchTest, writesAFileFromItsPieces) {
     EXPECT_EQ(store().fileTransfers.get().front().fileSize, 6);
 }
 
-TEST_F(IncomingFileDispatchTest, finishesAWholeFileWhateverItSaysOfItself) {
+TEST_F(IncomingFileDispatchTest, FinishesAWholeFileWhateverItSaysOfItself) {
     deliver(R"({"action":"file_transfer_start","fileName":"a.txt"})");
     EXPECT_EQ(store().fileTransfers.get().front().fileSize, 0);
     deliver(R"({"action":"file_transfer","fileName":"a.txt","fileData":"YWJj","isLast":false})");
@@ -460,7 +446,7 @@ TEST_F(IncomingFileDispatchTest, finishesAWholeFileWhateverItSaysOfItself) {
     EXPECT_EQ(content("a.txt"), "abc");
 }
 
-TEST_F(IncomingFileDispatchTest, takesOnlyABooleanForTheEnd) {
+TEST_F(IncomingFileDispatchTest, TakesOnlyABooleanForTheEnd) {
     deliver(R"({"action":"file_transfer_start","fileName":"a.txt","fileSize":"6"})");
     EXPECT_EQ(store().fileTransfers.get().front().fileSize, 0);
     deliver(R"({"action":"file_chunk","fileName":"a.txt","fileData":"YWJj","isLast":"true"})");
@@ -468,7 +454,7 @@ TEST_F(IncomingFileDispatchTest, takesOnlyABooleanForTheEnd) {
     EXPECT_FALSE(isCompleted());
 }
 
-TEST_F(IncomingFileDispatchTest, passesOverPiecesWithoutANameOrData) {
+TEST_F(IncomingFileDispatchTest, PassesOverPiecesWithoutANameOrData) {
     for (const char* message :
          {R"({"action":"file_transfer_start","fileSize":6})",
           R"({"action":"file_transfer_start","fileName":5})", R"({"action":"file_chunk","fileName":"a.txt"})",

@@ -11,7 +11,7 @@ namespace velloway::test {
 
 namespace {
 
-TEST(OutboundMessages, haveTheirFixedTexts) {
+TEST(OutboundMessages, HaveTheirFixedTexts) {
     EXPECT_EQ(outbound::connectedFallback(), R"({"action":"connected"})");
     EXPECT_EQ(outbound::findDevice(), R"({"action":"find_device"})");
     EXPECT_EQ(outbound::getSmsHistory(), R"({"action":"get_sms_history"})");
@@ -20,21 +20,21 @@ TEST(OutboundMessages, haveTheirFixedTexts) {
     EXPECT_EQ(outbound::hangupCall(), R"({"action":"hangup_call"})");
 }
 
-TEST(OutboundMessages, writeBooleansAsBareWords) {
+TEST(OutboundMessages, WriteBooleansAsBareWords) {
     EXPECT_EQ(outbound::toggleSpeaker(true), R"({"action":"toggle_speaker","enabled":true})");
     EXPECT_EQ(outbound::toggleSpeaker(false), R"({"action":"toggle_speaker","enabled":false})");
     EXPECT_EQ(outbound::toggleMute(true), R"({"action":"toggle_mute","enabled":true})");
     EXPECT_EQ(outbound::toggleMute(false), R"({"action":"toggle_mute","enabled":false})");
 }
 
-TEST(OutboundMessages, carryOneText) {
+TEST(OutboundMessages, CarryOneText) {
     EXPECT_EQ(outbound::connected("Anna's Desk"), R"({"action":"connected","deviceName":"Anna's Desk"})");
     EXPECT_EQ(outbound::mediaCommand("play_pause"), R"({"action":"media_command","command":"play_pause"})");
     EXPECT_EQ(outbound::navCommand("home"), R"({"action":"nav_command","command":"home"})");
     EXPECT_EQ(outbound::clipboard(""), R"({"action":"clipboard","text":""})");
 }
 
-TEST(OutboundMessages, escapeTheClipboardASlashIncluded) {
+TEST(OutboundMessages, EscapeTheClipboardASlashIncluded) {
     const std::string text = "say \"hi\"\\\r\nhttp://x/\t\x01 é😀";
     const auto message = outbound::clipboard(text);
     EXPECT_EQ(message, "{\"action\":\"clipboard\",\"text\":"
@@ -46,7 +46,7 @@ TEST(OutboundMessages, escapeTheClipboardASlashIncluded) {
     EXPECT_EQ(root->member("text")->text(), text);
 }
 
-TEST(OutboundMessages, putACalledNumberInAsItStands) {
+TEST(OutboundMessages, PutACalledNumberInAsItStands) {
     EXPECT_EQ(outbound::makeCall("+44 7700/1", 1),
               R"({"action":"make_call","number":"+44 7700/1","simSlot":1})");
     const std::string broken = outbound::makeCall("5\"5\\", -2);
@@ -56,17 +56,19 @@ TEST(OutboundMessages, putACalledNumberInAsItStands) {
     EXPECT_FALSE(reader.parse(broken, 0, error));
 }
 
-TEST(OutboundMessages, writeARepliesKeyAndText) {
+TEST(OutboundMessages, WriteARepliesKeyAndText) {
     EXPECT_EQ(outbound::reply({.key = "0|chat/1", .message = "on \"my\" way\n"}),
               R"({"action":"reply","key":"0|chat\/1","message":"on \"my\" way\n"})");
 }
 
-TEST(OutboundMessages, writeTheSimSlotOfAnSmsAsAnInteger) {
+TEST(OutboundMessages, WriteTheSimSlotOfAnSmsAsAnInteger) {
     EXPECT_EQ(outbound::sendSms({.number = "5551", .body = "a/b", .simSlot = 0}),
               R"({"action":"send_sms","number":"5551","body":"a\/b","simSlot":0})");
+    EXPECT_EQ(outbound::sendSms({.number = "\"5\"", .body = "say \"hi\"\n\\", .simSlot = -1}),
+              R"({"action":"send_sms","number":"\"5\"","body":"say \"hi\"\n\\","simSlot":-1})");
 }
 
-TEST(OutboundMessages, areAbsentWhenATextIsNotUtf8) {
+TEST(OutboundMessages, AreAbsentWhenATextIsNotUtf8) {
     constexpr std::string_view bad = "\xFF";
     EXPECT_FALSE(outbound::connected(bad));
     EXPECT_FALSE(outbound::mediaCommand(bad));

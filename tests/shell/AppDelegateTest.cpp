@@ -228,6 +228,18 @@ TEST_F(AppDelegateTest, SendClipboardDoesNothingWithoutText) {
     EXPECT_THAT(phone->sent, IsEmpty());
 }
 
+TEST_F(AppDelegateTest, SendClipboardSaysSoWhenTheClipboardCannotBeRead) {
+    launch();
+    auto phone = connectPhone();
+    on.pasteboard.content = "stale";
+    on.pasteboard.isLocked = true;
+    on.statusItem.choose("Send Clipboard");
+    on.drain();
+    EXPECT_THAT(phone->sent, IsEmpty());
+    ASSERT_EQ(on.notificationCenter.requests.size(), 1u);
+    EXPECT_EQ(on.notificationCenter.requests[0].content.title, "Clipboard Not Sent");
+}
+
 // Reopening and the main window
 
 TEST_F(AppDelegateTest, ReopeningOpensTheStoredTabWhileNoWindowShows) {

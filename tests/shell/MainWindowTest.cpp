@@ -27,7 +27,7 @@ protected:
 
 TEST_F(MainWindowTest, ShowsTheTabsOnTheTabThatWasAskedFor) {
     program.delegate().showSettings(5);
-    EXPECT_EQ(view().tabContent(), TabContent::fileDrop);
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::fileDrop);
     EXPECT_EQ(view().history.get(), &program.historyStore());
 }
 
@@ -36,7 +36,7 @@ TEST_F(MainWindowTest, AnOpenWindowFollowsToAnotherTab) {
     const SettingsView* before = &view();
     program.delegate().showSettings(2);
     EXPECT_EQ(&view(), before);
-    EXPECT_EQ(view().tabContent(), TabContent::sendSms);
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
 }
 
 TEST_F(MainWindowTest, AClosedWindowComesBackTheSameAndWhereItWas) {
@@ -56,22 +56,46 @@ TEST_F(MainWindowTest, ComingToTheFrontReadsTheAccessibilityForTheOpenView) {
     program.delegate().applicationDidBecomeActive();
     on.accessibility.trusted = false;
     program.delegate().showSettings(7);
-    EXPECT_TRUE(view().showsAccessibilityWarning());
+    EXPECT_FALSE(view().remote.isAccessibilityEnabled.get());
     on.accessibility.trusted = true;
     program.delegate().applicationDidBecomeActive();
-    EXPECT_FALSE(view().showsAccessibilityWarning());
+    EXPECT_TRUE(view().remote.isAccessibilityEnabled.get());
+}
+
+TEST_F(MainWindowTest, APhoneAddressFillsTheDialPadOrTheComposerAndSendsNothing) {
+    const auto phone =
+        std::make_shared<FakeConnection>(Endpoint{.host = "10.0.0.1", .description = "10.0.0.1:1"});
+    on.network.listener().connect(phone);
+    phone->report(ConnectionState::ready);
+    on.drain();
+    phone->sent.clear();
+    program.delegate().applicationOpenLinks({"tel:+49-151-5551074"});
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::call);
+    EXPECT_EQ(view().calls.dialpadNumber.get(), "+491515551074");
+    program.delegate().applicationOpenLinks({"sms:5551?body=On%20my%20way"});
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
+    EXPECT_EQ(view().sms.activeRecipient.get(), "5551");
+    EXPECT_EQ(view().sms.chatText.get(), "On my way");
+    program.delegate().applicationOpenLinks({"sms:5552"});
+    EXPECT_EQ(view().sms.activeRecipient.get(), "5552");
+    program.delegate().applicationOpenLinks({"https://example.invalid/", "tel:none"});
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
+    on.drain();
+    EXPECT_TRUE(phone->sent.empty()) << "nothing is dialled or sent";
+    phone->report(ConnectionState::cancelled);
+    on.drain();
 }
 
 TEST_F(MainWindowTest, TheLoginSwitchReachesTheSystem) {
     program.delegate().showSettings(0);
-    view().launchAtLogin.set(true);
+    view().settings.launchAtLogin.set(true);
     EXPECT_EQ(on.loginItem.current, LoginItemStatus::enabled);
 }
 
 TEST_F(MainWindowTest, TheLocalAddressIsThatOfTheHost) {
     on.host.interfaces = {{{.name = "en0", .flags = 0x41, .addressFamily = 2, .numericAddress = "10.1.2.3"}}};
     program.delegate().showSettings(0);
-    EXPECT_EQ(view().localIP(), "10.1.2.3");
+    EXPECT_EQ(view().settings.localIP.get(), "10.1.2.3");
 }
 
 TEST_F(MainWindowTest, ARingingCallOpensAPanelAndLeavesTheApplicationsFaceAlone) {

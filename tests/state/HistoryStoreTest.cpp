@@ -25,7 +25,7 @@ protected:
     HistoryStore store{host};
 };
 
-TEST_F(HistoryStoreTest, startsWithNothing) {
+TEST_F(HistoryStoreTest, StartsWithNothing) {
     EXPECT_TRUE(store.items.get().empty());
     EXPECT_TRUE(store.availableSIMs.get().empty());
     EXPECT_TRUE(store.fileTransfers.get().empty());
@@ -38,7 +38,7 @@ TEST_F(HistoryStoreTest, startsWithNothing) {
     EXPECT_FALSE(store.incomingCallInfo.get());
 }
 
-TEST_F(HistoryStoreTest, putsTheNewestFirst) {
+TEST_F(HistoryStoreTest, PutsTheNewestFirst) {
     store.add(payload("old"));
     store.add(payload("new"));
     store.addFileTransfer(transfer("old"));
@@ -50,19 +50,32 @@ TEST_F(HistoryStoreTest, putsTheNewestFirst) {
     EXPECT_EQ(store.clipboardHistory.get().front().text, "new");
 }
 
-TEST_F(HistoryStoreTest, stampsAClipboardTextWithThePresentTime) {
+TEST_F(HistoryStoreTest, StampsAClipboardTextWithThePresentTime) {
     store.addClipboard("text");
     EXPECT_EQ(store.clipboardHistory.get().front().date, host.time);
 }
 
-TEST_F(HistoryStoreTest, keepsTheSameTextTwiceUnderTwoIdentities) {
+TEST_F(HistoryStoreTest, KeepsTheSameTextTwiceUnderTwoIdentities) {
     store.addClipboard("same");
     store.addClipboard("same");
     ASSERT_EQ(store.clipboardHistory.get().size(), 2U);
     EXPECT_NE(store.clipboardHistory.get()[0].id, store.clipboardHistory.get()[1].id);
 }
 
-TEST_F(HistoryStoreTest, keeps100OfEachKindAndDropsTheOldest) {
+TEST_F(HistoryStoreTest, KeepsEqualElementsOfEveryListApart) {
+    const NotifPayload payload{.app = "Chat", .title = "Anna", .body = "Hi", .key = "k"};
+    const FileTransferRecord file = transfer("a");
+    for (int i = 0; i < 2; ++i) {
+        store.add(payload);
+        store.addFileTransfer(file);
+        store.addClipboard("text");
+    }
+    EXPECT_EQ(store.items.get(), (std::vector<NotifPayload>{payload, payload}));
+    EXPECT_EQ(store.fileTransfers.get(), (std::vector<FileTransferRecord>{file, file}));
+    EXPECT_EQ(store.clipboardHistory.get().size(), 2U);
+}
+
+TEST_F(HistoryStoreTest, Keeps100OfEachKindAndDropsTheOldest) {
     for (int i = 1; i <= 100; ++i) {
         store.add(payload(std::to_string(i)));
         store.addFileTransfer(transfer(std::to_string(i)));
@@ -86,7 +99,7 @@ TEST_F(HistoryStoreTest, keeps100OfEachKindAndDropsTheOldest) {
     EXPECT_EQ(store.clipboardHistory.get().back().text, "2");
 }
 
-TEST_F(HistoryStoreTest, notifiesOnceForAnAdditionAndTwiceForOneThatTrims) {
+TEST_F(HistoryStoreTest, NotifiesOnceForAnAdditionAndTwiceForOneThatTrims) {
     std::vector<std::size_t> sizes;
     const auto subscription = store.items.observe([&](const auto& items) { sizes.push_back(items.size()); });
     for (int i = 0; i < 101; ++i) {
@@ -98,7 +111,7 @@ TEST_F(HistoryStoreTest, notifiesOnceForAnAdditionAndTwiceForOneThatTrims) {
     EXPECT_EQ(sizes[101], 100U);
 }
 
-TEST_F(HistoryStoreTest, changesATransferInPlace) {
+TEST_F(HistoryStoreTest, ChangesATransferInPlace) {
     store.addFileTransfer(transfer("a"));
     store.addFileTransfer(transfer("b"));
     store.addFileTransfer(transfer("c"));
@@ -114,7 +127,7 @@ TEST_F(HistoryStoreTest, changesATransferInPlace) {
     EXPECT_EQ(store.fileTransfers.get()[2].progress, 0);
 }
 
-TEST_F(HistoryStoreTest, keepsTheUrlOfATransferWhenNoneIsGiven) {
+TEST_F(HistoryStoreTest, KeepsTheUrlOfATransferWhenNoneIsGiven) {
     store.addFileTransfer(transfer("a"));
     const Uuid id = store.fileTransfers.get().front().id;
     store.updateFileTransfer(id, 0.5, false, "/tmp/a");
@@ -123,7 +136,7 @@ TEST_F(HistoryStoreTest, keepsTheUrlOfATransferWhenNoneIsGiven) {
     EXPECT_TRUE(store.fileTransfers.get().front().isCompleted);
 }
 
-TEST_F(HistoryStoreTest, changesOnlyTheFirstOfTwoTransfersWithOneIdentity) {
+TEST_F(HistoryStoreTest, ChangesOnlyTheFirstOfTwoTransfersWithOneIdentity) {
     const FileTransferRecord twin = transfer("a");
     store.addFileTransfer(twin);
     store.addFileTransfer(twin);
@@ -132,7 +145,7 @@ TEST_F(HistoryStoreTest, changesOnlyTheFirstOfTwoTransfersWithOneIdentity) {
     EXPECT_FALSE(store.fileTransfers.get()[1].isCompleted);
 }
 
-TEST_F(HistoryStoreTest, passesOverAnUnknownTransferAndNotifiesNobody) {
+TEST_F(HistoryStoreTest, PassesOverAnUnknownTransferAndNotifiesNobody) {
     store.addFileTransfer(transfer("a"));
     const auto before = store.fileTransfers.get();
     int notifications = 0;
@@ -144,7 +157,7 @@ TEST_F(HistoryStoreTest, passesOverAnUnknownTransferAndNotifiesNobody) {
     EXPECT_EQ(notifications, 1);
 }
 
-TEST_F(HistoryStoreTest, forgetsATransferThatWasTrimmedWhileItRan) {
+TEST_F(HistoryStoreTest, ForgetsATransferThatWasTrimmedWhileItRan) {
     const FileTransferRecord running = transfer("running");
     store.addFileTransfer(running);
     for (int i = 0; i < 100; ++i) {
@@ -155,7 +168,7 @@ TEST_F(HistoryStoreTest, forgetsATransferThatWasTrimmedWhileItRan) {
     EXPECT_EQ(store.fileTransfers.get(), before);
 }
 
-TEST_F(HistoryStoreTest, clearsOneListAndLeavesTheOthers) {
+TEST_F(HistoryStoreTest, ClearsOneListAndLeavesTheOthers) {
     const auto fill = [this] {
         store.add(payload(""));
         store.addFileTransfer(transfer(""));
@@ -176,7 +189,7 @@ TEST_F(HistoryStoreTest, clearsOneListAndLeavesTheOthers) {
     EXPECT_EQ(sizes(), (std::vector<bool>{true, true, false}));
 }
 
-TEST_F(HistoryStoreTest, notifiesOfEveryAssignmentEvenOfAnEqualValue) {
+TEST_F(HistoryStoreTest, NotifiesOfEveryAssignmentEvenOfAnEqualValue) {
     int notifications = 0;
     const auto subscription = store.incomingCallInfo.observe([&](const auto&) { ++notifications; });
     store.incomingCallInfo.set(IncomingCallInfo{.number = "1"});

@@ -13,7 +13,7 @@ namespace velloway::test {
 
 namespace {
 
-TEST(Observable, runsObserversInTheirOrderWithTheNewValue) {
+TEST(Observable, RunsObserversInTheirOrderWithTheNewValue) {
     Observable<int> value{1};
     std::vector<int> seen;
     const auto first = value.observe([&](int now) { seen.push_back(now); });
@@ -23,7 +23,7 @@ TEST(Observable, runsObserversInTheirOrderWithTheNewValue) {
     EXPECT_EQ(seen, (std::vector<int>{2, -2, 5, -5}));
 }
 
-TEST(Observable, givesTheCurrentValueOnlyWhenAsked) {
+TEST(Observable, GivesTheCurrentValueOnlyWhenAsked) {
     Observable<int> value{1};
     std::vector<int> seen;
     const auto silent = value.observe([&](int now) { seen.push_back(now); });
@@ -32,7 +32,7 @@ TEST(Observable, givesTheCurrentValueOnlyWhenAsked) {
     EXPECT_EQ(seen, (std::vector<int>{10}));
 }
 
-TEST(Observable, stopsTellingWhoHasLeft) {
+TEST(Observable, StopsTellingWhoHasLeft) {
     Observable<int> value;
     int calls = 0;
     auto subscription = value.observe([&](int) { ++calls; });
@@ -42,7 +42,7 @@ TEST(Observable, stopsTellingWhoHasLeft) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST(Observable, letsObserversLeaveAndJoinWhileItTells) {
+TEST(Observable, LetsObserversLeaveAndJoinWhileItTells) {
     Observable<int> value;
     std::vector<std::string> calls;
     Subscription second;
@@ -61,7 +61,7 @@ TEST(Observable, letsObserversLeaveAndJoinWhileItTells) {
     EXPECT_EQ(calls, (std::vector<std::string>{"first", "first", "third"}));
 }
 
-TEST(Observable, mayGoBeforeItsSubscriptions) {
+TEST(Observable, MayGoBeforeItsSubscriptions) {
     auto value = std::make_unique<Observable<int>>();
     const auto token = std::make_shared<int>();
     auto subscription = value->observe([token](int) {});
@@ -71,7 +71,7 @@ TEST(Observable, mayGoBeforeItsSubscriptions) {
     EXPECT_EQ(token.use_count(), 1);
 }
 
-TEST(AppNotificationCenter, reachesOnlyObserversOfThatNotification) {
+TEST(AppNotificationCenter, ReachesOnlyObserversOfThatNotification) {
     AppNotificationCenter center;
     std::vector<AppNotificationObject> seen;
     const auto subscription = center.observe(AppNotification::callDurationUpdated,
@@ -81,14 +81,14 @@ TEST(AppNotificationCenter, reachesOnlyObserversOfThatNotification) {
     EXPECT_EQ(seen, (std::vector<AppNotificationObject>{std::int64_t{-1}}));
 }
 
-TEST(AppNotificationCenter, namesItsNotifications) {
+TEST(AppNotificationCenter, NamesItsNotifications) {
     EXPECT_EQ(name(AppNotification::prepareActiveCall), "PrepareActiveCall");
     EXPECT_EQ(name(AppNotification::callDurationUpdated), "CallDurationUpdated");
     EXPECT_EQ(name(AppNotification::smsHistoryUpdated), "SmsHistoryUpdated");
     EXPECT_EQ(name(AppNotification::callHistoryUpdated), "CallHistoryUpdated");
 }
 
-TEST(Uuid, isRandomAndHasTheStandardForm) {
+TEST(Uuid, IsRandomAndHasTheStandardForm) {
     std::set<std::string> seen;
     for (int i = 0; i < 100; ++i) {
         const std::string text = Uuid::random().text();

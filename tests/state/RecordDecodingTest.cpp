@@ -48,7 +48,7 @@ private:
     JsonReader reader_;
 };
 
-TEST_F(RecordDecoding, fillsANotificationFromAnEmptyObject) {
+TEST_F(RecordDecoding, FillsANotificationFromAnEmptyObject) {
     const auto payload = notification("{}");
     ASSERT_TRUE(payload);
     EXPECT_EQ(payload->app, "");
@@ -58,11 +58,11 @@ TEST_F(RecordDecoding, fillsANotificationFromAnEmptyObject) {
     EXPECT_EQ(payload->key, std::nullopt);
 }
 
-TEST_F(RecordDecoding, makesANewIdentityAtEachRead) {
+TEST_F(RecordDecoding, MakesANewIdentityAtEachRead) {
     EXPECT_NE(notification("{}")->id, notification("{}")->id);
 }
 
-TEST_F(RecordDecoding, readsEveryKeyOfANotification) {
+TEST_F(RecordDecoding, ReadsEveryKeyOfANotification) {
     const auto payload = notification(
         R"({"app":"Chat","title":"Anna","body":"a\nb","time":1700000000.5,"key":"k","id":"x","more":[]})");
     ASSERT_TRUE(payload);
@@ -73,11 +73,11 @@ TEST_F(RecordDecoding, readsEveryKeyOfANotification) {
     EXPECT_EQ(payload->key, "k");
 }
 
-TEST_F(RecordDecoding, takesANotificationTimeAsItStands) {
+TEST_F(RecordDecoding, TakesANotificationTimeAsItStands) {
     EXPECT_EQ(notification(R"({"time":1700000000000})")->time, 1'700'000'000'000.0);
 }
 
-TEST_F(RecordDecoding, refusesANotificationWithAnyKeyOfAnotherType) {
+TEST_F(RecordDecoding, RefusesANotificationWithAnyKeyOfAnotherType) {
     EXPECT_FALSE(notification(R"({"title":5})"));
     for (const char* key : {"app", "title", "body", "key"}) {
         for (const char* wrong : {"5", "true", "[]", "{}"}) {
@@ -91,17 +91,17 @@ TEST_F(RecordDecoding, refusesANotificationWithAnyKeyOfAnotherType) {
     EXPECT_FALSE(notification("[]"));
 }
 
-TEST_F(RecordDecoding, fillsAnSmsFromAnEmptyObject) {
+TEST_F(RecordDecoding, FillsAnSmsFromAnEmptyObject) {
     EXPECT_EQ(sms("{}"), (SmsRecord{.address = "", .name = {}, .body = "", .date = 0, .type = 1}));
 }
 
-TEST_F(RecordDecoding, readsSmsNumbersHoweverTheyAreWritten) {
+TEST_F(RecordDecoding, ReadsSmsNumbersHoweverTheyAreWritten) {
     EXPECT_EQ(sms(R"({"date":1700000000000})")->date, 1'700'000'000'000.0);
     EXPECT_EQ(sms(R"({"date":1700000000000.0})")->date, 1'700'000'000'000.0);
     EXPECT_EQ(sms(R"({"type":2.0})")->type, 2);
 }
 
-TEST_F(RecordDecoding, refusesAnSmsWithAnyKeyOfAnotherType) {
+TEST_F(RecordDecoding, RefusesAnSmsWithAnyKeyOfAnotherType) {
     for (const char* bad :
          {R"({"type":"1"})", R"({"type":1.5})", R"({"type":true})", R"({"date":"1"})", R"({"address":7700})",
           R"({"name":1})", R"({"body":false})", "[]", R"({"type":99999999999999999999})"}) {
@@ -111,7 +111,7 @@ TEST_F(RecordDecoding, refusesAnSmsWithAnyKeyOfAnotherType) {
     EXPECT_EQ(sms(R"({"name":""})")->name, "");
 }
 
-TEST_F(RecordDecoding, needsEveryKeyOfACallButTheName) {
+TEST_F(RecordDecoding, NeedsEveryKeyOfACallButTheName) {
     const std::vector<std::pair<std::string, std::string>> good{{"number", "\"5551\""},
                                                                 {"name", "\"Anna\""},
                                                                 {"date", "1700000000000"},
@@ -132,7 +132,7 @@ TEST_F(RecordDecoding, needsEveryKeyOfACallButTheName) {
     EXPECT_FALSE(call(with(good, "duration", "61.5")));
 }
 
-TEST_F(RecordDecoding, needsBothKeysOfASim) {
+TEST_F(RecordDecoding, NeedsBothKeysOfASim) {
     EXPECT_EQ(sim(R"({"slot":1,"carrier":"Two"})"), (SimInfo{.slot = 1, .carrier = "Two"}));
     for (const char* bad : {"{}", R"({"slot":1})", R"({"carrier":"Two"})", R"({"slot":null,"carrier":"Two"})",
                             R"({"slot":"1","carrier":"Two"})", R"({"slot":1,"carrier":null})", "[]"}) {
@@ -140,15 +140,7 @@ TEST_F(RecordDecoding, needsBothKeysOfASim) {
     }
 }
 
-TEST_F(RecordDecoding, needsTheNumberOfAnIncomingCall) {
-    EXPECT_EQ(decodeIncomingCallInfo(parse(R"({"number":"1","name":null})")),
-              (IncomingCallInfo{.number = "1", .name = {}}));
-    EXPECT_EQ(decodeIncomingCallInfo(parse(R"({"number":"1","name":"A"})"))->name, "A");
-    EXPECT_FALSE(decodeIncomingCallInfo(parse(R"({"name":"A"})")));
-    EXPECT_FALSE(decodeIncomingCallInfo(parse(R"({"number":"1","name":2})")));
-}
-
-TEST_F(RecordDecoding, losesTheWholeListWithOneBadElement) {
+TEST_F(RecordDecoding, LosesTheWholeListWithOneBadElement) {
     constexpr std::string_view goodCall = R"({"number":"1","date":1,"duration":2,"type":3})";
     const std::string good(goodCall);
     EXPECT_EQ(decodeCallHistory(parse("{\"calls\":[" + good + "," + good + "]}"))->size(), 2U);
@@ -158,7 +150,7 @@ TEST_F(RecordDecoding, losesTheWholeListWithOneBadElement) {
     EXPECT_FALSE(decodeSims(parse(R"({"sims":[{"slot":0,"carrier":"One"},{"slot":1}]})")));
 }
 
-TEST_F(RecordDecoding, needsAListUnderItsKey) {
+TEST_F(RecordDecoding, NeedsAListUnderItsKey) {
     EXPECT_TRUE(decodeSmsHistory(parse(R"({"messages":[]})"))->empty());
     for (const char* bad : {"{}", R"({"messages":null})", R"({"messages":{}})", R"({"messages":"[]"})"}) {
         EXPECT_FALSE(decodeSmsHistory(parse(bad))) << bad;
@@ -167,14 +159,14 @@ TEST_F(RecordDecoding, needsAListUnderItsKey) {
     EXPECT_FALSE(decodeSims(parse("{}")));
 }
 
-TEST_F(RecordDecoding, keepsListsInTheOrderOfThePhone) {
+TEST_F(RecordDecoding, KeepsListsInTheOrderOfThePhone) {
     const auto history = decodeSmsHistory(parse(R"({"messages":[{"body":"b"},{"body":"a"}]})"));
     ASSERT_EQ(history->size(), 2U);
     EXPECT_EQ((*history)[0].body, "b");
     EXPECT_EQ((*history)[1].body, "a");
 }
 
-TEST(Records, tellSimsOfOneSlotApartByTheirCarrier) {
+TEST(Records, TellSimsOfOneSlotApartByTheirCarrier) {
     const SimInfo one{.slot = 0, .carrier = "One"};
     const SimInfo two{.slot = 0, .carrier = "Two"};
     EXPECT_NE(one, two);
@@ -183,12 +175,12 @@ TEST(Records, tellSimsOfOneSlotApartByTheirCarrier) {
     EXPECT_EQ(sims.size(), 3U);
 }
 
-TEST(Records, shareAnIdentityWithinOneMillisecond) {
+TEST(Records, ShareAnIdentityWithinOneMillisecond) {
     EXPECT_EQ((SmsRecord{.body = "a", .date = 5}).id(), (SmsRecord{.body = "b", .date = 5}).id());
     EXPECT_EQ((CallRecord{.number = "a", .date = 5}).id(), (CallRecord{.number = "b", .date = 5}).id());
 }
 
-TEST(Records, showTheTimeOfTodayAndTheDateOfAnyOtherDay) {
+TEST(Records, ShowTheTimeOfTodayAndTheDateOfAnyOtherDay) {
     const FakeHost host;
     NotifPayload payload;
     payload.time = 1'700'000'000 - 3600;
@@ -197,6 +189,18 @@ TEST(Records, showTheTimeOfTodayAndTheDateOfAnyOtherDay) {
     EXPECT_EQ(payload.formattedTime(host), "13/11/2023, 21:13");
     payload.time = 1'700'000'000 + 24.0 * 3600;
     EXPECT_EQ(payload.formattedTime(host), "15/11/2023, 22:13");
+}
+
+TEST(Records, GoByTheClockOfTheUser) {
+    FakeHost host;
+    NotifPayload payload;
+    payload.time = 1'700'000'000;
+    host.zone = "Asia/Kolkata";
+    EXPECT_EQ(payload.formattedTime(host), "03:43");
+    payload.time -= 4 * 3600.0;
+    EXPECT_EQ(payload.formattedTime(host), "14/11/2023, 23:43") << "yesterday there, today at Greenwich";
+    host.zone = "America/New_York";
+    EXPECT_EQ(payload.formattedTime(host), "13:13");
 }
 
 } // namespace

@@ -15,9 +15,9 @@ using TextMap = std::map<std::string, std::string>;
 class CallsTabTest : public testing::Test, protected TabHarness {
 protected:
     KeyPressResult type(std::string characters, KeyPress::Phase phase = KeyPress::Phase::down) {
-        return view->pressKey({.phase = phase, .characters = std::move(characters)});
+        return view->calls.pressKey({.phase = phase, .characters = std::move(characters)});
     }
-    KeyPressResult press(KeyPress::Key key) { return view->pressKey({.key = key}); }
+    KeyPressResult press(KeyPress::Key key) { return view->calls.pressKey({.key = key}); }
 
     std::vector<AppNotificationObject> prepared;
     Subscription observer = link.notifications.observe(
@@ -30,37 +30,37 @@ TEST_F(CallsTabTest, ThePadHasItsTwelveButtons) {
     const std::vector<std::pair<std::string, std::string>> expected{
         {"1", ""},        {"2", "A B C"}, {"3", "D E F"},   {"4", "G H I"}, {"5", "J K L"}, {"6", "M N O"},
         {"7", "P Q R S"}, {"8", "T U V"}, {"9", "W X Y Z"}, {"*", ""},      {"0", "+"},     {"#", ""}};
-    ASSERT_EQ(view->dialButtons.size(), expected.size());
+    ASSERT_EQ(view->calls.dialButtons.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(view->dialButtons[i].digit, expected[i].first);
-        EXPECT_EQ(view->dialButtons[i].letters, expected[i].second);
-        view->dialpadNumber.set("7");
-        view->pressDialButton(i);
-        EXPECT_EQ(view->dialpadNumber.get(), "7" + expected[i].first);
+        EXPECT_EQ(view->calls.dialButtons[i].digit, expected[i].first);
+        EXPECT_EQ(view->calls.dialButtons[i].letters, expected[i].second);
+        view->calls.dialpadNumber.set("7");
+        view->calls.pressDialButton(i);
+        EXPECT_EQ(view->calls.dialpadNumber.get(), "7" + expected[i].first);
     }
 }
 
 TEST_F(CallsTabTest, AnEmptyNumberShowsABlankAndCannotBeCalledOrShortened) {
-    EXPECT_EQ(view->dialPad(), (DialPad{.numberText = " "}));
-    view->dialpadNumber.set("12");
-    EXPECT_EQ(view->dialPad(), (DialPad{.numberText = "12", .canCall = true, .showsDelete = true}));
+    EXPECT_EQ(view->calls.dialPad.get(), (DialPad{.numberText = " "}));
+    view->calls.dialpadNumber.set("12");
+    EXPECT_EQ(view->calls.dialPad.get(), (DialPad{.numberText = "12", .canCall = true, .showsDelete = true}));
 }
 
 TEST_F(CallsTabTest, TheDeleteButtonRemovesTheLastCharacterIfThereIsOne) {
-    view->dialpadNumber.set("12");
-    view->deleteLastDigit();
-    EXPECT_EQ(view->dialpadNumber.get(), "1");
-    view->deleteLastDigit();
-    view->deleteLastDigit();
-    EXPECT_EQ(view->dialpadNumber.get(), "");
+    view->calls.dialpadNumber.set("12");
+    view->calls.deleteLastDigit();
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "1");
+    view->calls.deleteLastDigit();
+    view->calls.deleteLastDigit();
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "");
 }
 
 TEST_F(CallsTabTest, TheSimPickerNeedsTwoSimsAndAlwaysStandsFor0And1) {
-    EXPECT_FALSE(view->dialPad().showsSimPicker);
+    EXPECT_FALSE(view->calls.dialPad.get().showsSimPicker);
     store.availableSIMs.set({{.slot = 1, .carrier = "One"}});
-    EXPECT_FALSE(view->dialPad().showsSimPicker);
+    EXPECT_FALSE(view->calls.dialPad.get().showsSimPicker);
     store.availableSIMs.set({{.slot = 1, .carrier = "One"}, {.slot = 2, .carrier = "Two"}});
-    EXPECT_TRUE(view->dialPad().showsSimPicker);
+    EXPECT_TRUE(view->calls.dialPad.get().showsSimPicker);
     EXPECT_EQ(simSegments[0].title, "1");
     EXPECT_EQ(simSegments[0].slot, 0);
     EXPECT_EQ(simSegments[1].title, "2");
@@ -70,19 +70,19 @@ TEST_F(CallsTabTest, TheSimPickerNeedsTwoSimsAndAlwaysStandsFor0And1) {
 // Calling
 
 TEST_F(CallsTabTest, CallingTellsThePhoneAndPreparesTheCall) {
-    view->phoneCallLog.set({{.number = "+44 7700 900123", .name = "Anna"}});
-    view->dialpadNumber.set("07700900123");
-    view->selectedSimSlot.set(1);
-    view->startCall();
+    view->phone.phoneCallLog.set({{.number = "+44 7700 900123", .name = "Anna"}});
+    view->calls.dialpadNumber.set("07700900123");
+    view->phone.selectedSimSlot.set(1);
+    view->calls.startCall();
     EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"make_call","number":"07700900123","simSlot":1})"));
     EXPECT_THAT(prepared,
                 ElementsAre(AppNotificationObject(TextMap{{"number", "07700900123"}, {"name", "Anna"}})));
-    EXPECT_EQ(view->dialpadNumber.get(), "07700900123");
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "07700900123");
 }
 
 TEST_F(CallsTabTest, AnUnknownNumberIsItsOwnName) {
-    view->dialpadNumber.set("*#06#");
-    view->startCall();
+    view->calls.dialpadNumber.set("*#06#");
+    view->calls.startCall();
     EXPECT_THAT(prepared, ElementsAre(AppNotificationObject(TextMap{{"number", "*#06#"}, {"name", "*#06#"}})));
     EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"make_call","number":"*#06#","simSlot":0})"));
 }
@@ -90,8 +90,8 @@ TEST_F(CallsTabTest, AnUnknownNumberIsItsOwnName) {
 TEST_F(CallsTabTest, WithNoPhoneTheCallIsPreparedAllTheSame) {
     phone->report(ConnectionState::cancelled);
     on.drain();
-    view->dialpadNumber.set("5");
-    view->startCall();
+    view->calls.dialpadNumber.set("5");
+    view->calls.startCall();
     EXPECT_THAT(takeSent(), IsEmpty());
     EXPECT_EQ(prepared.size(), 1u);
 }
@@ -104,13 +104,13 @@ TEST_F(CallsTabTest, ReturnWithAnEmptyNumberDoesNothing) {
 
 TEST_F(CallsTabTest, EndingACallHangsUpAndClears) {
     store.incomingCallInfo.set(IncomingCallInfo{.number = "5"});
-    view->isSpeakerOn.set(true);
-    view->isMuted.set(true);
-    view->endCall();
+    view->calls.isSpeakerOn.set(true);
+    view->calls.isMuted.set(true);
+    view->calls.endCall();
     EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"hangup_call"})"));
     EXPECT_EQ(store.incomingCallInfo.get(), std::nullopt);
-    EXPECT_FALSE(view->isSpeakerOn.get());
-    EXPECT_FALSE(view->isMuted.get());
+    EXPECT_FALSE(view->calls.isSpeakerOn.get());
+    EXPECT_FALSE(view->calls.isMuted.get());
 }
 
 // The keyboard
@@ -122,34 +122,34 @@ TEST_F(CallsTabTest, DialCharactersAppendAndAnythingElsePassesOn) {
     for (const char* key : {"a", "+", " ", "", "1a", "²"}) {
         EXPECT_EQ(type(key), KeyPressResult::ignored) << key;
     }
-    EXPECT_EQ(view->dialpadNumber.get(), "1*#0");
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "1*#0");
 }
 
 TEST_F(CallsTabTest, CharactersInTheOrderOfTheDialTextAppendTogether) {
     EXPECT_EQ(type("456"), KeyPressResult::handled);
     EXPECT_EQ(type("654"), KeyPressResult::ignored);
-    EXPECT_EQ(view->dialpadNumber.get(), "456");
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "456");
 }
 
 TEST_F(CallsTabTest, AHeldDigitRepeatsAndItsReleaseAddsNothing) {
     type("5");
     type("5", KeyPress::Phase::repeat);
     EXPECT_EQ(type("5", KeyPress::Phase::up), KeyPressResult::ignored);
-    EXPECT_EQ(view->dialpadNumber.get(), "55");
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "55");
 }
 
 TEST_F(CallsTabTest, BothDeleteKeysRemoveTheLastDigitAndAreHandledOnAnEmptyNumber) {
-    view->dialpadNumber.set("123");
+    view->calls.dialpadNumber.set("123");
     EXPECT_EQ(press(KeyPress::Key::deleteKey), KeyPressResult::handled);
     EXPECT_EQ(press(KeyPress::Key::deleteForward), KeyPressResult::handled);
-    EXPECT_EQ(view->dialpadNumber.get(), "1");
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "1");
     press(KeyPress::Key::deleteKey);
     EXPECT_EQ(press(KeyPress::Key::deleteKey), KeyPressResult::handled);
-    EXPECT_EQ(view->dialpadNumber.get(), "");
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "");
 }
 
 TEST_F(CallsTabTest, ReturnCalls) {
-    view->dialpadNumber.set("5");
+    view->calls.dialpadNumber.set("5");
     EXPECT_EQ(press(KeyPress::Key::returnKey), KeyPressResult::handled);
     EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"make_call","number":"5","simSlot":0})"));
 }
@@ -171,13 +171,13 @@ TEST(DialerKeyHandlerTest, AnActiveCallSuspendsAllKeys) {
 // Recent calls
 
 TEST_F(CallsTabTest, RowsKeepTheOrderOfTheLogAndShowTheirDirection) {
-    view->phoneCallLog.set({{.number = "3", .name = "Anna", .date = 1'700'000'000'000, .type = 3},
-                            {.number = "2", .date = 1'600'000'000'000, .type = 2},
-                            {.number = "1", .date = 1'699'919'999'000, .type = 1},
-                            {.number = "5", .name = "", .date = 1'699'919'999'000, .type = 5}});
+    view->phone.phoneCallLog.set({{.number = "3", .name = "Anna", .date = 1'700'000'000'000, .type = 3},
+                                  {.number = "2", .date = 1'600'000'000'000, .type = 2},
+                                  {.number = "1", .date = 1'699'919'999'000, .type = 1},
+                                  {.number = "5", .name = "", .date = 1'699'919'999'000, .type = 5}});
     constexpr std::string_view in = "phone.arrow.down.left";
     constexpr std::string_view out = "phone.arrow.up.right";
-    EXPECT_THAT(view->recentCallRows(),
+    EXPECT_THAT(view->calls.recentCalls.get(),
                 ElementsAre(RecentCallRow{1'700'000'000'000, "3", "Anna", "22:13", in, ColorRole::red},
                             RecentCallRow{1'600'000'000'000, "2", "2", "13/09/2020", out, ColorRole::primary},
                             RecentCallRow{1'699'919'999'000, "1", "1", "Yesterday", in, ColorRole::primary},
@@ -185,9 +185,9 @@ TEST_F(CallsTabTest, RowsKeepTheOrderOfTheLogAndShowTheirDirection) {
 }
 
 TEST_F(CallsTabTest, PressingARowReplacesTheNumberAndCallsBack) {
-    view->dialpadNumber.set("stale");
-    view->callBack("+44 77");
-    EXPECT_EQ(view->dialpadNumber.get(), "+44 77");
+    view->calls.dialpadNumber.set("stale");
+    view->calls.callBack("+44 77");
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "+44 77");
     EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"make_call","number":"+44 77","simSlot":0})"));
 }
 

@@ -1,4 +1,5 @@
 #include "tabs/TabHarness.h"
+#include "tabs/filedrop/FileDropTexts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -65,14 +66,14 @@ TEST_F(FileDropTabTest, AFinishedTransferShowsDirectionSizeAndTime) {
 
 TEST_F(FileDropTabTest, RowsAndTheClearButtonFollowTheStore) {
     int redraws = 0;
-    const auto observer = view->observe(SettingsView::Shown::fileTransfers, [&] { ++redraws; });
-    EXPECT_FALSE(view->showsClearFileTransfers());
+    const auto observer = view->fileDrop.transfers.observe([&] { ++redraws; });
+    EXPECT_FALSE(view->fileDrop.showsClear());
     store.addFileTransfer(record());
-    EXPECT_TRUE(view->showsClearFileTransfers());
-    EXPECT_EQ(view->fileTransferRows().size(), 1u);
-    view->clearFileTransfers();
-    EXPECT_FALSE(view->showsClearFileTransfers());
-    EXPECT_THAT(view->fileTransferRows(), IsEmpty());
+    EXPECT_TRUE(view->fileDrop.showsClear());
+    EXPECT_EQ(view->fileDrop.transfers.get().size(), 1u);
+    view->fileDrop.clearFileTransfers();
+    EXPECT_FALSE(view->fileDrop.showsClear());
+    EXPECT_THAT(view->fileDrop.transfers.get(), IsEmpty());
     EXPECT_EQ(redraws, 2);
 }
 
@@ -82,21 +83,21 @@ TEST_F(FileDropTabTest, TheFolderButtonRevealsTheFile) {
     store.addFileTransfer(done);
     FileTransferRecord without = record();
     store.addFileTransfer(without);
-    view->revealFile(done.id);
-    view->revealFile(without.id);
-    view->revealFile(Uuid::random());
+    view->fileDrop.revealFile(done.id);
+    view->fileDrop.revealFile(without.id);
+    view->fileDrop.revealFile(Uuid::random());
     EXPECT_THAT(on.workspace.revealed, ElementsAre("/tmp/a.txt"));
 }
 
 TEST_F(FileDropTabTest, TheOpenPanelTakesSeveralFilesAndNoFolders) {
-    view->selectFileAndSend();
+    view->fileDrop.selectFileAndSend();
     ASSERT_TRUE(on.windows.openPanelOptions.has_value());
     EXPECT_TRUE(on.windows.openPanelOptions->allowsMultipleSelection);
     EXPECT_FALSE(on.windows.openPanelOptions->canChooseDirectories);
 }
 
 TEST_F(FileDropTabTest, ChosenFilesAreSentInTheOrderOfThePanel) {
-    view->selectFileAndSend();
+    view->fileDrop.selectFileAndSend();
     on.windows.openPanelDone(
         {{"/no such/1.a", "/no such/5.b", "/no such/3.c", "/no such/4.d", "/no such/2.e"}});
     const auto tried = triedFiles();
@@ -108,14 +109,14 @@ TEST_F(FileDropTabTest, ChosenFilesAreSentInTheOrderOfThePanel) {
 }
 
 TEST_F(FileDropTabTest, CancellingThePanelSendsNothing) {
-    view->selectFileAndSend();
+    view->fileDrop.selectFileAndSend();
     on.windows.openPanelDone(std::nullopt);
     EXPECT_THAT(triedFiles(), IsEmpty());
     EXPECT_THAT(takeSent(), IsEmpty());
 }
 
 TEST_F(FileDropTabTest, AnAnswerOfThePanelAfterTheViewHasGoneSendsNothing) {
-    view->selectFileAndSend();
+    view->fileDrop.selectFileAndSend();
     view.reset();
     on.windows.openPanelDone({{"/no such/1.a"}});
     EXPECT_THAT(triedFiles(), IsEmpty());
@@ -123,10 +124,10 @@ TEST_F(FileDropTabTest, AnAnswerOfThePanelAfterTheViewHasGoneSendsNothing) {
 
 TEST(FileDropTextsTest, AreExact) {
     EXPECT_EQ(
-        fileDropTexts::description,
+        textOf(fileDropTexts, "description"),
         "Easily move files between your Mac and Android. Received files are saved to your Downloads folder.");
-    EXPECT_EQ(fileDropTexts::send, "Send Files...");
-    EXPECT_EQ(fileDropTexts::revealTooltip, "Show in Finder");
+    EXPECT_EQ(textOf(fileDropTexts, "send"), "Send Files...");
+    EXPECT_EQ(textOf(fileDropTexts, "revealTooltip"), "Show in Finder");
 }
 
 } // namespace

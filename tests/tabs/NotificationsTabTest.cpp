@@ -1,4 +1,5 @@
 #include "tabs/TabHarness.h"
+#include "tabs/notifications/NotificationsTexts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,26 +14,26 @@ class NotificationsTabTest : public testing::Test, protected TabHarness {
 protected:
     NotificationRow rowOf(NotifPayload payload) {
         store.items.set({std::move(payload)});
-        return view->notificationRows().at(0);
+        return view->notifications.rows.get().at(0);
     }
 };
 
 TEST_F(NotificationsTabTest, TheFooterCounts) {
-    EXPECT_EQ(view->notificationsFooter(), (NotificationsFooter{"0 notifications", false}));
+    EXPECT_EQ(view->notifications.footer(), (NotificationsFooter{"0 notifications", false}));
     store.add({.app = "a"});
-    EXPECT_EQ(view->notificationsFooter(), (NotificationsFooter{"1 notification", true}));
+    EXPECT_EQ(view->notifications.footer(), (NotificationsFooter{"1 notification", true}));
     store.add({.app = "b"});
-    EXPECT_EQ(view->notificationsFooter(), (NotificationsFooter{"2 notifications", true}));
+    EXPECT_EQ(view->notifications.footer(), (NotificationsFooter{"2 notifications", true}));
 }
 
 TEST_F(NotificationsTabTest, RowsFollowTheStore) {
     int redraws = 0;
-    const auto observer = view->observe(SettingsView::Shown::notifications, [&] { ++redraws; });
+    const auto observer = view->notifications.rows.observe([&] { ++redraws; });
     store.add({.app = "first"});
     store.add({.app = "second"});
     EXPECT_EQ(redraws, 2);
-    EXPECT_EQ(view->notificationRows().at(0).app, "second");
-    EXPECT_EQ(view->notificationRows().at(0).id, store.items.get().at(0).id);
+    EXPECT_EQ(view->notifications.rows.get().at(0).app, "second");
+    EXPECT_EQ(view->notifications.rows.get().at(0).id, store.items.get().at(0).id);
 }
 
 TEST_F(NotificationsTabTest, TheLetterIsTheFirstOfAppOrTitleInUpperCase) {
@@ -50,7 +51,7 @@ TEST_F(NotificationsTabTest, ARecordWithoutTextsStillHasAHeader) {
 }
 
 TEST_F(NotificationsTabTest, ATitleThatIsAKnownNumberShowsTheName) {
-    view->phoneCallLog.set({{.number = "07700900123", .name = "Anna"}});
+    view->phone.phoneCallLog.set({{.number = "07700900123", .name = "Anna"}});
     EXPECT_EQ(rowOf({.title = "+44 7700 900123", .body = "hi"}).title, "Anna");
     EXPECT_EQ(rowOf({.title = "Some title"}).title, "Some title");
     EXPECT_EQ(rowOf({.body = "hi"}).body, "hi");
@@ -68,61 +69,61 @@ TEST_F(NotificationsTabTest, OneReplyBoxIsOpenAtATimeAndTheTextCarriesOver) {
     store.add({.app = "b"});
     const Uuid newest = store.items.get().at(0).id;
     const Uuid oldest = store.items.get().at(1).id;
-    EXPECT_FALSE(view->notificationRows().at(0).isReplying);
-    view->openReply(newest);
-    view->replyText.set("begun");
-    EXPECT_TRUE(view->notificationRows().at(0).isReplying);
-    view->openReply(oldest);
-    EXPECT_FALSE(view->notificationRows().at(0).isReplying);
-    EXPECT_TRUE(view->notificationRows().at(1).isReplying);
-    EXPECT_EQ(view->replyText.get(), "begun");
+    EXPECT_FALSE(view->notifications.rows.get().at(0).isReplying);
+    view->notifications.openReply(newest);
+    view->notifications.replyText.set("begun");
+    EXPECT_TRUE(view->notifications.rows.get().at(0).isReplying);
+    view->notifications.openReply(oldest);
+    EXPECT_FALSE(view->notifications.rows.get().at(0).isReplying);
+    EXPECT_TRUE(view->notifications.rows.get().at(1).isReplying);
+    EXPECT_EQ(view->notifications.replyText.get(), "begun");
 }
 
 TEST_F(NotificationsTabTest, AReplyGoesOutUnderTheRowsIdentityAndNotTheKey) {
     store.add({.app = "a", .key = "phone-key"});
     const Uuid id = store.items.get().at(0).id;
-    view->openReply(id);
-    view->replyText.set(" on my way ");
-    view->sendReply(id);
+    view->notifications.openReply(id);
+    view->notifications.replyText.set(" on my way ");
+    view->notifications.sendReply(id);
     EXPECT_THAT(takeSent(),
                 ElementsAre(R"({"action":"reply","key":")" + id.text() + R"(","message":" on my way "})"));
-    EXPECT_EQ(view->replyingTo.get(), std::nullopt);
-    EXPECT_EQ(view->replyText.get(), "");
+    EXPECT_EQ(view->notifications.replyingTo.get(), std::nullopt);
+    EXPECT_EQ(view->notifications.replyText.get(), "");
     EXPECT_EQ(store.items.get().size(), 1u);
 }
 
 TEST_F(NotificationsTabTest, AnEmptyReplyIsSent) {
     store.add({.app = "a"});
     const Uuid id = store.items.get().at(0).id;
-    view->sendReply(id);
+    view->notifications.sendReply(id);
     EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"reply","key":")" + id.text() + R"(","message":""})"));
 }
 
 TEST_F(NotificationsTabTest, CancellingKeepsTheText) {
-    view->openReply(Uuid::random());
-    view->replyText.set("begun");
-    view->cancelReply();
-    EXPECT_EQ(view->replyingTo.get(), std::nullopt);
-    EXPECT_EQ(view->replyText.get(), "begun");
+    view->notifications.openReply(Uuid::random());
+    view->notifications.replyText.set("begun");
+    view->notifications.cancelReply();
+    EXPECT_EQ(view->notifications.replyingTo.get(), std::nullopt);
+    EXPECT_EQ(view->notifications.replyText.get(), "begun");
 }
 
 TEST_F(NotificationsTabTest, ClearingEmptiesTheStoreAndLeavesAStaleReplyTarget) {
     store.add({.app = "a"});
     const Uuid id = store.items.get().at(0).id;
-    view->openReply(id);
-    view->clearNotifications();
-    EXPECT_THAT(view->notificationRows(), IsEmpty());
-    EXPECT_EQ(view->replyingTo.get(), id);
+    view->notifications.openReply(id);
+    view->notifications.clearNotifications();
+    EXPECT_THAT(view->notifications.rows.get(), IsEmpty());
+    EXPECT_EQ(view->notifications.replyingTo.get(), id);
     store.add({.app = "b"});
-    EXPECT_FALSE(view->notificationRows().at(0).isReplying);
+    EXPECT_FALSE(view->notifications.rows.get().at(0).isReplying);
 }
 
 TEST(NotificationsTextsTest, AreExact) {
-    EXPECT_EQ(notificationsTexts::emptyTitle, "No notifications yet");
-    EXPECT_EQ(notificationsTexts::emptyDescription,
+    EXPECT_EQ(textOf(notificationsTexts, "emptyTitle"), "No notifications yet");
+    EXPECT_EQ(textOf(notificationsTexts, "emptyDescription"),
               "Notifications forwarded from your Android phone will appear here.");
-    EXPECT_EQ(notificationsTexts::clearAll, "Clear All");
-    EXPECT_EQ(notificationsTexts::replyPlaceholder, "Type reply...");
+    EXPECT_EQ(textOf(notificationsTexts, "clearAll"), "Clear All");
+    EXPECT_EQ(textOf(notificationsTexts, "replyPlaceholder"), "Type reply...");
 }
 
 } // namespace

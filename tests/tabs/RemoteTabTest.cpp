@@ -1,4 +1,5 @@
 #include "tabs/TabHarness.h"
+#include "tabs/remote/RemoteTexts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -45,7 +46,7 @@ TEST_F(RemoteTabTest, EachButtonSendsItsName) {
     ASSERT_EQ(remoteButtons.size(), buttonCases.size());
     for (std::size_t i = 0; i < buttonCases.size(); ++i) {
         EXPECT_EQ(remoteButtons[i].symbol, buttonCases[i].symbol);
-        view->pressRemoteButton(i);
+        view->remote.pressRemoteButton(i);
         EXPECT_THAT(takeSent(), ElementsAre(R"({"action":")" + std::string(buttonCases[i].action) +
                                             R"(","command":")" + std::string(buttonCases[i].command) + "\"}"));
     }
@@ -69,7 +70,7 @@ TEST_F(RemoteTabTest, AKeyWithExactlyItsModifiersPressesItsButton) {
         {{.key = Key::escape, .control = true}, "app_menu"},
     };
     for (const auto& [pressed, command] : cases) {
-        EXPECT_TRUE(view->pressRemoteShortcut(pressed)) << command;
+        EXPECT_TRUE(view->remote.pressRemoteShortcut(pressed)) << command;
         EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"nav_command","command":")" + command + "\"}"));
     }
 }
@@ -80,7 +81,7 @@ TEST_F(RemoteTabTest, OtherKeysBelongToNobody) {
           KeyEquivalent{.key = Key::tab, .shift = true, .option = true},
           KeyEquivalent{.key = Key::n, .shift = true, .command = true},
           KeyEquivalent{.key = Key::upArrow, .control = true}}) {
-        EXPECT_FALSE(view->pressRemoteShortcut(pressed));
+        EXPECT_FALSE(view->remote.pressRemoteShortcut(pressed));
     }
     EXPECT_THAT(takeSent(), IsEmpty());
 }
@@ -140,39 +141,39 @@ TEST_F(RemoteTabTest, TheShortcutListIsExact) {
 
 TEST_F(RemoteTabTest, TheWarningFollowsThePermission) {
     on.accessibility.trusted = false;
-    view->refreshAccessibilityStatus();
-    EXPECT_TRUE(view->showsAccessibilityWarning());
+    view->remote.refreshAccessibilityStatus();
+    EXPECT_FALSE(view->remote.isAccessibilityEnabled.get());
 
     int redraws = 0;
-    const auto observer = view->observe(SettingsView::Shown::remote, [&] { ++redraws; });
+    const auto observer = view->remote.isAccessibilityEnabled.observe([&](bool) { ++redraws; });
     on.accessibility.trusted = true;
-    EXPECT_TRUE(view->showsAccessibilityWarning());
-    view->refreshAccessibilityStatus();
-    EXPECT_FALSE(view->showsAccessibilityWarning());
+    EXPECT_FALSE(view->remote.isAccessibilityEnabled.get());
+    view->remote.refreshAccessibilityStatus();
+    EXPECT_TRUE(view->remote.isAccessibilityEnabled.get());
     EXPECT_EQ(redraws, 1);
 
     on.accessibility.trusted = false;
     view->applicationDidBecomeActive();
-    EXPECT_TRUE(view->showsAccessibilityWarning());
+    EXPECT_FALSE(view->remote.isAccessibilityEnabled.get());
     on.accessibility.trusted = true;
     view->viewAppears();
-    EXPECT_FALSE(view->showsAccessibilityWarning());
+    EXPECT_TRUE(view->remote.isAccessibilityEnabled.get());
     EXPECT_EQ(on.accessibility.prompts, 0);
 }
 
 TEST_F(RemoteTabTest, TheWarningOpensTheSystemsSettings) {
-    view->openAccessibilitySettings();
+    view->remote.openAccessibilitySettings();
     EXPECT_THAT(on.workspace.panes, ElementsAre(SettingsPane::accessibility));
 }
 
 TEST(RemoteTextsTest, AreExact) {
-    EXPECT_EQ(remoteTexts::warning,
+    EXPECT_EQ(textOf(remoteTexts, "warning"),
               "Velloway needs Accessibility permission to control media, presentation slides, and system "
               "features like locking or sleeping your Mac.");
     EXPECT_EQ(
-        remoteTexts::warningNote,
+        textOf(remoteTexts, "warningNote"),
         "Note: If permission is already granted, try removing Velloway from the list and adding it again.");
-    EXPECT_EQ(remoteTexts::warningTitle, "Accessibility Access Required");
+    EXPECT_EQ(textOf(remoteTexts, "warningTitle"), "Accessibility Access Required");
 }
 
 } // namespace

@@ -16,40 +16,40 @@ class SettingsViewTest : public testing::Test, protected TabHarness {};
 
 TEST_F(SettingsViewTest, StartsWithItsInitialValues) {
     EXPECT_EQ(view->history, link.store);
-    EXPECT_EQ(view->port.get(), 8765);
-    EXPECT_FALSE(view->launchAtLogin.get());
-    EXPECT_FALSE(view->serverRestartNeeded.get());
-    EXPECT_EQ(view->notifAuthStatus.get(), AuthorizationStatus::notDetermined);
-    EXPECT_TRUE(view->isAccessibilityEnabled.get());
-    EXPECT_THAT(view->selectedRecipients.get(), IsEmpty());
-    EXPECT_EQ(view->smsBody.get(), "");
-    EXPECT_EQ(view->selectedSimSlot.get(), 0);
-    EXPECT_EQ(view->smsStatus.get(), "");
-    EXPECT_EQ(view->smsStatusColor.get(), ColorRole::secondary);
-    EXPECT_EQ(view->replyingTo.get(), std::nullopt);
-    EXPECT_EQ(view->replyText.get(), "");
-    EXPECT_EQ(view->contactQuery.get(), "");
-    EXPECT_FALSE(view->looksNumeric.get());
-    EXPECT_FALSE(view->showSuggestions.get());
+    EXPECT_EQ(view->settings.port.get(), 8765);
+    EXPECT_FALSE(view->settings.launchAtLogin.get());
+    EXPECT_FALSE(view->settings.serverRestartNeeded.get());
+    EXPECT_EQ(view->settings.notifAuthStatus.get(), AuthorizationStatus::notDetermined);
+    EXPECT_TRUE(view->remote.isAccessibilityEnabled.get());
+    EXPECT_THAT(view->sms.selectedRecipients.get(), IsEmpty());
+    EXPECT_EQ(view->sms.smsBody.get(), "");
+    EXPECT_EQ(view->phone.selectedSimSlot.get(), 0);
+    EXPECT_EQ(view->sms.smsStatus.get(), "");
+    EXPECT_EQ(view->sms.smsStatusColor.get(), ColorRole::secondary);
+    EXPECT_EQ(view->notifications.replyingTo.get(), std::nullopt);
+    EXPECT_EQ(view->notifications.replyText.get(), "");
+    EXPECT_EQ(view->sms.contactQuery.get(), "");
+    EXPECT_FALSE(view->sms.looksNumeric.get());
+    EXPECT_FALSE(view->sms.showSuggestions.get());
     EXPECT_EQ(view->columnVisibility.get(), ColumnVisibility::all);
-    EXPECT_THAT(view->phoneSmsLog.get(), IsEmpty());
-    EXPECT_THAT(view->phoneCallLog.get(), IsEmpty());
+    EXPECT_THAT(view->phone.phoneSmsLog.get(), IsEmpty());
+    EXPECT_THAT(view->phone.phoneCallLog.get(), IsEmpty());
     EXPECT_EQ(view->selectedTab.get(), 0);
-    EXPECT_EQ(view->activeRecipient.get(), std::nullopt);
-    EXPECT_EQ(view->chatText.get(), "");
-    EXPECT_EQ(view->dialpadNumber.get(), "");
-    EXPECT_FALSE(view->isSpeakerOn.get());
-    EXPECT_FALSE(view->isMuted.get());
-    EXPECT_FALSE(view->timer.get().has_value());
-    EXPECT_EQ(view->dialButtons.size(), 12u);
+    EXPECT_EQ(view->sms.activeRecipient.get(), std::nullopt);
+    EXPECT_EQ(view->sms.chatText.get(), "");
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "");
+    EXPECT_FALSE(view->calls.isSpeakerOn.get());
+    EXPECT_FALSE(view->calls.isMuted.get());
+    EXPECT_FALSE(view->calls.timer.get().has_value());
+    EXPECT_EQ(view->calls.dialButtons.size(), 12u);
 }
 
 TEST_F(SettingsViewTest, ReadsTheLoginItemAndTheAccessibilityWhenMadeWithoutAPrompt) {
     isLoginEnabled = true;
     on.accessibility.trusted = false;
     makeView();
-    EXPECT_TRUE(view->launchAtLogin.get());
-    EXPECT_FALSE(view->isAccessibilityEnabled.get());
+    EXPECT_TRUE(view->settings.launchAtLogin.get());
+    EXPECT_FALSE(view->remote.isAccessibilityEnabled.get());
     EXPECT_EQ(on.accessibility.prompts, 0);
     EXPECT_THAT(loginChanges, IsEmpty());
 }
@@ -58,7 +58,7 @@ TEST_F(SettingsViewTest, TheAppearanceAsksForBothHistoriesThenReadsThePermission
     on.accessibility.trusted = false;
     on.journal.take();
     view->viewAppears();
-    EXPECT_FALSE(view->isAccessibilityEnabled.get());
+    EXPECT_FALSE(view->remote.isAccessibilityEnabled.get());
     EXPECT_THAT(on.journal.entries(), ElementsAre("notification settings"));
     EXPECT_THAT(takeSent(), ElementsAre(smsRequest, callRequest));
     EXPECT_EQ(on.accessibility.prompts, 0);
@@ -85,16 +85,16 @@ TEST_F(SettingsViewTest, TheOtherTabsAskForNothing) {
 }
 
 TEST_F(SettingsViewTest, TheNotificationStatusArrivesOnTheMainQueue) {
-    view->refreshNotifStatus();
+    view->settings.refreshNotifStatus();
     on.notificationCenter.answerStatus(AuthorizationStatus::denied);
-    EXPECT_EQ(view->notifAuthStatus.get(), AuthorizationStatus::notDetermined);
+    EXPECT_EQ(view->settings.notifAuthStatus.get(), AuthorizationStatus::notDetermined);
     on.drain();
-    EXPECT_EQ(view->notifAuthStatus.get(), AuthorizationStatus::denied);
+    EXPECT_EQ(view->settings.notifAuthStatus.get(), AuthorizationStatus::denied);
 }
 
 TEST_F(SettingsViewTest, AnAnswerAfterTheViewHasGoneDoesNothing) {
-    view->refreshNotifStatus();
-    view->requestNotificationPermission();
+    view->settings.refreshNotifStatus();
+    view->settings.requestNotificationPermission();
     view.reset();
     on.notificationCenter.answerStatus(AuthorizationStatus::denied);
     on.notificationCenter.answerAuthorization(true);
@@ -103,59 +103,59 @@ TEST_F(SettingsViewTest, AnAnswerAfterTheViewHasGoneDoesNothing) {
 }
 
 TEST_F(SettingsViewTest, TheHistoriesReplaceTheLogs) {
-    view->phoneSmsLog.set({{.address = "old"}});
+    view->phone.phoneSmsLog.set({{.address = "old"}});
     link.notifications.post(AppNotification::smsHistoryUpdated, std::vector<SmsRecord>{{.address = "new"}});
     link.notifications.post(AppNotification::callHistoryUpdated, std::vector<CallRecord>{{.number = "5"}});
-    EXPECT_THAT(view->phoneSmsLog.get(), ElementsAre(SmsRecord{.address = "new"}));
-    EXPECT_THAT(view->phoneCallLog.get(), ElementsAre(CallRecord{.number = "5"}));
+    EXPECT_THAT(view->phone.phoneSmsLog.get(), ElementsAre(SmsRecord{.address = "new"}));
+    EXPECT_THAT(view->phone.phoneCallLog.get(), ElementsAre(CallRecord{.number = "5"}));
 }
 
 TEST_F(SettingsViewTest, AHistoryFromThePhoneReachesTheLogs) {
     link.receive(*phone,
                  R"({"action":"sms_history","messages":[{"address":"7","body":"hi","date":5,"type":1}]})");
-    ASSERT_EQ(view->phoneSmsLog.get().size(), 1u);
-    EXPECT_EQ(view->phoneSmsLog.get()[0].body, "hi");
+    ASSERT_EQ(view->phone.phoneSmsLog.get().size(), 1u);
+    EXPECT_EQ(view->phone.phoneSmsLog.get()[0].body, "hi");
 }
 
 TEST_F(SettingsViewTest, ObjectsOfAnotherTypeAreIgnored) {
-    view->phoneSmsLog.set({{.address = "old"}});
-    view->phoneCallLog.set({{.number = "old"}});
-    view->dialpadNumber.set("12");
+    view->phone.phoneSmsLog.set({{.address = "old"}});
+    view->phone.phoneCallLog.set({{.number = "old"}});
+    view->calls.dialpadNumber.set("12");
     link.notifications.post(AppNotification::smsHistoryUpdated, std::vector<CallRecord>{});
     link.notifications.post(AppNotification::smsHistoryUpdated, std::string("x"));
     link.notifications.post(AppNotification::callHistoryUpdated, std::vector<SmsRecord>{});
     link.notifications.post(AppNotification::prepareActiveCall,
                             std::map<std::string, std::string>{{"number", "7"}});
-    EXPECT_EQ(view->phoneSmsLog.get().size(), 1u);
-    EXPECT_EQ(view->phoneCallLog.get().size(), 1u);
-    EXPECT_EQ(view->dialpadNumber.get(), "12");
+    EXPECT_EQ(view->phone.phoneSmsLog.get().size(), 1u);
+    EXPECT_EQ(view->phone.phoneCallLog.get().size(), 1u);
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "12");
 }
 
 TEST_F(SettingsViewTest, APlainNumberToPrepareGoesOnThePad) {
     link.notifications.post(AppNotification::prepareActiveCall, std::string("123"));
-    EXPECT_EQ(view->dialpadNumber.get(), "123");
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "123");
 }
 
 TEST_F(SettingsViewTest, ComingToTheFrontReadsTheAccessibilityAgainWithoutAPrompt) {
     on.accessibility.trusted = false;
     view->applicationDidBecomeActive();
-    EXPECT_FALSE(view->isAccessibilityEnabled.get());
+    EXPECT_FALSE(view->remote.isAccessibilityEnabled.get());
     on.accessibility.trusted = true;
     view->applicationDidBecomeActive();
-    EXPECT_TRUE(view->isAccessibilityEnabled.get());
+    EXPECT_TRUE(view->remote.isAccessibilityEnabled.get());
     EXPECT_EQ(on.accessibility.prompts, 0);
 }
 
 TEST_F(SettingsViewTest, AFreshViewStartsWithEmptyLogsAndKeepsOnlyWhatIsStored) {
-    view->phoneSmsLog.set({{.address = "1"}});
-    view->chatText.set("draft");
+    view->phone.phoneSmsLog.set({{.address = "1"}});
+    view->sms.chatText.set("draft");
     view->selectedTab.set(6);
-    view->port.set(9000);
+    view->settings.port.set(9000);
     makeView();
-    EXPECT_THAT(view->phoneSmsLog.get(), IsEmpty());
-    EXPECT_EQ(view->chatText.get(), "");
+    EXPECT_THAT(view->phone.phoneSmsLog.get(), IsEmpty());
+    EXPECT_EQ(view->sms.chatText.get(), "");
     EXPECT_EQ(view->selectedTab.get(), 6);
-    EXPECT_EQ(view->port.get(), 9000);
+    EXPECT_EQ(view->settings.port.get(), 9000);
 }
 
 // The chosen tab
@@ -164,7 +164,7 @@ TEST_F(SettingsViewTest, TheStoredTabIsShownFromTheStart) {
     on.userDefaults.setInteger("selectedSettingsTab", 99);
     makeView();
     EXPECT_EQ(view->selectedTab.get(), 99);
-    EXPECT_EQ(view->tabContent(), TabContent::calls);
+    EXPECT_EQ(shownTab(view->selectedTab.get()), tabIndex::call);
     EXPECT_EQ(selectedRow(view->selectedTab.get()), nullptr);
     view->selectedTab.set(1);
     EXPECT_EQ(on.userDefaults.integer("selectedSettingsTab"), 1);
@@ -172,10 +172,10 @@ TEST_F(SettingsViewTest, TheStoredTabIsShownFromTheStart) {
 
 TEST_F(SettingsViewTest, WritingTheStoredTabSwitchesTheOpenView) {
     int redraws = 0;
-    const auto observer = view->observe(SettingsView::Shown::tab, [&] { ++redraws; });
+    const auto observer = view->selectedTab.observe([&](std::int64_t) { ++redraws; });
     on.userDefaults.setInteger("selectedSettingsTab", 5);
     EXPECT_EQ(view->selectedTab.get(), 5);
-    EXPECT_EQ(view->tabContent(), TabContent::fileDrop);
+    EXPECT_EQ(shownTab(view->selectedTab.get()), tabIndex::fileDrop);
     EXPECT_EQ(redraws, 1);
 }
 
@@ -183,31 +183,25 @@ TEST(TabTableTest, HasItsEightRows) {
     struct Expected {
         int index;
         std::string_view title, symbol;
-        TabContent content;
     };
     const std::vector<Expected> expected{
-        {4, "Call", "phone", TabContent::calls},
-        {2, "SMS", "paperplane", TabContent::sendSms},
-        {5, "File Drop", "arrow.down.doc", TabContent::fileDrop},
-        {1, "Notifications", "clock", TabContent::notifications},
-        {7, "Remote", "command", TabContent::remoteControl},
-        {6, "Clipboard", "doc.on.clipboard", TabContent::clipboard},
-        {0, "Settings", "gearshape", TabContent::settings},
-        {3, "Info", "info.circle", TabContent::info},
+        {4, "Call", "phone"},          {2, "SMS", "paperplane"},   {5, "File Drop", "arrow.down.doc"},
+        {1, "Notifications", "clock"}, {7, "Remote", "command"},   {6, "Clipboard", "doc.on.clipboard"},
+        {0, "Settings", "gearshape"},  {3, "Info", "info.circle"},
     };
     ASSERT_EQ(tabRows.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(tabRows[i].index, expected[i].index);
         EXPECT_EQ(tabRows[i].title, expected[i].title);
         EXPECT_EQ(tabRows[i].symbol, expected[i].symbol);
-        EXPECT_EQ(contentFor(expected[i].index), expected[i].content);
+        EXPECT_EQ(shownTab(expected[i].index), expected[i].index);
         EXPECT_EQ(selectedRow(expected[i].index), &tabRows[i]);
     }
 }
 
 TEST(TabTableTest, IndicesOutsideTheTableShowTheCallsAndHighlightNothing) {
     for (const std::int64_t index : {-1, 8, 99}) {
-        EXPECT_EQ(contentFor(index), TabContent::calls);
+        EXPECT_EQ(shownTab(index), tabIndex::call);
         EXPECT_EQ(selectedRow(index), nullptr);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "fakes/ServerHarness.h"
 #include "tabs/SettingsView.h"
+#include "tabs/Texts.h"
 
 #include <memory>
 #include <string>
@@ -9,6 +10,16 @@
 #include <vector>
 
 namespace velloway::test {
+
+/// The text of that name; empty when the table has none.
+template <class Table> std::string_view textOf(const Table& table, std::string_view name) {
+    for (const TextEntry& entry : table) {
+        if (entry.name == name) {
+            return entry.text;
+        }
+    }
+    return {};
+}
 
 /// The state behind the main window with a real server on fakes, and a phone that is connected from the start.
 struct TabHarness {

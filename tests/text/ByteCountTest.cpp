@@ -10,7 +10,7 @@ namespace velloway::test {
 
 namespace {
 
-TEST(ByteCount, writesSizesInDecimalUnits) {
+TEST(ByteCount, WritesSizesInDecimalUnits) {
     const std::vector<std::pair<std::int64_t, const char*>> cases{
         {0, "Zero KB"},
         {1, "1 byte"},
@@ -41,7 +41,7 @@ TEST(ByteCount, writesSizesInDecimalUnits) {
     }
 }
 
-TEST(ByteCount, usesTheDecimalSeparatorOfTheLocale) {
+TEST(ByteCount, UsesTheDecimalSeparatorOfTheLocale) {
     EXPECT_EQ(byteCountText(1'234'567, "de_DE"), "1,2 MB");
     EXPECT_EQ(byteCountText(1'234'567, "no such locale"), "1.2 MB");
 }

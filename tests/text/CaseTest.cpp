@@ -6,7 +6,7 @@ namespace velloway::test {
 
 namespace {
 
-TEST(Case, mapsWholeTexts) {
+TEST(Case, MapsWholeTexts) {
     EXPECT_EQ(upperCased("ringing 12!"), "RINGING 12!");
     EXPECT_EQ(lowerCased("Bank ABC-12"), "bank abc-12");
     EXPECT_EQ(upperCased("éàя"), "ÉÀЯ");
@@ -14,17 +14,17 @@ TEST(Case, mapsWholeTexts) {
     EXPECT_EQ(upperCased(""), "");
 }
 
-TEST(Case, mayChangeTheLengthOfAText) {
+TEST(Case, MayChangeTheLengthOfAText) {
     EXPECT_EQ(upperCased("ß"), "SS");
     EXPECT_EQ(upperCased("ﬁ"), "FI");
     EXPECT_EQ(lowerCased("İ"), "i̇");
 }
 
-TEST(Case, knowsTheFinalSigma) {
+TEST(Case, KnowsTheFinalSigma) {
     EXPECT_EQ(lowerCased("ΟΔΟΣ"), "οδος");
 }
 
-TEST(Case, survivesBytesThatAreNoUtf8) {
+TEST(Case, SurvivesBytesThatAreNoUtf8) {
     EXPECT_EQ(upperCased("a\xFF"
                          "b")
                   .front(),

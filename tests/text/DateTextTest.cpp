@@ -23,7 +23,7 @@ bool isYesterday(double seconds, double now, const DateContext& context) {
     return RecentDays(now, context).isYesterday(seconds);
 }
 
-TEST(DateText, writesTimesAndDatesByTheHabitsOfTheLocale) {
+TEST(DateText, WritesTimesAndDatesByTheHabitsOfTheLocale) {
     EXPECT_EQ(shortTime(instant, london), "22:13");
     EXPECT_EQ(shortDate(instant, london), "14/11/2023");
     EXPECT_EQ(shortDateAndTime(instant, london), "14/11/2023, 22:13");
@@ -36,11 +36,11 @@ TEST(DateText, writesTimesAndDatesByTheHabitsOfTheLocale) {
     EXPECT_EQ(american.substr(american.size() - 2), "PM");
 }
 
-TEST(DateText, followsTheTimeZoneIntoAnotherDay) {
+TEST(DateText, FollowsTheTimeZoneIntoAnotherDay) {
     EXPECT_EQ(shortDateAndTime(instant, {"en_GB", "Asia/Tokyo"}), "15/11/2023, 07:13");
 }
 
-TEST(DateText, tellsTodayByTheCalendarAndNotByHours) {
+TEST(DateText, TellsTodayByTheCalendarAndNotByHours) {
     const double midnight = instant - (22 * hour + 13 * 60 + 20);
     EXPECT_TRUE(isToday(midnight, instant, london));
     EXPECT_FALSE(isToday(midnight - 1, instant, london));
@@ -51,7 +51,7 @@ TEST(DateText, tellsTodayByTheCalendarAndNotByHours) {
     EXPECT_FALSE(isToday(instant - 365 * day, instant, london));
 }
 
-TEST(DateText, tellsYesterdayByTheCalendarAndNotByHours) {
+TEST(DateText, TellsYesterdayByTheCalendarAndNotByHours) {
     const double midnight = instant - (22 * hour + 13 * 60 + 20);
     EXPECT_TRUE(isYesterday(midnight - 1, instant, london));
     EXPECT_TRUE(isYesterday(midnight - day, instant, london));
@@ -59,7 +59,7 @@ TEST(DateText, tellsYesterdayByTheCalendarAndNotByHours) {
     EXPECT_FALSE(isYesterday(midnight, instant, london));
 }
 
-TEST(DateText, findsYesterdayAcrossAYearAndAcrossAClockChange) {
+TEST(DateText, FindsYesterdayAcrossAYearAndAcrossAClockChange) {
     constexpr double newYear = 1'704'067'200; // 2024-01-01 00:00 in London
     EXPECT_TRUE(isYesterday(newYear - 1, newYear, london));
     EXPECT_TRUE(isToday(newYear, newYear + hour, london));
@@ -69,7 +69,7 @@ TEST(DateText, findsYesterdayAcrossAYearAndAcrossAClockChange) {
 }
 
 /// By the written date, which is another one for every day.
-TEST(DateText, tellsTheDaysApartAsTheWrittenDatesDo) {
+TEST(DateText, TellsTheDaysApartAsTheWrittenDatesDo) {
     // Zones whose clocks were set back across midnight, moved at midnight, or left out a day among them.
     for (const char* zone : {"Europe/London", "America/St_Johns", "America/Sao_Paulo", "Asia/Beirut",
                              "Pacific/Apia", "Pacific/Kiritimati", "Asia/Kathmandu"}) {
@@ -88,7 +88,7 @@ TEST(DateText, tellsTheDaysApartAsTheWrittenDatesDo) {
     }
 }
 
-TEST(DateText, survivesInstantsThatNoCalendarKnows) {
+TEST(DateText, SurvivesInstantsThatNoCalendarKnows) {
     for (const double wild : {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
                               std::numeric_limits<double>::quiet_NaN(), 1e300, -1e300, 1.7e12, -1.0}) {
         EXPECT_FALSE(shortDateAndTime(wild, london).empty());
@@ -98,13 +98,13 @@ TEST(DateText, survivesInstantsThatNoCalendarKnows) {
     EXPECT_EQ(shortDate(std::numeric_limits<double>::quiet_NaN(), london), shortDate(0, london));
 }
 
-TEST(DateText, survivesLocalesAndZonesThatDoNotExist) {
+TEST(DateText, SurvivesLocalesAndZonesThatDoNotExist) {
     EXPECT_FALSE(shortDateAndTime(instant, {"no such locale", "No/Such_Zone"}).empty());
     EXPECT_EQ(shortTime(instant, {"en_GB", "No/Such_Zone"}), "22:13");
     EXPECT_FALSE(shortTime(instant, {"", ""}).empty());
 }
 
-TEST(DateText, keepsLocalesAndZonesApart) {
+TEST(DateText, KeepsLocalesAndZonesApart) {
     EXPECT_EQ(shortTime(instant, london), "22:13");
     EXPECT_EQ(shortTime(instant, {"en_GB", "Europe/Paris"}), "23:13");
     EXPECT_EQ(shortDate(instant, {"en_US", "Europe/London"}), "11/14/23");

@@ -6,27 +6,27 @@ namespace velloway::test {
 
 namespace {
 
-TEST(Digits, dropsEverythingButDecimalDigits) {
+TEST(Digits, DropsEverythingButDecimalDigits) {
     EXPECT_EQ(digitsOnly("+44 7700-900123"), "447700900123");
     EXPECT_EQ(digitsOnly("+1 (555) 010-1234"), "15550101234");
     EXPECT_EQ(digitsOnly("Bank"), "");
     EXPECT_EQ(digitsOnly(""), "");
 }
 
-TEST(Digits, keepsTheDigitsOfOtherScriptsAsTheyAre) {
+TEST(Digits, KeepsTheDigitsOfOtherScriptsAsTheyAre) {
     EXPECT_EQ(digitsOnly("a٠١b"), "٠١");
     EXPECT_EQ(digitsOnly("𝟏-２"), "𝟏２");
 }
 
-TEST(Digits, dropsNumbersThatAreNoDecimalDigits) {
+TEST(Digits, DropsNumbersThatAreNoDecimalDigits) {
     EXPECT_EQ(digitsOnly("½²Ⅷ①"), "");
 }
 
-TEST(Digits, dropsBytesThatAreNoUtf8) {
+TEST(Digits, DropsBytesThatAreNoUtf8) {
     EXPECT_EQ(digitsOnly("1\xFF\x32\xE2\x82"), "12");
 }
 
-TEST(Digits, takesAnyKindOfNumberForANumber) {
+TEST(Digits, TakesAnyKindOfNumberForANumber) {
     for (const char* number : {"7", "٣", "½", "Ⅷ", "①", "三", "²"}) {
         EXPECT_TRUE(isNumberCharacter(number)) << number;
     }
@@ -35,7 +35,7 @@ TEST(Digits, takesAnyKindOfNumberForANumber) {
     }
 }
 
-TEST(Digits, letsTheFirstCodePointOfACharacterDecide) {
+TEST(Digits, LetsTheFirstCodePointOfACharacterDecide) {
     EXPECT_TRUE(isNumberCharacter("1\xEF\xB8\x8F\xE2\x83\xA3"));
 }
 

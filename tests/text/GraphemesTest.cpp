@@ -12,7 +12,7 @@ constexpr std::string_view family = "👩‍👩‍👧‍👦";
 constexpr std::string_view accented = "e\xCC\x81";
 constexpr std::string_view flag = "🇬🇧";
 
-TEST(Graphemes, countsWhatUsersSeeAsOneCharacter) {
+TEST(Graphemes, CountsWhatUsersSeeAsOneCharacter) {
     EXPECT_EQ(graphemeCount(""), 0U);
     EXPECT_EQ(graphemeCount("abc"), 3U);
     EXPECT_EQ(graphemeCount("a\nb"), 3U);
@@ -21,7 +21,7 @@ TEST(Graphemes, countsWhatUsersSeeAsOneCharacter) {
     EXPECT_EQ(graphemeCount(std::string(accented) + std::string(flag) + "x"), 3U);
 }
 
-TEST(Graphemes, givesTheFirstOne) {
+TEST(Graphemes, GivesTheFirstOne) {
     EXPECT_EQ(firstGrapheme(""), "");
     EXPECT_EQ(firstGrapheme("anna"), "a");
     EXPECT_EQ(firstGrapheme(std::string(accented) + "x"), accented);
@@ -29,13 +29,13 @@ TEST(Graphemes, givesTheFirstOne) {
     EXPECT_EQ(firstGrapheme("\r\nx"), "\r\n");
 }
 
-TEST(Graphemes, splitsAText) {
+TEST(Graphemes, SplitsAText) {
     const std::string text = "a" + std::string(flag) + std::string(accented);
     EXPECT_EQ(graphemes(text), (std::vector<std::string_view>{"a", flag, accented}));
     EXPECT_TRUE(graphemes("").empty());
 }
 
-TEST(Graphemes, removesTheLastOne) {
+TEST(Graphemes, RemovesTheLastOne) {
     EXPECT_EQ(withoutLastGrapheme(""), "");
     EXPECT_EQ(withoutLastGrapheme("1"), "");
     EXPECT_EQ(withoutLastGrapheme("123"), "12");
@@ -43,7 +43,7 @@ TEST(Graphemes, removesTheLastOne) {
     EXPECT_EQ(withoutLastGrapheme("1" + std::string(accented)), "1");
 }
 
-TEST(Graphemes, survivesBytesThatAreNoUtf8) {
+TEST(Graphemes, SurvivesBytesThatAreNoUtf8) {
     for (const std::string_view broken :
          {"\xFF", "a\xE2\x82", "\x80\x80\x80", "\xF0\x9F\x98", "\xED\xA0\x80z"}) {
         const auto pieces = graphemes(broken);

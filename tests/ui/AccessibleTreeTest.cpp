@@ -66,13 +66,14 @@ protected:
         store.addClipboard("text");
         store.addFileTransfer({.id = Uuid::random(), .fileName = "a", .url = "/tmp/a", .isOutgoing = true});
         store.batteryLevel.set(50);
-        state().phoneSmsLog.set({{"123", "Ada", "Hello", 1.7e12, 1}, {"123", "Ada", "Hi", 1.7e12 + 1, 2}});
-        state().phoneCallLog.set({{"123", "Ada", 1.7e12, 3, 1}});
-        state().activeRecipient.set("123");
-        state().contactQuery.set("123");
-        state().replyingTo.set(store.items.get()[0].id);
-        state().serverRestartNeeded.set(true);
-        state().dialpadNumber.set("12");
+        state().phone.phoneSmsLog.set(
+            {{"123", "Ada", "Hello", 1.7e12, 1}, {"123", "Ada", "Hi", 1.7e12 + 1, 2}});
+        state().phone.phoneCallLog.set({{"123", "Ada", 1.7e12, 3, 1}});
+        state().sms.activeRecipient.set("123");
+        state().sms.contactQuery.set("123");
+        state().notifications.replyingTo.set(store.items.get()[0].id);
+        state().settings.serverRestartNeeded.set(true);
+        state().calls.dialpadNumber.set("12");
         settle();
     }
 };
@@ -133,10 +134,10 @@ TEST_F(AccessibleTreeTest, APressThroughTheTreeActsAsAClick) {
 
 TEST_F(AccessibleTreeTest, RowsThatSearchTookAwayAreNotThere) {
     open(2);
-    state().phoneSmsLog.set({{"1", "Ada", "Hello", 1.7e12, 1}, {"2", "Bruno", "Hi", 1.7e12 + 1, 1}});
+    state().phone.phoneSmsLog.set({{"1", "Ada", "Hello", 1.7e12, 1}, {"2", "Bruno", "Hi", 1.7e12 + 1, 1}});
     settle();
     EXPECT_THAT(namesOf(QAccessible::ListItem), Contains("Bruno, Hi"));
-    state().contactQuery.set("ada");
+    state().sms.contactQuery.set("ada");
     settle();
     EXPECT_THAT(namesOf(QAccessible::ListItem), Contains("Ada, Hello"));
     EXPECT_THAT(namesOf(QAccessible::ListItem), Not(Contains("Bruno, Hi")));

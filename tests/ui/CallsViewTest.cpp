@@ -12,7 +12,7 @@ protected:
 };
 
 TEST_F(CallsViewTest, EveryButtonOfThePadAppendsItsDigit) {
-    for (const DialButton& button : SettingsView::dialButtons) {
+    for (const DialButton& button : CallsModel::dialButtons) {
         click(("dial" + std::string(button.digit)).c_str());
     }
     EXPECT_EQ(text("number"), "123456789*0#");
@@ -95,7 +95,7 @@ TEST_F(CallsViewTest, ThePickerShowsOnlyWithTwoSimsAndStandsForSlotsZeroAndOne) 
     EXPECT_FALSE(shows("simSegments"));
     receive(R"({"action":"sim_info","sims":[{"slot":1,"carrier":"Red"}]})");
     EXPECT_FALSE(shows("simSegments"));
-    EXPECT_EQ(state().selectedSimSlot.get(), 1);
+    EXPECT_EQ(state().phone.selectedSimSlot.get(), 1);
     receive(R"({"action":"sim_info","sims":[{"slot":1,"carrier":"Red"},{"slot":2,"carrier":"Blue"}]})");
     ASSERT_TRUE(shows("simSegments"));
     click("segment0");
@@ -132,7 +132,7 @@ TEST_F(CallsViewTest, ARowDialsItsNumberInPlaceOfTheTypedOne) {
 
 TEST_F(CallsViewTest, TenCallsOfTheSameMomentAreTenRows) {
     std::vector<CallRecord> log(10, CallRecord{"1", std::nullopt, 1.69999e12, 0, 1});
-    state().phoneCallLog.set(log);
+    state().phone.phoneCallLog.set(log);
     settle();
     EXPECT_EQ(part("recentCalls")->property("count").toInt(), 10);
 }

@@ -275,17 +275,17 @@ void shootTabs(Gallery& gallery, Filling filling, const Look& look) {
     SettingsView& state = harness.state();
     if (filling != Filling::empty) {
         const bool isExtreme = filling == Filling::extreme;
-        state.phoneSmsLog.set(isExtreme ? extremeMessages(now) : ordinaryMessages(now));
-        state.phoneCallLog.set(calls(now, isExtreme));
-        state.dialpadNumber.set(isExtreme ? "004477009001230123456789012345" : "07700900123");
-        state.activeRecipient.set("+44 7700 900123");
-        state.chatText.set(
+        state.phone.phoneSmsLog.set(isExtreme ? extremeMessages(now) : ordinaryMessages(now));
+        state.phone.phoneCallLog.set(calls(now, isExtreme));
+        state.calls.dialpadNumber.set(isExtreme ? "004477009001230123456789012345" : "07700900123");
+        state.sms.activeRecipient.set("+44 7700 900123");
+        state.sms.chatText.set(
             isExtreme ? "A text that I am writing and that is longer than the field in which I write it, "
                         "by quite a bit, and then some"
                       : "");
-        state.replyingTo.set(harness.program.historyStore().items.get().at(1).id);
+        state.notifications.replyingTo.set(harness.program.historyStore().items.get().at(1).id);
         if (isExtreme) {
-            state.port.set(65535);
+            state.settings.port.set(65535);
         }
     }
     for (const TabRow& tab : tabRows) {
@@ -301,14 +301,14 @@ void shootTabs(Gallery& gallery, Filling filling, const Look& look) {
     }
     if (filling == Filling::ordinary) {
         state.selectedTab.set(2);
-        state.contactQuery.set("+44 77");
+        state.sms.contactQuery.set("+44 77");
         harness.settle();
         gallery.shoot(window, QStringLiteral("tab-sms-search-%1").arg(QLatin1String(look.name)));
-        state.contactQuery.set("");
-        state.activeRecipient.set("+33 1 55 50 10 20");
+        state.sms.contactQuery.set("");
+        state.sms.activeRecipient.set("+33 1 55 50 10 20");
         harness.settle();
         gallery.shoot(window, QStringLiteral("tab-sms-new-%1").arg(QLatin1String(look.name)));
-        state.activeRecipient.set(std::nullopt);
+        state.sms.activeRecipient.set(std::nullopt);
         harness.settle();
         gallery.shoot(window, QStringLiteral("tab-sms-nochat-%1").arg(QLatin1String(look.name)));
     }

@@ -71,7 +71,7 @@ TEST_F(NotificationsViewTest, ASecondReplyBoxClosesTheFirstAndTakesItsText) {
     EXPECT_EQ(all("reply").size(), 1u);
     click("reply");
     EXPECT_EQ(all("replyField").size(), 1u);
-    EXPECT_EQ(state().replyingTo.get()->text(), idOf(1));
+    EXPECT_EQ(state().notifications.replyingTo.get()->text(), idOf(1));
     EXPECT_EQ(text("replyField"), "half");
 }
 
@@ -92,7 +92,7 @@ TEST_F(NotificationsViewTest, ClearAllTakesTheRowWithTheOpenBoxAway) {
     click("reply");
     click("clearAll");
     EXPECT_TRUE(shows("empty"));
-    EXPECT_TRUE(state().replyingTo.get().has_value());
+    EXPECT_TRUE(state().notifications.replyingTo.get().has_value());
     add("Chat", "Bruno", "Hi");
     EXPECT_FALSE(shows("replyField"));
 }

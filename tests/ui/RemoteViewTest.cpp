@@ -1,4 +1,4 @@
-#include "tabs/RemoteTab.h"
+#include "tabs/remote/RemoteModel.h"
 #include "ui/ViewTest.h"
 
 #include <map>

@@ -76,7 +76,8 @@ class RowModelTest : public testing::Test {
 protected:
     using Model = RowModel<Row, int>;
 
-    Model model{[](const Row& row) { return row.id; },
+    Model model{nullptr,
+                [](const Row& row) { return row.id; },
                 {{"id", [](const Row& row) { return row.id; }},
                  {"text", [](const Row& row) { return QString::fromStdString(row.text); }}}};
     QAbstractItemModelTester tester{&model, QAbstractItemModelTester::FailureReportingMode::Fatal};

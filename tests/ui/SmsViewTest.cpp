@@ -62,7 +62,7 @@ TEST_F(SmsViewTest, ANumberInTheSearchFieldOffersANewMessageToItAsTyped) {
     type("+44 77");
     ASSERT_TRUE(shows("newMessage"));
     click("newMessage");
-    EXPECT_EQ(state().activeRecipient.get(), "+44 77");
+    EXPECT_EQ(state().sms.activeRecipient.get(), "+44 77");
     EXPECT_EQ(text("search"), "");
     EXPECT_FALSE(shows("newMessage"));
     EXPECT_EQ(text("chatName"), "+44 77");
@@ -79,6 +79,13 @@ TEST_F(SmsViewTest, PressingAThreadOpensItsChat) {
     EXPECT_TRUE(all("thread").at(0)->property("isActive").toBool());
     EXPECT_FALSE(all("thread").at(1)->property("isActive").toBool());
     EXPECT_FALSE(shows("noChat"));
+}
+
+TEST_F(SmsViewTest, ReturnOpensTheThreadThatTheKeyboardIsOn) {
+    fill();
+    part("threads")->forceActiveFocus();
+    key(Qt::Key_Return);
+    EXPECT_EQ(text("chatName"), "Ada Winter");
 }
 
 TEST_F(SmsViewTest, TheSearchTextStaysWhenAThreadIsOpened) {
@@ -161,7 +168,7 @@ TEST_F(SmsViewTest, TheSimPickerStandsInForTheNoteAndItsChoiceIsSent) {
     part("simPicker")->forceActiveFocus();
     key(Qt::Key_Down);
     EXPECT_EQ(part("simPicker")->property("displayText").toString(), "Blue");
-    EXPECT_EQ(state().selectedSimSlot.get(), 2);
+    EXPECT_EQ(state().phone.selectedSimSlot.get(), 2);
     click("composer");
     type("hi");
     key(Qt::Key_Return);
@@ -199,7 +206,7 @@ TEST_F(SmsViewTest, AChatOpensAtItsEndAndFollowsANewMessage) {
     for (int i = 0; i < 300; ++i) {
         log.push_back({"1", std::nullopt, "message " + std::to_string(i), 1.6999e12 + i * 60000, 1});
     }
-    state().phoneSmsLog.set(log);
+    state().phone.phoneSmsLog.set(log);
     settle();
     openThread(0);
     QQuickItem* list = part("messages");

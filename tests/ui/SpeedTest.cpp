@@ -93,7 +93,7 @@ protected:
 
 TEST_F(SpeedTest, TenThousandMessagesInFiveHundredThreads) {
     open(0);
-    state().phoneSmsLog.set(longHistory(messageCount, threadCount, now()));
+    state().phone.phoneSmsLog.set(longHistory(messageCount, threadCount, now()));
     settle();
 
     Times openings;
@@ -114,16 +114,17 @@ TEST_F(SpeedTest, TenThousandMessagesInFiveHundredThreads) {
     click("clearSearch");
     Times switches;
     for (int i = 0; i < 40; ++i) {
-        measure(switches, [&] { state().openConversation("+4477009" + std::to_string(10000 + i % 2 * 7)); });
+        measure(switches,
+                [&] { state().sms.openConversation("+4477009" + std::to_string(10000 + i % 2 * 7)); });
     }
-    state().openConversation("+447700910000");
+    state().sms.openConversation("+447700910000");
     settle();
     ASSERT_GE(part("messages")->property("count").toInt(), messageCount / 2);
     Times sendings;
     for (int i = 0; i < 20; ++i) {
-        state().chatText.set("hello");
+        state().sms.chatText.set("hello");
         settle();
-        measure(sendings, [&] { state().sendChatMessage(); });
+        measure(sendings, [&] { state().sms.sendChatMessage(); });
     }
     Times nothing;
     for (int i = 0; i < 20; ++i) {
@@ -139,8 +140,8 @@ TEST_F(SpeedTest, TenThousandMessagesInFiveHundredThreads) {
 
 TEST_F(SpeedTest, MemoryWithFiveThousandMessages) {
     open(2);
-    state().phoneSmsLog.set(longHistory(5000, 200, now()));
-    state().openConversation("+447700910000");
+    state().phone.phoneSmsLog.set(longHistory(5000, 200, now()));
+    state().sms.openConversation("+447700910000");
     settle();
     QTest::qWait(300);
     std::printf("proportional memory of this test with the window open: %.1f MiB\n", memory());

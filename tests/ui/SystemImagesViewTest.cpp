@@ -58,7 +58,7 @@ std::array<int, 4> stored(const QImage& image, int x, int y) {
     return {qRed(value), qGreen(value), qBlue(value), qAlpha(value)};
 }
 
-TEST_F(SystemImagesViewTest, the_systems_symbol_is_shown_pixel_by_pixel) {
+TEST_F(SystemImagesViewTest, TheSystemsSymbolIsShownPixelByPixel) {
     prepare(system);
     const QImage image = symbol("phone.fill/80ff8000");
     ASSERT_EQ(image.format(), QImage::Format_ARGB32_Premultiplied);
@@ -67,7 +67,7 @@ TEST_F(SystemImagesViewTest, the_systems_symbol_is_shown_pixel_by_pixel) {
     EXPECT_EQ(stored(image, 19, 19), (std::array<int, 4>{10, 20, 30, 40}));
 }
 
-TEST_F(SystemImagesViewTest, a_symbol_that_the_system_does_not_know_is_drawn_from_our_own_set) {
+TEST_F(SystemImagesViewTest, ASymbolThatTheSystemDoesNotKnowIsDrawnFromOurOwnSet) {
     system->hasSymbols = false;
     prepare(system);
     const QImage image = symbol("circle.fill/ff8000");
@@ -76,13 +76,13 @@ TEST_F(SystemImagesViewTest, a_symbol_that_the_system_does_not_know_is_drawn_fro
     EXPECT_EQ(image.pixelColor(10, 10), QColor("#ff8000")) << "it is not empty";
 }
 
-TEST_F(SystemImagesViewTest, without_a_system_that_has_images_all_are_our_own) {
+TEST_F(SystemImagesViewTest, WithoutASystemThatHasImagesAllAreOurOwn) {
     prepare(nullptr);
     EXPECT_EQ(symbol("clock/ff8000"), drawSymbol("clock", QColor("#ff8000"), {20, 20}));
     EXPECT_EQ(icon(), QIcon(":/icon/velloway.svg").pixmap(64, 64).toImage());
 }
 
-TEST_F(SystemImagesViewTest, the_icon_is_that_of_the_system_or_else_our_own) {
+TEST_F(SystemImagesViewTest, TheIconIsThatOfTheSystemOrElseOurOwn) {
     prepare(system);
     EXPECT_EQ(stored(icon().convertToFormat(QImage::Format_ARGB32_Premultiplied), 63, 63),
               (std::array<int, 4>{10, 20, 30, 40}));
@@ -93,7 +93,7 @@ TEST_F(SystemImagesViewTest, the_icon_is_that_of_the_system_or_else_our_own) {
     EXPECT_THAT(system->asked(), ElementsAre("icon 64x64", "icon 64x64"));
 }
 
-TEST_F(SystemImagesViewTest, a_view_asks_by_name_for_its_size_in_its_colour) {
+TEST_F(SystemImagesViewTest, AViewAsksByNameForItsSizeInItsColour) {
     prepare(system);
     const auto item =
         make("import Velloway\nSymbol { name: 'arrow.up.circle.fill'; size: 19.5; tint: '#80ff0000' }");
@@ -102,7 +102,7 @@ TEST_F(SystemImagesViewTest, a_view_asks_by_name_for_its_size_in_its_colour) {
     EXPECT_THAT(system->asked().front(), testing::StartsWith("arrow.up.circle.fill 20x20 1 0 0 0.50"));
 }
 
-TEST_F(SystemImagesViewTest, a_view_asks_for_the_icon_on_the_main_thread) {
+TEST_F(SystemImagesViewTest, AViewAsksForTheIconOnTheMainThread) {
     prepare(system);
     const auto item =
         make("import QtQuick\nImage { sourceSize: Qt.size(128, 128); source: 'image://application-icon/' }");

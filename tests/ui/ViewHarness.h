@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Program.h"
-#include "bridge/SettingsBridge.h"
+#include "bridge/MainBridge.h"
 #include "bridge/Views.h"
 #include "desktop/WaitFor.h"
 #include "fakes/FakePlatform.h"
@@ -166,7 +166,7 @@ public:
     /// The state behind the main window.
     SettingsView& state() {
         auto* bridge = openWindow().rootObject()->property("bridge").value<QObject*>();
-        return qobject_cast<SettingsBridge*>(bridge)->view();
+        return qobject_cast<MainBridge*>(bridge)->view();
     }
 
     /// Those that are visible, from top to bottom.

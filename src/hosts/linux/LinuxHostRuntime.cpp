@@ -9,10 +9,12 @@
 #include "hosts/linux/windows/QtWindows.h"
 #include "hosts/linux/windows/SessionPlatform.h"
 #include "hosts/linux/windows/ViewsLibrary.h"
+#include "hosts/posix/PosixFiles.h"
 #include "remote/SystemScripts.h"
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -21,12 +23,15 @@ namespace velloway {
 
 namespace {
 
+/// How long the end of the program waits for the running job of the server queue.
+constexpr std::chrono::milliseconds longestLastJob{250};
+
 bool isSet(const char* variable) {
     const char* value = std::getenv(variable);
     return value != nullptr && *value != '\0';
 }
 
-/// Qt, finding none, would abort the process with advice for programmers.
+/// Without a display Qt would abort the process with advice for programmers.
 bool hasScreen() {
     if (isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM")) {
         return true; // Qt knows better how to look there.
@@ -53,9 +58,20 @@ struct LinuxPorts : LinuxDesktop {
     Accessibility& accessibility = *input;
     PermissionWorkspace workspace{LinuxDesktop::workspace, *input};
     LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
+    PosixFiles files;
     QtWindows windows{[this] { return loadViewsLibrary(log); }};
-    // Last, so that its thread ends first: jobs there may use all of the above.
-    AsioQueue serverQueue{"ws.server"};
+    // Last, because its jobs may use everything above.
+    AsioQueue serverQueue{"ws.server",
+                          {.began =
+                               [] {
+                                   StandardOutputLog::gatherOnThisThread();
+                                   QtMainQueue::gatherOnThisThread();
+                               },
+                           .ended =
+                               [this] {
+                                   log.flush();
+                                   mainQueue.flush();
+                               }}};
     LinuxNetwork network{serverQueue};
 };
 
@@ -66,7 +82,16 @@ public:
     SingleInstance::Outcome claimSession() { return ports_.claimSession(); }
 
     Platform platform() override { return platformOf(ports_); }
-    int run(ApplicationDelegate& delegate) override { return ports_.run(delegate); }
+    int run(ApplicationDelegate& delegate) override {
+        const int exitCode = ports_.run(delegate);
+        if (!ports_.serverQueue.end(longestLastJob)) {
+            // The file that is being read may be large, or lie on a disk that does not answer.
+            ports_.log.flush();
+            std::_Exit(exitCode);
+        }
+        ports_.mainQueue.end();
+        return exitCode;
+    }
     void terminate() override { ports_.terminate(); }
 
 private:
@@ -79,7 +104,7 @@ private:
 HostStart makeHost(int& argc, char** argv) {
     if (!hasScreen()) {
         std::fputs("Velloway needs a desktop: neither DISPLAY nor WAYLAND_DISPLAY leads to one\n", stderr);
-        return {.answer = 1};
+        return {.exitCode = 1};
     }
     auto runtime = std::make_unique<LinuxHostRuntime>(argc, argv);
     switch (runtime->claimSession()) {
@@ -91,7 +116,7 @@ HostStart makeHost(int& argc, char** argv) {
         break;
     }
     std::fputs("Velloway is already running but does not answer\n", stderr);
-    return {.answer = 1};
+    return {.exitCode = 1};
 }
 
 } // namespace velloway

@@ -15,6 +15,7 @@
 #include "hosts/mac/MacWindows.h"
 #include "hosts/mac/MacWorkspace.h"
 #include "hosts/mac/QtSurface.h"
+#include "hosts/posix/PosixFiles.h"
 #include "hosts/qt/QtMainQueue.h"
 #include "hosts/qt/StandardOutputLog.h"
 
@@ -63,6 +64,7 @@ struct MacPorts {
     EndingApplication qtApplication;
     QtMainQueue mainQueue;
     MacHost host;
+    PosixFiles files;
     MacUserDefaults userDefaults;
     MacUserNotificationCenter notificationCenter{delegate};
     MacPasteboard pasteboard;

@@ -7,7 +7,7 @@ namespace velloway {
 class MacPasteboard final : public Pasteboard {
 public:
     void clearContents() override;
-    void setString(std::string_view text) override;
+    bool setString(std::string_view text) override;
     std::optional<std::string> string() const override;
 };
 

@@ -10,8 +10,10 @@ void MacPasteboard::clearContents() {
     [NSPasteboard.generalPasteboard clearContents];
 }
 
-void MacPasteboard::setString(std::string_view text) {
+bool MacPasteboard::setString(std::string_view text) {
     [NSPasteboard.generalPasteboard setString:nsString(text) forType:NSPasteboardTypeString];
+    // Its answer says nothing about text: the pasteboard takes any.
+    return true;
 }
 
 std::optional<std::string> MacPasteboard::string() const {

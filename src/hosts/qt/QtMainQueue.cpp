@@ -16,34 +16,61 @@ const QEvent::Type wakeType = static_cast<QEvent::Type>(QEvent::registerEventTyp
 /// How long jobs may run on end before input and painting get their turn.
 constexpr std::chrono::milliseconds longestRun{8};
 
+/// A job of the other thread that takes longer than this, such as one that reads a file, shows its progress.
+constexpr std::chrono::milliseconds longestGathering{2};
+
+thread_local bool isGathering = false;
+
 } // namespace
 
 QtMainQueue::QtMainQueue() = default;
 
 QtMainQueue::~QtMainQueue() {
-    // What the jobs hold may hand over new jobs as it goes, so that it is let go without the lock.
-    while (true) {
-        std::deque<Job> jobs;
-        std::vector<Delayed> delayed;
-        {
-            const std::lock_guard lock(mutex_);
-            jobs.swap(jobs_);
-            delayed.swap(delayed_);
-        }
-        if (jobs.empty() && delayed.empty()) {
-            return;
-        }
-    }
+    end();
+}
+
+void QtMainQueue::end() {
+    // Destroyed without the lock: what the jobs hold may hand over new jobs as it goes.
+    std::deque<Job> jobs;
+    std::vector<Delayed> delayed;
+    const std::lock_guard lock(mutex_);
+    isEnded_ = true;
+    jobs.swap(jobs_);
+    delayed.swap(delayed_);
 }
 
 void QtMainQueue::async(Job job) {
     const std::lock_guard lock(mutex_);
+    if (isEnded_) {
+        return;
+    }
     jobs_.push_back(std::move(job));
-    wake();
+    if (!isGathering) {
+        wake();
+    } else if (!std::exchange(isWakeOwed_, true)) {
+        owedSince_ = Clock::now();
+    } else if (Clock::now() - owedSince_ > longestGathering) {
+        isWakeOwed_ = false;
+        wake();
+    }
+}
+
+void QtMainQueue::gatherOnThisThread() {
+    isGathering = true;
+}
+
+void QtMainQueue::flush() {
+    const std::lock_guard lock(mutex_);
+    if (std::exchange(isWakeOwed_, false) && !jobs_.empty()) {
+        wake();
+    }
 }
 
 void QtMainQueue::asyncAfter(std::chrono::nanoseconds delay, Job job) {
     const std::lock_guard lock(mutex_);
+    if (isEnded_) {
+        return;
+    }
     const Clock::time_point due = Clock::now() + std::max(delay, std::chrono::nanoseconds::zero());
     delayed_.push_back({due, nextOrder_++, std::move(job)});
     std::push_heap(delayed_.begin(), delayed_.end(), LaterFirst{});

@@ -15,11 +15,21 @@ namespace velloway {
 /// The main queue on Qt's event loop. Made on the main thread after the QCoreApplication and gone before it.
 ///
 /// Jobs go on running in a nested event loop, also those that were waiting behind the job that entered it. A
-/// flood of jobs doesn't lock out input and painting. Jobs left at the end are dropped.
+/// flood of jobs doesn't lock out input and painting. Jobs left at the end are destroyed without being run.
 class QtMainQueue : public QObject, public DispatchQueue {
 public:
     QtMainQueue();
     ~QtMainQueue() override;
+
+    /// Destroys the jobs that wait, and from now on every job that is handed over. Main thread.
+    void end();
+
+    /// From now on a job that this thread hands over waits for `flush`, or a few milliseconds, so that a thread
+    /// with an event loop of its own wakes the main thread once for all jobs of a turn. The order of the jobs
+    /// stays as it is.
+    static void gatherOnThisThread();
+    /// Wakes the main thread if a gathered job waits. Any thread.
+    void flush();
 
     void async(Job job) override;
     void asyncAfter(std::chrono::nanoseconds delay, Job job) override;
@@ -56,7 +66,11 @@ private:
     /// A heap; the job that falls due first is at the front.
     std::vector<Delayed> delayed_;
     std::uint64_t nextOrder_ = 0;
+    bool isEnded_ = false;
     bool isWakePosted_ = false;
+    /// A gathered job waits for `flush`.
+    bool isWakeOwed_ = false;
+    Clock::time_point owedSince_;
     bool isRearmWanted_ = false;
 
     QBasicTimer dueTimer_;

@@ -1,75 +1,49 @@
 #include "bridge/CallPanelBridge.h"
 
-#include "bridge/Variants.h"
-#include "shell/ActiveCallBanner.h"
-#include "shell/IncomingCallBanner.h"
+#include "bridge/Convert.h"
 
 #include <utility>
 
 namespace velloway {
 
-CallPanelBridge::CallPanelBridge(std::shared_ptr<WindowContent> content, QObject* parent) : QObject(parent) {
+CallPanelBridge::CallPanelBridge(std::shared_ptr<CallPanelContent> content) {
     setContent(std::move(content));
 }
 
-CallPanelBridge::~CallPanelBridge() = default;
-
-void CallPanelBridge::setContent(std::shared_ptr<WindowContent> content) {
-    subscriptions_.clear();
+void CallPanelBridge::setContent(std::shared_ptr<CallPanelContent> content) {
+    changes_.reset();
     content_ = std::move(content);
-    if (auto* active = dynamic_cast<ActiveCallBanner*>(content_.get())) {
-        subscriptions_.push_back(active->duration.observe([this](std::int64_t) { read(); }));
-        subscriptions_.push_back(active->isMuted.observe([this](bool) { read(); }));
-    }
+    changes_ = content_->observe([this] { read(); });
     read();
 }
 
 void CallPanelBridge::read() {
-    BannerText text;
-    if (const auto* ringing = dynamic_cast<const IncomingCallBanner*>(content_.get())) {
-        text = ringing->text();
-        kind_ = QStringLiteral("incomingCall");
-        iconSymbol_ = toQt(IncomingCallBanner::iconSymbol);
-        leftIsMute_ = false;
-        leftSymbol_ = toQt(IncomingCallBanner::declineSymbol);
-        leftTooltip_ = leftName_ = toQt(IncomingCallBanner::declineTooltip);
-        rightSymbol_ = toQt(IncomingCallBanner::acceptSymbol);
-        rightTooltip_ = rightName_ = toQt(IncomingCallBanner::acceptTooltip);
-    } else if (const auto* active = dynamic_cast<const ActiveCallBanner*>(content_.get())) {
-        text = active->text();
-        kind_ = QStringLiteral("activeCall");
-        iconSymbol_ = toQt(ActiveCallBanner::iconSymbol);
-        leftIsMute_ = true;
-        isMuted_ = active->isMuted.get();
-        leftSymbol_ = toQt(active->muteSymbol());
-        // These two have no tooltip; a screen reader still needs their names.
-        leftName_ = isMuted_ ? QStringLiteral("Unmute") : QStringLiteral("Mute");
-        rightSymbol_ = toQt(ActiveCallBanner::hangupSymbol);
-        rightName_ = QStringLiteral("Hang up");
-    }
-    firstLine_ = toQt(text.firstLine);
-    secondLine_ = toQt(text.secondLine.value_or(""));
-    lastLine_ = toQt(text.lastLine);
-    emit changed();
+    const CallPanel panel = content_->panel();
+    panel_ = {.isRinging = panel.isRinging,
+              .isMuted = panel.isMuted,
+              .iconSymbol = toQt(panel.iconSymbol),
+              .firstLine = toQt(panel.text.firstLine),
+              .secondLine = toQt(panel.text.secondLine),
+              .lastLine = toQt(panel.text.lastLine),
+              .leftSymbol = toQt(panel.left.symbol),
+              .leftTooltip = toQt(panel.left.tooltip),
+              .leftName = toQt(panel.left.name),
+              .rightSymbol = toQt(panel.right.symbol),
+              .rightTooltip = toQt(panel.right.tooltip),
+              .rightName = toQt(panel.right.name)};
+    emit panelChanged();
 }
 
+// A press can end the panel and, with it, this bridge.
+
 void CallPanelBridge::pressLeft() {
-    // The press can end the panel and, with it, this bridge.
     const auto content = content_;
-    if (auto* ringing = dynamic_cast<IncomingCallBanner*>(content.get())) {
-        ringing->onHangup();
-    } else if (auto* active = dynamic_cast<ActiveCallBanner*>(content.get())) {
-        active->toggleMute();
-    }
+    content->pressLeft();
 }
 
 void CallPanelBridge::pressRight() {
     const auto content = content_;
-    if (auto* ringing = dynamic_cast<IncomingCallBanner*>(content.get())) {
-        ringing->onAnswer();
-    } else if (auto* active = dynamic_cast<ActiveCallBanner*>(content.get())) {
-        active->hangup();
-    }
+    content->pressRight();
 }
 
 } // namespace velloway

@@ -1,68 +1,64 @@
 #pragma once
 
-#include "platform/Windows.h"
-#include "state/Observable.h"
+#include "shell/CallPanelContent.h"
 
 #include <QObject>
 #include <QString>
+#include <QtQml/qqmlregistration.h>
 
 #include <memory>
-#include <vector>
 
 namespace velloway {
+
+struct CallPanelState {
+    Q_GADGET
+    QML_ANONYMOUS
+    Q_PROPERTY(bool isRinging MEMBER isRinging)
+    Q_PROPERTY(bool isMuted MEMBER isMuted)
+    Q_PROPERTY(QString iconSymbol MEMBER iconSymbol)
+    Q_PROPERTY(QString firstLine MEMBER firstLine)
+    /// Empty: no such line.
+    Q_PROPERTY(QString secondLine MEMBER secondLine)
+    Q_PROPERTY(QString lastLine MEMBER lastLine)
+    Q_PROPERTY(QString leftSymbol MEMBER leftSymbol)
+    Q_PROPERTY(QString leftTooltip MEMBER leftTooltip)
+    Q_PROPERTY(QString leftName MEMBER leftName)
+    Q_PROPERTY(QString rightSymbol MEMBER rightSymbol)
+    Q_PROPERTY(QString rightTooltip MEMBER rightTooltip)
+    Q_PROPERTY(QString rightName MEMBER rightName)
+
+public:
+    bool isRinging = false;
+    bool isMuted = false;
+    QString iconSymbol, firstLine, secondLine, lastLine;
+    QString leftSymbol, leftTooltip, leftName, rightSymbol, rightTooltip, rightName;
+};
 
 /// Shows the value of a call panel to QML. Main thread only.
 class CallPanelBridge : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString kind READ kind NOTIFY changed)
-    Q_PROPERTY(QString iconSymbol READ iconSymbol NOTIFY changed)
-    Q_PROPERTY(QString firstLine READ firstLine NOTIFY changed)
-    Q_PROPERTY(QString secondLine READ secondLine NOTIFY changed)
-    Q_PROPERTY(QString lastLine READ lastLine NOTIFY changed)
-    Q_PROPERTY(bool leftIsMute READ leftIsMute NOTIFY changed)
-    Q_PROPERTY(bool isMuted READ isMuted NOTIFY changed)
-    Q_PROPERTY(QString leftSymbol READ leftSymbol NOTIFY changed)
-    Q_PROPERTY(QString leftTooltip READ leftTooltip NOTIFY changed)
-    Q_PROPERTY(QString leftName READ leftName NOTIFY changed)
-    Q_PROPERTY(QString rightSymbol READ rightSymbol NOTIFY changed)
-    Q_PROPERTY(QString rightTooltip READ rightTooltip NOTIFY changed)
-    Q_PROPERTY(QString rightName READ rightName NOTIFY changed)
+    QML_ELEMENT
+    QML_UNCREATABLE("The window has it.")
+    Q_PROPERTY(velloway::CallPanelState panel READ panel NOTIFY panelChanged)
 
 public:
-    explicit CallPanelBridge(std::shared_ptr<WindowContent> content, QObject* parent = nullptr);
-    ~CallPanelBridge() override;
+    explicit CallPanelBridge(std::shared_ptr<CallPanelContent> content);
 
-    void setContent(std::shared_ptr<WindowContent> content);
-
-    QString kind() const { return kind_; }
-    QString iconSymbol() const { return iconSymbol_; }
-    QString firstLine() const { return firstLine_; }
-    QString secondLine() const { return secondLine_; }
-    QString lastLine() const { return lastLine_; }
-    bool leftIsMute() const { return leftIsMute_; }
-    bool isMuted() const { return isMuted_; }
-    QString leftSymbol() const { return leftSymbol_; }
-    QString leftTooltip() const { return leftTooltip_; }
-    QString leftName() const { return leftName_; }
-    QString rightSymbol() const { return rightSymbol_; }
-    QString rightTooltip() const { return rightTooltip_; }
-    QString rightName() const { return rightName_; }
+    void setContent(std::shared_ptr<CallPanelContent> content);
+    CallPanelState panel() const { return panel_; }
 
     Q_INVOKABLE void pressLeft();
     Q_INVOKABLE void pressRight();
 
 signals:
-    void changed();
+    void panelChanged();
 
 private:
     void read();
 
-    std::shared_ptr<WindowContent> content_;
-    std::vector<Subscription> subscriptions_;
-    QString kind_, iconSymbol_, firstLine_, secondLine_, lastLine_;
-    bool leftIsMute_ = false;
-    bool isMuted_ = false;
-    QString leftSymbol_, leftTooltip_, leftName_, rightSymbol_, rightTooltip_, rightName_;
+    std::shared_ptr<CallPanelContent> content_;
+    CallPanelState panel_;
+    Subscription changes_;
 };
 
 } // namespace velloway

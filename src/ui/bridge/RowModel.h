@@ -1,5 +1,7 @@
 #pragma once
 
+#include "bridge/Convert.h"
+
 #include <QAbstractListModel>
 #include <QByteArray>
 #include <QHash>
@@ -15,19 +17,24 @@
 
 namespace velloway {
 
-/// Shows a list of values to QML and tells it of a new list as the exact inserts, removes, moves and changes,
-/// so that a row keeps its delegate for as long as its identity lasts. Main thread only.
+/// Shows a list of values to QML and reports a new list as the exact inserts, removes, moves and changes, so
+/// that a row keeps its delegate for as long as its identity lasts. Main thread only.
 ///
 /// Several rows may share an identity; they are then told apart by their order.
 template <class Row, class Key> class RowModel : public QAbstractListModel {
 public:
+    /// What a delegate names: a member of the row, or something worked out from it when it is asked for.
     struct Role {
+        template <class Value> Role(const char* role, Value of)
+            : name(role), value([of](const Row& row) { return toVariant(std::invoke(of, row)); }) {}
+
         QByteArray name;
         std::function<QVariant(const Row&)> value;
     };
 
-    RowModel(std::function<Key(const Row&)> identity, std::vector<Role> roles, QObject* parent = nullptr)
-        : QAbstractListModel(parent), identity_(std::move(identity)), roles_(std::move(roles)) {}
+    /// Every delegate also gets `bridge`, the owner of the model, to which its row belongs.
+    RowModel(QObject* bridge, std::function<Key(const Row&)> identity, std::vector<Role> roles)
+        : QAbstractListModel(bridge), identity_(std::move(identity)), roles_(std::move(roles)) {}
 
     int rowCount(const QModelIndex& parent = {}) const override {
         return parent.isValid() ? 0 : static_cast<int>(rows_.size());
@@ -35,8 +42,11 @@ public:
 
     QVariant data(const QModelIndex& index, int role) const override {
         const int position = role - Qt::UserRole;
-        if (!index.isValid() || position < 0 || position >= static_cast<int>(roles_.size())) {
+        if (!index.isValid() || position < 0 || position > bridgeRole()) {
             return {};
+        }
+        if (position == bridgeRole()) {
+            return QVariant::fromValue(QObject::parent());
         }
         return roles_[static_cast<std::size_t>(position)].value(rows_[static_cast<std::size_t>(index.row())]);
     }
@@ -46,10 +56,18 @@ public:
         for (std::size_t i = 0; i < roles_.size(); ++i) {
             names.insert(Qt::UserRole + static_cast<int>(i), roles_[i].name);
         }
+        names.insert(Qt::UserRole + bridgeRole(), "bridge");
         return names;
     }
 
     const std::vector<Row>& rows() const { return rows_; }
+
+    /// The first row of that identity, or null.
+    const Row* find(const Key& key) const {
+        const auto found =
+            std::find_if(rows_.begin(), rows_.end(), [&](const Row& row) { return identity_(row) == key; });
+        return found == rows_.end() ? nullptr : &*found;
+    }
 
     void assign(std::vector<Row> next) {
         // Most changes leave a long head and a long tail as they are.
@@ -69,6 +87,8 @@ public:
     }
 
 private:
+    int bridgeRole() const { return static_cast<int>(roles_.size()); }
+
     bool sameKey(const Row& one, const Row& other) const { return identity_(one) == identity_(other); }
 
     void update(std::size_t at, Row& next) {

@@ -1,6 +1,6 @@
 #include "bridge/SymbolProvider.h"
 
-#include "bridge/Variants.h"
+#include "bridge/Convert.h"
 
 #include <QPainter>
 #include <QSvgRenderer>

@@ -1,15 +1,13 @@
 #include "bridge/Views.h"
 
 #include "bridge/CallPanelBridge.h"
-#include "bridge/SettingsBridge.h"
+#include "bridge/Convert.h"
+#include "bridge/MainBridge.h"
 #include "bridge/SymbolProvider.h"
-#include "bridge/Variants.h"
 
 #include <QFont>
-#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
-#include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickImageProvider>
 
@@ -55,8 +53,6 @@ void prepareEngine(QQmlEngine& engine, std::shared_ptr<const SystemImages> syste
     engine.addImageProvider(QStringLiteral("symbol"), new SymbolProvider(systemImages));
     engine.addImageProvider(QStringLiteral("application-icon"),
                             new ApplicationIconProvider(std::move(systemImages)));
-    engine.rootContext()->setContextProperty(QStringLiteral("fixedFontFamily"),
-                                             QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
     QFont font = QGuiApplication::font();
     font.setFamilies(
         {QStringLiteral("Inter"), QStringLiteral("Noto Sans"), QStringLiteral("Noto Color Emoji")});
@@ -64,7 +60,7 @@ void prepareEngine(QQmlEngine& engine, std::shared_ptr<const SystemImages> syste
 }
 
 struct ContentView::Bridges {
-    std::unique_ptr<SettingsBridge> settings;
+    std::unique_ptr<MainBridge> main;
     std::unique_ptr<CallPanelBridge> callPanel;
 };
 
@@ -72,12 +68,12 @@ ContentView::ContentView(QQmlEngine& engine, std::shared_ptr<WindowContent> cont
     : QQuickView(&engine, nullptr), bridges_(std::make_unique<Bridges>()) {
     setResizeMode(SizeRootObjectToView);
     if (auto settings = std::dynamic_pointer_cast<SettingsView>(content)) {
-        bridges_->settings = std::make_unique<SettingsBridge>(std::move(settings));
-        setInitialProperties({{"bridge", QVariant::fromValue<QObject*>(bridges_->settings.get())}});
+        bridges_->main = std::make_unique<MainBridge>(std::move(settings));
+        setInitialProperties({{"bridge", QVariant::fromValue(bridges_->main.get())}});
         setSource(viewFile("MainView"));
-    } else {
-        bridges_->callPanel = std::make_unique<CallPanelBridge>(std::move(content));
-        setInitialProperties({{"bridge", QVariant::fromValue<QObject*>(bridges_->callPanel.get())}});
+    } else if (auto callPanel = std::dynamic_pointer_cast<CallPanelContent>(content)) {
+        bridges_->callPanel = std::make_unique<CallPanelBridge>(std::move(callPanel));
+        setInitialProperties({{"bridge", QVariant::fromValue(bridges_->callPanel.get())}});
         setSource(viewFile("panels/CallPanel"));
     }
 }
@@ -88,22 +84,23 @@ ContentView::~ContentView() {
 }
 
 void ContentView::setContent(std::shared_ptr<WindowContent> content) {
-    if (bridges_->callPanel) {
-        bridges_->callPanel->setContent(std::move(content));
+    if (auto callPanel = std::dynamic_pointer_cast<CallPanelContent>(content);
+        callPanel && bridges_->callPanel) {
+        bridges_->callPanel->setContent(std::move(callPanel));
     }
 }
 
 void ContentView::exposeEvent(QExposeEvent* event) {
     QQuickView::exposeEvent(event);
-    if (bridges_->settings && isExposed()) {
-        bridges_->settings->setOnScreen(true);
+    if (bridges_->main && isExposed()) {
+        bridges_->main->setOnScreen(true);
     }
 }
 
 void ContentView::hideEvent(QHideEvent* event) {
     QQuickView::hideEvent(event);
-    if (bridges_->settings) {
-        bridges_->settings->setOnScreen(false);
+    if (bridges_->main) {
+        bridges_->main->setOnScreen(false);
     }
 }
 

@@ -1,9 +1,10 @@
 import QtQuick
+import QtQuick.Templates as T
 import Velloway
 
 /// Shows which control the keyboard works on.
 Rectangle {
-    property Item control: parent
+    property T.Control control: parent as T.Control
 
     anchors.fill: parent
     anchors.margins: -2
@@ -11,5 +12,5 @@ Rectangle {
     color: "transparent"
     border.width: 2
     border.color: Theme.faded(Theme.blue, 0.6)
-    visible: control && control.visualFocus === true
+    visible: control && control.visualFocus
 }

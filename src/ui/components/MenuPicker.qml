@@ -2,21 +2,20 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Velloway
 
-/// A choice out of a few, as a menu. `entries` are {title, value}.
+/// A choice out of a few, as a menu. Each title stands for the value in the same place.
 ComboBox {
     id: picker
 
-    property var entries: []
-    property var selected
+    required property list<string> titles
+    required property list<real> values
+    property real selected
     property string name
-    signal picked(var value)
+    signal picked(real value)
 
-    model: entries
-    textRole: "title"
-    valueRole: "value"
+    model: titles
     currentIndex: {
-        for (let i = 0; i < entries.length; ++i)
-            if (entries[i].value === selected)
+        for (let i = 0; i < values.length; ++i)
+            if (values[i] === selected)
                 return i
         return -1
     }
@@ -26,7 +25,7 @@ ComboBox {
     rightPadding: 24
     font.pixelSize: Theme.callout
     Accessible.name: name
-    onActivated: index => picked(entries[index].value)
+    onActivated: index => picked(values[index])
 
     contentItem: Text {
         text: picker.displayText
@@ -49,22 +48,23 @@ ComboBox {
         FocusRing { control: picker }
     }
     delegate: ItemDelegate {
-        required property var modelData
-        required property int index
+        id: entry
 
-        width: picker.width
+        required property string modelData
+
+        width: ListView.view ? ListView.view.width : 0
         height: 26
-        highlighted: picker.highlightedIndex === index
+        highlighted: ListView.isCurrentItem
         contentItem: Text {
-            text: modelData.title
-            color: parent.highlighted ? Theme.white : Theme.primary
-            font: picker.font
+            text: entry.modelData
+            color: entry.highlighted ? Theme.white : Theme.primary
+            font.pixelSize: Theme.callout
             elide: Text.ElideRight
             verticalAlignment: Text.AlignVCenter
         }
         background: Rectangle {
             radius: 4
-            color: parent.highlighted ? Theme.blue : "transparent"
+            color: entry.highlighted ? Theme.blue : "transparent"
         }
     }
     popup: Popup {

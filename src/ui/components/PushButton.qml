@@ -25,6 +25,23 @@ AbstractButton {
     Accessible.onPressAction: if (enabled) clicked()
     Keys.onReturnPressed: clicked()
 
+    component Face: Item {
+        id: face
+
+        required property bool alignLeft
+        default property alias parts: row.data
+
+        implicitWidth: row.implicitWidth
+        implicitHeight: row.implicitHeight
+        Row {
+            id: row
+
+            spacing: 7
+            x: face.alignLeft ? 0 : (face.width - width) / 2
+            anchors.verticalCenter: parent.verticalCenter
+        }
+    }
+
     background: Rectangle {
         radius: button.controlSize === "small" ? 5 : 7
         color: button.prominent ? (button.down ? Qt.darker(Theme.blue, 1.2) : button.hovered ? Qt.lighter(Theme.blue, 1.06) : Theme.blue)
@@ -33,31 +50,23 @@ AbstractButton {
         border.color: Theme.outline
         FocusRing { control: button; radius: parent.radius + 2 }
     }
-    contentItem: Item {
-        implicitWidth: content.implicitWidth
-        implicitHeight: content.implicitHeight
-        Row {
-            id: content
-
-            spacing: 7
-            x: button.alignLeft ? 0 : (parent.width - width) / 2
+    contentItem: Face {
+        alignLeft: button.alignLeft
+        Symbol {
+            visible: button.symbol
             anchors.verticalCenter: parent.verticalCenter
-            Symbol {
-                visible: button.symbol
-                anchors.verticalCenter: parent.verticalCenter
-                name: button.symbol
-                size: button.controlSize === "large" ? 17 : button.controlSize === "small" ? 12 : 15
-                tint: button.foreground
-            }
-            Text {
-                visible: button.text
-                anchors.verticalCenter: parent.verticalCenter
-                text: button.text
-                color: button.foreground
-                font.pixelSize: button.controlSize === "small" ? Theme.caption : Theme.body
-                font.weight: button.prominent ? Font.Medium : Font.Normal
-                Accessible.ignored: true
-            }
+            name: button.symbol
+            size: button.controlSize === "large" ? 17 : button.controlSize === "small" ? 12 : 15
+            tint: button.foreground
+        }
+        Text {
+            visible: button.text
+            anchors.verticalCenter: parent.verticalCenter
+            text: button.text
+            color: button.foreground
+            font.pixelSize: button.controlSize === "small" ? Theme.caption : Theme.body
+            font.weight: button.prominent ? Font.Medium : Font.Normal
+            Accessible.ignored: true
         }
     }
     Tip { visible: button.hovered && button.tip && button.Window.window !== null; text: button.tip }

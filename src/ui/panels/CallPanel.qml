@@ -6,8 +6,8 @@ import Velloway
 Item {
     id: root
 
-    required property var bridge
-    readonly property bool ringing: bridge.kind === "incomingCall"
+    required property CallPanelBridge bridge
+    readonly property bool ringing: bridge.panel.isRinging
     readonly property color accent: ringing ? Theme.green : Theme.blue
     /// Set by the window: without a compositor nothing can shine through.
     property bool translucent: true
@@ -41,7 +41,7 @@ Item {
             color: Theme.faded(root.accent, 0.2)
             Symbol {
                 anchors.centerIn: parent
-                name: root.bridge.iconSymbol
+                name: root.bridge.panel.iconSymbol
                 size: 22
                 tint: root.accent
             }
@@ -52,7 +52,7 @@ Item {
             Label {
                 objectName: "firstLine"
                 width: parent.width
-                text: root.bridge.firstLine
+                text: root.bridge.panel.firstLine
                 font.pixelSize: 14
                 font.bold: true
                 elide: Text.ElideRight
@@ -60,16 +60,16 @@ Item {
             }
             Label {
                 objectName: "secondLine"
-                visible: root.bridge.secondLine !== ""
+                visible: root.bridge.panel.secondLine !== ""
                 width: parent.width
-                text: root.bridge.secondLine
+                text: root.bridge.panel.secondLine
                 color: Theme.secondary
                 font.pixelSize: 11
                 elide: Text.ElideRight
             }
             Label {
                 objectName: "lastLine"
-                text: root.bridge.lastLine
+                text: root.bridge.panel.lastLine
                 color: Theme.tertiary
                 font.pixelSize: 10
             }
@@ -78,19 +78,19 @@ Item {
             spacing: 12
             CircleButton {
                 objectName: "left"
-                fill: root.bridge.leftIsMute ? (root.bridge.isMuted ? Theme.blue : Theme.faded(Theme.gray, 0.3)) : Theme.red
-                tint: root.bridge.leftIsMute && !root.bridge.isMuted ? Theme.primary : Theme.white
-                symbol: root.bridge.leftSymbol
-                tip: root.bridge.leftTooltip
-                name: root.bridge.leftName
+                fill: root.ringing ? Theme.red : root.bridge.panel.isMuted ? Theme.blue : Theme.faded(Theme.gray, 0.3)
+                tint: !root.ringing && !root.bridge.panel.isMuted ? Theme.primary : Theme.white
+                symbol: root.bridge.panel.leftSymbol
+                tip: root.bridge.panel.leftTooltip
+                name: root.bridge.panel.leftName
                 onClicked: root.bridge.pressLeft()
             }
             CircleButton {
                 objectName: "right"
                 fill: root.ringing ? Theme.green : Theme.red
-                symbol: root.bridge.rightSymbol
-                tip: root.bridge.rightTooltip
-                name: root.bridge.rightName
+                symbol: root.bridge.panel.rightSymbol
+                tip: root.bridge.panel.rightTooltip
+                name: root.bridge.panel.rightName
                 onClicked: root.bridge.pressRight()
             }
         }

@@ -6,11 +6,71 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var pad: bridge.shown.dialPad
-    readonly property var texts: bridge.texts.calls
+    required property CallsBridge bridge
 
     focus: true
+
+    component RecentCall: Rectangle {
+        id: row
+
+        required property CallsBridge bridge
+        required property string number
+        required property string name
+        required property string date
+        required property string symbol
+        required property string colorRole
+
+        objectName: "recentCall"
+        // A row that waits for its next use must not be there for a screen reader.
+        ListView.onPooled: visible = false
+        ListView.onReused: visible = true
+        width: ListView.view ? ListView.view.width - 20 : 0
+        height: 48
+        radius: Theme.radius
+        color: tap.pressed ? Theme.pressed : hover.hovered || (ListView.isCurrentItem && ListView.view.activeFocus) ? Theme.hover : "transparent"
+        Accessible.role: Accessible.Button
+        Accessible.name: name + ", " + number + ", " + date
+        Accessible.onPressAction: press()
+
+        function press() { bridge.callBack(number) }
+
+        Symbol {
+            id: direction
+
+            x: 10
+            anchors.verticalCenter: parent.verticalCenter
+            name: row.symbol
+            tint: Theme.named(row.colorRole)
+            size: 17
+        }
+        Column {
+            anchors { left: direction.right; leftMargin: 12; right: when.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
+            spacing: 2
+            Label {
+                width: parent.width
+                text: row.name
+                font.weight: Font.Medium
+                elide: Text.ElideRight
+            }
+            Label {
+                width: parent.width
+                text: row.number
+                color: Theme.secondary
+                font.pixelSize: 11
+                elide: Text.ElideRight
+            }
+        }
+        Label {
+            id: when
+
+            anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
+            text: row.date
+            color: Theme.secondary
+            font.pixelSize: 10
+        }
+        HoverHandler { id: hover }
+        TapHandler { id: tap; onTapped: row.press() }
+    }
 
     RowLayout {
         anchors.fill: parent
@@ -46,7 +106,7 @@ FocusScope {
                         anchors.fill: parent
                         anchors.leftMargin: 20
                         anchors.rightMargin: 20
-                        text: tab.pad.numberText
+                        text: tab.bridge.pad.numberText
                         font.pixelSize: 38
                         font.weight: Font.Light
                         fontSizeMode: Text.HorizontalFit
@@ -67,17 +127,19 @@ FocusScope {
                         AbstractButton {
                             id: cell
 
-                            required property var modelData
+                            required property CallsBridge bridge
+                            required property string digit
+                            required property string letters
                             required property int index
 
-                            objectName: "dial" + modelData.digit
+                            objectName: "dial" + digit
                             width: 70
                             height: 70
                             focusPolicy: Qt.NoFocus
                             Accessible.role: Accessible.Button
-                            Accessible.name: modelData.digit
+                            Accessible.name: digit
                             Accessible.onPressAction: if (enabled) clicked()
-                            onClicked: tab.bridge.pressDialButton(index)
+                            onClicked: bridge.pressDialButton(index)
                             background: Rectangle {
                                 radius: height / 2
                                 color: cell.down ? Theme.pressed : cell.hovered ? Qt.darker(Theme.controlBackground, 1.04) : Theme.controlBackground
@@ -90,7 +152,7 @@ FocusScope {
                                     spacing: -1
                                     Text {
                                         anchors.horizontalCenter: parent.horizontalCenter
-                                        text: cell.modelData.digit
+                                        text: cell.digit
                                         color: Theme.primary
                                         font.pixelSize: 28
                                         Accessible.ignored: true
@@ -98,7 +160,7 @@ FocusScope {
                                     Text {
                                         visible: text
                                         anchors.horizontalCenter: parent.horizontalCenter
-                                        text: cell.modelData.letters
+                                        text: cell.letters
                                         color: Theme.secondary
                                         font.pixelSize: 8
                                         Accessible.ignored: true
@@ -115,23 +177,20 @@ FocusScope {
                     Item {
                         implicitWidth: 55
                         implicitHeight: 20
-                        SegmentedPicker {
+                        SimSegments {
                             objectName: "simSegments"
-                            visible: tab.pad.showsSimPicker
-                            name: "SIM"
-                            segments: tab.bridge.simSegments.map(entry => ({ title: entry.title, value: entry.slot }))
-                            selected: tab.bridge.fields.selectedSimSlot
-                            onPicked: value => tab.bridge.fields.selectedSimSlot = value
+                            visible: tab.bridge.pad.showsSimPicker
+                            bridge: tab.bridge
                         }
                     }
                     CircleButton {
                         objectName: "call"
                         diameter: 72
                         symbolSize: 28
-                        symbol: tab.texts.callSymbol
+                        symbol: CallsTexts.callSymbol
                         name: "Call"
                         fill: Theme.green
-                        enabled: tab.pad.canCall
+                        enabled: tab.bridge.pad.canCall
                         onClicked: tab.bridge.startCall()
                     }
                     Item {
@@ -142,10 +201,10 @@ FocusScope {
                             anchors.centerIn: parent
                             width: 50
                             leftPadding: 14
-                            symbol: tab.texts.deleteSymbol
+                            symbol: CallsTexts.deleteSymbol
                             symbolSize: 22
                             tint: Theme.secondary
-                            opacity: tab.pad.showsDelete ? 1 : 0
+                            opacity: tab.bridge.pad.showsDelete ? 1 : 0
                             focusPolicy: Qt.NoFocus
                             Accessible.name: "Delete"
                             onClicked: tab.bridge.deleteLastDigit()
@@ -162,7 +221,7 @@ FocusScope {
             Layout.fillHeight: true
             spacing: 0
             Label {
-                text: tab.texts.recentCalls
+                text: CallsTexts.recentCalls
                 font.weight: Font.DemiBold
                 Layout.margins: 20
                 Layout.bottomMargin: 10
@@ -183,75 +242,18 @@ FocusScope {
                 rightMargin: 10
                 ScrollBar.vertical: ThinScrollBar {}
                 Accessible.role: Accessible.List
-                Accessible.name: tab.texts.recentCalls
+                Accessible.name: CallsTexts.recentCalls
+                // A cast to a type of this file gives null in Qt 6.4.
+                // qmllint disable type
                 Keys.onReturnPressed: if (currentItem) currentItem.press()
-                delegate: Rectangle {
-                    id: row
-
-                    required property int index
-                    required property string number
-                    required property string name
-                    required property string date
-                    required property string symbol
-                    required property string colorRole
-
-                    objectName: "recentCall"
-                    // A row that waits for its next use must not be there for a screen reader.
-                    ListView.onPooled: visible = false
-                    ListView.onReused: visible = true
-                    width: list.width - 20
-                    height: 48
-                    radius: Theme.radius
-                    color: tap.pressed ? Theme.pressed : hover.hovered || (list.activeFocus && ListView.isCurrentItem) ? Theme.hover : "transparent"
-                    Accessible.role: Accessible.Button
-                    Accessible.name: name + ", " + number + ", " + date
-                    Accessible.onPressAction: press()
-
-                    function press() { tab.bridge.callBack(number) }
-
-                    Symbol {
-                        id: direction
-
-                        x: 10
-                        anchors.verticalCenter: parent.verticalCenter
-                        name: row.symbol
-                        tint: Theme.named(row.colorRole)
-                        size: 17
-                    }
-                    Column {
-                        anchors { left: direction.right; leftMargin: 12; right: when.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
-                        spacing: 2
-                        Label {
-                            width: parent.width
-                            text: row.name
-                            font.weight: Font.Medium
-                            elide: Text.ElideRight
-                        }
-                        Label {
-                            width: parent.width
-                            text: row.number
-                            color: Theme.secondary
-                            font.pixelSize: 11
-                            elide: Text.ElideRight
-                        }
-                    }
-                    Label {
-                        id: when
-
-                        anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
-                        text: row.date
-                        color: Theme.secondary
-                        font.pixelSize: 10
-                    }
-                    HoverHandler { id: hover }
-                    TapHandler { id: tap; onTapped: row.press() }
-                }
+                // qmllint enable type
+                delegate: RecentCall {}
                 Label {
                     objectName: "noRecentCalls"
                     visible: list.count === 0
                     x: 20
                     y: 4
-                    text: tab.texts.noRecentCalls
+                    text: CallsTexts.noRecentCalls
                     color: Theme.secondary
                 }
             }

@@ -7,9 +7,7 @@ import Velloway
 ColumnLayout {
     id: chat
 
-    required property var bridge
-    required property var header
-    readonly property var texts: bridge.texts.sms
+    required property SmsBridge bridge
 
     spacing: 0
 
@@ -24,16 +22,16 @@ ColumnLayout {
             Label {
                 objectName: "chatName"
                 width: parent.width
-                text: chat.header ? chat.header.name : ""
+                text: chat.bridge.chat.name
                 font.pixelSize: Theme.title3
                 font.weight: Font.DemiBold
                 elide: Text.ElideRight
             }
             Label {
                 objectName: "chatAddress"
-                visible: chat.header && chat.header.address ? true : false
+                visible: chat.bridge.chat.address !== ""
                 width: parent.width
-                text: chat.header && chat.header.address ? chat.header.address : ""
+                text: chat.bridge.chat.address
                 color: Theme.secondary
                 font.pixelSize: Theme.caption
                 elide: Text.ElideRight
@@ -41,17 +39,19 @@ ColumnLayout {
         }
         Label {
             objectName: "noSim"
-            visible: !chat.header || chat.header.sims.length === 0
-            text: chat.texts.noSim
+            visible: !sims.visible
+            text: SmsTexts.noSim
             color: Theme.secondary
             font.pixelSize: Theme.caption
         }
         Row {
-            visible: chat.header && chat.header.sims.length > 0 ? true : false
+            id: sims
+
+            visible: chat.bridge.chat.carriers.length > 0
             spacing: 7
             Label {
                 anchors.verticalCenter: parent.verticalCenter
-                text: chat.texts.simLabel
+                text: SmsTexts.simLabel
                 color: Theme.secondary
                 font.pixelSize: Theme.caption
             }
@@ -59,9 +59,10 @@ ColumnLayout {
                 objectName: "simPicker"
                 width: 120
                 name: "SIM"
-                entries: chat.header ? chat.header.sims.map(sim => ({ title: sim.carrier, value: sim.slot })) : []
-                selected: chat.bridge.fields.selectedSimSlot
-                onPicked: value => chat.bridge.fields.selectedSimSlot = value
+                titles: chat.bridge.chat.carriers
+                values: chat.bridge.chat.simSlots
+                selected: chat.bridge.selectedSimSlot
+                onPicked: value => chat.bridge.selectedSimSlot = value
             }
         }
     }
@@ -77,7 +78,7 @@ ColumnLayout {
             objectName: "newConversation"
             visible: list.count === 0
             anchors.centerIn: parent
-            text: chat.texts.newConversation
+            text: SmsTexts.newConversation
             color: Theme.secondary
         }
         ListView {
@@ -87,7 +88,7 @@ ColumnLayout {
             /// Rows that come into being change the estimate of the whole height; until the user scrolls away, the end
             /// stays in sight all the same.
             property bool followsEnd: true
-            property string shownFor: chat.bridge.fields.activeRecipient || ""
+            property string shownFor: chat.bridge.activeRecipient
 
             objectName: "messages"
             anchors.fill: parent
@@ -103,20 +104,27 @@ ColumnLayout {
             model: chat.bridge.bubbles
             ScrollBar.vertical: ThinScrollBar { onPressedChanged: if (pressed) list.followsEnd = false }
             Accessible.role: Accessible.List
-            Accessible.name: chat.header ? chat.header.name : ""
+            Accessible.name: chat.bridge.chat.name
             Keys.onUpPressed: flick(0, 600)
             Keys.onDownPressed: flick(0, -600)
-            delegate: Bubble { width: list.width }
+            delegate: Bubble { width: ListView.view ? ListView.view.width : 0 }
 
             onMovementStarted: followsEnd = false
             onMovementEnded: followsEnd = atYEnd
-            onContentHeightChanged: if (followsEnd && !scroll.running) Qt.callLater(positionViewAtEnd)
+            onContentHeightChanged: if (followsEnd && !scroll.running) later(positionViewAtEnd)
             onShownForChanged: {
                 lastCount = -1
-                Qt.callLater(toEnd)
+                later(toEnd)
             }
-            onCountChanged: Qt.callLater(toEnd)
-            Component.onCompleted: Qt.callLater(toEnd)
+            onCountChanged: later(toEnd)
+            Component.onCompleted: later(toEnd)
+
+            /// Once, however often it is asked for, when control is back with the event loop.
+            function later(step: var) {
+                // qmllint disable type
+                Qt.callLater(step) // The linter takes it for a value.
+                // qmllint enable type
+            }
 
             /// At once for another chat, animated when messages came or went.
             function toEnd() {
@@ -160,17 +168,17 @@ ColumnLayout {
             leftPadding: 14
             rightPadding: 14
             focus: true
-            placeholderText: chat.texts.composerPlaceholder
-            text: chat.bridge.fields.chatText
-            onTextEdited: chat.bridge.fields.chatText = text
+            placeholderText: SmsTexts.composerPlaceholder
+            text: chat.bridge.chatText
+            onTextEdited: chat.bridge.chatText = text
             onAccepted: chat.bridge.sendChatMessage()
         }
         PlainButton {
             objectName: "send"
-            enabled: chat.bridge.shown.canSend
+            enabled: chat.bridge.canSend
             opacity: 1
             padding: 2
-            symbol: chat.texts.sendSymbol
+            symbol: SmsTexts.sendSymbol
             symbolSize: 30
             tint: enabled ? Theme.blue : Theme.secondary
             Accessible.name: "Send"

@@ -6,8 +6,7 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.clipboard
+    required property ClipboardBridge bridge
 
     ColumnLayout {
         anchors.fill: parent
@@ -15,12 +14,12 @@ FocusScope {
 
         ListHeader {
             Layout.fillWidth: true
-            title: tab.texts.title
-            description: tab.texts.description
-            clearTitle: tab.texts.clearHistory
-            showsClear: tab.bridge.shown.showsClearClipboard
-            actionTitle: tab.texts.send
-            actionSymbol: tab.texts.sendSymbol
+            title: ClipboardTexts.title
+            description: ClipboardTexts.description
+            clearTitle: ClipboardTexts.clearHistory
+            showsClear: tab.bridge.showsClear
+            actionTitle: ClipboardTexts.send
+            actionSymbol: ClipboardTexts.sendSymbol
             onClear: tab.bridge.clearClipboard()
             onAction: tab.bridge.sendCurrentClipboard()
         }
@@ -34,8 +33,8 @@ FocusScope {
                 visible: list.count === 0
                 anchors.centerIn: parent
                 width: parent.width - 40
-                symbol: tab.texts.emptySymbol
-                title: tab.texts.empty
+                symbol: ClipboardTexts.emptySymbol
+                title: ClipboardTexts.empty
             }
             ListView {
                 id: list
@@ -52,19 +51,20 @@ FocusScope {
                 boundsBehavior: Flickable.StopAtBounds
                 topMargin: 8
                 bottomMargin: 8
-                model: tab.bridge.clipboard
+                model: tab.bridge.rows
                 ScrollBar.vertical: ThinScrollBar {}
                 Accessible.role: Accessible.List
-                Accessible.name: tab.texts.title
+                Accessible.name: ClipboardTexts.title
                 delegate: Item {
                     id: row
 
+                    required property ClipboardBridge bridge
                     required property string rowId
                     required property string text
                     required property string date
 
                     objectName: "clipboardRow"
-                    width: list.width
+                    width: ListView.view ? ListView.view.width : 0
                     height: column.height + 22
                     Accessible.role: Accessible.ListItem
                     Accessible.name: text
@@ -74,7 +74,7 @@ FocusScope {
 
                         x: 22
                         y: 13
-                        name: tab.texts.rowSymbol
+                        name: ClipboardTexts.rowSymbol
                         size: 17
                         tint: Theme.blue
                     }
@@ -110,10 +110,10 @@ FocusScope {
                         objectName: "copy"
                         anchors { right: parent.right; rightMargin: 20 }
                         y: 8
-                        symbol: tab.texts.copySymbol
-                        tip: tab.texts.copyTooltip
+                        symbol: ClipboardTexts.copySymbol
+                        tip: ClipboardTexts.copyTooltip
                         tint: Theme.secondary
-                        onClicked: tab.bridge.copyToClipboard(row.rowId)
+                        onClicked: row.bridge.copyToClipboard(row.rowId)
                     }
                     Separator {
                         x: 22

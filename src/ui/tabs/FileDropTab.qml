@@ -6,8 +6,7 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.fileDrop
+    required property FileDropBridge bridge
 
     ColumnLayout {
         anchors.fill: parent
@@ -15,12 +14,12 @@ FocusScope {
 
         ListHeader {
             Layout.fillWidth: true
-            title: tab.texts.title
-            description: tab.texts.description
-            clearTitle: tab.texts.clearHistory
-            showsClear: tab.bridge.shown.showsClearFileTransfers
-            actionTitle: tab.texts.send
-            actionSymbol: tab.texts.sendSymbol
+            title: FileDropTexts.title
+            description: FileDropTexts.description
+            clearTitle: FileDropTexts.clearHistory
+            showsClear: tab.bridge.showsClear
+            actionTitle: FileDropTexts.send
+            actionSymbol: FileDropTexts.sendSymbol
             onClear: tab.bridge.clearFileTransfers()
             onAction: tab.bridge.selectFileAndSend()
         }
@@ -40,10 +39,11 @@ FocusScope {
             model: tab.bridge.transfers
             ScrollBar.vertical: ThinScrollBar {}
             Accessible.role: Accessible.List
-            Accessible.name: tab.texts.title
+            Accessible.name: FileDropTexts.title
             delegate: Item {
                 id: row
 
+                required property FileDropBridge bridge
                 required property string rowId
                 required property string symbol
                 required property string colorRole
@@ -58,7 +58,7 @@ FocusScope {
                 // A row that waits for its next use must not be there for a screen reader.
                 ListView.onPooled: visible = false
                 ListView.onReused: visible = true
-                width: list.width
+                width: ListView.view ? ListView.view.width : 0
                 height: 54
                 Accessible.role: Accessible.ListItem
                 Accessible.name: fileName + ", " + (isCompleted ? detail : percentage)
@@ -129,10 +129,10 @@ FocusScope {
                     visible: row.showsReveal
                     width: visible ? implicitWidth : 0
                     anchors { right: parent.right; rightMargin: 20; verticalCenter: parent.verticalCenter }
-                    symbol: tab.texts.revealSymbol
-                    tip: tab.texts.revealTooltip
+                    symbol: FileDropTexts.revealSymbol
+                    tip: FileDropTexts.revealTooltip
                     tint: Theme.secondary
-                    onClicked: tab.bridge.revealFile(row.rowId)
+                    onClicked: row.bridge.revealFile(row.rowId)
                 }
                 HoverHandler { id: hover }
             }

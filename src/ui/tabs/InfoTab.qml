@@ -5,8 +5,7 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.info
+    required property InfoBridge bridge
 
     FormPage {
         anchors.fill: parent
@@ -24,24 +23,25 @@ FocusScope {
                     anchors.verticalCenter: parent.verticalCenter
                     width: 64
                     height: 64
-                    sourceSize: Qt.size(128, 128)
+                    sourceSize.width: 128
+                    sourceSize.height: 128
                     fillMode: Image.PreserveAspectFit
                     source: "image://application-icon/"
                     Accessible.role: Accessible.Graphic
-                    Accessible.name: tab.texts.name
+                    Accessible.name: InfoTexts.name
                 }
                 Column {
                     anchors { left: icon.right; leftMargin: 14; verticalCenter: parent.verticalCenter }
                     spacing: 3
-                    Label { text: tab.texts.name; font.pixelSize: Theme.title2; font.bold: true; Accessible.role: Accessible.Heading }
-                    Label { objectName: "version"; text: tab.texts.version; color: Theme.secondary; font.pixelSize: Theme.subheadline }
+                    Label { text: InfoTexts.name; font.pixelSize: Theme.title2; font.bold: true; Accessible.role: Accessible.Heading }
+                    Label { objectName: "version"; text: InfoTexts.version; color: Theme.secondary; font.pixelSize: Theme.subheadline }
                 }
             }
         }
 
         FormSection {
             Layout.fillWidth: true
-            title: tab.texts.descriptionSection
+            title: InfoTexts.descriptionSection
             Item {
                 width: parent.width
                 height: description.height + 24
@@ -51,7 +51,7 @@ FocusScope {
                     x: 12
                     y: 12
                     width: parent.width - 24
-                    text: tab.texts.description
+                    text: InfoTexts.description
                     wrapMode: Text.Wrap
                 }
             }
@@ -59,17 +59,17 @@ FocusScope {
 
         FormSection {
             Layout.fillWidth: true
-            title: tab.texts.developerSection
+            title: InfoTexts.developerSection
             FormRow {
-                title: tab.texts.developerLabel
-                Label { text: tab.texts.developerName; color: Theme.secondary }
+                title: InfoTexts.developerLabel
+                Label { text: InfoTexts.developerName; color: Theme.secondary }
             }
             FormRow {
                 last: true
                 PlainButton {
                     objectName: "profile"
                     padding: 2
-                    text: tab.texts.profileTitle
+                    text: InfoTexts.profileTitle
                     textSize: Theme.subheadline
                     Accessible.role: Accessible.Link
                     onClicked: tab.bridge.openProfile()
@@ -79,15 +79,15 @@ FocusScope {
 
         FormSection {
             Layout.fillWidth: true
-            title: tab.texts.supportSection
+            title: InfoTexts.supportSection
             FormRow {
-                title: tab.texts.walletName
-                symbol: tab.texts.supportSymbol
+                title: InfoTexts.walletName
+                symbol: InfoTexts.supportSymbol
                 symbolTint: Theme.red
                 last: true
                 SelectableText {
                     objectName: "walletAccount"
-                    text: tab.texts.walletAccount
+                    text: InfoTexts.walletAccount
                     font.weight: Font.DemiBold
                 }
             }

@@ -6,8 +6,7 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.notifications
+    required property NotificationsBridge bridge
 
     ColumnLayout {
         anchors.fill: parent
@@ -22,11 +21,11 @@ FocusScope {
                 visible: list.count === 0
                 anchors.centerIn: parent
                 width: parent.width - 40
-                symbol: tab.texts.emptySymbol
+                symbol: NotificationsTexts.emptySymbol
                 symbolOpacity: 0.6
                 headline: true
-                title: tab.texts.emptyTitle
-                description: tab.texts.emptyDescription
+                title: NotificationsTexts.emptyTitle
+                description: NotificationsTexts.emptyDescription
             }
             ListView {
                 id: list
@@ -43,23 +42,24 @@ FocusScope {
                 boundsBehavior: Flickable.StopAtBounds
                 topMargin: 8
                 bottomMargin: 8
-                model: tab.bridge.notifications
+                model: tab.bridge.rows
                 ScrollBar.vertical: ThinScrollBar {}
                 Accessible.role: Accessible.List
                 Accessible.name: "Notifications"
                 delegate: Item {
                     id: row
 
+                    required property NotificationsBridge bridge
                     required property string rowId
                     required property string letter
                     required property string app
                     required property string time
-                    required property var title
-                    required property var body
+                    required property string title
+                    required property string body
                     required property bool isReplying
 
                     objectName: "notification"
-                    width: list.width
+                    width: ListView.view ? ListView.view.width : 0
                     height: column.height + 22
                     Accessible.role: Accessible.ListItem
                     Accessible.name: app + (title ? ", " + title : "") + (body ? ", " + body : "")
@@ -109,18 +109,18 @@ FocusScope {
                             }
                         }
                         Label {
-                            visible: row.title !== null
+                            visible: row.title !== ""
                             width: parent.width
-                            text: row.title || ""
+                            text: row.title
                             font.pixelSize: Theme.body
                             font.weight: Font.Medium
                             elide: Text.ElideRight
                             maximumLineCount: 1
                         }
                         Label {
-                            visible: row.body !== null
+                            visible: row.body !== ""
                             width: parent.width
-                            text: row.body || ""
+                            text: row.body
                             color: Theme.secondary
                             font.pixelSize: Theme.callout
                             wrapMode: Text.Wrap
@@ -132,42 +132,23 @@ FocusScope {
                             objectName: "reply"
                             visible: !row.isReplying
                             x: -4
-                            text: tab.texts.reply
+                            text: NotificationsTexts.reply
                             tint: Theme.tint
-                            onClicked: {
-                                tab.bridge.openReply(row.rowId)
-                            }
+                            onClicked: row.bridge.openReply(row.rowId)
                         }
                         Loader {
-                            active: row.isReplying
-                            visible: active
+                            readonly property bool isOpen: row.isReplying
+
+                            visible: isOpen
                             width: parent.width
-                            sourceComponent: RowLayout {
-                                spacing: 8
-                                Field {
-                                    objectName: "replyField"
-                                    Layout.fillWidth: true
-                                    implicitHeight: 24
-                                    placeholderText: tab.texts.replyPlaceholder
-                                    text: tab.bridge.fields.replyText
-                                    onTextEdited: tab.bridge.fields.replyText = text
-                                    onAccepted: tab.bridge.sendReply(row.rowId)
-                                    Keys.onEscapePressed: tab.bridge.cancelReply()
-                                    Component.onCompleted: forceActiveFocus()
-                                }
-                                PushButton {
-                                    objectName: "sendReply"
-                                    prominent: true
-                                    controlSize: "small"
-                                    text: tab.texts.send
-                                    onClicked: tab.bridge.sendReply(row.rowId)
-                                }
-                                PlainButton {
-                                    objectName: "cancelReply"
-                                    text: tab.texts.cancel
-                                    tint: Theme.secondary
-                                    onClicked: tab.bridge.cancelReply()
-                                }
+                            onIsOpenChanged: load()
+                            Component.onCompleted: load()
+
+                            function load() {
+                                if (isOpen)
+                                    setSource("ReplyBox.qml", { bridge: row.bridge, rowId: row.rowId })
+                                else
+                                    source = ""
                             }
                         }
                     }
@@ -186,16 +167,16 @@ FocusScope {
             Layout.maximumHeight: 34
             Label {
                 objectName: "count"
-                text: tab.bridge.shown.notificationsCount
+                text: tab.bridge.count
                 color: Theme.secondary
                 font.pixelSize: Theme.caption
                 Layout.fillWidth: true
             }
             PlainButton {
                 objectName: "clearAll"
-                text: tab.texts.clearAll
+                text: NotificationsTexts.clearAll
                 tint: Theme.red
-                enabled: tab.bridge.shown.canClearNotifications
+                enabled: tab.bridge.canClear
                 onClicked: tab.bridge.clearNotifications()
             }
         }

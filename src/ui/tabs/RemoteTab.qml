@@ -6,41 +6,44 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.remote
-
-    function buttons(section) {
-        return bridge.remoteButtons.filter(entry => entry.section === section)
-    }
-    function named(command, section) {
-        return bridge.remoteButtons.find(entry => entry.command === command && entry.section === section)
-    }
+    required property RemoteBridge bridge
 
     focus: true
     Keys.priority: Keys.BeforeItem
     Keys.onShortcutOverride: event => event.accepted = true
     Keys.onPressed: event => {
         if (!event.isAutoRepeat || event.key === Qt.Key_Up || event.key === Qt.Key_Down || event.key === Qt.Key_Left || event.key === Qt.Key_Right)
-            event.accepted = bridge.pressRemoteShortcut(event.key, event.modifiers)
+            event.accepted = tab.bridge.pressRemoteShortcut(event.key, event.modifiers)
     }
 
     component Command: PushButton {
-        property var entry
+        required property RemoteBridge bridge
+        required property int position
+        required property string caption
+        required property string symbolName
+        required property string tooltip
+        required property string command
 
-        objectName: "remote" + entry.index
-        text: entry.title
-        symbol: entry.symbol
-        tip: entry.tooltip
+        objectName: "remote" + position
+        text: caption
+        symbol: symbolName
+        tip: tooltip
         // The keyboard belongs to the shortcuts of this tab; a button that kept the focus would take Space from them.
         focusPolicy: Qt.NoFocus
-        Accessible.name: entry.title || entry.tooltip || entry.command
-        onClicked: tab.bridge.pressRemoteButton(entry.index)
+        Accessible.name: caption || tooltip || command
+        onClicked: bridge.pressRemoteButton(position)
     }
     component GroupTitle: Label {
         color: Theme.secondary
         font.pixelSize: Theme.callout
     }
+    component ShortcutText: Label {
+        font.pixelSize: Theme.caption
+        font.family: Theme.monospaced
+    }
     component Block: Rectangle {
+        id: block
+
         default property alias content: column.data
         property string title
 
@@ -56,7 +59,7 @@ FocusScope {
             anchors { left: parent.left; right: parent.right; top: parent.top; margins: 16 }
             spacing: 14
             Label {
-                text: parent.parent.title
+                text: block.title
                 font.weight: Font.DemiBold
                 Accessible.role: Accessible.Heading
             }
@@ -82,7 +85,7 @@ FocusScope {
 
             Rectangle {
                 objectName: "accessibilityWarning"
-                visible: tab.bridge.shown.showsAccessibilityWarning
+                visible: tab.bridge.showsWarning
                 Layout.fillWidth: true
                 implicitHeight: warning.implicitHeight + 32
                 radius: 12
@@ -94,18 +97,18 @@ FocusScope {
                     spacing: 10
                     RowLayout {
                         spacing: 9
-                        Symbol { name: tab.texts.warningSymbol; size: 20; tint: Theme.orange }
-                        Label { text: tab.texts.warningTitle; font.weight: Font.DemiBold; Accessible.role: Accessible.Heading }
+                        Symbol { name: RemoteTexts.warningSymbol; size: 20; tint: Theme.orange }
+                        Label { text: RemoteTexts.warningTitle; font.weight: Font.DemiBold; Accessible.role: Accessible.Heading }
                     }
                     Label {
                         Layout.fillWidth: true
-                        text: tab.texts.warning
+                        text: RemoteTexts.warning
                         font.pixelSize: Theme.subheadline
                         wrapMode: Text.Wrap
                     }
                     Label {
                         Layout.fillWidth: true
-                        text: tab.texts.warningNote
+                        text: RemoteTexts.warningNote
                         color: Theme.secondary
                         font.pixelSize: Theme.caption
                         wrapMode: Text.Wrap
@@ -117,14 +120,14 @@ FocusScope {
                             prominent: true
                             controlSize: "small"
                             focusPolicy: Qt.NoFocus
-                            text: tab.texts.openSettings
+                            text: RemoteTexts.openSettings
                             onClicked: tab.bridge.openAccessibilitySettings()
                         }
                         PushButton {
                             objectName: "refreshStatus"
                             controlSize: "small"
                             focusPolicy: Qt.NoFocus
-                            text: tab.texts.refreshStatus
+                            text: RemoteTexts.refreshStatus
                             onClicked: tab.bridge.refreshAccessibilityStatus()
                         }
                     }
@@ -132,29 +135,29 @@ FocusScope {
             }
 
             Block {
-                title: tab.texts.control
+                title: RemoteTexts.control
                 RowLayout {
                     spacing: 20
                     ColumnLayout {
                         spacing: 8
-                        GroupTitle { text: tab.texts.media }
+                        GroupTitle { text: RemoteTexts.media }
                         Row {
                             spacing: 8
                             Repeater {
-                                model: tab.buttons("media")
-                                Command { required property var modelData; entry: modelData; controlSize: "large"; implicitWidth: 52 }
+                                model: tab.bridge.media
+                                Command { controlSize: "large"; implicitWidth: 52 }
                             }
                         }
                     }
                     Separator { vertical: true; Layout.fillHeight: true }
                     ColumnLayout {
                         spacing: 8
-                        GroupTitle { text: tab.texts.volume }
+                        GroupTitle { text: RemoteTexts.volume }
                         Row {
                             spacing: 8
                             Repeater {
-                                model: tab.buttons("volume")
-                                Command { required property var modelData; entry: modelData; controlSize: "large"; implicitWidth: 52 }
+                                model: tab.bridge.volume
+                                Command { controlSize: "large"; implicitWidth: 52 }
                             }
                         }
                     }
@@ -163,45 +166,49 @@ FocusScope {
             }
 
             Block {
-                title: tab.texts.navigation
+                title: RemoteTexts.navigation
                 RowLayout {
                     spacing: 16
                     ColumnLayout {
                         Layout.alignment: Qt.AlignTop
                         spacing: 8
-                        GroupTitle { text: tab.texts.dPad }
-                        Grid {
-                            columns: 3
-                            spacing: 6
-                            Item { width: 44; height: 36 }
-                            Command { entry: tab.named("dpad_up", "dPad"); implicitWidth: 44; implicitHeight: 36; leftPadding: 4; rightPadding: 4 }
-                            Item { width: 44; height: 36 }
-                            Command { entry: tab.named("dpad_left", "dPad"); implicitWidth: 44; implicitHeight: 36; leftPadding: 4; rightPadding: 4 }
-                            Command { entry: tab.named("dpad_center", "dPad"); implicitWidth: 44; implicitHeight: 36; leftPadding: 4; rightPadding: 4 }
-                            Command { entry: tab.named("dpad_right", "dPad"); implicitWidth: 44; implicitHeight: 36; leftPadding: 4; rightPadding: 4 }
-                            Item { width: 44; height: 36 }
-                            Command { entry: tab.named("dpad_down", "dPad"); implicitWidth: 44; implicitHeight: 36; leftPadding: 4; rightPadding: 4 }
-                            Item { width: 44; height: 36 }
+                        GroupTitle { text: RemoteTexts.dPad }
+                        Item {
+                            implicitWidth: 144
+                            implicitHeight: 120
+                            Repeater {
+                                model: tab.bridge.dPad
+                                Command {
+                                    required property int index
+
+                                    x: [50, 0, 50, 100, 50][index]
+                                    y: [0, 42, 42, 42, 84][index]
+                                    implicitWidth: 44
+                                    implicitHeight: 36
+                                    leftPadding: 4
+                                    rightPadding: 4
+                                }
+                            }
                         }
                     }
                     Separator { vertical: true; Layout.fillHeight: true }
                     ColumnLayout {
                         Layout.alignment: Qt.AlignTop
                         spacing: 8
-                        GroupTitle { text: tab.texts.core }
+                        GroupTitle { text: RemoteTexts.core }
                         Repeater {
-                            model: tab.buttons("core")
-                            Command { required property var modelData; entry: modelData; alignLeft: true; leftPadding: 10; rightPadding: 10; implicitWidth: 150 }
+                            model: tab.bridge.core
+                            Command { alignLeft: true; leftPadding: 10; rightPadding: 10; implicitWidth: 150 }
                         }
                     }
                     Separator { vertical: true; Layout.fillHeight: true }
                     ColumnLayout {
                         Layout.alignment: Qt.AlignTop
                         spacing: 8
-                        GroupTitle { text: tab.texts.system }
+                        GroupTitle { text: RemoteTexts.system }
                         Repeater {
-                            model: tab.buttons("system")
-                            Command { required property var modelData; entry: modelData; alignLeft: true; leftPadding: 10; rightPadding: 10; implicitWidth: 150 }
+                            model: tab.bridge.system
+                            Command { alignLeft: true; leftPadding: 10; rightPadding: 10; implicitWidth: 150 }
                         }
                     }
                     Item { Layout.fillWidth: true }
@@ -209,26 +216,31 @@ FocusScope {
             }
 
             Block {
-                title: tab.texts.shortcuts
-                Grid {
-                    columns: 2
-                    columnSpacing: 20
-                    rowSpacing: 6
-                    Repeater {
-                        model: {
-                            const cells = []
-                            for (const row of tab.bridge.shortcuts)
-                                cells.push({ text: row.key, key: true }, { text: row.meaning, key: false })
-                            return cells
-                        }
-                        Label {
-                            required property var modelData
+                title: RemoteTexts.shortcuts
+                Row {
+                    spacing: 20
+                    Column {
+                        spacing: 6
+                        Repeater {
+                            model: tab.bridge.shortcuts
+                            ShortcutText {
+                                required property string key
 
-                            text: modelData.text
-                            color: modelData.key ? Theme.primary : Theme.secondary
-                            font.pixelSize: Theme.caption
-                            font.family: Theme.monospaced
-                            font.bold: modelData.key
+                                text: key
+                                font.bold: true
+                            }
+                        }
+                    }
+                    Column {
+                        spacing: 6
+                        Repeater {
+                            model: tab.bridge.shortcuts
+                            ShortcutText {
+                                required property string meaning
+
+                                text: meaning
+                                color: Theme.secondary
+                            }
                         }
                     }
                 }

@@ -5,90 +5,88 @@ import Velloway
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.settings
-    readonly property var status: bridge.shown.status
+    required property SettingsBridge bridge
 
     FormPage {
         anchors.fill: parent
 
         FormSection {
             Layout.fillWidth: true
-            title: tab.texts.serverSection
-            footer: tab.texts.serverFooter
+            title: SettingsTexts.serverSection
+            footer: SettingsTexts.serverFooter
 
             FormRow {
-                title: tab.texts.status
+                title: SettingsTexts.status
                 wide: true
                 RowLayout {
                     spacing: 9
-                    visible: tab.status.isConnected
+                    visible: tab.bridge.status.isConnected
                     Layout.fillWidth: true
                     Symbol {
-                        name: tab.status.symbol
+                        name: tab.bridge.status.symbol
                         size: 18
-                        tint: Theme.named(tab.status.color)
+                        tint: Theme.named(tab.bridge.status.color)
                     }
                     Column {
                         Layout.fillWidth: true
                         Label {
                             objectName: "deviceName"
-                            visible: tab.status.headline !== null
+                            visible: tab.bridge.status.hasHeadline
                             width: parent.width
                             elide: Text.ElideRight
-                            text: tab.status.headline || ""
+                            text: tab.bridge.status.headline
                             font.weight: Font.DemiBold
                         }
                         Label {
                             objectName: "statusDetail"
                             width: parent.width
                             elide: Text.ElideRight
-                            text: tab.status.detail
+                            text: tab.bridge.status.detail
                             color: Theme.secondary
                             font.pixelSize: Theme.caption
                         }
                     }
                     Row {
                         objectName: "battery"
-                        visible: tab.status.battery !== null
+                        visible: tab.bridge.status.hasBattery
                         Layout.leftMargin: 10
                         spacing: 5
                         Symbol {
-                            name: tab.status.battery ? tab.status.battery.symbol : ""
+                            name: tab.bridge.status.batterySymbol
                             size: 24
                             anchors.verticalCenter: parent.verticalCenter
-                            tint: tab.status.battery ? Theme.named(tab.status.battery.color) : Theme.primary
+                            tint: Theme.named(tab.bridge.status.batteryColor)
                         }
                         Label {
                             objectName: "batteryText"
                             anchors.verticalCenter: parent.verticalCenter
-                            text: tab.status.battery ? tab.status.battery.text : ""
-                            color: tab.status.battery ? Theme.named(tab.status.battery.color) : Theme.primary
+                            text: tab.bridge.status.batteryText
+                            color: Theme.named(tab.bridge.status.batteryColor)
                         }
                     }
                 }
                 ColumnLayout {
-                    visible: !tab.status.isConnected
+                    visible: !tab.bridge.status.isConnected
                     Layout.fillWidth: true
                     spacing: 4
                     RowLayout {
                         spacing: 6
                         Symbol {
-                            name: tab.status.isConnected ? "" : tab.status.symbol
+                            name: tab.bridge.status.isConnected ? "" : tab.bridge.status.symbol
                             size: 16
-                            tint: Theme.named(tab.status.color)
+                            tint: Theme.named(tab.bridge.status.color)
                         }
                         Label {
                             objectName: "notConnected"
-                            text: tab.status.isConnected ? "" : tab.status.headline || ""
-                            color: Theme.named(tab.status.color)
+                            text: tab.bridge.status.isConnected ? "" : tab.bridge.status.headline
+                            color: Theme.named(tab.bridge.status.color)
                             font.bold: true
                         }
                     }
                     Label {
                         objectName: "connectHint"
                         Layout.fillWidth: true
-                        text: tab.status.isConnected ? "" : tab.status.detail
+                        text: tab.bridge.status.isConnected ? "" : tab.bridge.status.detail
                         color: Theme.secondary
                         font.pixelSize: Theme.caption
                         wrapMode: Text.Wrap
@@ -96,30 +94,30 @@ FocusScope {
                 }
             }
             FormRow {
-                title: tab.texts.localIP
+                title: SettingsTexts.localIP
                 SelectableText {
                     objectName: "localIP"
-                    text: tab.bridge.shown.localIP
+                    text: tab.bridge.localIP
                     font.family: Theme.monospaced
                     font.bold: true
                 }
                 PlainButton {
                     objectName: "copyLocalIP"
-                    symbol: tab.texts.copySymbol
+                    symbol: SettingsTexts.copySymbol
                     tint: Theme.secondary
                     Accessible.name: "Copy the address"
                     onClicked: tab.bridge.copyLocalIP()
                 }
             }
             FormRow {
-                title: tab.texts.port
+                title: SettingsTexts.port
                 last: true
                 PushButton {
                     objectName: "restart"
-                    visible: tab.bridge.fields.serverRestartNeeded
+                    visible: tab.bridge.serverRestartNeeded
                     prominent: true
                     controlSize: "small"
-                    text: tab.texts.restart
+                    text: SettingsTexts.restart
                     onClicked: tab.bridge.restartServer()
                 }
                 Field {
@@ -127,13 +125,13 @@ FocusScope {
 
                     objectName: "port"
                     implicitWidth: 80
-                    placeholderText: tab.texts.portPrompt
+                    placeholderText: SettingsTexts.portPrompt
                     horizontalAlignment: TextInput.AlignRight
-                    text: tab.bridge.shown.portText
-                    Accessible.name: tab.texts.port
+                    text: tab.bridge.portText
+                    Accessible.name: SettingsTexts.port
                     onEditingFinished: {
                         tab.bridge.commitPort(text)
-                        text = Qt.binding(() => tab.bridge.shown.portText)
+                        text = Qt.binding(() => tab.bridge.portText)
                     }
                 }
             }
@@ -141,27 +139,27 @@ FocusScope {
 
         FormSection {
             Layout.fillWidth: true
-            title: tab.texts.notificationsSection
-            visible: tab.bridge.shown.notificationPermission !== "none"
+            title: SettingsTexts.notificationsSection
+            visible: tab.bridge.permission !== SettingsBridge.NoPermissionRow
             FormRow {
                 last: true
                 RowLayout {
                     objectName: "notificationsEnabled"
-                    visible: tab.bridge.shown.notificationPermission === "enabled"
+                    visible: tab.bridge.permission === SettingsBridge.PermissionGiven
                     spacing: 8
-                    Symbol { name: tab.texts.enabledSymbol; size: 17; tint: Theme.green }
-                    Label { text: tab.texts.enabled; color: Theme.green }
+                    Symbol { name: SettingsTexts.enabledSymbol; size: 17; tint: Theme.green }
+                    Label { text: SettingsTexts.enabled; color: Theme.green }
                 }
                 PushButton {
                     objectName: "requestPermission"
-                    visible: tab.bridge.shown.notificationPermission === "requestPermission"
-                    text: tab.texts.requestPermission
+                    visible: tab.bridge.permission === SettingsBridge.RequestPermission
+                    text: SettingsTexts.requestPermission
                     onClicked: tab.bridge.requestNotificationPermission()
                 }
                 PushButton {
                     objectName: "openNotificationSettings"
-                    visible: tab.bridge.shown.notificationPermission === "openSettings"
-                    text: tab.texts.blocked
+                    visible: tab.bridge.permission === SettingsBridge.OpenSettings
+                    text: SettingsTexts.blocked
                     onClicked: tab.bridge.openNotificationSettings()
                 }
             }
@@ -169,15 +167,15 @@ FocusScope {
 
         FormSection {
             Layout.fillWidth: true
-            title: tab.texts.generalSection
+            title: SettingsTexts.generalSection
             FormRow {
-                title: tab.texts.launchAtLogin
+                title: SettingsTexts.launchAtLogin
                 last: true
                 Toggle {
                     objectName: "launchAtLogin"
-                    name: tab.texts.launchAtLogin
-                    checked: tab.bridge.fields.launchAtLogin
-                    onToggled: tab.bridge.fields.launchAtLogin = checked
+                    name: SettingsTexts.launchAtLogin
+                    checked: tab.bridge.launchAtLogin
+                    onToggled: tab.bridge.launchAtLogin = checked
                 }
             }
         }

@@ -1,14 +1,11 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Velloway
 
 FocusScope {
     id: tab
 
-    required property var bridge
-    readonly property var texts: bridge.texts.sms
-    readonly property var header: bridge.shown.chatHeader
+    required property SmsBridge bridge
 
     focus: true
 
@@ -31,19 +28,25 @@ FocusScope {
 
             EmptyState {
                 objectName: "noChat"
-                visible: !tab.header
+                visible: !tab.bridge.chat.isOpen
                 anchors.centerIn: parent
                 width: Math.min(300, parent.width - 40)
-                symbol: tab.texts.noChatSymbol
-                title: tab.texts.noChat
+                symbol: SmsTexts.noChatSymbol
+                title: SmsTexts.noChat
             }
             Loader {
+                readonly property bool isOpen: tab.bridge.chat.isOpen
+
                 objectName: "chatLoader"
                 anchors.fill: parent
-                active: tab.header ? true : false
-                sourceComponent: Chat {
-                    bridge: tab.bridge
-                    header: tab.header
+                onIsOpenChanged: load()
+                Component.onCompleted: load()
+
+                function load() {
+                    if (isOpen)
+                        setSource("Chat.qml", { bridge: tab.bridge })
+                    else
+                        source = ""
                 }
             }
         }

@@ -7,9 +7,118 @@ import Velloway
 Item {
     id: column
 
-    required property var bridge
-    readonly property var texts: bridge.texts.sms
-    readonly property var shown: bridge.shown
+    required property SmsBridge bridge
+
+    /// The row above the threads that starts a chat with what was typed.
+    component NewMessage: AbstractButton {
+        id: fresh
+
+        required property SmsBridge bridge
+        readonly property string recipient: bridge.list.newMessageTo
+
+        objectName: "newMessage"
+        visible: recipient !== ""
+        width: parent ? parent.width : 0
+        height: visible ? 52 : 0
+        Accessible.role: Accessible.Button
+        Accessible.name: SmsTexts.newMessageCaption + " " + recipient
+        Accessible.onPressAction: if (enabled) clicked()
+        onClicked: bridge.startNewMessage()
+        background: Rectangle {
+            radius: Theme.radius
+            color: fresh.down ? Theme.pressed : fresh.hovered ? Theme.hover : "transparent"
+        }
+        contentItem: Item {
+            Symbol {
+                x: 3
+                anchors.verticalCenter: parent.verticalCenter
+                name: SmsTexts.newMessageSymbol
+                size: 34
+                tint: Theme.blue
+            }
+            Column {
+                x: 48
+                width: parent.width - x
+                anchors.verticalCenter: parent.verticalCenter
+                Label {
+                    text: SmsTexts.newMessageCaption
+                    color: Theme.secondary
+                    font.pixelSize: Theme.caption
+                }
+                Label {
+                    width: parent.width
+                    text: fresh.recipient
+                    font.weight: Font.Medium
+                    elide: Text.ElideRight
+                }
+            }
+        }
+    }
+
+    component Thread: Rectangle {
+        id: row
+
+        required property SmsBridge bridge
+        required property string address
+        required property string initials
+        required property string name
+        required property string date
+        required property string preview
+        required property bool isActive
+
+        objectName: "thread"
+        // A row that waits for its next use must not be there for a screen reader.
+        ListView.onPooled: visible = false
+        ListView.onReused: visible = true
+        width: ListView.view ? ListView.view.width - 16 : 0
+        height: 52
+        radius: Theme.radius
+        color: isActive ? Theme.faded(Theme.blue, 0.15) : hover.hovered || (ListView.isCurrentItem && ListView.view.activeFocus) ? Theme.hover : "transparent"
+        Accessible.role: Accessible.ListItem
+        Accessible.name: name + (preview ? ", " + preview : "")
+        Accessible.selectable: true
+        Accessible.selected: isActive
+        Accessible.onPressAction: press()
+
+        function press() { bridge.openConversation(address) }
+
+        Avatar {
+            id: avatar
+
+            x: 8
+            anchors.verticalCenter: parent.verticalCenter
+            initials: row.initials
+        }
+        Label {
+            anchors { left: avatar.right; leftMargin: 10; right: when.left; rightMargin: 6 }
+            y: 9
+            text: row.name
+            font.weight: Font.DemiBold
+            elide: Text.ElideRight
+            maximumLineCount: 1
+        }
+        Label {
+            id: when
+
+            anchors { right: parent.right; rightMargin: 8 }
+            y: 12
+            text: row.date
+            color: Theme.secondary
+            font.pixelSize: 10
+        }
+        Label {
+            anchors { left: avatar.right; leftMargin: 10; right: parent.right; rightMargin: 8 }
+            y: 28
+            text: row.preview.replace(/\s+/g, " ")
+            color: Theme.secondary
+            font.pixelSize: 11
+            elide: Text.ElideRight
+            maximumLineCount: 1
+            horizontalAlignment: Text.AlignLeft
+        }
+        HoverHandler { id: hover }
+        TapHandler { onTapped: row.press() }
+    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -19,7 +128,7 @@ Item {
             Layout.margins: 12
             Layout.bottomMargin: 0
             Label {
-                text: column.texts.title
+                text: SmsTexts.title
                 font.pixelSize: Theme.title2
                 font.bold: true
                 Layout.fillWidth: true
@@ -27,7 +136,7 @@ Item {
             }
             PlainButton {
                 objectName: "refresh"
-                symbol: column.texts.refreshSymbol
+                symbol: SmsTexts.refreshSymbol
                 Accessible.name: "Refresh"
                 onClicked: column.bridge.refreshSmsHistory()
             }
@@ -45,7 +154,7 @@ Item {
             Symbol {
                 x: 9
                 anchors.verticalCenter: parent.verticalCenter
-                name: column.texts.searchSymbol
+                name: SmsTexts.searchSymbol
                 size: 14
                 tint: Theme.secondary
             }
@@ -59,22 +168,22 @@ Item {
                 color: Theme.primary
                 font.pixelSize: Theme.body
                 leftPadding: 3
-                placeholderText: column.texts.searchPlaceholder
+                placeholderText: SmsTexts.searchPlaceholder
                 placeholderTextColor: Theme.tertiary
                 selectByMouse: true
                 selectionColor: Theme.faded(Theme.blue, 0.35)
                 selectedTextColor: Theme.primary
-                text: column.bridge.fields.contactQuery
-                onTextEdited: column.bridge.fields.contactQuery = text
+                text: column.bridge.contactQuery
+                onTextEdited: column.bridge.contactQuery = text
                 Accessible.name: placeholderText
             }
             PlainButton {
                 id: clear
 
                 objectName: "clearSearch"
-                visible: column.shown.showsClearSearch
+                visible: column.bridge.list.showsClearButton
                 anchors { right: parent.right; rightMargin: 4; verticalCenter: parent.verticalCenter }
-                symbol: column.texts.clearSymbol
+                symbol: SmsTexts.clearSymbol
                 symbolSize: 14
                 tint: Theme.secondary
                 Accessible.name: "Clear search"
@@ -88,20 +197,20 @@ Item {
 
             EmptyState {
                 objectName: "noMessages"
-                visible: column.shown.smsIsEmpty
+                visible: column.bridge.list.isEmpty
                 anchors.centerIn: parent
                 width: parent.width - 20
-                symbol: column.texts.emptySymbol
+                symbol: SmsTexts.emptySymbol
                 symbolSize: 32
                 symbolOpacity: 0.4
-                title: column.texts.empty
+                title: SmsTexts.empty
             }
 
             ListView {
                 id: list
 
                 objectName: "threads"
-                visible: !column.shown.smsIsEmpty
+                visible: !column.bridge.list.isEmpty
                 anchors.fill: parent
                 clip: true
                 leftMargin: 8
@@ -112,115 +221,17 @@ Item {
                 model: column.bridge.threads
                 ScrollBar.vertical: ThinScrollBar {}
                 Accessible.role: Accessible.List
-                Accessible.name: column.texts.title
+                Accessible.name: SmsTexts.title
+                // A cast to a type of this file gives null in Qt 6.4.
+                // qmllint disable type
                 Keys.onReturnPressed: if (currentItem) currentItem.press()
+                // qmllint enable type
 
-                header: AbstractButton {
-                    id: fresh
-
-                    objectName: "newMessage"
-                    visible: column.shown.newMessageTo !== null
-                    width: list.width - 16
-                    height: visible ? 52 : 0
-                    Accessible.role: Accessible.Button
-                    Accessible.name: column.texts.newMessageCaption + " " + (column.shown.newMessageTo || "")
-                    Accessible.onPressAction: if (enabled) clicked()
-                    onClicked: column.bridge.startNewMessage()
-                    background: Rectangle {
-                        radius: Theme.radius
-                        color: fresh.down ? Theme.pressed : fresh.hovered ? Theme.hover : "transparent"
-                    }
-                    contentItem: Item {
-                        Symbol {
-                            id: plane
-
-                            x: 3
-                            anchors.verticalCenter: parent.verticalCenter
-                            name: column.texts.newMessageSymbol
-                            size: 34
-                            tint: Theme.blue
-                        }
-                        Column {
-                            anchors { left: plane.right; leftMargin: 11; right: parent.right; verticalCenter: parent.verticalCenter }
-                            Label {
-                                text: column.texts.newMessageCaption
-                                color: Theme.secondary
-                                font.pixelSize: Theme.caption
-                            }
-                            Label {
-                                width: parent.width
-                                text: column.shown.newMessageTo || ""
-                                font.weight: Font.Medium
-                                elide: Text.ElideRight
-                            }
-                        }
-                    }
-                }
-
-                delegate: Rectangle {
-                    id: row
-
-                    required property int index
-                    required property string address
-                    required property string initials
-                    required property string name
-                    required property var date
-                    required property var preview
-                    required property bool isActive
-
-                    objectName: "thread"
-                    // A row that waits for its next use must not be there for a screen reader.
-                    ListView.onPooled: visible = false
-                    ListView.onReused: visible = true
-                    width: list.width - 16
-                    height: 52
-                    radius: Theme.radius
-                    color: isActive ? Theme.faded(Theme.blue, 0.15) : hover.hovered || (list.activeFocus && ListView.isCurrentItem) ? Theme.hover : "transparent"
-                    Accessible.role: Accessible.ListItem
-                    Accessible.name: name + (preview ? ", " + preview : "")
-                    Accessible.selectable: true
-                    Accessible.selected: isActive
-                    Accessible.onPressAction: press()
-
-                    function press() { column.bridge.openConversation(address) }
-
-                    Avatar {
-                        id: avatar
-
-                        x: 8
-                        anchors.verticalCenter: parent.verticalCenter
-                        initials: row.initials
-                    }
-                    Label {
-                        anchors { left: avatar.right; leftMargin: 10; right: when.left; rightMargin: 6 }
-                        y: 9
-                        text: row.name
-                        font.weight: Font.DemiBold
-                        elide: Text.ElideRight
-                        maximumLineCount: 1
-                    }
-                    Label {
-                        id: when
-
-                        anchors { right: parent.right; rightMargin: 8 }
-                        y: 12
-                        text: row.date || ""
-                        color: Theme.secondary
-                        font.pixelSize: 10
-                    }
-                    Label {
-                        anchors { left: avatar.right; leftMargin: 10; right: parent.right; rightMargin: 8 }
-                        y: 28
-                        text: (row.preview || "").replace(/\s+/g, " ")
-                        color: Theme.secondary
-                        font.pixelSize: 11
-                        elide: Text.ElideRight
-                        maximumLineCount: 1
-                        horizontalAlignment: Text.AlignLeft
-                    }
-                    HoverHandler { id: hover }
-                    TapHandler { onTapped: row.press() }
-                }
+                // The linter of Qt 6.4 does not look out of a component.
+                // qmllint disable unqualified
+                header: NewMessage { bridge: column.bridge }
+                // qmllint enable unqualified
+                delegate: Thread {}
             }
         }
     }

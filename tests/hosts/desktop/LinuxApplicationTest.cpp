@@ -55,7 +55,7 @@ public:
 };
 
 // The first of the cases: it needs a process that is not in front yet.
-TEST_F(LinuxApplicationTest, tells_its_delegate_when_it_comes_to_the_front) {
+TEST_F(LinuxApplicationTest, TellsItsDelegateWhenItComesToTheFront) {
     CountingDelegate delegate;
     application.setDelegate(&delegate);
     QWidget window;
@@ -67,7 +67,7 @@ TEST_F(LinuxApplicationTest, tells_its_delegate_when_it_comes_to_the_front) {
     application.setDelegate(nullptr);
 }
 
-TEST_F(LinuxApplicationTest, an_alert_shows_its_texts_as_they_are) {
+TEST_F(LinuxApplicationTest, AnAlertShowsItsTextsAsTheyAre) {
     std::vector<std::string> shown;
     runAlert([&](QMessageBox& box) {
         shown = {box.text().toStdString(), box.informativeText().toStdString()};
@@ -82,13 +82,13 @@ TEST_F(LinuxApplicationTest, an_alert_shows_its_texts_as_they_are) {
                 ElementsAre(alert.messageText, alert.informativeText, "Open System Settings", "Not Now"));
 }
 
-TEST_F(LinuxApplicationTest, each_button_answers_by_its_place) {
+TEST_F(LinuxApplicationTest, EachButtonAnswersByItsPlace) {
     for (const int place : {0, 1}) {
         EXPECT_EQ(runAlert([&](QMessageBox& box) { box.buttons().at(place)->click(); }), place);
     }
 }
 
-TEST_F(LinuxApplicationTest, escape_and_closing_answer_like_the_second_button) {
+TEST_F(LinuxApplicationTest, EscapeAndClosingAnswerLikeTheSecondButton) {
     EXPECT_EQ(runAlert([](QMessageBox& box) {
                   QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
                   QApplication::sendEvent(&box, &escape);
@@ -97,7 +97,7 @@ TEST_F(LinuxApplicationTest, escape_and_closing_answer_like_the_second_button) {
     EXPECT_EQ(runAlert([](QMessageBox& box) { box.close(); }), 1);
 }
 
-TEST_F(LinuxApplicationTest, return_answers_like_the_first_button) {
+TEST_F(LinuxApplicationTest, ReturnAnswersLikeTheFirstButton) {
     EXPECT_EQ(runAlert([](QMessageBox& box) {
                   QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
                   QApplication::sendEvent(&box, &enter);
@@ -105,7 +105,7 @@ TEST_F(LinuxApplicationTest, return_answers_like_the_first_button) {
               0);
 }
 
-TEST_F(LinuxApplicationTest, the_main_queue_goes_on_while_an_alert_is_up) {
+TEST_F(LinuxApplicationTest, TheMainQueueGoesOnWhileAnAlertIsUp) {
     QtMainQueue queue;
     int answer = -1;
     bool ranInside = false;
@@ -120,7 +120,7 @@ TEST_F(LinuxApplicationTest, the_main_queue_goes_on_while_an_alert_is_up) {
     EXPECT_TRUE(ranInside);
 }
 
-TEST_F(LinuxApplicationTest, knows_whether_a_window_is_on_screen) {
+TEST_F(LinuxApplicationTest, KnowsWhetherAWindowIsOnScreen) {
     EXPECT_FALSE(LinuxApplication::hasVisibleWindows());
     QWidget window;
     window.show();
@@ -132,7 +132,7 @@ TEST_F(LinuxApplicationTest, knows_whether_a_window_is_on_screen) {
     EXPECT_FALSE(LinuxApplication::hasVisibleWindows());
 }
 
-TEST_F(LinuxApplicationTest, keeps_the_activation_policy) {
+TEST_F(LinuxApplicationTest, KeepsTheActivationPolicy) {
     application.setActivationPolicy(ActivationPolicy::accessory);
     EXPECT_EQ(application.activationPolicy(), ActivationPolicy::accessory);
 }

@@ -80,7 +80,7 @@ protected:
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
 };
 
-TEST_P(OneInstance, a_second_start_brings_the_first_one_forward_and_ends_well) {
+TEST_P(OneInstance, ASecondStartBringsTheFirstOneForwardAndEndsWell) {
     const auto first = start();
     ASSERT_TRUE(first->says("launched"));
     const auto second = start();
@@ -90,7 +90,7 @@ TEST_P(OneInstance, a_second_start_brings_the_first_one_forward_and_ends_well) {
     EXPECT_TRUE(first->says("reopen without windows"));
 }
 
-TEST_P(OneInstance, files_given_to_a_second_start_reach_the_first_one_as_whole_paths) {
+TEST_P(OneInstance, FilesGivenToASecondStartReachTheFirstOneAsWholePaths) {
     const auto first = start();
     ASSERT_TRUE(first->says("launched"));
     const QString place = QString::fromStdString(folder.path().string());
@@ -103,13 +103,13 @@ TEST_P(OneInstance, files_given_to_a_second_start_reach_the_first_one_as_whole_p
     EXPECT_TRUE(first->says(QByteArray::fromStdString(expected)));
 }
 
-TEST_P(OneInstance, files_given_to_the_first_start_reach_it_after_its_launch) {
+TEST_P(OneInstance, FilesGivenToTheFirstStartReachItAfterItsLaunch) {
     const auto first = start({"/tmp/one", "/tmp/two"});
     EXPECT_TRUE(first->says("launched"));
     EXPECT_TRUE(first->says("files [/tmp/one] [/tmp/two]"));
 }
 
-TEST_P(OneInstance, many_starts_at_once_leave_one) {
+TEST_P(OneInstance, ManyStartsAtOnceLeaveOne) {
     std::vector<std::unique_ptr<Probe>> probes;
     for (int number = 0; number < 5; ++number) {
         probes.push_back(start());
@@ -131,7 +131,7 @@ TEST_P(OneInstance, many_starts_at_once_leave_one) {
     EXPECT_EQ(launched, 1);
 }
 
-TEST_P(OneInstance, one_that_crashed_is_not_in_the_way) {
+TEST_P(OneInstance, OneThatCrashedIsNotInTheWay) {
     const auto first = start();
     ASSERT_TRUE(first->says("launched"));
     first->crash();
@@ -142,7 +142,7 @@ TEST_P(OneInstance, one_that_crashed_is_not_in_the_way) {
     EXPECT_TRUE(third->says("handed over"));
 }
 
-TEST_P(OneInstance, one_that_hangs_makes_the_second_start_fail_after_a_bounded_time) {
+TEST_P(OneInstance, OneThatHangsMakesTheSecondStartFailAfterABoundedTime) {
     const auto first = start();
     ASSERT_TRUE(first->says("launched"));
     first->stop();
@@ -177,7 +177,7 @@ private:
     QString address_;
 };
 
-TEST(DyingBus, ends_neither_the_program_nor_its_being_the_only_one) {
+TEST(DyingBus, EndsNeitherTheProgramNorItsBeingTheOnlyOne) {
     MortalBus bus;
     ASSERT_FALSE(bus.address().isEmpty());
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -197,7 +197,7 @@ protected:
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
 };
 
-TEST_F(Trayless, without_a_tray_a_window_with_the_menu_shows_up_and_goes_when_a_tray_comes) {
+TEST_F(Trayless, WithoutATrayAWindowWithTheMenuShowsUpAndGoesWhenATrayComes) {
     Probe probe(environment, {});
     ASSERT_TRUE(probe.says("launched"));
     EXPECT_TRUE(waitFor(isWindowShown));
@@ -207,7 +207,7 @@ TEST_F(Trayless, without_a_tray_a_window_with_the_menu_shows_up_and_goes_when_a_
     EXPECT_TRUE(waitFor([] { return !isWindowShown(); }));
 }
 
-TEST_F(Trayless, with_a_tray_no_window_shows_up_and_its_menu_works) {
+TEST_F(Trayless, WithATrayNoWindowShowsUpAndItsMenuWorks) {
     TrayHost tray(QStringLiteral(TRAY_HOST));
     ASSERT_TRUE(tray.isReady());
     Probe probe(environment, {});
@@ -221,7 +221,7 @@ TEST_F(Trayless, with_a_tray_no_window_shows_up_and_its_menu_works) {
     EXPECT_EQ(probe.answer(), 0);
 }
 
-TEST_F(Trayless, keys_of_the_menu_work_in_the_window_and_closing_it_ends_nothing) {
+TEST_F(Trayless, KeysOfTheMenuWorkInTheWindowAndClosingItEndsNothing) {
     Probe probe(environment, {});
     ASSERT_TRUE(waitFor(isWindowShown));
     QProcess::execute("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$", "windowfocus", "--sync",
@@ -232,7 +232,7 @@ TEST_F(Trayless, keys_of_the_menu_work_in_the_window_and_closing_it_ends_nothing
     EXPECT_TRUE(Probe(environment, {}).says("handed over"));
 }
 
-TEST_F(Trayless, a_second_start_brings_the_window_back) {
+TEST_F(Trayless, ASecondStartBringsTheWindowBack) {
     Probe probe(environment, {});
     ASSERT_TRUE(waitFor(isWindowShown));
     probe.tell("close");

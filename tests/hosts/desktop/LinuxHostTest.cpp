@@ -14,7 +14,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(LinuxHostName, is_the_one_that_the_user_gave) {
+TEST(LinuxHostName, IsTheOneThatTheUserGave) {
     const TemporaryFolder folder;
     const std::filesystem::path file = folder.path() / "machine-info";
     const struct {
@@ -32,7 +32,7 @@ TEST(LinuxHostName, is_the_one_that_the_user_gave) {
     }
 }
 
-TEST(LinuxHostName, is_else_the_name_on_the_network_without_its_domain) {
+TEST(LinuxHostName, IsElseTheNameOnTheNetworkWithoutItsDomain) {
     std::array<char, 256> name{};
     ASSERT_EQ(::gethostname(name.data(), name.size() - 1), 0);
     const std::string expected = std::string(name.data()).substr(0, std::string(name.data()).find('.'));
@@ -54,7 +54,7 @@ protected:
     LinuxHost host;
 };
 
-TEST_F(LinuxHostEnvironment, the_locale_is_the_one_that_dates_follow_in_the_form_that_icu_knows) {
+TEST_F(LinuxHostEnvironment, TheLocaleIsTheOneThatDatesFollowInTheFormThatIcuKnows) {
     const struct {
         const char* given;
         const char* locale;
@@ -82,14 +82,14 @@ TEST_F(LinuxHostEnvironment, the_locale_is_the_one_that_dates_follow_in_the_form
     EXPECT_EQ(host.locale(), "en_US_POSIX");
 }
 
-TEST_F(LinuxHostEnvironment, the_time_zone_has_its_long_name) {
+TEST_F(LinuxHostEnvironment, TheTimeZoneHasItsLongName) {
     ::setenv("TZ", "Europe/Berlin", 1);
     EXPECT_EQ(host.timeZone(), "Europe/Berlin");
     ::unsetenv("TZ");
     EXPECT_FALSE(host.timeZone().empty());
 }
 
-TEST_F(LinuxHostEnvironment, the_downloads_folder_is_the_users_own_and_is_made_when_missing) {
+TEST_F(LinuxHostEnvironment, TheDownloadsFolderIsTheUsersOwnAndIsMadeWhenMissing) {
     const std::filesystem::path config = std::getenv("XDG_CONFIG_HOME");
     const std::filesystem::path home = std::getenv("HOME");
     EXPECT_EQ(host.downloadsDirectory(), home / "Downloads");
@@ -100,7 +100,7 @@ TEST_F(LinuxHostEnvironment, the_downloads_folder_is_the_users_own_and_is_made_w
     std::filesystem::remove(config / "user-dirs.dirs");
 }
 
-TEST(LinuxHostNetwork, lists_the_loopback_with_its_flags_and_address) {
+TEST(LinuxHostNetwork, ListsTheLoopbackWithItsFlagsAndAddress) {
     const auto interfaces = LinuxHost().networkInterfaces();
     ASSERT_TRUE(interfaces.has_value());
     const auto loopback =
@@ -112,11 +112,11 @@ TEST(LinuxHostNetwork, lists_the_loopback_with_its_flags_and_address) {
     EXPECT_EQ(loopback->numericAddress, "127.0.0.1");
 }
 
-TEST(LinuxHostNetwork, knows_how_interfaces_are_named_here) {
+TEST(LinuxHostNetwork, KnowsHowInterfacesAreNamedHere) {
     EXPECT_THAT(LinuxHost().interfacePrefixes(), ElementsAre("en", "eth", "wl"));
 }
 
-TEST(LinuxHostClock, tells_the_present_time) {
+TEST(LinuxHostClock, TellsThePresentTime) {
     const auto before = std::chrono::system_clock::now();
     const Instant now = LinuxHost().now();
     EXPECT_GE(now, before);

@@ -93,7 +93,7 @@ protected:
 
 constexpr std::string_view awkward = "https://example.org/?a=1&b=$(touch x);'\"`|ä";
 
-TEST_F(LinuxWorkspaceTest, opens_an_address_by_the_portal) {
+TEST_F(LinuxWorkspaceTest, OpensAnAddressByThePortal) {
     install("xdg-open");
     const auto service = portal();
     ASSERT_TRUE(service->isThere());
@@ -106,27 +106,27 @@ TEST_F(LinuxWorkspaceTest, opens_an_address_by_the_portal) {
     EXPECT_THAT(whatStarted(std::chrono::milliseconds(100)), IsEmpty());
 }
 
-TEST_F(LinuxWorkspaceTest, opens_an_address_as_one_argument_where_there_is_no_portal) {
+TEST_F(LinuxWorkspaceTest, OpensAnAddressAsOneArgumentWhereThereIsNoPortal) {
     install("xdg-open");
     workspace.open(awkward);
     EXPECT_EQ(whatStarted(), "xdg-open\n" + std::string(awkward) + "\n");
 }
 
-TEST_F(LinuxWorkspaceTest, opens_an_address_by_program_when_the_portal_refuses) {
+TEST_F(LinuxWorkspaceTest, OpensAnAddressByProgramWhenThePortalRefuses) {
     install("xdg-open");
     const auto service = portal(true);
     workspace.open("mailto:a@example.org");
     EXPECT_EQ(whatStarted(), "xdg-open\nmailto:a@example.org\n");
 }
 
-TEST_F(LinuxWorkspaceTest, does_not_wait_for_an_answer) {
+TEST_F(LinuxWorkspaceTest, DoesNotWaitForAnAnswer) {
     install("xdg-open");
     const auto service = portal();
     workspace.open("https://example.org");
     EXPECT_THAT(service->calls, IsEmpty());
 }
 
-TEST_F(LinuxWorkspaceTest, shows_a_file_in_the_file_manager) {
+TEST_F(LinuxWorkspaceTest, ShowsAFileInTheFileManager) {
     const auto service = fileManager();
     workspace.activateFileViewerSelecting("/tmp/some ä file");
     ASSERT_TRUE(waitFor([&] { return service->calls.size() == 1; }));
@@ -135,7 +135,7 @@ TEST_F(LinuxWorkspaceTest, shows_a_file_in_the_file_manager) {
               QStringList{"file:///tmp/some%20%C3%A4%20file"});
 }
 
-TEST_F(LinuxWorkspaceTest, asks_the_portal_for_the_folder_when_there_is_no_file_manager) {
+TEST_F(LinuxWorkspaceTest, AsksThePortalForTheFolderWhenThereIsNoFileManager) {
     const auto service = portal();
     writeText(folder.path() / "file", "x");
     workspace.activateFileViewerSelecting(folder.path() / "file");
@@ -144,7 +144,7 @@ TEST_F(LinuxWorkspaceTest, asks_the_portal_for_the_folder_when_there_is_no_file_
     EXPECT_EQ(service->calls.front().signature(), "sha{sv}");
 }
 
-TEST_F(LinuxWorkspaceTest, opens_the_folder_when_nobody_else_can_show_the_file) {
+TEST_F(LinuxWorkspaceTest, OpensTheFolderWhenNobodyElseCanShowTheFile) {
     install("xdg-open");
     const auto refusing = fileManager(true);
     const auto refusingToo = portal(true);
@@ -153,14 +153,14 @@ TEST_F(LinuxWorkspaceTest, opens_the_folder_when_nobody_else_can_show_the_file) 
     EXPECT_EQ(whatStarted(), "xdg-open\nfile://" + folder.path().string() + "\n");
 }
 
-TEST_F(LinuxWorkspaceTest, opens_the_folder_of_a_file_that_has_gone) {
+TEST_F(LinuxWorkspaceTest, OpensTheFolderOfAFileThatHasGone) {
     install("xdg-open");
     const auto service = portal();
     workspace.activateFileViewerSelecting(folder.path() / "gone");
     EXPECT_EQ(whatStarted(), "xdg-open\nfile://" + folder.path().string() + "\n");
 }
 
-TEST_F(LinuxWorkspaceTest, opens_the_page_of_the_settings_that_this_desktop_has) {
+TEST_F(LinuxWorkspaceTest, OpensThePageOfTheSettingsThatThisDesktopHas) {
     const struct {
         const char* desktop;
         const char* program;
@@ -184,7 +184,7 @@ TEST_F(LinuxWorkspaceTest, opens_the_page_of_the_settings_that_this_desktop_has)
     }
 }
 
-TEST_F(LinuxWorkspaceTest, opens_no_settings_on_a_desktop_that_it_does_not_know) {
+TEST_F(LinuxWorkspaceTest, OpensNoSettingsOnADesktopThatItDoesNotKnow) {
     install("gnome-control-center");
     ::setenv("XDG_CURRENT_DESKTOP", "Unheard-Of", 1);
     workspace.openSettings(SettingsPane::notifications);

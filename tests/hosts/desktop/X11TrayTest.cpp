@@ -56,7 +56,7 @@ private:
 };
 
 // One case in a process of its own: Qt decides once for which kind of tray it makes icons.
-TEST(X11TrayTest, the_item_docks_in_an_x11_tray_when_none_came_on_the_bus) {
+TEST(X11TrayTest, TheItemDocksInAnX11TrayWhenNoneCameOnTheBus) {
     LinuxStatusItem item(50);
     item.create();
     item.setImage({.kind = StatusImage::Kind::asset, .name = "StatusIcon"});

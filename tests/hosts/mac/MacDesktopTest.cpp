@@ -79,7 +79,7 @@ protected:
     MacApplication application{delegate};
 };
 
-TEST_F(MacDelegateTest, launch_reopen_activation_and_the_last_window_reach_the_program) {
+TEST_F(MacDelegateTest, LaunchReopenActivationAndTheLastWindowReachTheProgram) {
     fakeLaunch();
     EXPECT_TRUE(fakeReopen(false));
     EXPECT_TRUE(fakeReopen(true));
@@ -90,7 +90,7 @@ TEST_F(MacDelegateTest, launch_reopen_activation_and_the_last_window_reach_the_p
     EXPECT_TRUE(fakeLastWindowClosed());
 }
 
-TEST_F(MacDelegateTest, answers_to_its_selectors_and_to_no_others) {
+TEST_F(MacDelegateTest, AnswersToItsSelectorsAndToNoOthers) {
     for (const char* selector :
          {"applicationDidFinishLaunching:", "applicationShouldTerminateAfterLastWindowClosed:",
           "applicationShouldHandleReopen:hasVisibleWindows:", "onMenuCall", "onMenuSms", "onMenuFileDrop",
@@ -106,7 +106,7 @@ TEST_F(MacDelegateTest, answers_to_its_selectors_and_to_no_others) {
     }
 }
 
-TEST_F(MacDelegateTest, before_the_program_stands_calls_do_nothing) {
+TEST_F(MacDelegateTest, BeforeTheProgramStandsCallsDoNothing) {
     delegate.application = nullptr;
     fakeLaunch();
     fakeBecomeActive();
@@ -115,7 +115,7 @@ TEST_F(MacDelegateTest, before_the_program_stands_calls_do_nothing) {
     EXPECT_THAT(recorder.notes, IsEmpty());
 }
 
-TEST_F(MacDelegateTest, activation_is_told_to_nobody_after_the_end) {
+TEST_F(MacDelegateTest, ActivationIsToldToNobodyAfterTheEnd) {
     resetFakeMac();
     {
         const MacApplication another(delegate);
@@ -125,7 +125,7 @@ TEST_F(MacDelegateTest, activation_is_told_to_nobody_after_the_end) {
     EXPECT_THAT(recorder.notes, ElementsAre("active"));
 }
 
-TEST_F(MacDelegateTest, files_given_to_the_service_arrive_as_paths_in_order) {
+TEST_F(MacDelegateTest, FilesGivenToTheServiceArriveAsPathsInOrder) {
     EXPECT_FALSE(fakeService()) << "there is no provider yet";
     application.setServicesProvider(&recorder);
     fakeMac.pasteboardFiles = {"/tmp/a b.txt", "/tmp/\u00fc.png"};
@@ -136,7 +136,7 @@ TEST_F(MacDelegateTest, files_given_to_the_service_arrive_as_paths_in_order) {
     EXPECT_THAT(*recorder.given.urls, ElementsAre("/tmp/a b.txt", "/tmp/\u00fc.png"));
 }
 
-TEST_F(MacDelegateTest, an_address_given_to_the_service_arrives_whole) {
+TEST_F(MacDelegateTest, AnAddressGivenToTheServiceArrivesWhole) {
     application.setServicesProvider(&recorder);
     fakeMac.pasteboardFiles = {"https://example.org/etc/hosts", "/tmp/a"};
     EXPECT_TRUE(fakeService());
@@ -144,7 +144,7 @@ TEST_F(MacDelegateTest, an_address_given_to_the_service_arrives_whole) {
     EXPECT_THAT(*recorder.given.urls, ElementsAre("https://example.org/etc/hosts", "/tmp/a"));
 }
 
-TEST_F(MacDelegateTest, a_service_pasteboard_without_types_or_files_says_so) {
+TEST_F(MacDelegateTest, AServicePasteboardWithoutTypesOrFilesSaysSo) {
     application.setServicesProvider(&recorder);
     fakeMac.pasteboardText = "text";
     fakeService();
@@ -161,7 +161,7 @@ TEST_F(MacDelegateTest, a_service_pasteboard_without_types_or_files_says_so) {
     EXPECT_FALSE(recorder.given.urls);
 }
 
-TEST_F(MacDelegateTest, the_platform_does_not_keep_the_delegate_alive) {
+TEST_F(MacDelegateTest, ThePlatformDoesNotKeepTheDelegateAlive) {
     const int before = runtimeObjectsAlive();
     { MacDelegate another; }
     EXPECT_EQ(runtimeObjectsAlive(), before);
@@ -169,7 +169,7 @@ TEST_F(MacDelegateTest, the_platform_does_not_keep_the_delegate_alive) {
 
 // Application
 
-TEST_F(MacDelegateTest, policy_activation_and_the_end_are_passed_on) {
+TEST_F(MacDelegateTest, PolicyActivationAndTheEndArePassedOn) {
     application.setActivationPolicy(ActivationPolicy::accessory);
     application.setActivationPolicy(ActivationPolicy::regular);
     application.activate();
@@ -178,7 +178,7 @@ TEST_F(MacDelegateTest, policy_activation_and_the_end_are_passed_on) {
                                      "terminate"));
 }
 
-TEST_F(MacDelegateTest, an_alert_shows_its_texts_and_buttons_and_answers_with_the_button) {
+TEST_F(MacDelegateTest, AnAlertShowsItsTextsAndButtonsAndAnswersWithTheButton) {
     Alert alert{.messageText = "Message", .informativeText = "More\n\nlines", .buttons = {"First", "Second"}};
     fakeMac.modalAnswer = 1000;
     EXPECT_EQ(application.runModal(alert), 0);
@@ -214,14 +214,14 @@ protected:
     std::unique_ptr<MacStatusItem> item = std::make_unique<MacStatusItem>(delegate);
 };
 
-TEST_F(MacStatusItemTest, has_variable_length_and_is_taken_away_at_the_end) {
+TEST_F(MacStatusItemTest, HasVariableLengthAndIsTakenAwayAtTheEnd) {
     item->create();
     EXPECT_TRUE(item->hasButton());
     item.reset();
     EXPECT_THAT(calls(), ElementsAre("status item of length -1", "status item removed"));
 }
 
-TEST_F(MacStatusItemTest, shows_the_asset_at_its_own_size_and_the_symbol_at_the_size_asked_for) {
+TEST_F(MacStatusItemTest, ShowsTheAssetAtItsOwnSizeAndTheSymbolAtTheSizeAskedFor) {
     item->create();
     const StatusImage asset{.kind = StatusImage::Kind::asset, .name = "StatusIcon", .isTemplate = true};
     const StatusImage symbol{
@@ -239,7 +239,7 @@ TEST_F(MacStatusItemTest, shows_the_asset_at_its_own_size_and_the_symbol_at_the_
     EXPECT_FALSE(item->hasImage(symbol));
 }
 
-TEST_F(MacStatusItemTest, without_a_button_an_image_goes_nowhere) {
+TEST_F(MacStatusItemTest, WithoutAButtonAnImageGoesNowhere) {
     fakeMac.hasButton = false;
     item->create();
     EXPECT_FALSE(item->hasButton());
@@ -247,7 +247,7 @@ TEST_F(MacStatusItemTest, without_a_button_an_image_goes_nowhere) {
     EXPECT_EQ(fakeMac.buttonImage, "");
 }
 
-TEST_F(MacStatusItemTest, the_menu_has_titles_keys_tags_actions_and_targets) {
+TEST_F(MacStatusItemTest, TheMenuHasTitlesKeysTagsActionsAndTargets) {
     item->create();
     item->setMenu(items());
     const auto menu = fakeMenu();
@@ -267,7 +267,7 @@ TEST_F(MacStatusItemTest, the_menu_has_titles_keys_tags_actions_and_targets) {
                                      .hasTarget = false}));
 }
 
-TEST_F(MacStatusItemTest, an_item_with_an_action_is_disabled_when_the_core_says_so) {
+TEST_F(MacStatusItemTest, AnItemWithAnActionIsDisabledWhenTheCoreSaysSo) {
     item->create();
     item->setMenu(
         {{.title = "Call", .isEnabled = false, .action = MenuItem::Action::call, .operation = "onMenuCall"}});
@@ -275,7 +275,7 @@ TEST_F(MacStatusItemTest, an_item_with_an_action_is_disabled_when_the_core_says_
     EXPECT_FALSE(fakeMenu()[0].isEnabled);
 }
 
-TEST_F(MacStatusItemTest, a_click_runs_what_the_item_stands_for) {
+TEST_F(MacStatusItemTest, AClickRunsWhatTheItemStandsFor) {
     item->create();
     item->setMenu(items());
     EXPECT_TRUE(clickFakeMenuItem(3));
@@ -284,7 +284,7 @@ TEST_F(MacStatusItemTest, a_click_runs_what_the_item_stands_for) {
     EXPECT_FALSE(clickFakeMenuItem(4));
 }
 
-TEST_F(MacStatusItemTest, the_title_of_a_tagged_item_changes_and_an_unknown_tag_is_left_alone) {
+TEST_F(MacStatusItemTest, TheTitleOfATaggedItemChangesAndAnUnknownTagIsLeftAlone) {
     item->create();
     item->setItemTitle(1, "before there is a menu");
     item->setMenu(items());
@@ -293,7 +293,7 @@ TEST_F(MacStatusItemTest, the_title_of_a_tagged_item_changes_and_an_unknown_tag_
     EXPECT_EQ(fakeMenu()[2].title, "Server: listening on :8765");
 }
 
-TEST_F(MacStatusItemTest, a_menu_without_a_status_item_ends_the_process) {
+TEST_F(MacStatusItemTest, AMenuWithoutAStatusItemEndsTheProcess) {
     EXPECT_DEATH(item->setMenu(items()), "there is no status item");
     EXPECT_DEATH(item->setItemTitle(1, "x"), "there is no status item");
 }
@@ -309,7 +309,7 @@ protected:
     MacUserNotificationCenter center{delegate};
 };
 
-TEST_F(MacNotificationsTest, a_full_request_sets_everything) {
+TEST_F(MacNotificationsTest, AFullRequestSetsEverything) {
     std::vector<std::string> results;
     center.add({.identifier = "k1",
                 .content = {.title = "App",
@@ -325,13 +325,13 @@ TEST_F(MacNotificationsTest, a_full_request_sets_everything) {
     EXPECT_THAT(results, ElementsAre("sent"));
 }
 
-TEST_F(MacNotificationsTest, what_is_absent_is_never_set) {
+TEST_F(MacNotificationsTest, WhatIsAbsentIsNeverSet) {
     center.add({.identifier = "k2", .content = {.title = "T", .body = "b"}}, nullptr);
     EXPECT_THAT(calls(), ElementsAre("add k2|T|(unset)|b|(unset)|(unset)|silent"));
     EXPECT_THAT(fakeMac.later, IsEmpty()) << "no completion was asked for";
 }
 
-TEST_F(MacNotificationsTest, an_error_comes_with_its_description) {
+TEST_F(MacNotificationsTest, AnErrorComesWithItsDescription) {
     fakeMac.notificationError = "not allowed";
     std::vector<std::string> results;
     center.add({.identifier = "k"}, [&](const auto& error) { results.push_back(error.value_or("sent")); });
@@ -343,7 +343,7 @@ TEST_F(MacNotificationsTest, an_error_comes_with_its_description) {
     EXPECT_THAT(results, ElementsAre("error: not allowed", "refused error: not allowed"));
 }
 
-TEST_F(MacNotificationsTest, removals_categories_and_permission_are_passed_on) {
+TEST_F(MacNotificationsTest, RemovalsCategoriesAndPermissionArePassedOn) {
     center.removeDelivered({"a", "b"});
     center.removePending({"a"});
     center.setCategories({{.identifier = "REPLY_CATEGORY",
@@ -360,7 +360,7 @@ TEST_F(MacNotificationsTest, removals_categories_and_permission_are_passed_on) {
                                      "request authorization 7"));
 }
 
-TEST_F(MacNotificationsTest, each_permission_is_asked_for_by_its_own_option) {
+TEST_F(MacNotificationsTest, EachPermissionIsAskedForByItsOwnOption) {
     const std::pair<unsigned, int> cases[] = {
         {authorizationOptions::badge, 1}, {authorizationOptions::sound, 2}, {authorizationOptions::alert, 4}};
     for (const auto& [option, native] : cases) {
@@ -369,7 +369,7 @@ TEST_F(MacNotificationsTest, each_permission_is_asked_for_by_its_own_option) {
     }
 }
 
-TEST_F(MacNotificationsTest, the_status_of_the_permission_is_that_of_the_system) {
+TEST_F(MacNotificationsTest, TheStatusOfThePermissionIsThatOfTheSystem) {
     const std::pair<int, AuthorizationStatus> cases[] = {
         {0, AuthorizationStatus::notDetermined}, {1, AuthorizationStatus::denied},
         {2, AuthorizationStatus::authorized},    {3, AuthorizationStatus::provisional},
@@ -386,7 +386,7 @@ TEST_F(MacNotificationsTest, the_status_of_the_permission_is_that_of_the_system)
     }
 }
 
-TEST_F(MacNotificationsTest, each_way_of_presenting_is_its_own_option) {
+TEST_F(MacNotificationsTest, EachWayOfPresentingIsItsOwnOption) {
     center.setDelegate(&recorder);
     const std::pair<unsigned, unsigned long> cases[] = {{presentationOptions::badge, 1},
                                                         {presentationOptions::sound, 2},
@@ -398,7 +398,7 @@ TEST_F(MacNotificationsTest, each_way_of_presenting_is_its_own_option) {
     }
 }
 
-TEST_F(MacNotificationsTest, answers_reach_the_program_and_each_is_completed_once) {
+TEST_F(MacNotificationsTest, AnswersReachTheProgramAndEachIsCompletedOnce) {
     center.setDelegate(&recorder);
     EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", "hello"), 1);
     EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", ""), 1);
@@ -408,14 +408,14 @@ TEST_F(MacNotificationsTest, answers_reach_the_program_and_each_is_completed_onc
                 ElementsAre("REPLY_ACTION k1 hello", "REPLY_ACTION k1 ", "DEFAULT k2 (no text)", "present k3"));
 }
 
-TEST_F(MacNotificationsTest, without_a_delegate_nothing_is_delivered) {
+TEST_F(MacNotificationsTest, WithoutADelegateNothingIsDelivered) {
     center.setDelegate(&recorder);
     center.setDelegate(nullptr);
     EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", "hello"), 0);
     EXPECT_THAT(recorder.notes, IsEmpty());
 }
 
-TEST_F(MacNotificationsTest, what_nobody_takes_is_completed_and_not_shown) {
+TEST_F(MacNotificationsTest, WhatNobodyTakesIsCompletedAndNotShown) {
     center.setDelegate(&recorder);
     delegate.notifications = nullptr;
     EXPECT_EQ(fakeAnswerNotification("REPLY_ACTION", "k1", "hello"), 1);
@@ -426,7 +426,7 @@ TEST_F(MacNotificationsTest, what_nobody_takes_is_completed_and_not_shown) {
 
 using ScriptAction = SystemScript::Action;
 
-TEST_F(MacTest, each_action_runs_its_script) {
+TEST_F(MacTest, EachActionRunsItsScript) {
     const std::pair<SystemScript, std::string> cases[] = {
         {{ScriptAction::volumeUp, ""}, "set volume output volume (output volume of (get volume settings) + 5)"},
         {{ScriptAction::volumeDown, ""},
@@ -446,7 +446,7 @@ TEST_F(MacTest, each_action_runs_its_script) {
     }
 }
 
-TEST_F(MacTest, a_script_returns_its_error) {
+TEST_F(MacTest, AScriptReturnsItsError) {
     MacScripts scripts;
     fakeMac.scriptError = "denied";
     EXPECT_EQ(scripts.run({}), "{ NSAppleScriptErrorMessage = denied; }");
@@ -454,7 +454,7 @@ TEST_F(MacTest, a_script_returns_its_error) {
     EXPECT_FALSE(scripts.run({})) << "a script that can't be made runs nothing";
 }
 
-TEST_F(MacTest, the_login_item_registers_unregisters_and_tells_its_error) {
+TEST_F(MacTest, TheLoginItemRegistersUnregistersAndTellsItsError) {
     MacLoginItem login;
     EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
     EXPECT_FALSE(login.registerItem());
@@ -475,7 +475,7 @@ TEST_F(MacTest, the_login_item_registers_unregisters_and_tells_its_error) {
     EXPECT_EQ(login.unregisterItem(), "no");
 }
 
-TEST_F(MacTest, the_pasteboard_is_cleared_written_and_read_as_plain_text) {
+TEST_F(MacTest, ThePasteboardIsClearedWrittenAndReadAsPlainText) {
     MacPasteboard pasteboard;
     EXPECT_FALSE(pasteboard.string());
     pasteboard.clearContents();
@@ -486,7 +486,7 @@ TEST_F(MacTest, the_pasteboard_is_cleared_written_and_read_as_plain_text) {
     EXPECT_EQ(pasteboard.string(), std::string("a\0b", 3));
 }
 
-TEST_F(MacTest, defaults_are_kept_and_each_write_is_observed) {
+TEST_F(MacTest, DefaultsAreKeptAndEachWriteIsObserved) {
     MacUserDefaults defaults;
     EXPECT_FALSE(defaults.has("port"));
     EXPECT_EQ(defaults.integer("port"), 0);
@@ -505,7 +505,7 @@ TEST_F(MacTest, defaults_are_kept_and_each_write_is_observed) {
     EXPECT_TRUE(defaults.has("zero"));
 }
 
-TEST_F(MacTest, addresses_are_opened_settings_reached_and_files_shown) {
+TEST_F(MacTest, AddressesAreOpenedSettingsReachedAndFilesShown) {
     MacWorkspace workspace;
     workspace.open("https://example.org/a");
     workspace.open("not an address");
@@ -520,7 +520,7 @@ TEST_F(MacTest, addresses_are_opened_settings_reached_and_files_shown) {
                     "reveal /tmp/a b.txt"));
 }
 
-TEST_F(MacTest, the_host_tells_its_facts_and_what_is_missing) {
+TEST_F(MacTest, TheHostTellsItsFactsAndWhatIsMissing) {
     const MacHost host;
     EXPECT_EQ(host.localizedName(), "Studio");
     EXPECT_EQ(host.downloadsDirectory(), "/Users/me/Downloads");
@@ -533,7 +533,7 @@ TEST_F(MacTest, the_host_tells_its_facts_and_what_is_missing) {
     EXPECT_FALSE(host.downloadsDirectory());
 }
 
-TEST_F(MacTest, the_loopback_interface_is_among_the_interfaces) {
+TEST_F(MacTest, TheLoopbackInterfaceIsAmongTheInterfaces) {
     const auto interfaces = MacHost().networkInterfaces();
     ASSERT_TRUE(interfaces);
     EXPECT_THAT(*interfaces,
@@ -545,7 +545,7 @@ TEST_F(MacTest, the_loopback_interface_is_among_the_interfaces) {
 
 // Media keys
 
-TEST_F(MacTest, a_media_key_is_two_system_events_at_the_hardware_tap) {
+TEST_F(MacTest, AMediaKeyIsTwoSystemEventsAtTheHardwareTap) {
     const int aliveBefore = FakeObject::alive;
     MacInputEvents().pressMediaKey(MediaKey::playPause);
     EXPECT_THAT(calls(),
@@ -557,7 +557,7 @@ TEST_F(MacTest, a_media_key_is_two_system_events_at_the_hardware_tap) {
     EXPECT_EQ(FakeObject::alive, aliveBefore);
 }
 
-TEST_F(MacTest, each_media_key_has_its_number) {
+TEST_F(MacTest, EachMediaKeyHasItsNumber) {
     const std::pair<MediaKey, int> numbers[] = {
         {MediaKey::soundUp, 0},
         {MediaKey::soundDown, 1},
@@ -580,12 +580,12 @@ TEST_F(MacTest, each_media_key_has_its_number) {
     }
 }
 
-TEST_F(MacTest, the_data_of_a_media_key_is_widened_with_its_sign) {
+TEST_F(MacTest, TheDataOfAMediaKeyIsWidenedWithItsSign) {
     EXPECT_EQ(systemKeyData(16, 0xA00), 0x100A00);
     EXPECT_EQ(systemKeyData(0x8000, 0xA00), -0x7FFFF600LL);
 }
 
-TEST_F(MacTest, the_release_of_a_media_key_is_tried_also_when_its_press_can_not_be_made) {
+TEST_F(MacTest, TheReleaseOfAMediaKeyIsTriedAlsoWhenItsPressCanNotBeMade) {
     fakeMac.eventThatFails = 0;
     MacInputEvents().pressMediaKey(MediaKey::mute);
     EXPECT_THAT(calls(), testing::SizeIs(2));
@@ -595,7 +595,7 @@ TEST_F(MacTest, the_release_of_a_media_key_is_tried_also_when_its_press_can_not_
     EXPECT_THAT(fakeCoreGraphics.posted, testing::SizeIs(2));
 }
 
-TEST_F(MacTest, a_media_key_without_an_event_or_without_its_postable_form_posts_nothing) {
+TEST_F(MacTest, AMediaKeyWithoutAnEventOrWithoutItsPostableFormPostsNothing) {
     fakeMac.eventsHavePostableForm = false;
     MacInputEvents().pressMediaKey(MediaKey::soundUp);
     fakeMac.makesEvents = false;

@@ -117,7 +117,7 @@ protected:
     std::unique_ptr<Program> program;
 };
 
-TEST_F(MacHostRuntimeTest, the_toolkit_starts_in_the_background_and_finds_our_delegate) {
+TEST_F(MacHostRuntimeTest, TheToolkitStartsInTheBackgroundAndFindsOurDelegate) {
     EXPECT_EQ(toolkitStart.times, 1);
     EXPECT_TRUE(toolkitStart.hasDelegate);
     EXPECT_EQ(toolkitStart.transform, "1");
@@ -125,7 +125,7 @@ TEST_F(MacHostRuntimeTest, the_toolkit_starts_in_the_background_and_finds_our_de
     EXPECT_EQ(QCoreApplication::applicationName(), "Velloway");
 }
 
-TEST_F(MacHostRuntimeTest, the_launch_inside_the_event_loop_goes_through_its_steps_in_order) {
+TEST_F(MacHostRuntimeTest, TheLaunchInsideTheEventLoopGoesThroughItsStepsInOrder) {
     bool hasRun = false;
     runWith([&] {
         EXPECT_THAT(calls(), IsEmpty()) << "before the system says that the launch is done";
@@ -140,7 +140,7 @@ TEST_F(MacHostRuntimeTest, the_launch_inside_the_event_loop_goes_through_its_ste
     EXPECT_TRUE(hasRun);
 }
 
-TEST_F(MacHostRuntimeTest, calls_of_the_system_outside_the_event_loop_do_nothing) {
+TEST_F(MacHostRuntimeTest, CallsOfTheSystemOutsideTheEventLoopDoNothing) {
     fakeLaunch();
     EXPECT_THAT(calls(), IsEmpty());
     runWith([] {});
@@ -149,7 +149,7 @@ TEST_F(MacHostRuntimeTest, calls_of_the_system_outside_the_event_loop_do_nothing
     EXPECT_THAT(calls(), IsEmpty());
 }
 
-TEST_F(MacHostRuntimeTest, the_status_line_waits_for_the_server) {
+TEST_F(MacHostRuntimeTest, TheStatusLineWaitsForTheServer) {
     runWith([&] {
         fakeLaunch();
         EXPECT_EQ(fakeMenu().at(2).title, "Server: starting\u2026");
@@ -160,7 +160,7 @@ TEST_F(MacHostRuntimeTest, the_status_line_waits_for_the_server) {
     });
 }
 
-TEST_F(MacHostRuntimeTest, work_from_any_thread_runs_on_the_main_thread_in_order_and_in_nested_loops) {
+TEST_F(MacHostRuntimeTest, WorkFromAnyThreadRunsOnTheMainThreadInOrderAndInNestedLoops) {
     DispatchQueue& main = host->platform().mainQueue;
     std::vector<int> order;
     std::vector<std::thread::id> threads;
@@ -191,7 +191,7 @@ TEST_F(MacHostRuntimeTest, work_from_any_thread_runs_on_the_main_thread_in_order
     EXPECT_THAT(threads, testing::Each(std::this_thread::get_id()));
 }
 
-TEST_F(MacHostRuntimeTest, the_menu_opens_the_main_window_and_closing_it_leaves_the_dock) {
+TEST_F(MacHostRuntimeTest, TheMenuOpensTheMainWindowAndClosingItLeavesTheDock) {
     runWith([&] {
         fakeLaunch();
         settle();
@@ -208,7 +208,7 @@ TEST_F(MacHostRuntimeTest, the_menu_opens_the_main_window_and_closing_it_leaves_
     });
 }
 
-TEST_F(MacHostRuntimeTest, the_end_is_asked_of_the_platform) {
+TEST_F(MacHostRuntimeTest, TheEndIsAskedOfThePlatform) {
     runWith([&] {
         host->terminate();
         EXPECT_THAT(calls(), ElementsAre("terminate"));
@@ -216,7 +216,7 @@ TEST_F(MacHostRuntimeTest, the_end_is_asked_of_the_platform) {
 }
 
 // What the toolkit makes of `terminate:` on a Mac.
-TEST_F(MacHostRuntimeTest, the_end_waits_for_no_nested_event_loop_and_runs_nothing_down) {
+TEST_F(MacHostRuntimeTest, TheEndWaitsForNoNestedEventLoopAndRunsNothingDown) {
     const auto end = [&] {
         runWith([&] {
             fakeLaunch();

@@ -42,12 +42,12 @@ PostedEvent mouse(int type, int button, double x, double y) {
     return {.kind = "mouse", .tap = 0, .mouseType = type, .button = button, .x = x, .y = y};
 }
 
-TEST(MacInputTest, a_key_is_a_press_and_a_release_with_the_same_flags_at_the_hardware_tap) {
+TEST(MacInputTest, AKeyIsAPressAndAReleaseWithTheSameFlagsAtTheHardwareTap) {
     EXPECT_THAT(postedBy([](auto& input) { input.pressKey(Key::left, {.command = true, .shift = true}); }),
                 ElementsAre(key("key down", 123, 0x120000), key("key up", 123, 0x120000)));
 }
 
-TEST(MacInputTest, each_key_has_its_code) {
+TEST(MacInputTest, EachKeyHasItsCode) {
     const std::pair<Key, int> codes[] = {
         {Key::returnKey, 36}, {Key::deleteBackward, 51}, {Key::escape, 53},
         {Key::command, 55},   {Key::option, 58},         {Key::control, 59},
@@ -60,7 +60,7 @@ TEST(MacInputTest, each_key_has_its_code) {
     }
 }
 
-TEST(MacInputTest, each_modifier_is_a_flag) {
+TEST(MacInputTest, EachModifierIsAFlag) {
     const std::pair<Modifiers, std::uint64_t> cases[] = {
         {{.command = true}, 0x100000},
         {{.control = true}, 0x40000},
@@ -74,13 +74,13 @@ TEST(MacInputTest, each_modifier_is_a_flag) {
     }
 }
 
-TEST(MacInputTest, a_key_posts_nothing_when_any_of_its_parts_can_not_be_made) {
+TEST(MacInputTest, AKeyPostsNothingWhenAnyOfItsPartsCanNotBeMade) {
     for (int part = 0; part < 3; ++part) {
         EXPECT_THAT(postedBy([](auto& input) { input.pressKey(Key::returnKey, {}); }, part), IsEmpty()) << part;
     }
 }
 
-TEST(MacInputTest, a_text_goes_whole_onto_the_press_alone_and_sets_no_flags) {
+TEST(MacInputTest, ATextGoesWholeOntoThePressAloneAndSetsNoFlags) {
     PostedEvent down = textKey("key down");
     down.text = u"a\U0001F600";
     down.timesTextWasSet = 1;
@@ -88,7 +88,7 @@ TEST(MacInputTest, a_text_goes_whole_onto_the_press_alone_and_sets_no_flags) {
                 ElementsAre(down, textKey("key up")));
 }
 
-TEST(MacInputTest, a_long_text_and_an_empty_one_are_one_press_and_one_release_too) {
+TEST(MacInputTest, ALongTextAndAnEmptyOneAreOnePressAndOneReleaseToo) {
     const auto longText = postedBy([](auto& input) { input.typeText(std::string(10'000, 'x')); });
     ASSERT_THAT(longText, SizeIs(2));
     EXPECT_EQ(longText[0].text.size(), 10'000u);
@@ -97,7 +97,7 @@ TEST(MacInputTest, a_long_text_and_an_empty_one_are_one_press_and_one_release_to
     EXPECT_EQ(emptyText[0].timesTextWasSet, 1);
 }
 
-TEST(MacInputTest, a_text_whose_release_can_not_be_made_leaves_its_press_posted) {
+TEST(MacInputTest, ATextWhoseReleaseCanNotBeMadeLeavesItsPressPosted) {
     const auto type = [](InputEvents& input) { input.typeText("a"); };
     EXPECT_THAT(postedBy(type, 0), IsEmpty());
     EXPECT_THAT(postedBy(type, 1), IsEmpty());
@@ -106,7 +106,7 @@ TEST(MacInputTest, a_text_whose_release_can_not_be_made_leaves_its_press_posted)
     EXPECT_EQ(posted[0].kind, "key down");
 }
 
-TEST(MacInputTest, the_pointer_moves_from_where_it_is_by_fractions_and_off_the_screen) {
+TEST(MacInputTest, ThePointerMovesFromWhereItIsByFractionsAndOffTheScreen) {
     EXPECT_THAT(postedBy([](auto& input) { input.movePointer(1.5, -300); }),
                 ElementsAre(mouse(5, 0, 101.5, -100)));
     for (int part = 0; part < 2; ++part) {
@@ -114,7 +114,7 @@ TEST(MacInputTest, the_pointer_moves_from_where_it_is_by_fractions_and_off_the_s
     }
 }
 
-TEST(MacInputTest, a_click_is_pressed_and_released_where_the_pointer_is) {
+TEST(MacInputTest, AClickIsPressedAndReleasedWhereThePointerIs) {
     EXPECT_THAT(postedBy([](auto& input) { input.click(MouseButton::right); }),
                 ElementsAre(mouse(3, 1, 100, 200), mouse(4, 1, 100, 200)));
     EXPECT_THAT(postedBy([](auto& input) { input.click(MouseButton::left); }),
@@ -124,7 +124,7 @@ TEST(MacInputTest, a_click_is_pressed_and_released_where_the_pointer_is) {
     }
 }
 
-TEST(MacAccessibilityTest, asks_without_a_prompt_unless_one_is_wanted) {
+TEST(MacAccessibilityTest, AsksWithoutAPromptUnlessOneIsWanted) {
     const int aliveBefore = FakeObject::alive;
     fakeAccessibility = {};
     MacAccessibility accessibility;

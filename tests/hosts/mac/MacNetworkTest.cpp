@@ -62,7 +62,7 @@ protected:
     std::shared_ptr<NetworkConnection> connection;
 };
 
-TEST_F(MacNetworkTest, asks_for_plain_tcp_with_websockets_on_top_and_nothing_else) {
+TEST_F(MacNetworkTest, AsksForPlainTcpWithWebsocketsOnTopAndNothingElse) {
     listener = make();
     listener->setStateHandler([](ListenerState, const auto&) {});
     listener->start(*queue);
@@ -75,23 +75,23 @@ TEST_F(MacNetworkTest, asks_for_plain_tcp_with_websockets_on_top_and_nothing_els
                             "listener cancel"));
 }
 
-TEST_F(MacNetworkTest, a_listener_that_the_platform_refuses_is_an_error_with_a_text) {
+TEST_F(MacNetworkTest, AListenerThatThePlatformRefusesIsAnErrorWithAText) {
     fakeNetworkFramework.refusesListeners = true;
     EXPECT_EQ(make(), nullptr);
     EXPECT_EQ(error.localizedDescription, "The listener could not be created");
 }
 
-TEST_F(MacNetworkTest, any_port_number_is_taken) {
+TEST_F(MacNetworkTest, AnyPortNumberIsTaken) {
     EXPECT_TRUE(network.acceptsPort(0));
     EXPECT_TRUE(network.acceptsPort(65535));
 }
 
-TEST_F(MacNetworkTest, another_version_of_websockets_is_refused) {
+TEST_F(MacNetworkTest, AnotherVersionOfWebsocketsIsRefused) {
     EXPECT_EQ(network.makeListener({.port = 1, .webSocketVersion = 8}, error), nullptr);
     EXPECT_FALSE(error.localizedDescription.empty());
 }
 
-TEST_F(MacNetworkTest, a_message_in_several_regions_comes_in_one_piece) {
+TEST_F(MacNetworkTest, AMessageInSeveralRegionsComesInOnePiece) {
     connect();
     fakeNetworkFramework.regions = 7;
     phone->sends("abcdefghijklmnopqrstuvwxyz");
@@ -103,7 +103,7 @@ TEST_F(MacNetworkTest, a_message_in_several_regions_comes_in_one_piece) {
     EXPECT_FALSE(got.error);
 }
 
-TEST_F(MacNetworkTest, an_incomplete_block_without_metadata_is_passed_through_as_such) {
+TEST_F(MacNetworkTest, AnIncompleteBlockWithoutMetadataIsPassedThroughAsSuch) {
     connect();
     phone->sends("part", false, false);
     std::string bytes;
@@ -113,7 +113,7 @@ TEST_F(MacNetworkTest, an_incomplete_block_without_metadata_is_passed_through_as
     EXPECT_FALSE(got.isComplete);
 }
 
-TEST_F(MacNetworkTest, a_receive_error_brings_no_bytes_and_both_texts) {
+TEST_F(MacNetworkTest, AReceiveErrorBringsNoBytesAndBothTexts) {
     connect();
     phone->fails(ECONNRESET);
     std::string bytes;
@@ -125,7 +125,7 @@ TEST_F(MacNetworkTest, a_receive_error_brings_no_bytes_and_both_texts) {
     EXPECT_EQ(got.error->description, "POSIX error 104: Connection reset by peer");
 }
 
-TEST_F(MacNetworkTest, a_text_leaves_as_one_complete_text_frame_under_its_identifier_and_is_not_copied) {
+TEST_F(MacNetworkTest, ATextLeavesAsOneCompleteTextFrameUnderItsIdentifierAndIsNotCopied) {
     connect();
     const auto text = std::make_shared<const std::string>("h\u00e9llo");
     connection->send(text, "welcome", nullptr);
@@ -141,7 +141,7 @@ TEST_F(MacNetworkTest, a_text_leaves_as_one_complete_text_frame_under_its_identi
     EXPECT_EQ(text.use_count(), 1) << "the bytes must be given back once they have left";
 }
 
-TEST_F(MacNetworkTest, the_far_end_shows_itself_by_address_or_name_or_not_at_all) {
+TEST_F(MacNetworkTest, TheFarEndShowsItselfByAddressOrNameOrNotAtAll) {
     connect();
     EXPECT_EQ(connection->endpoint().host, "10.0.0.7");
     EXPECT_EQ(connection->endpoint().description, "10.0.0.7:50000");
@@ -156,7 +156,7 @@ TEST_F(MacNetworkTest, the_far_end_shows_itself_by_address_or_name_or_not_at_all
     EXPECT_FALSE(connection->endpoint().description.empty());
 }
 
-TEST_F(MacNetworkTest, a_dropped_connection_is_ended_without_a_closing_handshake) {
+TEST_F(MacNetworkTest, ADroppedConnectionIsEndedWithoutAClosingHandshake) {
     connect();
     fakeNetworkFramework.calls.clear();
     connection.reset();
@@ -165,7 +165,7 @@ TEST_F(MacNetworkTest, a_dropped_connection_is_ended_without_a_closing_handshake
     EXPECT_TRUE(phone->farEnd->isEnded);
 }
 
-TEST(MacDispatchQueueTest, is_a_serial_queue_of_utility_quality_with_its_label) {
+TEST(MacDispatchQueueTest, IsASerialQueueOfUtilityQualityWithItsLabel) {
     const MacDispatchQueue queue("ws.server");
     const auto facts = fakeDispatch::factsOf(queue.native());
     EXPECT_EQ(facts.label, "ws.server");
@@ -173,7 +173,7 @@ TEST(MacDispatchQueueTest, is_a_serial_queue_of_utility_quality_with_its_label) 
     EXPECT_EQ(facts.relativePriority, 0);
 }
 
-TEST(MacDispatchQueueTest, runs_jobs_later_in_order_and_knows_when_it_is_current) {
+TEST(MacDispatchQueueTest, RunsJobsLaterInOrderAndKnowsWhenItIsCurrent) {
     MacDispatchQueue queue("one");
     MacDispatchQueue other("other");
     std::vector<std::string> notes;
@@ -188,7 +188,7 @@ TEST(MacDispatchQueueTest, runs_jobs_later_in_order_and_knows_when_it_is_current
     EXPECT_THAT(notes, ElementsAre("first", "second", "third"));
 }
 
-TEST(MacDispatchQueueTest, runs_delayed_jobs_when_they_fall_due_and_equal_ones_in_order) {
+TEST(MacDispatchQueueTest, RunsDelayedJobsWhenTheyFallDueAndEqualOnesInOrder) {
     MacDispatchQueue queue("timed");
     std::vector<std::string> notes;
     queue.asyncAfter(2ms, [&] { notes.push_back("late"); });
@@ -203,7 +203,7 @@ TEST(MacDispatchQueueTest, runs_delayed_jobs_when_they_fall_due_and_equal_ones_i
     EXPECT_THAT(notes, ElementsAre("overdue", "soon", "soon after", "late"));
 }
 
-TEST(MacDispatchQueueTest, a_job_is_destroyed_after_it_has_run) {
+TEST(MacDispatchQueueTest, AJobIsDestroyedAfterItHasRun) {
     MacDispatchQueue queue("one");
     const auto held = std::make_shared<int>();
     queue.async([held] {});

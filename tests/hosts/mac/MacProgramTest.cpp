@@ -1,5 +1,6 @@
 #include "app/Program.h"
 #include "fakes/FakeDispatchQueue.h"
+#include "fakes/FakeFiles.h"
 #include "fakes/FakeLog.h"
 #include "hosts/mac/FakeCoreFoundation.h"
 #include "hosts/mac/FakeDispatch.h"
@@ -81,6 +82,7 @@ public:
     MacDelegate delegate;
     MacApplication application{delegate};
     MacHost host;
+    FakeFiles files;
     MacUserDefaults userDefaults;
     MacUserNotificationCenter notificationCenter{delegate};
     MacPasteboard pasteboard;
@@ -97,7 +99,7 @@ public:
     std::shared_ptr<FakePhone> phone;
 };
 
-TEST_F(MacProgramTest, the_launch_goes_through_its_steps_in_order) {
+TEST_F(MacProgramTest, TheLaunchGoesThroughItsStepsInOrder) {
     fakeLaunch();
     runAll();
     EXPECT_THAT(calls(),
@@ -110,7 +112,7 @@ TEST_F(MacProgramTest, the_launch_goes_through_its_steps_in_order) {
     EXPECT_EQ(fakeMenu()[2].title, "Server: listening on :8765");
 }
 
-TEST_F(MacProgramTest, a_notification_comes_from_the_phone_and_its_answer_goes_back) {
+TEST_F(MacProgramTest, ANotificationComesFromThePhoneAndItsAnswerGoesBack) {
     fakeLaunch();
     runAll();
     phone = dialFake(8765);
@@ -135,7 +137,7 @@ TEST_F(MacProgramTest, a_notification_comes_from_the_phone_and_its_answer_goes_b
     EXPECT_THAT(frame.text, HasSubstr(R"("message":"on my way")"));
 }
 
-TEST_F(MacProgramTest, a_click_in_the_menu_opens_the_main_window_and_closing_it_leaves_the_dock) {
+TEST_F(MacProgramTest, AClickInTheMenuOpensTheMainWindowAndClosingItLeavesTheDock) {
     fakeLaunch();
     runAll();
     calls();

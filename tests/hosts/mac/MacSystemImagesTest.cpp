@@ -46,7 +46,7 @@ protected:
     MacSystemImages images;
 };
 
-TEST_F(MacSystemImagesTest, a_symbol_is_drawn_by_its_name_and_tinted_in_a_bitmap_of_exactly_the_size) {
+TEST_F(MacSystemImagesTest, ASymbolIsDrawnByItsNameAndTintedInABitmapOfExactlyTheSize) {
     const auto symbol = images.symbol("phone.fill", {20, 20}, orange);
     EXPECT_THAT(calls(), ElementsAre("bitmap 20 20", "clear 0 0 20 20", "draw phone.fill 16 at 2 2 16 16",
                                      "fill what is there 0 0 20 20"));
@@ -56,7 +56,7 @@ TEST_F(MacSystemImagesTest, a_symbol_is_drawn_by_its_name_and_tinted_in_a_bitmap
     EXPECT_EQ(symbol->rgba.size(), 20u * 20 * 4);
 }
 
-TEST_F(MacSystemImagesTest, pixels_come_row_by_row_from_the_top_without_gaps_and_premultiplied) {
+TEST_F(MacSystemImagesTest, PixelsComeRowByRowFromTheTopWithoutGapsAndPremultiplied) {
     fakeMac.symbolHeight = 0.5;
     const auto symbol = images.symbol("minus", {10, 10}, {.red = 1, .green = 0.5, .blue = 0, .alpha = 0.5});
     ASSERT_TRUE(symbol);
@@ -72,7 +72,7 @@ TEST_F(MacSystemImagesTest, pixels_come_row_by_row_from_the_top_without_gaps_and
     }
 }
 
-TEST_F(MacSystemImagesTest, a_symbol_too_wide_or_too_high_for_its_box_is_shrunk_in_its_proportions) {
+TEST_F(MacSystemImagesTest, ASymbolTooWideOrTooHighForItsBoxIsShrunkInItsProportions) {
     fakeMac.symbolWidth = 2;
     images.symbol("bubbles", {20, 20}, orange);
     EXPECT_THAT(calls(), testing::Contains("draw bubbles 16 at 0 5 20 10"));
@@ -82,19 +82,19 @@ TEST_F(MacSystemImagesTest, a_symbol_too_wide_or_too_high_for_its_box_is_shrunk_
     EXPECT_THAT(calls(), testing::Contains("draw bar 16 at 8 0 5 20"));
 }
 
-TEST_F(MacSystemImagesTest, the_smaller_side_of_a_box_sets_the_size_and_the_place_is_on_whole_pixels) {
+TEST_F(MacSystemImagesTest, TheSmallerSideOfABoxSetsTheSizeAndThePlaceIsOnWholePixels) {
     images.symbol("dot", {40, 15}, orange);
     EXPECT_THAT(calls(), ElementsAre("bitmap 40 15", "clear 0 0 40 15", "draw dot 12 at 14 2 12 12",
                                      "fill what is there 0 0 40 15"));
 }
 
-TEST_F(MacSystemImagesTest, a_symbol_that_the_system_does_not_know_is_left_to_others) {
+TEST_F(MacSystemImagesTest, ASymbolThatTheSystemDoesNotKnowIsLeftToOthers) {
     fakeMac.hasSymbol = false;
     EXPECT_FALSE(images.symbol("no.such.symbol", {20, 20}, orange));
     EXPECT_THAT(calls(), IsEmpty());
 }
 
-TEST_F(MacSystemImagesTest, without_a_bitmap_a_context_or_bytes_there_is_no_image) {
+TEST_F(MacSystemImagesTest, WithoutABitmapAContextOrBytesThereIsNoImage) {
     fakeMac.bitmapsHaveBytes = false;
     EXPECT_FALSE(images.symbol("phone", {20, 20}, orange));
     EXPECT_FALSE(images.applicationIcon({64, 64}));
@@ -109,7 +109,7 @@ TEST_F(MacSystemImagesTest, without_a_bitmap_a_context_or_bytes_there_is_no_imag
         << "nothing is drawn anywhere else";
 }
 
-TEST_F(MacSystemImagesTest, the_icon_of_the_application_fills_its_box_in_its_own_colours) {
+TEST_F(MacSystemImagesTest, TheIconOfTheApplicationFillsItsBoxInItsOwnColours) {
     const auto icon = images.applicationIcon({128, 128});
     EXPECT_THAT(calls(), ElementsAre("bitmap 128 128", "clear 0 0 128 128", "draw the icon at 0 0 128 128"));
     ASSERT_TRUE(icon);
@@ -120,7 +120,7 @@ TEST_F(MacSystemImagesTest, the_icon_of_the_application_fills_its_box_in_its_own
     EXPECT_THAT(calls(), testing::Contains("draw the icon at 0 32 128 64"));
 }
 
-TEST_F(MacSystemImagesTest, an_icon_that_is_absent_or_empty_is_left_to_others) {
+TEST_F(MacSystemImagesTest, AnIconThatIsAbsentOrEmptyIsLeftToOthers) {
     fakeMac.iconWidth = 0;
     EXPECT_FALSE(images.applicationIcon({64, 64}));
     fakeMac.hasApplicationIcon = false;

@@ -28,7 +28,7 @@ protected:
     MacWindows windows{delegate, makeFakeSurface};
 };
 
-TEST_F(MacWindowsTest, the_ringing_panel_gets_each_property_in_order) {
+TEST_F(MacWindowsTest, TheRingingPanelGetsEachPropertyInOrder) {
     const auto panel = makePanel(PanelKind::ringingCall);
     EXPECT_THAT(calls(),
                 ElementsAre("panel 0 0 350 80, style 32896, backing 2", "floating = 1", "level = 25",
@@ -40,7 +40,7 @@ TEST_F(MacWindowsTest, the_ringing_panel_gets_each_property_in_order) {
                             "content view"));
 }
 
-TEST_F(MacWindowsTest, the_panel_of_a_running_call_leaves_two_properties_alone) {
+TEST_F(MacWindowsTest, ThePanelOfARunningCallLeavesTwoPropertiesAlone) {
     const auto ringing = makePanel(PanelKind::ringingCall);
     std::vector<std::string> expected = calls();
     EXPECT_EQ(std::erase(expected, "key only if needed = 1"), 1u);
@@ -49,7 +49,7 @@ TEST_F(MacWindowsTest, the_panel_of_a_running_call_leaves_two_properties_alone) 
     EXPECT_EQ(calls(), expected);
 }
 
-TEST_F(MacWindowsTest, a_panel_is_placed_shown_given_other_content_and_taken_away) {
+TEST_F(MacWindowsTest, APanelIsPlacedShownGivenOtherContentAndTakenAway) {
     auto panel = makePanel();
     calls();
     EXPECT_FALSE(panel->isVisible());
@@ -68,7 +68,7 @@ TEST_F(MacWindowsTest, a_panel_is_placed_shown_given_other_content_and_taken_awa
                                      "order out", "surface hidden", "view taken out", "surface gone"));
 }
 
-TEST_F(MacWindowsTest, a_press_beside_the_controls_drags_the_panel) {
+TEST_F(MacWindowsTest, APressBesideTheControlsDragsThePanel) {
     const auto panel = makePanel();
     calls();
     pressFakeBackground();
@@ -82,7 +82,7 @@ TEST_F(MacWindowsTest, a_press_beside_the_controls_drags_the_panel) {
     EXPECT_THAT(calls(), ElementsAre("drag", "drag"));
 }
 
-TEST_F(MacWindowsTest, a_panel_goes_with_its_last_owner) {
+TEST_F(MacWindowsTest, APanelGoesWithItsLastOwner) {
     const auto makeAndDrop = [&] {
         void* const inner = objc_autoreleasePoolPush();
         makePanel();
@@ -94,7 +94,7 @@ TEST_F(MacWindowsTest, a_panel_goes_with_its_last_owner) {
     EXPECT_EQ(runtimeObjectsAlive(), before);
 }
 
-TEST_F(MacWindowsTest, the_main_window_is_made_with_its_style_and_closing_it_is_told) {
+TEST_F(MacWindowsTest, TheMainWindowIsMadeWithItsStyleAndClosingItIsTold) {
     int closed = 0;
     const auto window =
         windows.makeMainWindow({.title = "Velloway Settings", .size = {850, 550}, .minimumSize = {800, 500}},
@@ -111,7 +111,7 @@ TEST_F(MacWindowsTest, the_main_window_is_made_with_its_style_and_closing_it_is_
     EXPECT_FALSE(window->isVisible());
 }
 
-TEST_F(MacWindowsTest, a_closed_window_draws_no_more_and_takes_the_keys_again_when_it_comes_back) {
+TEST_F(MacWindowsTest, AClosedWindowDrawsNoMoreAndTakesTheKeysAgainWhenItComesBack) {
     int closed = 0;
     auto window = windows.makeMainWindow({.size = {850, 550}}, nullptr, [&] { ++closed; });
     window->makeKeyAndOrderFront();
@@ -125,13 +125,13 @@ TEST_F(MacWindowsTest, a_closed_window_draws_no_more_and_takes_the_keys_again_wh
     EXPECT_EQ(closed, 2);
 }
 
-TEST_F(MacWindowsTest, the_usable_part_of_the_screen_is_known_when_there_is_a_screen) {
+TEST_F(MacWindowsTest, TheUsablePartOfTheScreenIsKnownWhenThereIsAScreen) {
     EXPECT_EQ(windows.mainScreenVisibleFrame(), (Rect{0, 50, 1440, 825}));
     fakeMac.hasScreen = false;
     EXPECT_FALSE(windows.mainScreenVisibleFrame());
 }
 
-TEST_F(MacWindowsTest, the_open_panel_gives_the_files_in_order_or_nothing) {
+TEST_F(MacWindowsTest, TheOpenPanelGivesTheFilesInOrderOrNothing) {
     std::optional<std::vector<std::filesystem::path>> chosen;
     const auto ask = [&] {
         windows.beginOpenPanel({.allowsMultipleSelection = true}, [&](auto files) { chosen = files; });

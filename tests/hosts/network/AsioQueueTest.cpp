@@ -32,7 +32,7 @@ template <class Act> auto on(DispatchQueue& queue, Act act) {
     return future.get();
 }
 
-TEST(AsioQueueTest, runs_the_jobs_of_each_thread_in_the_order_in_which_they_were_handed_over) {
+TEST(AsioQueueTest, RunsTheJobsOfEachThreadInTheOrderInWhichTheyWereHandedOver) {
     constexpr int perThread = 20'000;
     std::vector<int> seen[2];
     AsioQueue queue("ws.server");
@@ -54,7 +54,7 @@ TEST(AsioQueueTest, runs_the_jobs_of_each_thread_in_the_order_in_which_they_were
     }
 }
 
-TEST(AsioQueueTest, never_runs_a_job_inside_the_call_that_hands_it_over) {
+TEST(AsioQueueTest, NeverRunsAJobInsideTheCallThatHandsItOver) {
     AsioQueue queue("ws.server");
     std::vector<std::string> notes;
     std::promise<void> done;
@@ -69,7 +69,7 @@ TEST(AsioQueueTest, never_runs_a_job_inside_the_call_that_hands_it_over) {
     EXPECT_THAT(notes, ElementsAre("outer", "inner"));
 }
 
-TEST(AsioQueueTest, delayed_jobs_run_in_the_order_of_their_times_and_then_of_the_calls) {
+TEST(AsioQueueTest, DelayedJobsRunInTheOrderOfTheirTimesAndThenOfTheCalls) {
     AsioQueue queue("ws.server");
     std::vector<std::string> notes;
     std::promise<void> done;
@@ -85,7 +85,7 @@ TEST(AsioQueueTest, delayed_jobs_run_in_the_order_of_their_times_and_then_of_the
     EXPECT_THAT(notes, ElementsAre("10", "30 first", "30 second"));
 }
 
-TEST(AsioQueueTest, a_delayed_job_comes_no_earlier_than_asked) {
+TEST(AsioQueueTest, ADelayedJobComesNoEarlierThanAsked) {
     AsioQueue queue("ws.server");
     std::promise<std::chrono::steady_clock::time_point> ran;
     const auto start = std::chrono::steady_clock::now();
@@ -93,7 +93,7 @@ TEST(AsioQueueTest, a_delayed_job_comes_no_earlier_than_asked) {
     EXPECT_GE(ran.get_future().get() - start, 50ms);
 }
 
-TEST(AsioQueueTest, a_short_delay_asked_for_after_a_long_one_is_not_held_up) {
+TEST(AsioQueueTest, AShortDelayAskedForAfterALongOneIsNotHeldUp) {
     AsioQueue queue("ws.server");
     std::promise<void> done;
     queue.asyncAfter(1h, [] { FAIL() << "the long delay ran"; });
@@ -102,7 +102,7 @@ TEST(AsioQueueTest, a_short_delay_asked_for_after_a_long_one_is_not_held_up) {
     EXPECT_EQ(done.get_future().wait_for(5s), std::future_status::ready);
 }
 
-TEST(AsioQueueTest, is_current_in_its_own_jobs_only) {
+TEST(AsioQueueTest, IsCurrentInItsOwnJobsOnly) {
     AsioQueue queue("ws.server");
     AsioQueue other("other");
     EXPECT_FALSE(queue.isCurrent());
@@ -110,7 +110,7 @@ TEST(AsioQueueTest, is_current_in_its_own_jobs_only) {
     EXPECT_FALSE(on(other, [&] { return queue.isCurrent(); }));
 }
 
-TEST(AsioQueueTest, its_thread_has_the_given_name_and_runs_a_little_below_the_others) {
+TEST(AsioQueueTest, ItsThreadHasTheGivenNameAndThePriorityOfTheOthers) {
     AsioQueue queue("ws.server");
     EXPECT_EQ(on(queue,
                  [] {
@@ -120,11 +120,33 @@ TEST(AsioQueueTest, its_thread_has_the_given_name_and_runs_a_little_below_the_ot
                  }),
               "ws.server");
     const int ours = getpriority(PRIO_PROCESS, 0);
-    EXPECT_GT(on(queue, [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid))); }),
+    EXPECT_EQ(on(queue, [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid))); }),
               ours);
 }
 
-TEST(AsioQueueTest, lets_go_of_what_a_job_holds_once_it_has_run) {
+TEST(AsioQueueTest, ATurnEndsOnceForJobsThatWereHandedOverTogether) {
+    std::vector<std::string> notes;
+    std::promise<void> done;
+    {
+        AsioQueue queue("ws.server", {.began = [&] { notes.emplace_back("began"); },
+                                      .ended =
+                                          [&] {
+                                              notes.emplace_back("ended");
+                                              if (notes.size() == 6) {
+                                                  done.set_value();
+                                              }
+                                          }});
+        queue.async([&] {
+            for (const char* name : {"one", "two", "three"}) {
+                queue.async([&notes, name] { notes.emplace_back(name); });
+            }
+        });
+        EXPECT_EQ(done.get_future().wait_for(10s), std::future_status::ready);
+    }
+    EXPECT_THAT(notes, ElementsAre("began", "ended", "one", "two", "three", "ended"));
+}
+
+TEST(AsioQueueTest, LetsGoOfWhatAJobHoldsOnceItHasRun) {
     AsioQueue queue("ws.server");
     auto held = std::make_shared<int>(1);
     const std::weak_ptr<int> watch = held;
@@ -133,7 +155,7 @@ TEST(AsioQueueTest, lets_go_of_what_a_job_holds_once_it_has_run) {
     EXPECT_TRUE(on(queue, [&] { return watch.expired(); }));
 }
 
-TEST(AsioQueueTest, at_the_end_the_running_job_is_finished_and_waiting_ones_are_dropped) {
+TEST(AsioQueueTest, AtTheEndTheRunningJobIsFinishedAndWaitingOnesAreDropped) {
     auto held = std::make_shared<int>(1);
     const std::weak_ptr<int> watch = held;
     std::promise<void> started;
@@ -163,7 +185,33 @@ TEST(AsioQueueTest, at_the_end_the_running_job_is_finished_and_waiting_ones_are_
     EXPECT_TRUE(watch.expired());
 }
 
-TEST(AsioQueueTest, what_a_dropped_job_held_may_hand_over_jobs_as_it_goes) {
+TEST(AsioQueueTest, EndReturnsFalseWhileAJobRunsThatTakesLongerThanTheLimit) {
+    AsioQueue queue("ws.server");
+    std::promise<void> started;
+    std::promise<void> goOn;
+    queue.async([&] {
+        started.set_value();
+        goOn.get_future().wait();
+    });
+    started.get_future().wait();
+    EXPECT_FALSE(queue.end(10ms));
+    goOn.set_value();
+    EXPECT_TRUE(queue.end(10s));
+    EXPECT_TRUE(queue.end(0ms));
+}
+
+TEST(AsioQueueTest, AJobHandedOverAfterTheEndIsDestroyedAtOnce) {
+    AsioQueue queue("ws.server");
+    ASSERT_TRUE(queue.end(10s));
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watch = held;
+    queue.async([held] { FAIL() << "ran after the end"; });
+    queue.asyncAfter(0ms, [held = std::move(held)] { FAIL() << "ran after the end"; });
+    EXPECT_TRUE(watch.expired());
+    EXPECT_FALSE(queue.isCurrent());
+}
+
+TEST(AsioQueueTest, WhatADroppedJobHeldMayHandOverJobsAsItGoes) {
     struct Parting {
         DispatchQueue& queue;
         std::shared_ptr<int> held;

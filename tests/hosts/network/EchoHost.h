@@ -1,6 +1,7 @@
 #pragma once
 
 #include "hosts/linux/network/LinuxListener.h"
+#include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/network/RawPhone.h"
 
 #include <gtest/gtest.h>

@@ -118,7 +118,7 @@ std::vector<BadFrames> badCloses() {
 
 class BadFrameTest : public HostileFixture<testing::TestWithParam<BadFrames>> {};
 
-TEST_P(BadFrameTest, closes_with_the_right_code_and_ends_the_connection) {
+TEST_P(BadFrameTest, ClosesWithTheRightCodeAndEndsTheConnection) {
     RawPhone phone = connect();
     phone.write(GetParam().bytes);
     const auto answer = phone.readFrame();
@@ -199,7 +199,7 @@ std::vector<Request> refusedRequests() {
 
 class RefusedRequestTest : public HostileFixture<testing::TestWithParam<Request>> {};
 
-TEST_P(RefusedRequestTest, is_answered_with_its_status_and_the_connection_ends) {
+TEST_P(RefusedRequestTest, IsAnsweredWithItsStatusAndTheConnectionEnds) {
     RawPhone phone(host->port);
     phone.write(GetParam().bytes);
     const std::string head = phone.readHead();
@@ -216,7 +216,7 @@ INSTANTIATE_TEST_SUITE_P(, RefusedRequestTest, testing::ValuesIn(refusedRequests
 
 class AcceptedRequestTest : public HostileFixture<testing::TestWithParam<Request>> {};
 
-TEST_P(AcceptedRequestTest, becomes_a_connection_with_no_extension_and_no_subprotocol) {
+TEST_P(AcceptedRequestTest, BecomesAConnectionWithNoExtensionAndNoSubprotocol) {
     RawPhone phone(host->port);
     ASSERT_TRUE(phone.write(GetParam().bytes));
     const std::string head = phone.readHead();
@@ -291,7 +291,7 @@ protected:
     }
 };
 
-TEST_F(LinuxNetworkTest, answers_a_ping_with_its_bytes) {
+TEST_F(LinuxNetworkTest, AnswersAPingWithItsBytes) {
     RawPhone phone = connect();
     for (const std::string& payload : {""s, "ping"s, std::string(125, 'p')}) {
         phone.write(frame(payload, {.opcode = isPing}));
@@ -304,7 +304,7 @@ TEST_F(LinuxNetworkTest, answers_a_ping_with_its_bytes) {
     expectServed(phone);
 }
 
-TEST_F(LinuxNetworkTest, joins_fragments_with_pings_between_them) {
+TEST_F(LinuxNetworkTest, JoinsFragmentsWithPingsBetweenThem) {
     RawPhone phone = connect();
     phone.write(frame("caf\xC3", {.isFinal = false}) + frame("now", {.opcode = isPing}) +
                 frame("", {.opcode = isContinuation, .isFinal = false}) +
@@ -313,14 +313,14 @@ TEST_F(LinuxNetworkTest, joins_fragments_with_pings_between_them) {
     EXPECT_EQ(phone.nextText(), "caf\xC3\xA9");
 }
 
-TEST_F(LinuxNetworkTest, an_empty_last_fragment_ends_a_text_that_is_whole) {
+TEST_F(LinuxNetworkTest, AnEmptyLastFragmentEndsATextThatIsWhole) {
     RawPhone phone = connect();
     phone.write(frame("\xF0\x9F\x98\x80", {.isFinal = false}) + frame("", {.opcode = isContinuation}));
     EXPECT_EQ(phone.nextText(), "\xF0\x9F\x98\x80");
     expectServed(phone);
 }
 
-TEST_F(LinuxNetworkTest, a_binary_message_may_hold_any_bytes) {
+TEST_F(LinuxNetworkTest, ABinaryMessageMayHoldAnyBytes) {
     bystander.reset();
     host->answers = false;
     RawPhone phone = connect();
@@ -332,7 +332,7 @@ TEST_F(LinuxNetworkTest, a_binary_message_may_hold_any_bytes) {
     expectServed(phone);
 }
 
-TEST_F(LinuxNetworkTest, answers_a_close_with_the_same_code_even_beyond_the_range_in_use) {
+TEST_F(LinuxNetworkTest, AnswersACloseWithTheSameCodeEvenBeyondTheRangeInUse) {
     for (const int code : {1000, 1001, 1003, 1007, 1008, 1009, 1010, 1011, 3000, 4999, 5000, 65535}) {
         RawPhone phone = connect();
         phone.write(closeWith(code, "good-bye"));
@@ -344,7 +344,7 @@ TEST_F(LinuxNetworkTest, answers_a_close_with_the_same_code_even_beyond_the_rang
     }
 }
 
-TEST_F(LinuxNetworkTest, a_message_can_be_read_a_little_past_its_end) {
+TEST_F(LinuxNetworkTest, AMessageCanBeReadALittlePastItsEnd) {
     RawPhone phone = connect();
     bystander.reset();
     for (const std::size_t size : {1u, 125u, 1535u, 1536u, 65535u, 65536u, 131072u, 1'000'000u}) {
@@ -356,7 +356,7 @@ TEST_F(LinuxNetworkTest, a_message_can_be_read_a_little_past_its_end) {
     bystander.emplace(host->port);
 }
 
-TEST_F(LinuxNetworkTest, takes_connections_over_both_protocols_and_names_their_hosts) {
+TEST_F(LinuxNetworkTest, TakesConnectionsOverBothProtocolsAndNamesTheirHosts) {
     RawPhone four(host->port, "127.0.0.1");
     EXPECT_TRUE(four.shakeHands());
     expectServed(four);
@@ -371,7 +371,7 @@ TEST_F(LinuxNetworkTest, takes_connections_over_both_protocols_and_names_their_h
     }
 }
 
-TEST_F(LinuxNetworkTest, serves_ipv4_where_there_is_no_ipv6) {
+TEST_F(LinuxNetworkTest, ServesIpv4WhereThereIsNoIpv6) {
     bystander.reset();
     host.reset();
     serve({.usesIPv6 = false});
@@ -381,7 +381,7 @@ TEST_F(LinuxNetworkTest, serves_ipv4_where_there_is_no_ipv6) {
     EXPECT_EQ(host->hostOfLatest(), "127.0.0.1");
 }
 
-TEST_F(LinuxNetworkTest, its_sockets_do_not_pass_to_started_programs) {
+TEST_F(LinuxNetworkTest, ItsSocketsDoNotPassToStartedPrograms) {
     RawPhone phone = connect();
     int sockets = 0;
     for (int descriptor = 3; descriptor < 200; ++descriptor) {
@@ -398,7 +398,7 @@ TEST_F(LinuxNetworkTest, its_sockets_do_not_pass_to_started_programs) {
 
 // Slowness.
 
-TEST_F(LinuxNetworkTest, a_handshake_that_does_not_end_in_time_ends_the_connection) {
+TEST_F(LinuxNetworkTest, AHandshakeThatDoesNotEndInTimeEndsTheConnection) {
     bystander.reset();
     host.reset();
     serve({.handshake = 400ms});
@@ -429,7 +429,7 @@ TEST_F(LinuxNetworkTest, a_handshake_that_does_not_end_in_time_ends_the_connecti
     expectServed(quiet);
 }
 
-TEST_F(LinuxNetworkTest, a_phone_that_breaks_the_rules_and_then_stays_is_put_out) {
+TEST_F(LinuxNetworkTest, APhoneThatBreaksTheRulesAndThenStaysIsPutOut) {
     RawPhone phone = connect();
     phone.write(frame("x", {.opcode = 3}));
     EXPECT_EQ(phone.readFrame()->closeCode(), 1002);
@@ -438,7 +438,7 @@ TEST_F(LinuxNetworkTest, a_phone_that_breaks_the_rules_and_then_stays_is_put_out
     EXPECT_TRUE(waitUntil([&] { return openDescriptors() <= descriptors + 1; }));
 }
 
-TEST_F(LinuxNetworkTest, a_phone_that_never_reads_is_ended_when_too_much_waits_for_it) {
+TEST_F(LinuxNetworkTest, APhoneThatNeverReadsIsEndedWhenTooMuchWaitsForIt) {
     bystander.reset();
     host.reset();
     serve({.queuedBytes = 16u << 20});
@@ -458,7 +458,7 @@ TEST_F(LinuxNetworkTest, a_phone_that_never_reads_is_ended_when_too_much_waits_f
     EXPECT_EQ(text.use_count(), 1) << "the texts were let go";
 }
 
-TEST_F(LinuxNetworkTest, pings_of_a_phone_that_never_reads_pile_up_on_its_own_side) {
+TEST_F(LinuxNetworkTest, PingsOfAPhoneThatNeverReadsPileUpOnItsOwnSide) {
     RawPhone phone = connect();
     phone.setReceiveBuffer(4096);
     const std::string ping = frame(std::string(125, 'p'), {.opcode = isPing});
@@ -480,7 +480,7 @@ TEST_F(LinuxNetworkTest, pings_of_a_phone_that_never_reads_pile_up_on_its_own_si
 
 // Size.
 
-TEST_F(LinuxNetworkTest, a_message_at_the_bound_is_taken_and_one_beyond_it_ends_the_connection) {
+TEST_F(LinuxNetworkTest, AMessageAtTheBoundIsTakenAndOneBeyondItEndsTheConnection) {
     bystander.reset();
     host.reset();
     serve({.messageBytes = 1u << 20});
@@ -498,7 +498,7 @@ TEST_F(LinuxNetworkTest, a_message_at_the_bound_is_taken_and_one_beyond_it_ends_
     EXPECT_EQ(pieces.readFrame()->closeCode(), 1009);
 }
 
-TEST_F(LinuxNetworkTest, a_claimed_length_takes_no_memory_before_its_bytes_come) {
+TEST_F(LinuxNetworkTest, AClaimedLengthTakesNoMemoryBeforeItsBytesCome) {
     std::vector<RawPhone> phones;
     const Memory before = Memory::now();
     for (int index = 0; index < 20; ++index) {
@@ -511,7 +511,7 @@ TEST_F(LinuxNetworkTest, a_claimed_length_takes_no_memory_before_its_bytes_come)
     }
 }
 
-TEST_F(LinuxNetworkTest, the_memory_of_a_large_message_is_given_back_while_the_phone_stays) {
+TEST_F(LinuxNetworkTest, TheMemoryOfALargeMessageIsGivenBackWhileThePhoneStays) {
     bystander.reset();
     host->answers = false;
     RawPhone phone = connect();
@@ -532,7 +532,7 @@ TEST_F(LinuxNetworkTest, the_memory_of_a_large_message_is_given_back_while_the_p
 
 // Numbers.
 
-TEST_F(LinuxNetworkTest, ten_thousand_connects_in_a_row_leave_nothing_behind) {
+TEST_F(LinuxNetworkTest, TenThousandConnectsInARowLeaveNothingBehind) {
     for (int index = 0; index < 10'000; ++index) {
         RawPhone phone(host->port);
         switch (index % 4) {
@@ -554,7 +554,7 @@ TEST_F(LinuxNetworkTest, ten_thousand_connects_in_a_row_leave_nothing_behind) {
     expectServedWithNewPhone();
 }
 
-TEST_F(LinuxNetworkTest, a_thousand_idle_phones_are_all_served) {
+TEST_F(LinuxNetworkTest, AThousandIdlePhonesAreAllServed) {
     const DescriptorLimit limit(4096);
     if (!limit.isSet()) {
         GTEST_SKIP() << "this system allows fewer descriptors";
@@ -581,7 +581,7 @@ TEST_F(LinuxNetworkTest, a_thousand_idle_phones_are_all_served) {
     EXPECT_TRUE(waitUntil([&] { return host->open == 1; }));
 }
 
-TEST_F(LinuxNetworkTest, without_descriptors_it_waits_without_spinning_and_then_goes_on) {
+TEST_F(LinuxNetworkTest, WithoutDescriptorsItWaitsWithoutSpinningAndThenGoesOn) {
     std::vector<RawPhone> phones(5);
     // A sanitizer needs a descriptor the first time that it looks at an object of some type.
     processorTimeOfQueue();

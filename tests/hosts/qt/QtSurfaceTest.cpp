@@ -85,7 +85,7 @@ private:
     QtMessageHandler previous_;
 };
 
-TEST_F(QtSurfaceTest, a_press_at_the_background_is_told) {
+TEST_F(QtSurfaceTest, APressAtTheBackgroundIsTold) {
     const auto surface = surfaces.make(ringing("123"), Look::translucent);
     int presses = 0;
     surface->setBackgroundPressed([&] { ++presses; });
@@ -99,7 +99,7 @@ TEST_F(QtSurfaceTest, a_press_at_the_background_is_told) {
     EXPECT_EQ(presses, 2) << "a text is no control";
 }
 
-TEST_F(QtSurfaceTest, a_press_on_a_button_acts_on_the_button_alone) {
+TEST_F(QtSurfaceTest, APressOnAButtonActsOnTheButtonAlone) {
     int answers = 0;
     int presses = 0;
     const auto surface = surfaces.make(ringing("123", [&] { ++answers; }), Look::translucent);
@@ -112,14 +112,14 @@ TEST_F(QtSurfaceTest, a_press_on_a_button_acts_on_the_button_alone) {
     EXPECT_EQ(presses, 0);
 }
 
-TEST_F(QtSurfaceTest, a_press_with_nobody_to_tell_does_nothing) {
+TEST_F(QtSurfaceTest, APressWithNobodyToTellDoesNothing) {
     const auto surface = surfaces.make(ringing("123"), Look::translucent);
     ContentView& view = show(*surface);
     QTest::mouseClick(&view, Qt::LeftButton, {}, {200, 6});
     EXPECT_EQ(hangups, 0);
 }
 
-TEST_F(QtSurfaceTest, is_drawn_only_while_it_is_shown) {
+TEST_F(QtSurfaceTest, IsDrawnOnlyWhileItIsShown) {
     const auto surface = surfaces.make(ringing("123"), Look::translucent);
     ASSERT_NE(viewOf(*surface), nullptr);
     EXPECT_FALSE(viewOf(*surface)->isVisible());
@@ -132,7 +132,7 @@ TEST_F(QtSurfaceTest, is_drawn_only_while_it_is_shown) {
     EXPECT_EQ(&view, viewOf(*surface));
 }
 
-TEST_F(QtSurfaceTest, shows_the_symbols_of_the_system) {
+TEST_F(QtSurfaceTest, ShowsTheSymbolsOfTheSystem) {
     const auto surface = surfaces.make(ringing("123"), Look::translucent);
     show(*surface);
     EXPECT_TRUE(waitFor([&] {
@@ -142,7 +142,7 @@ TEST_F(QtSurfaceTest, shows_the_symbols_of_the_system) {
     }));
 }
 
-TEST_F(QtSurfaceTest, other_content_comes_in_the_same_view) {
+TEST_F(QtSurfaceTest, OtherContentComesInTheSameView) {
     const auto surface = surfaces.make(ringing("123"), Look::translucent);
     ContentView& view = show(*surface);
     EXPECT_EQ(ViewHarness::text("firstLine", &view), "123");
@@ -155,7 +155,7 @@ TEST_F(QtSurfaceTest, other_content_comes_in_the_same_view) {
     EXPECT_EQ(answers, 1);
 }
 
-TEST_F(QtSurfaceTest, can_go_in_the_press_of_its_own_button) {
+TEST_F(QtSurfaceTest, CanGoInThePressOfItsOwnButton) {
     std::unique_ptr<ContentSurface> surface;
     QPointer<ContentView> view;
     bool isHiddenAtOnce = false;
@@ -172,7 +172,7 @@ TEST_F(QtSurfaceTest, can_go_in_the_press_of_its_own_button) {
     EXPECT_TRUE(waitFor([&] { return view.isNull(); }));
 }
 
-TEST_F(QtSurfaceTest, the_engine_outlives_a_view_that_a_nested_event_loop_holds_back) {
+TEST_F(QtSurfaceTest, TheEngineOutlivesAViewThatANestedEventLoopHoldsBack) {
     std::unique_ptr<ContentSurface> surface;
     QPointer<ContentView> view;
     QPointer<QQmlEngine> engine;
@@ -195,7 +195,7 @@ TEST_F(QtSurfaceTest, the_engine_outlives_a_view_that_a_nested_event_loop_holds_
     EXPECT_TRUE(waitFor([&] { return view.isNull() && engine.isNull(); }));
 }
 
-TEST_F(QtSurfaceTest, the_engine_comes_with_the_first_surface_and_goes_with_the_last) {
+TEST_F(QtSurfaceTest, TheEngineComesWithTheFirstSurfaceAndGoesWithTheLast) {
     auto first = surfaces.make(ringing("123"), Look::translucent);
     auto second = surfaces.make(ringing("456"), Look::opaque);
     const QPointer<QQmlEngine> engine = show(*first).engine();
@@ -212,7 +212,7 @@ TEST_F(QtSurfaceTest, the_engine_comes_with_the_first_surface_and_goes_with_the_
     EXPECT_EQ(ViewHarness::text("firstLine", &show(*third)), "789");
 }
 
-TEST_F(QtSurfaceTest, nothing_is_left_when_the_maker_goes) {
+TEST_F(QtSurfaceTest, NothingIsLeftWhenTheMakerGoes) {
     QPointer<ContentView> view;
     {
         QtSurfaces maker{images};
@@ -223,7 +223,7 @@ TEST_F(QtSurfaceTest, nothing_is_left_when_the_maker_goes) {
     EXPECT_TRUE(view.isNull());
 }
 
-TEST_F(QtSurfaceTest, a_panel_is_see_through_at_its_corners_and_takes_no_keys) {
+TEST_F(QtSurfaceTest, APanelIsSeeThroughAtItsCornersAndTakesNoKeys) {
     const auto surface = surfaces.make(ringing("123"), Look::translucent);
     ContentView& view = show(*surface);
     EXPECT_EQ(view.color(), QColor(Qt::transparent));
@@ -237,7 +237,7 @@ TEST_F(QtSurfaceTest, a_panel_is_see_through_at_its_corners_and_takes_no_keys) {
     EXPECT_GT(qAlpha(picture.pixel(175, 40)), 200);
 }
 
-TEST_F(QtSurfaceTest, the_main_window_is_opaque_takes_keys_and_hears_when_it_is_shown_again) {
+TEST_F(QtSurfaceTest, TheMainWindowIsOpaqueTakesKeysAndHearsWhenItIsShownAgain) {
     Program program(on.platform(), [] {});
     program.delegate().applicationDidFinishLaunching();
     program.delegate().showSettings(0);

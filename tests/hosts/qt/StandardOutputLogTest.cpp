@@ -1,11 +1,15 @@
 #include "hosts/qt/StandardOutputLog.h"
+#include "platform/Fatal.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <fcntl.h>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
@@ -43,7 +47,7 @@ ChildOutput inChild(const std::function<void()>& body) {
     return output;
 }
 
-TEST(StandardOutputLog, writes_the_pieces_as_one_line) {
+TEST(StandardOutputLog, WritesThePiecesAsOneLine) {
     const ChildOutput output = inChild([] {
         StandardOutputLog log;
         log.line({"[Area] ", "one ", "two"});
@@ -53,7 +57,7 @@ TEST(StandardOutputLog, writes_the_pieces_as_one_line) {
     EXPECT_EQ(output.text, "[Area] one two\n\n%s %n\n");
 }
 
-TEST(StandardOutputLog, leaves_nothing_in_a_buffer_when_the_process_is_ended_hard) {
+TEST(StandardOutputLog, LeavesNothingInABufferWhenTheProcessIsEndedHard) {
     const ChildOutput output = inChild([] {
         StandardOutputLog log;
         log.line({"line"});
@@ -64,7 +68,7 @@ TEST(StandardOutputLog, leaves_nothing_in_a_buffer_when_the_process_is_ended_har
     EXPECT_EQ(output.text, "line\nprinted");
 }
 
-TEST(StandardOutputLog, lines_of_several_threads_never_mix) {
+TEST(StandardOutputLog, LinesOfSeveralThreadsNeverMix) {
     const ChildOutput output = inChild([] {
         StandardOutputLog log;
         std::vector<std::thread> threads;
@@ -91,7 +95,7 @@ TEST(StandardOutputLog, lines_of_several_threads_never_mix) {
     EXPECT_EQ(lines, 60);
 }
 
-TEST(StandardOutputLog, a_reader_that_has_gone_does_no_harm) {
+TEST(StandardOutputLog, AReaderThatHasGoneDoesNoHarm) {
     const ChildOutput output = inChild([] {
         int ends[2];
         if (::pipe(ends) != 0) {
@@ -110,7 +114,89 @@ TEST(StandardOutputLog, a_reader_that_has_gone_does_no_harm) {
     EXPECT_EQ(output.text, "still here\n");
 }
 
-TEST(StandardOutputLog, a_stream_missing_from_the_start_is_taken_so_that_no_file_gets_its_number) {
+TEST(StandardOutputLog, AReaderThatDoesNotReadCostsLinesAndTheyAreCounted) {
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    int steps[2];
+    ASSERT_EQ(::pipe(steps), 0);
+    const auto start = std::chrono::steady_clock::now();
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::dup2(ends[1], STDOUT_FILENO);
+        ::close(ends[0]);
+        ::close(ends[1]);
+        StandardOutputLog log;
+        for (int line = 0; line < 5000; ++line) {
+            log.line({std::string(99, 'x')});
+        }
+        ::close(steps[1]);
+        // Lines until the parent has read on and ends this process.
+        for (;;) {
+            log.line({"after"});
+            ::usleep(1000);
+        }
+    }
+    ::close(ends[1]);
+    ::close(steps[1]);
+    char byte = 0;
+    EXPECT_EQ(::read(steps[0], &byte, 1), 0) << "until the child has written its lines";
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+
+    std::string text;
+    std::vector<char> block(4096);
+    while (text.find("\nafter\n") == std::string::npos) {
+        const ssize_t count = ::read(ends[0], block.data(), block.size());
+        ASSERT_GT(count, 0);
+        text.append(block.data(), static_cast<std::size_t>(count));
+    }
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    ::close(ends[0]);
+    ::close(steps[0]);
+
+    std::size_t lines = 0;
+    std::istringstream all(text);
+    std::string line;
+    while (std::getline(all, line) && line == std::string(99, 'x')) {
+        ++lines;
+    }
+    int dropped = 0;
+    ASSERT_EQ(std::sscanf(line.c_str(), "[Log] %d lines were dropped because nobody read them", &dropped), 1)
+        << line;
+    EXPECT_GE(lines + static_cast<std::size_t>(dropped), 5000u);
+    EXPECT_GT(lines, 100u);
+    EXPECT_GT(dropped, 100);
+}
+
+TEST(StandardOutputLog, GatheredLinesAreWrittenTogetherAtTheEndOfATurn) {
+    const ChildOutput output = inChild([] {
+        StandardOutputLog log;
+        std::thread([&log] {
+            StandardOutputLog::gatherOnThisThread();
+            log.line({"one"});
+            log.line({"two"});
+            std::fputs("not yet\n", stdout);
+            log.flush();
+            std::fputs("now\n", stdout);
+            log.line({"three"});
+        }).join();
+        log.line({"four, of another thread"});
+    });
+    EXPECT_EQ(output.text, "not yet\none\ntwo\nnow\nthree\nfour, of another thread\n");
+}
+
+TEST(StandardOutputLog, GatheredLinesAreWrittenBeforeAFatalEnd) {
+    const ChildOutput output = inChild([] {
+        StandardOutputLog log;
+        StandardOutputLog::gatherOnThisThread();
+        log.line({"last line"});
+        fatal("the end");
+    });
+    EXPECT_TRUE(WIFSIGNALED(output.status));
+    EXPECT_EQ(output.text, "last line\n");
+}
+
+TEST(StandardOutputLog, AStreamMissingFromTheStartIsTakenSoThatNoFileGetsItsNumber) {
     const ChildOutput output = inChild([] {
         const int kept = ::dup(STDOUT_FILENO);
         ::close(STDIN_FILENO);

@@ -1,5 +1,7 @@
 #include "hosts/linux/desktop/LinuxApplication.h"
 
+#include "hosts/linux/windows/WindowSpaces.h"
+
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QPushButton>
@@ -43,7 +45,17 @@ void LinuxApplication::activate() {
     for (QWindow* window : QGuiApplication::topLevelWindows()) {
         if (isOrdinaryWindow(window)) {
             window->raise();
-            window->requestActivate();
+            activateForUser(*window);
+        }
+    }
+}
+
+void LinuxApplication::bringForward() {
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        if (isOrdinaryWindow(window)) {
+            window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
+            window->raise();
+            bringToUser(*window);
         }
     }
 }

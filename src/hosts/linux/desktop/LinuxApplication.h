@@ -23,7 +23,9 @@ public:
     void setDelegate(ApplicationDelegate* delegate);
     ServicesProvider* servicesProvider() const { return servicesProvider_; }
     ActivationPolicy activationPolicy() const { return activationPolicy_; }
-    /// Whether a window of the program is on screen, menus and tool tips aside.
+    /// Shows every open window of the program, wherever it is: minimised, covered or on another workspace.
+    static void bringForward();
+    /// Whether a window of the program is open, menus and tool tips aside; a minimised one counts.
     static bool hasVisibleWindows();
 
 private:

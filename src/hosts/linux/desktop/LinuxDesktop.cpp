@@ -7,9 +7,29 @@
 #include <QIcon>
 #include <QTimer>
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <utility>
 
 namespace velloway {
+
+namespace {
+
+/// The actions of the desktop entry, and the operation of the status menu that each is.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 9> actions{{
+    {"send-clipboard", "onMenuSendClipboard"},
+    {"call", "onMenuCall"},
+    {"sms", "onMenuSms"},
+    {"file-drop", "onMenuFileDrop"},
+    {"notifications", "onMenuHistory"},
+    {"remote", "onMenuRemote"},
+    {"clipboard", "onMenuClipboardHistory"},
+    {"settings", "onMenuSettings"},
+    {"info", "onMenuInfo"},
+}};
+
+} // namespace
 
 LinuxDesktop::LinuxDesktop(int& argc, char** argv) : qtApplication(argc, argv) {
     QCoreApplication::setApplicationName(QStringLiteral("velloway"));
@@ -21,12 +41,13 @@ LinuxDesktop::LinuxDesktop(int& argc, char** argv) : qtApplication(argc, argv) {
     std::error_code error;
     const std::filesystem::path workingDirectory = std::filesystem::current_path(error);
     ownRequest_ = SingleInstance::requestFrom({argv + std::min(1, argc), argv + argc}, workingDirectory);
+    ownRequest_.isUnattended = launchEnvironment.isUnattended;
+    ownRequest_.token = launchEnvironment.token;
 
     QObject::connect(&statusItem, &LinuxStatusItem::activated, &application, [this] { reopen(); });
     QObject::connect(&statusItem, &LinuxStatusItem::patienceOver, &application, [this] {
-        if (!statusItem.isReachable()) {
-            showTraylessWindow();
-        }
+        isSettled_ = true;
+        attend();
     });
     QObject::connect(&statusItem, &LinuxStatusItem::reachabilityChanged, &application, [this] {
         if (traylessWindow_ && statusItem.isReachable()) {
@@ -58,19 +79,65 @@ void LinuxDesktop::terminate() {
 }
 
 void LinuxDesktop::launch() {
+    useActivationToken(ownRequest_.token);
     delegate_->applicationDidFinishLaunching();
     // Requests of other starts that came meanwhile have waited for this.
     instance_.setHandler([this](const SingleInstance::Request& request) { handle(request); });
     if (!ownRequest_.isReopen()) {
-        handOver(ownRequest_.uris);
+        open(ownRequest_.uris);
     }
 }
 
 void LinuxDesktop::handle(const SingleInstance::Request& request) {
-    if (request.isReopen()) {
+    useActivationToken(request.token);
+    if (isStartByBus(request)) {
+        ownRequest_.isUnattended = false;
+        attend();
+    } else if (!request.action.empty()) {
+        choose(request.action);
+    } else if (request.isReopen()) {
         reopen();
     } else {
-        handOver(request.uris);
+        open(request.uris);
+    }
+}
+
+/// The bus starts the program to deliver a message. When that asks for no more than to come forward, the user
+/// has started the program from a menu, and it shows what every start shows.
+bool LinuxDesktop::isStartByBus(const SingleInstance::Request& request) const {
+    return ownRequest_.isUnattended && !isSettled_ && request.isReopen();
+}
+
+/// Without a tray, the menu comes as a window to a user who has started the program; at login it stays away.
+void LinuxDesktop::attend() {
+    if (isSettled_ && !ownRequest_.isUnattended && !statusItem.isReachable()) {
+        showTraylessWindow();
+    }
+}
+
+void LinuxDesktop::open(const std::vector<std::string>& uris) {
+    std::vector<std::string> links;
+    std::vector<std::string> files;
+    for (const std::string& uri : uris) {
+        (pathOfFileUri(uri) ? files : links).push_back(uri);
+    }
+    if (!files.empty() || links.empty()) {
+        handOver(files);
+    }
+    if (!links.empty()) {
+        delegate_->applicationOpenLinks(links);
+    }
+}
+
+void LinuxDesktop::choose(std::string_view action) {
+    const auto known =
+        std::find_if(actions.begin(), actions.end(), [&](const auto& each) { return each.first == action; });
+    const auto& items = statusItem.items();
+    const auto item = std::find_if(items.begin(), items.end(), [&](const MenuItem& each) {
+        return known != actions.end() && each.selector == known->second;
+    });
+    if (item != items.end()) {
+        LinuxStatusItem::choose(*item);
     }
 }
 
@@ -94,6 +161,9 @@ void LinuxDesktop::reopen() {
     }
     if (delegate_ != nullptr) {
         delegate_->applicationShouldHandleReopen(hasVisibleWindows);
+    }
+    if (hasVisibleWindows) {
+        LinuxApplication::bringForward();
     }
 }
 

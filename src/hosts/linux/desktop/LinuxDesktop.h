@@ -1,6 +1,7 @@
 #pragma once
 
 #include "hosts/linux/desktop/DesktopColors.h"
+#include "hosts/linux/desktop/LaunchEnvironment.h"
 #include "hosts/linux/desktop/LinuxApplication.h"
 #include "hosts/linux/desktop/LinuxHost.h"
 #include "hosts/linux/desktop/LinuxLoginItem.h"
@@ -16,6 +17,7 @@
 #include <QApplication>
 
 #include <memory>
+#include <string_view>
 
 namespace velloway {
 
@@ -35,6 +37,7 @@ public:
 
     // In the order in which they must come to be; they go in the opposite one.
     StandardOutputLog log;
+    LaunchEnvironment launchEnvironment = LaunchEnvironment::take();
     QApplication qtApplication;
     QtMainQueue mainQueue;
     LinuxHost host;
@@ -48,7 +51,11 @@ public:
 private:
     void launch();
     void handle(const SingleInstance::Request& request);
+    bool isStartByBus(const SingleInstance::Request& request) const;
+    void attend();
+    void open(const std::vector<std::string>& uris);
     void handOver(const std::vector<std::string>& uris);
+    void choose(std::string_view action);
     void reopen();
     void showTraylessWindow();
 
@@ -57,6 +64,8 @@ private:
     SingleInstance instance_;
     SingleInstance::Request ownRequest_;
     ApplicationDelegate* delegate_ = nullptr;
+    /// A tray has had time to show up.
+    bool isSettled_ = false;
     std::unique_ptr<TraylessWindow> traylessWindow_;
 };
 

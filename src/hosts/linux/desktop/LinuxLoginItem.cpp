@@ -64,9 +64,14 @@ QByteArray unescaped(const QByteArray& text) {
     return plain;
 }
 
+/// How a program recognises a start by the session: managers of GNOME's kind set it themselves, and the entry
+/// sets it for all others.
+constexpr const char* startedAtLogin = "env DESKTOP_AUTOSTART_ID=velloway ";
+
 /// The program that an Exec line starts.
 QByteArray programOf(const QByteArray& line) {
-    const QByteArray text = unescaped(line);
+    const QByteArray whole = unescaped(line);
+    const QByteArray text = whole.startsWith(startedAtLogin) ? whole.mid(qstrlen(startedAtLogin)) : whole;
     QByteArray word;
     bool isQuoted = false;
     for (qsizetype at = 0; at < text.size(); ++at) {
@@ -150,7 +155,7 @@ std::optional<std::string> LinuxLoginItem::registerItem() {
                             "Comment=Bridge to an Android phone\n"
                             "Icon=org.velloway.Velloway\n"
                             "Exec=" +
-                            execLine(program_) +
+                            QByteArray(startedAtLogin) + execLine(program_) +
                             "\n"
                             "Terminal=false\n"
                             "StartupNotify=false\n"

@@ -1,26 +1,79 @@
 #include "hosts/linux/desktop/LinuxPasteboard.h"
 
+#include "hosts/linux/desktop/DataControl.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QStringConverter>
+
+#include <utility>
 
 namespace velloway {
 
-void LinuxPasteboard::clearContents() {
-    QGuiApplication::clipboard()->clear();
+namespace {
+
+/// Whether the toolkit's clipboard is the desktop's. Without the keyboard, Wayland neither takes a text nor
+/// tells of the present one, and the toolkit reports neither.
+bool isToolkitInTouch() {
+    return !QGuiApplication::platformName().startsWith(QLatin1String("wayland")) ||
+           QGuiApplication::focusWindow() != nullptr;
 }
 
-void LinuxPasteboard::setString(std::string_view text) {
-    QGuiApplication::clipboard()->setText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+} // namespace
+
+LinuxPasteboard::LinuxPasteboard() = default;
+LinuxPasteboard::~LinuxPasteboard() = default;
+
+DataControl* LinuxPasteboard::dataControl() const {
+    if (!std::exchange(isSoughtFor_, true)) {
+        dataControl_ = DataControl::connect();
+    }
+    return dataControl_ && dataControl_->isUsable() ? dataControl_.get() : nullptr;
+}
+
+void LinuxPasteboard::clearContents() {
+    if (DataControl* control = dataControl()) {
+        control->clear();
+    } else if (isToolkitInTouch()) {
+        QGuiApplication::clipboard()->clear();
+    }
+}
+
+bool LinuxPasteboard::setString(std::string_view text) {
+    if (DataControl* control = dataControl()) {
+        return control->setText(text);
+    }
+    if (!isToolkitInTouch()) {
+        return false;
+    }
+    // `QString::fromUtf8` would cut a byte order mark, which here is a character of the text.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    QGuiApplication::clipboard()->setText(
+        decoder(QByteArrayView(text.data(), static_cast<qsizetype>(text.size()))));
+    return true;
 }
 
 std::optional<std::string> LinuxPasteboard::string() const {
-    const QMimeData* contents = QGuiApplication::clipboard()->mimeData();
+    QClipboard& clipboard = *QGuiApplication::clipboard();
+    DataControl* control = dataControl();
+    // What was copied in a window of this process is handed over by this thread, which must not wait for it.
+    if (control != nullptr && !clipboard.ownsClipboard()) {
+        return control->text();
+    }
+    if (control == nullptr && !isToolkitInTouch()) {
+        return std::nullopt;
+    }
+    const QMimeData* contents = clipboard.mimeData();
     // Not `hasText`, which takes a list of addresses for text as well.
     if (contents == nullptr || !contents->hasFormat(QStringLiteral("text/plain"))) {
         return std::nullopt;
     }
     return contents->text().toStdString();
+}
+
+bool LinuxPasteboard::isReadable() const {
+    return dataControl() != nullptr || isToolkitInTouch();
 }
 
 } // namespace velloway

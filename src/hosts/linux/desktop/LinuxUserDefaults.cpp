@@ -1,20 +1,34 @@
 #include "hosts/linux/desktop/LinuxUserDefaults.h"
 
 #include <QFile>
+#include <QLocale>
 #include <QStandardPaths>
 
-#include <charconv>
+#include <cmath>
+#include <limits>
 
 namespace velloway {
 
 namespace {
 
+constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+
+/// An integer, however it is written (12, +12, 12.0, 1.2e1); one beyond 64 bits becomes the nearest that there
+/// is. 0 for anything else.
 std::int64_t integerIn(const QVariant& stored) {
-    const std::string text = stored.toString().toStdString();
-    std::int64_t value = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && stop == end ? value : 0;
+    const QString text = stored.toString();
+    bool isInteger = false;
+    if (const qlonglong integer = QLocale::c().toLongLong(text, &isInteger); isInteger) {
+        return integer;
+    }
+    bool isNumber = false;
+    const double number = QLocale::c().toDouble(text, &isNumber);
+    if (!isNumber || !std::isfinite(number) || std::trunc(number) != number) {
+        return 0;
+    }
+    constexpr double limit = 9223372036854775808.0;
+    return number >= limit ? largest : number < -limit ? smallest : static_cast<std::int64_t>(number);
 }
 
 } // namespace

@@ -29,7 +29,7 @@ public:
 private:
     QSettings file_;
     mutable std::mutex mutex_;
-    /// What is stored under a key but is no integer stands as 0.
+    /// What is stored under a key but is not an integer stands as 0.
     std::map<std::string, std::int64_t, std::less<>> values_;
     std::map<std::string, ObserverList<std::int64_t>, std::less<>> observers_;
 };

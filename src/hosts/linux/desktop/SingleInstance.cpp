@@ -1,6 +1,7 @@
 #include "hosts/linux/desktop/SingleInstance.h"
 
 #include "hosts/linux/desktop/FileUris.h"
+#include "text/Case.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -21,6 +22,9 @@ namespace {
 const QString serviceName = QStringLiteral("org.velloway.Velloway");
 const QString objectPath = QStringLiteral("/org/velloway/Velloway");
 const QString interfaceName = QStringLiteral("org.freedesktop.Application");
+
+const QString waylandTokenKey = QStringLiteral("activation-token");
+const QString x11TokenKey = QStringLiteral("desktop-startup-id");
 
 /// A first instance that hangs must not make the second one hang as well. Milliseconds.
 constexpr int answerBound = 5000;
@@ -51,14 +55,40 @@ QStringList asStringList(const std::vector<std::string>& texts) {
     return list;
 }
 
+QVariantMap asPlatformData(const ActivationToken& token) {
+    QVariantMap data;
+    if (!token.wayland.empty()) {
+        data.insert(waylandTokenKey, QString::fromStdString(token.wayland));
+    }
+    if (!token.x11.empty()) {
+        data.insert(x11TokenKey, QString::fromStdString(token.x11));
+    }
+    return data;
+}
+
+ActivationToken tokenIn(const QVariantMap& platformData) {
+    return {.wayland = platformData.value(waylandTokenKey).toString().toStdString(),
+            .x11 = platformData.value(x11TokenKey).toString().toStdString()};
+}
+
+bool isPhoneAddress(std::string_view argument) {
+    for (const std::string_view scheme : {"tel:", "sms:", "smsto:"}) {
+        if (lowerCased(argument.substr(0, scheme.size())) == scheme) {
+            return true;
+        }
+    }
+    return false;
+}
+
 QDBusMessage asMessage(const SingleInstance::Request& request) {
     QDBusMessage message = QDBusMessage::createMethodCall(serviceName, objectPath, interfaceName,
                                                           request.isReopen() ? QStringLiteral("Activate")
                                                                              : QStringLiteral("Open"));
+    const QVariantMap platformData = asPlatformData(request.token);
     if (request.isReopen()) {
-        message.setArguments({QVariantMap()});
+        message.setArguments({platformData});
     } else {
-        message.setArguments({asStringList(request.uris), QVariantMap()});
+        message.setArguments({asStringList(request.uris), platformData});
     }
     return message;
 }
@@ -99,6 +129,9 @@ SingleInstance::Outcome SingleInstance::claimOnBus(const Request& request) {
         return Outcome::first;
     }
     bus.unregisterObject(objectPath);
+    if (request.isUnattended && request.isReopen()) {
+        return Outcome::handedOver;
+    }
     const QDBusMessage answered = bus.call(asMessage(request), QDBus::Block, answerBound);
     return answered.type() == QDBusMessage::ReplyMessage ? Outcome::handedOver : Outcome::notAnswered;
 }
@@ -115,6 +148,9 @@ SingleInstance::Outcome SingleInstance::claimBySocket(const Request& request) {
         if (lock_->error() != QLockFile::LockFailedError) {
             // No place for a lock: better two instances than none.
             return Outcome::first;
+        }
+        if (request.isUnattended && request.isReopen()) {
+            return Outcome::handedOver;
         }
         switch (HandoverSocket::handOver(socketPath, asLines(request), answerBound)) {
         case HandoverSocket::Outcome::answered:
@@ -167,7 +203,9 @@ SingleInstance::Request SingleInstance::requestFrom(const std::vector<std::strin
         if (argument.empty() || argument.front() == '-') {
             continue;
         }
-        if (const auto named = pathOfFileUri(argument)) {
+        if (isPhoneAddress(argument)) {
+            request.uris.push_back(argument);
+        } else if (const auto named = pathOfFileUri(argument)) {
             request.uris.push_back(fileUri(*named));
         } else {
             request.uris.push_back(fileUri((workingDirectory / argument).lexically_normal()));
@@ -176,20 +214,22 @@ SingleInstance::Request SingleInstance::requestFrom(const std::vector<std::strin
     return request;
 }
 
-void SingleInstance::Activate(const QVariantMap& /*platformData*/) {
-    take({});
+void SingleInstance::Activate(const QVariantMap& platformData) {
+    take({.token = tokenIn(platformData)});
 }
 
-void SingleInstance::Open(const QStringList& uris, const QVariantMap& /*platformData*/) {
-    Request request;
+void SingleInstance::Open(const QStringList& uris, const QVariantMap& platformData) {
+    Request request{.token = tokenIn(platformData)};
     for (const QString& uri : uris) {
         request.uris.push_back(uri.toStdString());
     }
     take(std::move(request));
 }
 
-void SingleInstance::ActivateAction(const QString& /*action*/, const QVariantList& /*parameter*/,
-                                    const QVariantMap& /*platformData*/) {}
+void SingleInstance::ActivateAction(const QString& action, const QVariantList& /*parameter*/,
+                                    const QVariantMap& platformData) {
+    take({.action = action.toStdString(), .token = tokenIn(platformData)});
+}
 
 void SingleInstance::take(Request request) {
     waiting_.push_back(std::move(request));

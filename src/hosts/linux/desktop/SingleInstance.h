@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hosts/linux/desktop/ActivationToken.h"
 #include "hosts/linux/desktop/HandoverSocket.h"
 
 #include <QLockFile>
@@ -33,21 +34,28 @@ public:
         notAnswered
     };
 
-    /// What a start asks for: to come forward, or to take files.
+    /// What a start, or another program over the bus, asks for: to come forward, to open files and addresses,
+    /// or to do what an action of the desktop entry is for.
     struct Request {
         std::vector<std::string> uris;
-        bool isReopen() const { return uris.empty(); }
+        std::string action;
+        ActivationToken token;
+        /// Nobody is waiting for a window.
+        bool isUnattended = false;
+        bool isReopen() const { return uris.empty() && action.empty(); }
     };
 
     SingleInstance();
     ~SingleInstance() override;
 
+    /// An unattended request without addresses asks nothing of an instance that runs already.
     Outcome claim(const Request& request);
 
     /// Main thread. Requests that came before are delivered from the event loop.
     void setHandler(std::function<void(const Request&)> handler);
 
-    /// The files that a command line names, as addresses. Words that begin with a dash are no files.
+    /// The files that a command line names, as addresses, and its `tel:` and `sms:` addresses. Words that begin
+    /// with a dash are neither.
     static Request requestFrom(const std::vector<std::string>& arguments,
                                const std::filesystem::path& workingDirectory);
 

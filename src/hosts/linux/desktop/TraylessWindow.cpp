@@ -2,6 +2,7 @@
 
 #include "hosts/linux/desktop/LinuxStatusItem.h"
 #include "hosts/linux/desktop/StatusIcons.h"
+#include "hosts/linux/windows/WindowSpaces.h"
 
 #include <QEvent>
 #include <QFrame>
@@ -10,6 +11,7 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace velloway {
 
@@ -60,9 +62,10 @@ TraylessWindow::TraylessWindow(LinuxStatusItem& statusItem) : statusItem_(status
 }
 
 void TraylessWindow::bringForward() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();
-    activateWindow();
+    bringToUser(*windowHandle());
 }
 
 void TraylessWindow::changeEvent(QEvent* event) {

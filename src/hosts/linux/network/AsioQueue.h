@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hosts/linux/network/QueueTurns.h"
 #include "platform/DispatchQueue.h"
 
 #include <memory>
@@ -7,18 +8,25 @@
 
 namespace velloway {
 
+class AsioLoop;
+
 /// A serial queue on a thread of its own, which also runs the sockets of `LinuxNetwork`.
 ///
-/// The thread runs a little below the user interface (nice 5), so that a long transfer does not make the
-/// windows stutter.
+/// The thread has the priority of all others: below them a pointer move would wait for every busy program.
 class AsioQueue final : public DispatchQueue {
 public:
     /// `name` is what tools such as `top` show for the thread; at most 15 bytes of it are kept.
-    explicit AsioQueue(const std::string& name);
+    explicit AsioQueue(const std::string& name, QueueTurns turns = {});
 
-    /// Ends and joins the thread. The job that runs is finished; jobs that wait are destroyed without being
-    /// run, and open connections drop without callbacks. Not to be called on the queue itself.
+    /// Ends the queue as `end` does, however long the running job takes.
     ~AsioQueue() override;
+
+    /// Ends the thread: the running job is finished, waiting jobs are destroyed without being run, and open
+    /// connections drop without callbacks. Jobs handed over later are destroyed at once.
+    ///
+    /// Returns false when the running job takes longer than `limit`. The job then still runs and nothing that
+    /// it uses may be destroyed. Not to be called on the queue itself.
+    bool end(std::chrono::milliseconds limit);
 
     AsioQueue(const AsioQueue&) = delete;
     AsioQueue& operator=(const AsioQueue&) = delete;
@@ -27,10 +35,11 @@ public:
     void asyncAfter(std::chrono::nanoseconds delay, Job job) override;
     bool isCurrent() const override;
 
+    /// For the sockets of this folder.
+    AsioLoop& loop() { return *loop_; }
+
 private:
-    friend class AsioQueueAccess;
-    class Loop;
-    std::unique_ptr<Loop> loop_;
+    std::unique_ptr<AsioLoop> loop_;
 };
 
 } // namespace velloway

@@ -1,19 +1,21 @@
 #pragma once
 
-#include "hosts/linux/network/AsioQueue.h"
-#include "hosts/linux/network/LinuxNetwork.h"
+#include "hosts/linux/network/LinuxNetworkLimits.h"
+#include "hosts/linux/network/QueueSession.h"
 #include "platform/Network.h"
 
 #include <memory>
 
 namespace velloway {
 
+class ConnectionSession;
+
 /// One accepted socket, as a WebSocket.
 ///
-/// The end is told in this order: the outstanding receive completes with an error, then every waiting send in
-/// the order of the calls, then the state handler is called. A far end that goes without a word is noticed
-/// while a receive or a send is outstanding. `cancel` tells the far end in the background, for at most the
-/// closing time of the limits, after it has reported `cancelled`.
+/// The end is reported in this order: the outstanding receive completes with an error, then every waiting send
+/// in the order of the calls, then the state handler is called. A far end that goes without a closing handshake
+/// is noticed while a receive or a send is outstanding. `cancel` runs the closing handshake in the background,
+/// for at most the closing time of the limits, after it has reported `cancelled`.
 class LinuxConnection final : public NetworkConnection {
 public:
     /// Takes the descriptor over. On the queue.
@@ -29,8 +31,7 @@ public:
     void send(SharedText text, std::string_view identifier, SendCompletion completion) override;
 
 private:
-    class Session;
-    std::shared_ptr<Session> session_;
+    SessionHandle<ConnectionSession> session_;
 };
 
 } // namespace velloway

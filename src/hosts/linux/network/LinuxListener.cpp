@@ -1,9 +1,7 @@
 #include "hosts/linux/network/LinuxListener.h"
 
-#include "hosts/linux/network/AsioQueueAccess.h"
 #include "hosts/linux/network/LinuxConnection.h"
 #include "hosts/linux/network/LinuxNetworkError.h"
-#include "platform/Fatal.h"
 
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ip/v6_only.hpp>
@@ -50,32 +48,20 @@ bool meansNoIPv6(const error_code& error) {
 
 } // namespace
 
-class LinuxListener::Core final : public AsioResident, public std::enable_shared_from_this<Core> {
+class LinuxListener::Session final : public QueueSession, public std::enable_shared_from_this<Session> {
 public:
-    Core(AsioQueue& madeOn, const LinuxNetworkLimits& bounds, const ListenerParameters& asked)
-        : queue(madeOn), limits_(bounds), parameters_(asked) {
-        AsioQueueAccess::add(queue, *this);
-    }
+    Session(AsioQueue& madeOn, const LinuxNetworkLimits& bounds, const ListenerParameters& asked)
+        : QueueSession(madeOn), limits_(bounds), parameters_(asked) {}
+    ~Session() { leaveQueue(); }
 
-    ~Core() {
-        if (hasQueue) {
-            AsioQueueAccess::remove(queue, *this);
-        }
-    }
-
-    void start();
-    void cancel();
-    void abandon();
+    void start() override;
+    void cancel() override;
+    void abandon() override;
     void queueEnds() override;
 
-    AsioQueue& queue;
     StateHandler stateHandler;
     NewConnectionHandler newConnectionHandler;
     std::atomic<std::uint16_t> boundPort = 0;
-    /// The port object has gone without a cancel: nobody is called any more.
-    std::atomic<bool> isAbandoned = false;
-    std::atomic<bool> isCancelRequested = false;
-    std::atomic<bool> hasQueue = true;
 
 private:
     void open(const tcp& protocol, error_code& error);
@@ -97,7 +83,7 @@ private:
     bool isCancelled_ = false;
 };
 
-void LinuxListener::Core::start() {
+void LinuxListener::Session::start() {
     if (isStarted_ || isCancelled_ || isAbandoned) {
         return;
     }
@@ -113,7 +99,7 @@ void LinuxListener::Core::start() {
     waitForConnection();
 }
 
-void LinuxListener::Core::listen(error_code& error) {
+void LinuxListener::Session::listen(error_code& error) {
     if (limits_.usesIPv6) {
         open(tcp::v6(), error);
         if (!error || !meansNoIPv6(error)) {
@@ -125,7 +111,7 @@ void LinuxListener::Core::listen(error_code& error) {
 }
 
 /// The descriptor is made here and not by Asio, so that programs started by this one never inherit the port.
-void LinuxListener::Core::open(const tcp& protocol, error_code& error) {
+void LinuxListener::Session::open(const tcp& protocol, error_code& error) {
     close();
     const int descriptor = ::socket(protocol.family(), SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP);
     if (descriptor < 0) {
@@ -133,8 +119,8 @@ void LinuxListener::Core::open(const tcp& protocol, error_code& error) {
         return;
     }
     isIPv6_ = protocol == tcp::v6();
-    acceptor_.emplace(AsioQueueAccess::context(queue), protocol, descriptor);
-    pause_.emplace(AsioQueueAccess::context(queue));
+    acceptor_.emplace(loop(), protocol, descriptor);
+    pause_.emplace(loop());
     if (isIPv6_) {
         acceptor_->set_option(net::ip::v6_only(false), error);
     }
@@ -149,7 +135,7 @@ void LinuxListener::Core::open(const tcp& protocol, error_code& error) {
     }
 }
 
-void LinuxListener::Core::waitForConnection() {
+void LinuxListener::Session::waitForConnection() {
     if (!acceptor_) {
         return;
     }
@@ -160,7 +146,7 @@ void LinuxListener::Core::waitForConnection() {
     });
 }
 
-void LinuxListener::Core::acceptWhatIsThere() {
+void LinuxListener::Session::acceptWhatIsThere() {
     for (int count = 0; count < acceptsPerTurn && acceptor_; ++count) {
         if (acceptOne()) {
             continue;
@@ -177,12 +163,12 @@ void LinuxListener::Core::acceptWhatIsThere() {
             fail(error_code(code, boost::system::system_category()));
             return;
         }
-        // Anything else tells of a peer that has gone already.
+        // Anything else means that the peer has gone already.
     }
     waitForConnection();
 }
 
-bool LinuxListener::Core::acceptOne() {
+bool LinuxListener::Session::acceptOne() {
     tcp::endpoint peer;
     socklen_t size = static_cast<socklen_t>(peer.capacity());
     const int descriptor =
@@ -199,7 +185,7 @@ bool LinuxListener::Core::acceptOne() {
 }
 
 /// The socket stays readable while a connection waits that cannot be taken, so waiting for it would spin.
-void LinuxListener::Core::pauseAccepting() {
+void LinuxListener::Session::pauseAccepting() {
     pause_->expires_after(limits_.acceptPause);
     pause_->async_wait([self = shared_from_this()](const error_code& error) {
         if (!error) {
@@ -208,12 +194,12 @@ void LinuxListener::Core::pauseAccepting() {
     });
 }
 
-void LinuxListener::Core::fail(const error_code& error) {
+void LinuxListener::Session::fail(const error_code& error) {
     close();
     report(ListenerState::failed, networkError(error));
 }
 
-void LinuxListener::Core::cancel() {
+void LinuxListener::Session::cancel() {
     if (isCancelled_) {
         return;
     }
@@ -224,26 +210,26 @@ void LinuxListener::Core::cancel() {
     newConnectionHandler = nullptr;
 }
 
-void LinuxListener::Core::abandon() {
+void LinuxListener::Session::abandon() {
     isCancelled_ = true;
     close();
     stateHandler = nullptr;
     newConnectionHandler = nullptr;
 }
 
-void LinuxListener::Core::queueEnds() {
+void LinuxListener::Session::queueEnds() {
     hasQueue = false;
     close();
     stateHandler = nullptr;
     newConnectionHandler = nullptr;
 }
 
-void LinuxListener::Core::close() {
+void LinuxListener::Session::close() {
     acceptor_.reset();
     pause_.reset();
 }
 
-void LinuxListener::Core::report(ListenerState state, const std::optional<NetworkError>& error) {
+void LinuxListener::Session::report(ListenerState state, const std::optional<NetworkError>& error) {
     if (stateHandler && !isAbandoned) {
         stateHandler(state, error);
     }
@@ -251,40 +237,28 @@ void LinuxListener::Core::report(ListenerState state, const std::optional<Networ
 
 LinuxListener::LinuxListener(AsioQueue& queue, const LinuxNetworkLimits& limits,
                              const ListenerParameters& parameters)
-    : core_(std::make_shared<Core>(queue, limits, parameters)) {}
+    : session_(std::make_shared<Session>(queue, limits, parameters)) {}
 
-LinuxListener::~LinuxListener() {
-    core_->isAbandoned = !core_->isCancelRequested;
-    if (core_->hasQueue) {
-        AsioQueue& queue = core_->queue;
-        queue.async([core = std::move(core_)] { core->abandon(); });
-    }
-}
+LinuxListener::~LinuxListener() = default;
 
 void LinuxListener::setStateHandler(StateHandler handler) {
-    core_->stateHandler = std::move(handler);
+    session_->stateHandler = std::move(handler);
 }
 
 void LinuxListener::setNewConnectionHandler(NewConnectionHandler handler) {
-    core_->newConnectionHandler = std::move(handler);
+    session_->newConnectionHandler = std::move(handler);
 }
 
 void LinuxListener::start(DispatchQueue& queue) {
-    if (&queue != &core_->queue) {
-        fatal("LinuxListener started on a foreign queue");
-    }
-    core_->queue.async([core = core_] { core->start(); });
+    session_.start(queue);
 }
 
 void LinuxListener::cancel() {
-    core_->isCancelRequested = true;
-    if (core_->hasQueue) {
-        core_->queue.async([core = core_] { core->cancel(); });
-    }
+    session_.cancel();
 }
 
 std::uint16_t LinuxListener::boundPort() const {
-    return core_->boundPort;
+    return session_->boundPort;
 }
 
 } // namespace velloway

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "hosts/linux/network/AsioQueue.h"
-#include "hosts/linux/network/LinuxNetwork.h"
+#include "hosts/linux/network/LinuxNetworkLimits.h"
+#include "hosts/linux/network/QueueSession.h"
 #include "platform/Network.h"
 
 #include <cstdint>
@@ -27,8 +27,8 @@ public:
     std::uint16_t boundPort() const;
 
 private:
-    class Core;
-    std::shared_ptr<Core> core_;
+    class Session;
+    SessionHandle<Session> session_;
 };
 
 } // namespace velloway

@@ -1,33 +1,13 @@
 #pragma once
 
 #include "hosts/linux/network/AsioQueue.h"
+#include "hosts/linux/network/LinuxNetworkLimits.h"
 #include "platform/Network.h"
 
-#include <chrono>
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 
 namespace velloway {
-
-/// What protects this computer from a peer that is slow, broken or hostile.
-struct LinuxNetworkLimits {
-    /// From the accepted connection to the end of the handshake, however slowly its bytes come. Afterwards
-    /// there is no time-out: a phone may stay silent for days.
-    std::chrono::milliseconds handshake{30'000};
-    /// How long the far end has for its part of the closing handshake.
-    std::chrono::milliseconds closing{2'000};
-    /// How long accepting pauses when the system has no descriptor or memory left.
-    std::chrono::milliseconds acceptPause{100};
-    /// A longer message ends its connection with the close code 1009.
-    std::size_t messageBytes = std::size_t{512} << 20;
-    /// Texts waiting for a phone that reads slowly or not at all; one more ends the connection. 0 means half of
-    /// this computer's memory, but at least 1 GiB: a file is queued whole before it leaves, so a fixed small
-    /// bound would make large files fail.
-    std::size_t queuedBytes = 0;
-    /// Whether to listen on IPv6 too. A system without IPv6 is noticed without help.
-    bool usesIPv6 = true;
-};
 
 /// WebSockets over TCP. Listeners and connections of it must be started on the queue that it was made with,
 /// and may outlive that queue, though without a callback then.

@@ -1,24 +1,19 @@
 #pragma once
 
-#include <boost/asio/buffer.hpp>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 
 namespace velloway {
 
-/// Contiguous growing bytes, for Asio's and Beast's dynamic-buffer interface, with two things that theirs lack:
-/// a parser may always read `readableAfter` bytes past the end, and growing moves a large block without
-/// copying.
+/// Contiguous growing bytes. A parser may always read `readableAfter` bytes past the end, and growing moves a
+/// large block without copying.
 class ReceiveBuffer {
 public:
-    using const_buffers_type = boost::asio::const_buffer;
-    using mutable_buffers_type = boost::asio::mutable_buffer;
-
     static constexpr std::size_t readableAfter = 64;
 
     explicit ReceiveBuffer(std::size_t maxSize) : maxSize_(maxSize) {}
@@ -27,13 +22,13 @@ public:
     ReceiveBuffer& operator=(const ReceiveBuffer&) = delete;
 
     std::size_t size() const { return size_; }
-    std::size_t max_size() const { return maxSize_; }
+    std::size_t maxSize() const { return maxSize_; }
     std::size_t capacity() const { return capacity_; }
-    const_buffers_type data() const { return {memory_, size_}; }
+    char* bytes() { return memory_; }
     std::string_view text() const { return size_ ? std::string_view{memory_, size_} : std::string_view{""}; }
 
-    /// Throws `std::length_error`, which Beast reports as an overflow, when there is no room or no memory.
-    mutable_buffers_type prepare(std::size_t count) {
+    /// Room for `count` bytes after the end. Throws `std::length_error` when there is no room or no memory.
+    std::span<char> prepare(std::size_t count) {
         if (count > maxSize_ - size_) {
             throw std::length_error("message too long");
         }
@@ -43,11 +38,9 @@ public:
         return {memory_ + size_, count};
     }
     void commit(std::size_t count) { size_ += std::min(count, capacity_ - size_); }
-    void consume(std::size_t count) {
-        if (count < size_) {
-            std::copy(memory_ + count, memory_ + size_, memory_);
-        }
-        size_ -= std::min(count, size_);
+    void erase(std::size_t from, std::size_t count) {
+        std::copy(memory_ + from + count, memory_ + size_, memory_ + from);
+        size_ -= count;
     }
 
     /// Forgets the bytes, and gives the memory back when it is more than `kept`.

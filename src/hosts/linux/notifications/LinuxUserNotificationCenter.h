@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hosts/linux/notifications/NotificationActions.h"
 #include "platform/DispatchQueue.h"
 #include "platform/UserNotificationCenter.h"
 
@@ -17,8 +18,8 @@ class LinuxUserNotificationCenter : public UserNotificationCenter {
 public:
     /// What the delegate gets as action identifier for a plain click and for a notification that the user
     /// closed.
-    static constexpr const char* defaultAction = "default";
-    static constexpr const char* dismissAction = "dismiss";
+    static constexpr const char* defaultAction = notificationActions::clicked;
+    static constexpr const char* dismissAction = notificationActions::dismissed;
 
     /// `main` is the queue of the thread on which this is built, where Qt's event loop runs.
     explicit LinuxUserNotificationCenter(DispatchQueue& main);

@@ -1,139 +1,97 @@
 #include "hosts/linux/notifications/NotificationPoster.h"
 
-#include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
+#include "hosts/linux/notifications/NotificationActions.h"
+#include "hosts/linux/notifications/NotificationCall.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace velloway {
 
 namespace {
 
-/// Requests that wait, across all identifiers; more are refused with an error.
-constexpr std::size_t maxUnderWay = 2000;
 /// Calls that the service has not answered yet: enough to keep it busy, few enough not to swamp it.
 constexpr std::size_t maxInFlight = 16;
-/// Notifications that can still be replaced, closed and answered; older ones only stay on screen.
-constexpr std::size_t maxRemembered = 2000;
-constexpr std::size_t maxEarlySignals = 256;
 constexpr int maxAttempts = 3;
 constexpr auto pauseWhenTooMany = std::chrono::seconds(1);
 constexpr unsigned withoutDelegate = presentationOptions::banner | presentationOptions::sound;
 
-constexpr auto inlineReplyKey = "inline-reply";
-constexpr auto tooManyWaiting = "Too many notifications are waiting to be shown.";
+constexpr auto noRoomOnBanners = "Too many notifications are waiting to be shown.";
 constexpr auto nowhereToShow = "There is no notification service and no display to show the notification on.";
-
-uchar normalUrgency() {
-    return 1;
-}
-
-ReplyField replyFieldOf(const TextInputNotificationAction& action) {
-    return {QString::fromStdString(action.textInputPlaceholder),
-            QString::fromStdString(action.textInputButtonTitle)};
-}
 
 } // namespace
 
 NotificationPoster::NotificationPoster(DispatchQueue& main)
     : main_(main),
-      service_(main, {.closed = [this](uint id, uint reason) { onClosed(id, reason); },
-                      .actionInvoked = [this](uint id, const QString& key) { onActionInvoked(id, key); },
-                      .replied = [this](uint id, const QString& text) { onReplied(id, text); },
-                      .ownerChanged = [this] { forgetService(); }}) {}
-
-// Hand-over.
+      deliveries_([this](Delivery& delivery) { askDelegate(delivery); }),
+      banners_(
+          {.replied = [this](const auto& identifier, const auto& action,
+                             const QString& text) { takeReply(identifier, action, text); },
+           .clicked = [this](const auto& identifier) { respond(identifier, notificationActions::clicked); },
+           .dismissed = [this](const auto& identifier) { respond(identifier, notificationActions::dismissed); },
+           .gone = [this](const auto& identifier) { shown_.takeFromBanner(identifier); }}),
+      service_(main, {.closed = [this](uint id, uint reason) { closed(id, reason); },
+                      .actionInvoked = [this](uint id, const QString& key) { actionInvoked(id, key); },
+                      .replied = [this](uint id, const QString& text) { replied(id, text); },
+                      .ownerChanged = [this] { serviceChanged(); }}) {}
 
 void NotificationPoster::add(NotificationRequest request, Completion completion) {
-    const std::string identifier = request.identifier;
-    Entry& entry = entries_[identifier];
-    Job job{.request = std::move(request), .completion = std::move(completion)};
-    if (entry.stage == Stage::idle) {
-        if (underWay_ >= maxUnderWay) {
-            forgetIfIdle(identifier);
-            if (job.completion) {
-                job.completion(tooManyWaiting);
-            }
-            return;
-        }
-        return start(identifier, entry, std::move(job));
+    deliveries_.add(std::move(request), std::move(completion));
+}
+
+void NotificationPoster::removeDelivered(const std::string& identifier) {
+    if (Delivery* delivery = deliveries_.find(identifier)) {
+        delivery->isRemoved = delivery->stage == DeliveryQueue::Stage::sent;
     }
-    auto superseded = std::exchange(entry.next, std::move(job));
-    if (superseded && superseded->completion) {
-        superseded->completion(std::nullopt);
+    closeAtService(identifier);
+    if (shown_.takeFromBanner(identifier)) {
+        banners_.close(identifier);
     }
 }
 
-void NotificationPoster::start(const std::string& identifier, Entry& entry, Job job) {
-    entry.stage = Stage::askingDelegate;
-    entry.turn = ++turns_;
-    entry.current = std::move(job);
-    ++underWay_;
+// The delegate decides.
+
+void NotificationPoster::askDelegate(Delivery& delivery) {
+    const std::string identifier = delivery.request.identifier;
     auto* delegate = delegate_.load();
     if (!delegate) {
-        return presentationDecided(identifier, entry.turn, withoutDelegate);
+        presentationDecided(identifier, delivery.turn, withoutDelegate);
+        return;
     }
-    auto decided = [weak = weak_from_this(), &main = main_, identifier, turn = entry.turn](unsigned options) {
+    auto decided = [weak = weak_from_this(), &main = main_, identifier,
+                    turn = delivery.turn](unsigned options) {
         hop(main, weak, [=](auto& self) { self.presentationDecided(identifier, turn, options); });
     };
-    const NotificationRequest asked = entry.current->request;
+    const NotificationRequest asked = delivery.request;
     delegate->willPresent(asked, std::move(decided));
 }
 
 void NotificationPoster::presentationDecided(const std::string& identifier, std::uint64_t turn,
                                              unsigned options) {
-    const auto found = entries_.find(identifier);
-    if (found == entries_.end() || found->second.turn != turn || found->second.stage != Stage::askingDelegate) {
+    Delivery* delivery = deliveries_.find(identifier, turn, DeliveryQueue::Stage::askingDelegate);
+    if (!delivery) {
         return;
     }
     if (!(options & presentationOptions::banner)) {
-        return finish(identifier, std::nullopt);
+        deliveries_.finish(*delivery, std::nullopt);
+        return;
     }
-    found->second.current->options = options;
-    found->second.stage = Stage::ready;
-    ready_.emplace_back(identifier, turn);
+    delivery->options = options;
+    deliveries_.makeReady(*delivery);
     sendReady();
-}
-
-void NotificationPoster::removePending(const std::string& identifier) {
-    const auto found = entries_.find(identifier);
-    if (found == entries_.end()) {
-        return;
-    }
-    if (auto dropped = std::exchange(found->second.next, std::nullopt); dropped && dropped->completion) {
-        dropped->completion(std::nullopt);
-    }
-    if (found->second.stage == Stage::askingDelegate || found->second.stage == Stage::ready) {
-        finish(identifier, std::nullopt);
-    }
-}
-
-void NotificationPoster::removeDelivered(const std::string& identifier) {
-    const auto found = entries_.find(identifier);
-    if (found == entries_.end()) {
-        return;
-    }
-    Entry& entry = found->second;
-    entry.closeWhenShown = entry.stage == Stage::sent;
-    closeAtService(entry);
-    if (std::exchange(entry.isOnBanner, false)) {
-        panels_.closeBanner(identifier);
-    }
-    forgetIfIdle(identifier);
 }
 
 // To the service.
 
 void NotificationPoster::sendReady() {
-    while (!ready_.empty() && !isPaused_ && inFlight_ < maxInFlight) {
+    while (deliveries_.hasReady() && !isPaused_ && inFlight_ < maxInFlight) {
         if (!capabilities_) {
-            return askCapabilities();
+            askCapabilities();
+            return;
         }
-        const auto [identifier, turn] = std::move(ready_.front());
-        ready_.pop_front();
-        const auto found = entries_.find(identifier);
-        if (found != entries_.end() && found->second.turn == turn && found->second.stage == Stage::ready) {
-            send(identifier, found->second);
+        if (Delivery* delivery = deliveries_.takeReady()) {
+            send(*delivery);
         }
     }
 }
@@ -146,120 +104,90 @@ void NotificationPoster::askCapabilities() {
         isAskingCapabilities_ = false;
         if (names) {
             capabilities_ = NotificationCapabilities::from(*names);
-            return sendReady();
+            sendReady();
+            return;
         }
-        for (const auto& [identifier, turn] : std::exchange(ready_, {})) {
-            const auto found = entries_.find(identifier);
-            if (found != entries_.end() && found->second.turn == turn && found->second.stage == Stage::ready) {
-                showOnBanner(identifier, found->second);
+        std::vector<std::pair<std::string, std::uint64_t>> waiting;
+        while (const Delivery* delivery = deliveries_.takeReady()) {
+            waiting.emplace_back(delivery->request.identifier, delivery->turn);
+        }
+        for (const auto& [identifier, turn] : waiting) {
+            if (Delivery* delivery = deliveries_.find(identifier, turn, DeliveryQueue::Stage::ready)) {
+                showOnBanner(*delivery);
             }
         }
     });
 }
 
-void NotificationPoster::send(const std::string& identifier, Entry& entry) {
-    entry.content = entry.current->request.content;
-    entry.reply = replyActionOf(entry.content);
-    if (entry.reply && !capabilities_->actions && !capabilities_->inlineReply &&
-        NotificationPanels::canShow()) {
-        return showOnBanner(identifier, entry);
+void NotificationPoster::send(Delivery& delivery) {
+    const NotificationContent& content = delivery.request.content;
+    const Reply reply = replyActionOf(content);
+    if (reply && !capabilities_->actions && !capabilities_->inlineReply && BannerFallback::canShow()) {
+        showOnBanner(delivery);
+        return;
     }
-    entry.stage = Stage::sent;
+    delivery.stage = DeliveryQueue::Stage::sent;
     ++inFlight_;
+    const std::string identifier = delivery.request.identifier;
+    const auto* before = shown_.find(identifier);
     service_.notify(
-        wireForm(entry),
-        [this, identifier, turn = entry.turn](const NotificationService::Answer& answer) {
-            if (isSent(identifier, turn)) {
-                --inFlight_;
-                answered(identifier, answer);
-                if (inFlight_ == 0) {
-                    early_.clear();
-                }
-                sendReady();
-            } else if (answer.outcome == NotificationService::Outcome::shown) {
-                service_.close(answer.id);
-            }
+        notificationCall(content, reply, delivery.options, before ? before->serviceId : 0, *capabilities_),
+        [this, identifier, turn = delivery.turn](const NotificationService::Answer& answer) {
+            answered(identifier, turn, answer);
         },
-        [this, identifier] { overdue(identifier); });
+        [this, identifier, turn = delivery.turn] { overdue(identifier, turn); });
 }
 
-bool NotificationPoster::isSent(const std::string& identifier, std::uint64_t turn) const {
-    const auto found = entries_.find(identifier);
-    return found != entries_.end() && found->second.turn == turn && found->second.stage == Stage::sent;
-}
-
-void NotificationPoster::overdue(const std::string& identifier) {
-    Entry& entry = entries_.at(identifier);
-    if (entry.closeWhenShown || putOnBanner(identifier, entry)) {
+void NotificationPoster::answered(const std::string& identifier, std::uint64_t turn,
+                                  const NotificationService::Answer& answer) {
+    if (Delivery* delivery = deliveries_.find(identifier, turn, DeliveryQueue::Stage::sent)) {
         --inFlight_;
-        finish(identifier, std::nullopt);
+        act(*delivery, answer);
+        if (inFlight_ == 0) {
+            shown_.dropEarly();
+        }
+        sendReady();
+    } else if (answer.outcome == NotificationService::Outcome::shown) {
+        service_.close(answer.id);
+    }
+}
+
+void NotificationPoster::act(Delivery& delivery, const NotificationService::Answer& answer) {
+    using Outcome = NotificationService::Outcome;
+    switch (answer.outcome) {
+    case Outcome::shown:
+        return shownByService(delivery, answer.id);
+    case Outcome::refused:
+        return deliveries_.finish(delivery, answer.errorText.toStdString());
+    case Outcome::unavailable:
+        capabilities_.reset();
+        return showOnBanner(delivery);
+    case Outcome::tooMany:
+        pauseSending();
+        return tryAgain(delivery);
+    case Outcome::ownerGone:
+        return tryAgain(delivery);
+    }
+}
+
+void NotificationPoster::overdue(const std::string& identifier, std::uint64_t turn) {
+    Delivery* delivery = deliveries_.find(identifier, turn, DeliveryQueue::Stage::sent);
+    if (delivery && (delivery->isRemoved || putOnBanner(*delivery))) {
+        --inFlight_;
+        deliveries_.finish(*delivery, std::nullopt);
     }
     capabilities_.reset();
     sendReady();
 }
 
-NotificationService::Notification NotificationPoster::wireForm(const Entry& entry) const {
-    const auto text = notificationText(entry.content, *capabilities_);
-    NotificationService::Notification wire{
-        .replacesId = entry.serviceId, .summary = text.summary, .body = text.body};
-
-    // Without an action of this name some desktops start the application when the notification is clicked.
-    if (capabilities_->actions) {
-        wire.actions << LinuxUserNotificationCenter::defaultAction << QString();
-    }
-    if (entry.reply && capabilities_->inlineReply) {
-        wire.actions << inlineReplyKey << QString::fromStdString(entry.reply->title);
-        wire.hints["x-kde-reply-placeholder-text"] = QString::fromStdString(entry.reply->textInputPlaceholder);
-        wire.hints["x-kde-reply-submit-button-text"] =
-            QString::fromStdString(entry.reply->textInputButtonTitle);
-    } else if (entry.reply && capabilities_->actions) {
-        wire.actions << QString::fromStdString(entry.reply->identifier)
-                     << QString::fromStdString(entry.reply->title);
-    }
-
-    wire.hints["desktop-entry"] = "org.velloway.Velloway";
-    wire.hints["urgency"] = QVariant::fromValue(normalUrgency());
-    if (entry.reply) {
-        wire.hints["category"] = "im.received";
-    }
-    if (entry.content.hasDefaultSound && (entry.current->options & presentationOptions::sound)) {
-        wire.hints["sound-name"] = "message-new-instant";
+void NotificationPoster::tryAgain(Delivery& delivery) {
+    if (delivery.isRemoved) {
+        deliveries_.finish(delivery, std::nullopt);
+    } else if (++delivery.attempts >= maxAttempts) {
+        showOnBanner(delivery);
     } else {
-        wire.hints["suppress-sound"] = true;
+        deliveries_.makeReadyAgain(delivery);
     }
-    return wire;
-}
-
-void NotificationPoster::answered(const std::string& identifier, const NotificationService::Answer& answer) {
-    using Outcome = NotificationService::Outcome;
-    Entry& entry = entries_.at(identifier);
-    switch (answer.outcome) {
-    case Outcome::shown:
-        return shownByService(identifier, entry, answer.id);
-    case Outcome::refused:
-        return finish(identifier, answer.errorText.toStdString());
-    case Outcome::unavailable:
-        capabilities_.reset();
-        return showOnBanner(identifier, entry);
-    case Outcome::tooMany:
-        pauseSending();
-        return tryAgain(identifier, entry);
-    case Outcome::ownerGone:
-        return tryAgain(identifier, entry);
-    }
-}
-
-void NotificationPoster::tryAgain(const std::string& identifier, Entry& entry) {
-    if (entry.closeWhenShown) {
-        return finish(identifier, std::nullopt);
-    }
-    if (++entry.current->attempts >= maxAttempts) {
-        return showOnBanner(identifier, entry);
-    }
-    entry.stage = Stage::ready;
-    const auto later = std::find_if(ready_.begin(), ready_.end(),
-                                    [&](const auto& waiting) { return waiting.second > entry.turn; });
-    ready_.emplace(later, identifier, entry.turn);
 }
 
 void NotificationPoster::pauseSending() {
@@ -274,203 +202,120 @@ void NotificationPoster::pauseSending() {
     });
 }
 
-void NotificationPoster::shownByService(const std::string& identifier, Entry& entry, uint id) {
-    if (entry.serviceId != id) {
-        closeAtService(entry);
+void NotificationPoster::shownByService(Delivery& delivery, uint id) {
+    const std::string identifier = delivery.request.identifier;
+    if (const auto* before = shown_.find(identifier); before && before->serviceId != id) {
+        closeAtService(identifier);
     }
-    if (std::exchange(entry.isOnBanner, false)) {
-        panels_.closeBanner(identifier);
+    if (shown_.takeFromBanner(identifier)) {
+        banners_.close(identifier);
     }
-    entry.serviceId = id;
-    entry.wasAnswered = false;
-    identifiers_[id] = identifier;
-    if (std::exchange(entry.closeWhenShown, false)) {
-        closeAtService(entry);
+    shown_.addFromService(identifier, {.serviceId = id,
+                                       .content = delivery.request.content,
+                                       .reply = replyActionOf(delivery.request.content),
+                                       .turn = delivery.turn});
+    if (delivery.isRemoved) {
+        closeAtService(identifier);
     }
-    if (identifiers_.size() > maxRemembered) {
-        forgetOldestShown();
-    }
-    finish(identifier, std::nullopt);
-    deliverEarly(id);
+    deliveries_.finish(delivery, std::nullopt);
+    shown_.deliverEarly(id);
 }
 
 // To our own banner.
 
-void NotificationPoster::showOnBanner(const std::string& identifier, Entry& entry) {
-    if (std::exchange(entry.closeWhenShown, false)) {
-        return finish(identifier, std::nullopt);
+void NotificationPoster::showOnBanner(Delivery& delivery) {
+    if (delivery.isRemoved) {
+        deliveries_.finish(delivery, std::nullopt);
+    } else if (!BannerFallback::canShow()) {
+        deliveries_.finish(delivery, nowhereToShow);
+    } else {
+        const bool isShown = putOnBanner(delivery);
+        deliveries_.finish(delivery, isShown ? std::nullopt : std::optional<std::string>(noRoomOnBanners));
     }
-    if (!NotificationPanels::canShow()) {
-        return finish(identifier, nowhereToShow);
-    }
-    finish(identifier,
-           putOnBanner(identifier, entry) ? std::nullopt : std::optional<std::string>(tooManyWaiting));
 }
 
-bool NotificationPoster::putOnBanner(const std::string& identifier, Entry& entry) {
-    if (!NotificationPanels::canShow()) {
+bool NotificationPoster::putOnBanner(Delivery& delivery) {
+    const std::string& identifier = delivery.request.identifier;
+    const NotificationContent& content = delivery.request.content;
+    const Reply reply = replyActionOf(content);
+    if (!banners_.show(identifier, content, reply)) {
         return false;
     }
-    entry.content = entry.current->request.content;
-    entry.reply = replyActionOf(entry.content);
-    NotificationBanner::Content content{.title = displayableText(entry.content.title, titleLimit),
-                                        .subtitle =
-                                            displayableText(entry.content.subtitle.value_or(""), titleLimit),
-                                        .body = displayableText(entry.content.body, bodyLimit)};
-    NotificationPanels::BannerEvents events;
-    if (entry.reply) {
-        content.reply = replyFieldOf(*entry.reply);
-        events.replied = [this, identifier, action = entry.reply->identifier](const QString& text) {
-            takeReply(identifier, action, text);
-        };
-    }
-    events.clicked = [this, identifier] { respond(identifier, LinuxUserNotificationCenter::defaultAction); };
-    events.dismissed = [this, identifier] { respond(identifier, LinuxUserNotificationCenter::dismissAction); };
-    events.gone = [this, identifier] {
-        if (const auto found = entries_.find(identifier); found != entries_.end()) {
-            found->second.isOnBanner = false;
-            forgetIfIdle(identifier);
-        }
-    };
-    if (!panels_.showBanner(identifier, content, std::move(events))) {
-        return false;
-    }
-    closeAtService(entry);
-    entry.isOnBanner = true;
+    closeAtService(identifier);
+    shown_.addOnBanner(identifier, {.content = content, .reply = reply, .turn = delivery.turn});
     return true;
 }
 
-// Afterwards.
-
-void NotificationPoster::finish(const std::string& identifier, const std::optional<std::string>& error) {
-    Entry& entry = entries_.at(identifier);
-    const auto job = std::exchange(entry.current, std::nullopt);
-    entry.stage = Stage::idle;
-    entry.closeWhenShown = false;
-    --underWay_;
-    if (auto next = std::exchange(entry.next, std::nullopt)) {
-        start(identifier, entry, std::move(*next));
-    } else {
-        forgetIfIdle(identifier);
-    }
-    if (job->completion) {
-        job->completion(error);
-    }
-}
-
-void NotificationPoster::forgetIfIdle(const std::string& identifier) {
-    const auto found = entries_.find(identifier);
-    if (found != entries_.end() && found->second.isIdle()) {
-        entries_.erase(found);
-    }
-}
-
-void NotificationPoster::forgetOldestShown() {
-    const auto oldest =
-        std::min_element(identifiers_.begin(), identifiers_.end(), [&](const auto& a, const auto& b) {
-            return entries_.at(a.second).turn < entries_.at(b.second).turn;
-        });
-    const std::string identifier = oldest->second;
-    entries_.at(identifier).serviceId = 0;
-    identifiers_.erase(oldest);
-    forgetIfIdle(identifier);
-}
-
-void NotificationPoster::forgetService() {
-    capabilities_.reset();
-    early_.clear();
-    for (const auto& [id, identifier] : std::exchange(identifiers_, {})) {
-        entries_.at(identifier).serviceId = 0;
-        forgetIfIdle(identifier);
-    }
-}
-
-void NotificationPoster::closeAtService(Entry& entry) {
-    if (const uint id = std::exchange(entry.serviceId, 0)) {
-        identifiers_.erase(id);
+void NotificationPoster::closeAtService(const std::string& identifier) {
+    if (const uint id = shown_.takeFromService(identifier)) {
         service_.close(id);
     }
 }
 
+void NotificationPoster::serviceChanged() {
+    capabilities_.reset();
+    shown_.serviceChanged();
+}
+
 // What the user does.
 
-NotificationPoster::Entry* NotificationPoster::entryShownAs(uint id, std::function<void()> deliverLater) {
-    if (const auto found = identifiers_.find(id); found != identifiers_.end()) {
-        return &entries_.at(found->second);
-    }
-    if (inFlight_ > 0 && early_.size() < maxEarlySignals) {
-        early_.push_back({id, std::move(deliverLater)});
-    }
-    return nullptr;
-}
-
-void NotificationPoster::deliverEarly(uint id) {
-    std::vector<EarlySignal> due;
-    std::erase_if(early_, [&](EarlySignal& signal) {
-        return signal.id == id && (due.push_back(std::move(signal)), true);
-    });
-    for (const EarlySignal& signal : due) {
-        signal.deliver();
-    }
-}
-
-void NotificationPoster::onClosed(uint id, uint reason) {
-    Entry* entry = entryShownAs(id, [this, id, reason] { onClosed(id, reason); });
-    if (!entry) {
+void NotificationPoster::closed(uint id, uint reason) {
+    const std::string* known = shown_.identifierOf(id);
+    if (!known) {
+        if (inFlight_ > 0) {
+            shown_.keepEarly(id, [this, id, reason] { closed(id, reason); });
+        }
         return;
     }
-    const std::string identifier = identifiers_.at(id);
-    const bool wasDismissed = reason == NotificationService::dismissedByUser && !entry->wasAnswered;
-    identifiers_.erase(id);
-    entry->serviceId = 0;
-    forgetIfIdle(identifier);
-    if (wasDismissed) {
-        respond(identifier, LinuxUserNotificationCenter::dismissAction);
+    const std::string identifier = *known;
+    const bool wasAnswered = shown_.find(identifier)->wasAnswered;
+    shown_.takeFromService(identifier);
+    if (reason == NotificationService::dismissedByUser && !wasAnswered) {
+        respond(identifier, notificationActions::dismissed);
     }
 }
 
-void NotificationPoster::onActionInvoked(uint id, const QString& key) {
-    Entry* entry = entryShownAs(id, [this, id, key] { onActionInvoked(id, key); });
+void NotificationPoster::actionInvoked(uint id, const QString& key) {
+    const std::string* known = shown_.identifierOf(id);
+    if (!known) {
+        if (inFlight_ > 0) {
+            shown_.keepEarly(id, [this, id, key] { actionInvoked(id, key); });
+        }
+        return;
+    }
     // A service that takes the reply itself sends the text in a signal of its own.
-    if (!entry || key == inlineReplyKey) {
+    if (key == inlineReplyKey) {
         return;
     }
-    entry->wasAnswered = true;
-    const std::string identifier = identifiers_.at(id);
-    if (entry->reply && key.toStdString() == entry->reply->identifier) {
-        openReplyPanel(identifier, *entry);
+    const std::string identifier = *known;
+    auto* shown = shown_.find(identifier);
+    shown->wasAnswered = true;
+    if (shown->reply && key.toStdString() == shown->reply->identifier) {
+        banners_.openReply(identifier, shown->content, *shown->reply);
     } else {
         respond(identifier, key.toStdString());
     }
 }
 
-void NotificationPoster::onReplied(uint id, const QString& text) {
-    Entry* entry = entryShownAs(id, [this, id, text] { onReplied(id, text); });
-    if (entry && entry->reply) {
-        const std::string identifier = identifiers_.at(id);
-        const std::string action = entry->reply->identifier;
-        takeReply(identifier, action, text);
+void NotificationPoster::replied(uint id, const QString& text) {
+    const std::string* known = shown_.identifierOf(id);
+    if (!known) {
+        if (inFlight_ > 0) {
+            shown_.keepEarly(id, [this, id, text] { replied(id, text); });
+        }
+        return;
     }
-}
-
-void NotificationPoster::openReplyPanel(const std::string& identifier, const Entry& entry) {
-    const bool hasSender = entry.content.subtitle && !entry.content.subtitle->empty();
-    const ReplyPanel::Prompt prompt{
-        .title = displayableText(hasSender ? *entry.content.subtitle : entry.content.title, titleLimit),
-        .text = displayableText(entry.content.body, bodyLimit),
-        .field = replyFieldOf(*entry.reply)};
-    panels_.openReply(identifier, prompt,
-                      [this, identifier, action = entry.reply->identifier](const QString& text) {
-                          takeReply(identifier, action, text);
-                      });
+    const std::string identifier = *known;
+    if (const auto& reply = shown_.find(identifier)->reply) {
+        takeReply(identifier, std::string(reply->identifier), text);
+    }
 }
 
 void NotificationPoster::takeReply(const std::string& identifier, const std::string& action,
                                    const QString& text) {
-    if (const auto found = entries_.find(identifier); found != entries_.end()) {
-        found->second.wasAnswered = true;
-        closeAtService(found->second);
-        forgetIfIdle(identifier);
+    if (auto* shown = shown_.find(identifier)) {
+        shown->wasAnswered = true;
+        closeAtService(identifier);
     }
     respond(identifier, action, text.toStdString());
 }
@@ -483,8 +328,7 @@ void NotificationPoster::respond(const std::string& identifier, const std::strin
     }
 }
 
-std::optional<TextInputNotificationAction>
-NotificationPoster::replyActionOf(const NotificationContent& content) const {
+NotificationPoster::Reply NotificationPoster::replyActionOf(const NotificationContent& content) const {
     const auto category = std::find_if(categories_.begin(), categories_.end(), [&](const auto& candidate) {
         return candidate.identifier == content.categoryIdentifier;
     });

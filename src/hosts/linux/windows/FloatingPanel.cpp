@@ -2,6 +2,7 @@
 
 #include "hosts/linux/windows/Compositing.h"
 #include "hosts/linux/windows/WindowSpaces.h"
+#include "tabs/Style.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -49,34 +50,10 @@ protected:
     }
 };
 
-struct Colors {
-    QColor background;
-    QColor border;
-    QColor text;
-    QColor secondaryText;
-    QColor field;
-    QColor accent;
-    QColor accentPressed;
-};
-
-Colors presentColors() {
+/// The colour that the views use under that name.
+QColor present(const PaletteColor& color) {
     const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
-    if (isDark) {
-        return {.background = QColor(42, 42, 44, 244),
-                .border = QColor(255, 255, 255, 40),
-                .text = QColor(245, 245, 247),
-                .secondaryText = QColor(174, 174, 180),
-                .field = QColor(255, 255, 255, 22),
-                .accent = QColor(10, 132, 255),
-                .accentPressed = QColor(8, 108, 210)};
-    }
-    return {.background = QColor(248, 248, 250, 246),
-            .border = QColor(0, 0, 0, 38),
-            .text = QColor(28, 28, 30),
-            .secondaryText = QColor(105, 105, 112),
-            .field = QColor(255, 255, 255),
-            .accent = QColor(0, 112, 240),
-            .accentPressed = QColor(0, 92, 200)};
+    return QColor::fromRgba(isDark ? color.dark : color.light);
 }
 
 /// Without the last family some emoji would come from a text font, in black and white. The first must be a real
@@ -105,17 +82,18 @@ FloatingPanel::FloatingPanel(QWidget* parent)
 }
 
 void FloatingPanel::applyColors() {
-    const Colors colors = presentColors();
     QPalette own = QApplication::palette();
-    own.setColor(QPalette::Window, colors.background);
-    own.setColor(QPalette::Mid, colors.border);
-    own.setColor(QPalette::WindowText, colors.text);
-    own.setColor(QPalette::Text, colors.text);
-    own.setColor(QPalette::PlaceholderText, colors.secondaryText);
-    own.setColor(QPalette::Base, colors.field);
-    own.setColor(QPalette::Highlight, colors.accent);
-    own.setColor(QPalette::HighlightedText, Qt::white);
-    own.setColor(QPalette::Dark, colors.accentPressed);
+    const QColor text = present(paletteColor("primary"));
+    const QColor accent = present(paletteColor("blue"));
+    own.setColor(QPalette::Window, present(paletteColor("panel")));
+    own.setColor(QPalette::Mid, present(paletteColor("outline")));
+    own.setColor(QPalette::WindowText, text);
+    own.setColor(QPalette::Text, text);
+    own.setColor(QPalette::PlaceholderText, present(paletteColor("secondary")));
+    own.setColor(QPalette::Base, present(paletteColor("button")));
+    own.setColor(QPalette::Highlight, accent);
+    own.setColor(QPalette::HighlightedText, present(paletteColor("white")));
+    own.setColor(QPalette::Dark, accent.darker(120));
     setPalette(own);
 }
 

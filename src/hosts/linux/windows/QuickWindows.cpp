@@ -166,7 +166,7 @@ public:
         }
         show();
         if (!(view_->flags() & Qt::WindowDoesNotAcceptFocus)) {
-            view_->requestActivate();
+            bringToUser(*view_);
         }
     }
     void orderFrontRegardless() override { show(); }

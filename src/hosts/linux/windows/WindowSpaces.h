@@ -25,6 +25,10 @@ void requestKeyboard(QWindow& window);
 /// cannot know. Main thread only.
 void activateForUser(QWindow& window);
 
+/// The same for a window that may be on another desktop: it comes to the one that the user is on. Main thread
+/// only.
+void bringToUser(QWindow& window);
+
 /// The name of the windows that banners make room for.
 inline constexpr const char* callPanelName = "CallPanel";
 

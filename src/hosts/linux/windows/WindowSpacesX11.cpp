@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QTimer>
+#include <QVariant>
 #include <QWindow>
 
 #include <algorithm>
@@ -11,7 +12,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include <xcb/xcb.h>
 
@@ -41,6 +44,23 @@ void setProperty(const QWindow& window, const char* name, xcb_atom_t type, std::
     xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, idOf(window), atom(name), type, 32, 1, &value);
 }
 
+xcb_window_t root() {
+    return xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+}
+
+/// The number of a desktop that a property holds.
+std::optional<std::uint32_t> desktopIn(xcb_window_t window, const char* property) {
+    const auto cookie = xcb_get_property(connection(), 0, window, atom(property), XCB_ATOM_CARDINAL, 0, 1);
+    const std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
+        xcb_get_property_reply(connection(), cookie, nullptr), &std::free);
+    if (!reply || xcb_get_property_value_length(reply.get()) != sizeof(std::uint32_t)) {
+        return std::nullopt;
+    }
+    std::uint32_t number = 0;
+    std::memcpy(&number, xcb_get_property_value(reply.get()), sizeof number);
+    return number;
+}
+
 /// Asks the window manager to do something with a window.
 void ask(const QWindow& window, const char* what, const std::uint32_t (&data)[5]) {
     xcb_client_message_event_t message{};
@@ -49,8 +69,7 @@ void ask(const QWindow& window, const char* what, const std::uint32_t (&data)[5]
     message.window = idOf(window);
     message.type = atom(what);
     std::memcpy(message.data.data32, data, sizeof data);
-    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
-    xcb_send_event(connection(), 0, root,
+    xcb_send_event(connection(), 0, root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&message));
     xcb_flush(connection());
@@ -259,6 +278,28 @@ void activateForUser(QWindow& window) {
         constexpr std::uint32_t fromTheUser = 2;
         ask(window, "_NET_ACTIVE_WINDOW", {fromTheUser, XCB_CURRENT_TIME, 0, 0, 0});
     }
+}
+
+void bringToUser(QWindow& window) {
+    constexpr const char* broughtProperty = "wasBroughtToUser";
+    bool wasBrought = window.property(broughtProperty).toBool();
+    if (connection()) {
+        // Some managers only mark a window of another desktop when they are asked to activate it.
+        const auto own = desktopIn(idOf(window), "_NET_WM_DESKTOP");
+        const auto current = desktopIn(root(), "_NET_CURRENT_DESKTOP");
+        if (own && current && *own != everyDesktop && *own != *current) {
+            constexpr std::uint32_t fromTheUser = 2;
+            ask(window, "_NET_WM_DESKTOP", {*current, fromTheUser, 0, 0, 0});
+        }
+    } else if (std::exchange(wasBrought, true) && !window.isActive() &&
+               qEnvironmentVariableIsEmpty("XDG_ACTIVATION_TOKEN")) {
+        // A Wayland compositor brings up a window that is there already for a token alone. One that is shown
+        // anew comes to the user like any other.
+        window.hide();
+        window.show();
+    }
+    window.setProperty(broughtProperty, wasBrought);
+    activateForUser(window);
 }
 
 bool canSystemMove(const QWindow& window) {

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct wl_display;
+struct wl_seat;
+struct zwlr_data_control_device_v1;
+struct zwlr_data_control_manager_v1;
+struct zwlr_data_control_offer_v1;
+struct zwlr_data_control_source_v1;
+
+namespace velloway {
+
+/// The clipboard of a Wayland compositor that lets programs use it without a window in front, over a connection
+/// of its own. Main thread, beside the event loop, which hands out the text that was set.
+class DataControl : public QObject {
+public:
+    /// Null where there is no Wayland compositor or it has no such protocol. Waits for the compositor's
+    /// answers.
+    static std::unique_ptr<DataControl> connect();
+    ~DataControl() override;
+
+    /// False once the compositor or its seat has gone.
+    bool isUsable() const;
+    bool clear();
+    /// False when the compositor did not make it the text on the clipboard.
+    bool setText(std::string_view text);
+    /// Asks the program that owns the clipboard and waits up to 5 seconds for each piece. Absent when there is
+    /// no plain text or the owner does not hand it over in full.
+    std::optional<std::string> text();
+
+private:
+    struct Offer {
+        zwlr_data_control_offer_v1* proxy;
+        std::set<std::string> types;
+    };
+    struct Listeners;
+
+    DataControl() = default;
+    bool open();
+    bool answered();
+    void read();
+    void addOffer(zwlr_data_control_offer_v1* proxy);
+    void select(zwlr_data_control_offer_v1* proxy);
+    void dropSource();
+    std::optional<std::string> receive(const Offer& offer, const std::string& type);
+
+    wl_display* display_ = nullptr;
+    wl_seat* seat_ = nullptr;
+    zwlr_data_control_manager_v1* manager_ = nullptr;
+    zwlr_data_control_device_v1* device_ = nullptr;
+    zwlr_data_control_source_v1* source_ = nullptr;
+    bool isManagerExt_ = false;
+    /// What `source_` hands out.
+    std::shared_ptr<const std::string> ownText_;
+    /// Announced by the compositor, and `selected_` among them.
+    std::vector<std::unique_ptr<Offer>> offers_;
+    Offer* selected_ = nullptr;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+} // namespace velloway

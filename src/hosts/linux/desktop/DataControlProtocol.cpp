@@ -1,0 +1,5 @@
+// The tables of the protocol come as C, whose constants C++ would keep to one file unless they are declared
+// first.
+#include "data-control-client.h"
+
+#include "data-control-code.c"

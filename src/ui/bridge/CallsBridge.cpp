@@ -1,0 +1,57 @@
+#include "bridge/CallsBridge.h"
+
+namespace velloway {
+
+CallsBridge::CallsBridge(CallsModel& model, PhoneState& phone)
+    : TabBridge(QStringLiteral("CallsTab.qml")),
+      model_(model),
+      phone_(phone),
+      dialButtons_(this, &DialButton::digit,
+                   {{"digit", &DialButton::digit}, {"letters", &DialButton::letters}}),
+      simSegments_(this, &SimSegment::slot,
+                   {{"title", &SimSegment::title},
+                    {"simSlot", [](const SimSegment& row) { return static_cast<double>(row.slot); }}}),
+      recentCalls_(this, &RecentCallRow::id,
+                   {{"number", &RecentCallRow::number},
+                    {"name", &RecentCallRow::name},
+                    {"date", &RecentCallRow::date},
+                    {"symbol", &RecentCallRow::symbol},
+                    {"colorRole", &RecentCallRow::color}}) {
+    simSegments_.assign({velloway::simSegments.begin(), velloway::simSegments.end()});
+    dialButtons_.assign({CallsModel::dialButtons.begin(), CallsModel::dialButtons.end()});
+    follow(phone.selectedSimSlot, &CallsBridge::selectedSimSlotChanged);
+    follow(model.dialPad, [this] { readPad(); });
+    follow(model.recentCalls, [this] { recentCalls_.assign(model_.recentCalls.get()); });
+}
+
+void CallsBridge::readPad() {
+    const DialPad pad = model_.dialPad.get();
+    show(pad_,
+         {.numberText = toQt(pad.numberText),
+          .canCall = pad.canCall,
+          .showsDelete = pad.showsDelete,
+          .showsSimPicker = pad.showsSimPicker},
+         &CallsBridge::padChanged);
+}
+
+bool CallsBridge::pressKey(int key, const QString& text, bool isRepeat) {
+    KeyPress press{.phase = isRepeat ? KeyPress::Phase::repeat : KeyPress::Phase::down,
+                   .characters = fromQt(text)};
+    switch (key) {
+    case Qt::Key_Backspace:
+        press = {.key = KeyPress::Key::deleteKey, .phase = press.phase};
+        break;
+    case Qt::Key_Delete:
+        press = {.key = KeyPress::Key::deleteForward, .phase = press.phase};
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        press = {.key = KeyPress::Key::returnKey, .phase = press.phase};
+        break;
+    default:
+        break;
+    }
+    return model_.pressKey(press) == KeyPressResult::handled;
+}
+
+} // namespace velloway

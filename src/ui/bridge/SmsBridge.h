@@ -1,0 +1,122 @@
+#pragma once
+
+#include "bridge/RowModel.h"
+#include "bridge/TabBridge.h"
+#include "tabs/PhoneState.h"
+#include "tabs/sms/SmsModel.h"
+
+#include <QList>
+
+#include <string>
+
+namespace velloway {
+
+/// The list column apart from its rows.
+struct ThreadListState {
+    Q_GADGET
+    QML_ANONYMOUS
+    Q_PROPERTY(bool isEmpty MEMBER isEmpty)
+    Q_PROPERTY(bool showsClearButton MEMBER showsClearButton)
+    /// Empty: no such row.
+    Q_PROPERTY(QString newMessageTo MEMBER newMessageTo)
+
+public:
+    bool isEmpty = false;
+    bool showsClearButton = false;
+    QString newMessageTo;
+
+    bool operator==(const ThreadListState&) const = default;
+};
+
+/// The chat that is open, apart from its messages.
+struct ChatState {
+    Q_GADGET
+    QML_ANONYMOUS
+    Q_PROPERTY(bool isOpen MEMBER isOpen)
+    Q_PROPERTY(QString name MEMBER name)
+    /// Empty: no such line.
+    Q_PROPERTY(QString address MEMBER address)
+    Q_PROPERTY(QList<QString> carriers MEMBER carriers)
+    /// One for each carrier.
+    Q_PROPERTY(QList<double> simSlots MEMBER simSlots)
+
+public:
+    bool isOpen = false;
+    QString name;
+    QString address;
+    QList<QString> carriers;
+    QList<double> simSlots;
+
+    bool operator==(const ChatState&) const = default;
+};
+
+class SmsBridge : public TabBridge {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The window has it.")
+    Q_PROPERTY(QString contactQuery READ contactQuery WRITE setContactQuery NOTIFY contactQueryChanged)
+    Q_PROPERTY(QString chatText READ chatText WRITE setChatText NOTIFY chatTextChanged)
+    Q_PROPERTY(
+        double selectedSimSlot READ selectedSimSlot WRITE setSelectedSimSlot NOTIFY selectedSimSlotChanged)
+    Q_PROPERTY(QString activeRecipient READ activeRecipient NOTIFY activeRecipientChanged)
+    Q_PROPERTY(velloway::ThreadListState list READ list NOTIFY listChanged)
+    Q_PROPERTY(velloway::ChatState chat READ chat NOTIFY chatChanged)
+    Q_PROPERTY(bool canSend READ canSend NOTIFY canSendChanged)
+    Q_PROPERTY(QAbstractItemModel* threads READ threads CONSTANT)
+    Q_PROPERTY(QAbstractItemModel* bubbles READ bubbles CONSTANT)
+
+public:
+    SmsBridge(SmsModel& model, PhoneState& phone);
+
+    QString contactQuery() const { return toQt(model_.contactQuery.get()); }
+    void setContactQuery(const QString& text) { model_.contactQuery.set(fromQt(text)); }
+    QString chatText() const { return toQt(model_.chatText.get()); }
+    void setChatText(const QString& text) { model_.chatText.set(fromQt(text)); }
+    double selectedSimSlot() const { return static_cast<double>(phone_.selectedSimSlot.get()); }
+    void setSelectedSimSlot(double slot) { phone_.selectedSimSlot.set(static_cast<std::int64_t>(slot)); }
+    QString activeRecipient() const { return toQt(model_.activeRecipient.get()); }
+    ThreadListState list() const { return list_; }
+    ChatState chat() const { return chat_; }
+    bool canSend() const { return canSend_; }
+    QAbstractItemModel* threads() { return &threads_; }
+    QAbstractItemModel* bubbles() { return &bubbles_; }
+
+    Q_INVOKABLE void refreshSmsHistory() { model_.refreshSmsHistory(); }
+    Q_INVOKABLE void clearSearch() { model_.clearSearch(); }
+    Q_INVOKABLE void startNewMessage() { model_.startNewMessage(); }
+    Q_INVOKABLE void openConversation(const QString& address) { model_.openConversation(fromQt(address)); }
+    Q_INVOKABLE void sendChatMessage() { model_.sendChatMessage(); }
+
+signals:
+    void contactQueryChanged();
+    void chatTextChanged();
+    void selectedSimSlotChanged();
+    void activeRecipientChanged();
+    void listChanged();
+    void chatChanged();
+    void canSendChanged();
+
+private:
+    /// A bubble whose time is put into words only when it comes in sight: a chat can be thousands of them long.
+    struct Bubble {
+        double date = 0;
+        std::string body;
+        bool isOutgoing = false;
+
+        bool operator==(const Bubble&) const = default;
+    };
+
+    void readList();
+    void readChat();
+    void readBubbles();
+
+    SmsModel& model_;
+    PhoneState& phone_;
+    ThreadListState list_;
+    ChatState chat_;
+    bool canSend_ = false;
+    RowModel<SmsThreadRow, std::string> threads_;
+    RowModel<Bubble, double> bubbles_;
+};
+
+} // namespace velloway

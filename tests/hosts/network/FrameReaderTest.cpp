@@ -1,0 +1,271 @@
+#include "hosts/linux/network/FrameReader.h"
+#include "hosts/network/RawPhone.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace velloway::test {
+namespace {
+
+using testing::ElementsAre;
+using namespace std::string_literals;
+
+constexpr std::size_t bound = std::size_t{1} << 20;
+
+/// Reads bytes that come in pieces of a given size, and notes every event as one line of text.
+class Reading {
+public:
+    explicit Reading(std::size_t maxMessageBytes = bound) : frames_(maxMessageBytes) {}
+
+    Reading& take(std::string_view bytes, std::size_t piece = std::string_view::npos) {
+        while (!bytes.empty() && !hasEnded_) {
+            const auto place = frames_.prepare();
+            const std::size_t count = std::min({place.size(), bytes.size(), piece});
+            std::memcpy(place.data(), bytes.data(), count);
+            frames_.commit(count);
+            bytes.remove_prefix(count);
+            noteEvents();
+        }
+        return *this;
+    }
+
+    std::vector<std::string> events;
+
+private:
+    void noteEvents() {
+        for (;;) {
+            const FrameReader::Event event = frames_.next();
+            switch (event.kind) {
+            case FrameReader::Kind::incomplete:
+                return;
+            case FrameReader::Kind::message:
+                events.push_back("message " + std::string(event.bytes));
+                break;
+            case FrameReader::Kind::ping:
+                events.push_back("ping " + std::string(event.bytes));
+                break;
+            case FrameReader::Kind::close:
+                events.push_back("close " + std::to_string(event.code) + " " + std::string(event.bytes));
+                hasEnded_ = true;
+                break;
+            case FrameReader::Kind::failure:
+                events.push_back("failure " + std::to_string(event.code));
+                hasEnded_ = true;
+                break;
+            }
+        }
+    }
+
+    FrameReader frames_;
+    bool hasEnded_ = false;
+};
+
+std::string closeWith(int code, std::string_view reason = "") {
+    std::string payload{static_cast<char>(code >> 8), static_cast<char>(code)};
+    return frame(payload.append(reason), {.opcode = 8});
+}
+
+std::vector<std::string> eventsOf(std::string_view bytes) {
+    return Reading().take(bytes).events;
+}
+
+TEST(FrameReaderTest, EveryOpcode) {
+    const std::map<int, std::vector<std::string>> known{
+        {1, {"message ab"}}, {2, {"message ab"}}, {8, {"close 24930 "}}, {9, {"ping ab"}}, {10, {}}};
+    for (int opcode = 0; opcode < 16; ++opcode) {
+        const auto found = known.find(opcode);
+        const auto expected = found != known.end() ? found->second : std::vector<std::string>{"failure 1002"};
+        EXPECT_EQ(eventsOf(frame("ab", {.opcode = opcode})), expected) << opcode;
+    }
+}
+
+TEST(FrameReaderTest, EveryLengthAtWhichTheHeaderChangesInPiecesOfAnySize) {
+    for (const std::size_t length : {0u, 1u, 125u, 126u, 127u, 65535u, 65536u, 200'000u}) {
+        std::string text(length, ' ');
+        for (std::size_t index = 0; index < length; ++index) {
+            text[index] = static_cast<char>('a' + index % 26);
+        }
+        for (const std::size_t piece : {std::size_t{1}, std::size_t{7}, std::size_t{4096}, std::string::npos}) {
+            const auto events = Reading().take(frame(text) + frame("next"), piece).events;
+            ASSERT_EQ(events.size(), 2u) << length << " in pieces of " << piece;
+            EXPECT_TRUE(events[0] == "message " + text) << length << " in pieces of " << piece;
+            EXPECT_EQ(events[1], "message next");
+        }
+    }
+}
+
+TEST(FrameReaderTest, TheSameBytesSplitAtEveryPlaceGiveTheSameEvents) {
+    const std::string bytes = frame("caf\xC3\xA9") + frame("one ", {.isFinal = false}) +
+                              frame("ping", {.opcode = 9}) + frame("", {.opcode = 0, .isFinal = false}) +
+                              frame("two \xF0\x9F", {.opcode = 0, .isFinal = false}) +
+                              frame("", {.opcode = 10}) + frame("\x98\x80", {.opcode = 0}) +
+                              frame(std::string(300, 'l'), {.opcode = 2}) + closeWith(1000, "bye");
+    const auto whole = eventsOf(bytes);
+    EXPECT_THAT(whole, ElementsAre("message caf\xC3\xA9", "ping ping", "message one two \xF0\x9F\x98\x80",
+                                   "message " + std::string(300, 'l'), "close 1000 bye"));
+    for (std::size_t split = 1; split < bytes.size(); ++split) {
+        Reading reading;
+        reading.take(std::string_view(bytes).substr(0, split)).take(std::string_view(bytes).substr(split));
+        EXPECT_EQ(reading.events, whole) << "split at " << split;
+    }
+    for (std::size_t piece = 1; piece < 20; ++piece) {
+        EXPECT_EQ(Reading().take(bytes, piece).events, whole) << "pieces of " << piece;
+    }
+}
+
+TEST(FrameReaderTest, EveryReservedBitOnEveryKindOfFrame) {
+    for (int bits = 1; bits < 8; ++bits) {
+        for (const int opcode : {1, 2, 8, 9, 10}) {
+            EXPECT_THAT(eventsOf(frame("ab", {.opcode = opcode, .reservedBits = bits})),
+                        ElementsAre("failure 1002"));
+        }
+        EXPECT_THAT(eventsOf(frame("a", {.isFinal = false}) + frame("b", {.opcode = 0, .reservedBits = bits})),
+                    ElementsAre("failure 1002"));
+    }
+}
+
+TEST(FrameReaderTest, FramesWithoutAMask) {
+    for (const int opcode : {1, 2, 8, 9, 10}) {
+        EXPECT_THAT(eventsOf(frame("ab", {.opcode = opcode, .isMasked = false})), ElementsAre("failure 1002"));
+    }
+}
+
+TEST(FrameReaderTest, ControlFramesThatAreTooLongOrInFragments) {
+    for (const int opcode : {8, 9, 10}) {
+        EXPECT_THAT(eventsOf(frame(std::string(126, 'x'), {.opcode = opcode})), ElementsAre("failure 1002"));
+        EXPECT_THAT(eventsOf(frame("", {.opcode = opcode, .isFinal = false})), ElementsAre("failure 1002"));
+    }
+    EXPECT_THAT(eventsOf(frame(std::string(125, 'x'), {.opcode = 9})),
+                ElementsAre("ping " + std::string(125, 'x')));
+}
+
+TEST(FrameReaderTest, FragmentsOutOfOrder) {
+    EXPECT_THAT(eventsOf(frame("x", {.opcode = 0})), ElementsAre("failure 1002"));
+    for (const int opcode : {1, 2}) {
+        EXPECT_THAT(eventsOf(frame("x", {.isFinal = false}) + frame("y", {.opcode = opcode})),
+                    ElementsAre("failure 1002"));
+    }
+    EXPECT_THAT(eventsOf(frame("x") + frame("y", {.opcode = 0})), ElementsAre("message x", "failure 1002"));
+}
+
+TEST(FrameReaderTest, ALengthInMoreBytesThanItNeeds) {
+    EXPECT_THAT(eventsOf(frame(std::string(125, 'x'), {.lengthBytes = 2})), ElementsAre("failure 1002"));
+    EXPECT_THAT(eventsOf(frame(std::string(65535, 'x'), {.lengthBytes = 8})), ElementsAre("failure 1002"));
+}
+
+TEST(FrameReaderTest, InvalidTextAtEveryPositionWithAnyPiece) {
+    const std::vector<std::string> bad{
+        "\xFF"s,         "\x80"s,         "\xC0\xAF"s,         "\xC1\xBF"s,
+        "\xE0\x80\x80"s, "\xED\xA0\x80"s, "\xF0\x80\x80\x80"s, "\xF4\x90\x80\x80"s,
+        "\xF5\x80"s,     "\xE2\x28"s};
+    for (const std::string& wrong : bad) {
+        for (std::size_t before = 0; before < 20; ++before) {
+            const std::string text = std::string(before, 'a') + wrong + "rest";
+            for (const std::size_t piece : {std::size_t{1}, std::size_t{3}, std::string::npos}) {
+                EXPECT_THAT(Reading().take(frame(text), piece).events, ElementsAre("failure 1007"))
+                    << testing::PrintToString(text) << " in pieces of " << piece;
+            }
+        }
+    }
+}
+
+TEST(FrameReaderTest, ValidTextOfEveryLengthOfCharacterWithAnyPiece) {
+    const std::string text = "a\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF"
+                             "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF";
+    for (std::size_t piece = 1; piece < 12; ++piece) {
+        EXPECT_THAT(Reading().take(frame(text), piece).events, ElementsAre("message " + text));
+    }
+    // Every character lies once across the edge at which the text is checked.
+    for (std::size_t before = 16'360; before < 16'390; ++before) {
+        const std::string all = std::string(before, 'a') + text;
+        EXPECT_TRUE(Reading().take(frame(all)).events == std::vector<std::string>{"message " + all}) << before;
+    }
+}
+
+TEST(FrameReaderTest, ATextThatBreaksOffInsideACharacter) {
+    for (const std::string& open : {"\xC3"s, "\xE2\x82"s, "\xF0\x9F\x98"s}) {
+        EXPECT_THAT(eventsOf(frame("abc" + open)), ElementsAre("failure 1007"));
+        EXPECT_THAT(eventsOf(frame(open, {.isFinal = false}) + frame("", {.opcode = 0})),
+                    ElementsAre("failure 1007"));
+        EXPECT_THAT(eventsOf(frame("abc" + open, {.opcode = 2})), ElementsAre("message abc" + open));
+    }
+}
+
+TEST(FrameReaderTest, InvalidTextIsNoticedBeforeTheMessageIsWhole) {
+    EXPECT_THAT(eventsOf(frame("a\xED\xA0", {.isFinal = false})), ElementsAre("failure 1007"));
+    EXPECT_THAT(eventsOf(frame("a\xF4\x90", {.claimedLength = 1000})), ElementsAre("failure 1007"));
+}
+
+TEST(FrameReaderTest, MessagesAtAndBeyondTheBound) {
+    const auto events = [](const std::string& bytes) { return Reading(1000).take(bytes).events; };
+    const std::string most(1000, 'm');
+    EXPECT_THAT(events(frame(most)), ElementsAre("message " + most));
+    EXPECT_THAT(events(frame(most + "m")), ElementsAre("failure 1009"));
+    EXPECT_THAT(events(frame(most, {.isFinal = false}) + frame("", {.opcode = 0})),
+                ElementsAre("message " + most));
+    EXPECT_THAT(events(frame(most, {.isFinal = false}) + frame("m", {.opcode = 0})),
+                ElementsAre("failure 1009"));
+    for (const std::uint64_t claimed : {std::uint64_t{1} << 62, std::uint64_t{1} << 63, ~std::uint64_t{0}}) {
+        EXPECT_THAT(events(frame("x", {.claimedLength = claimed})), ElementsAre("failure 1009"));
+    }
+}
+
+TEST(FrameReaderTest, CloseCodes) {
+    for (const int code : {1000, 1001, 1003, 1007, 1011, 1012, 1013, 3000, 4999, 65535}) {
+        EXPECT_THAT(eventsOf(closeWith(code, "why")), ElementsAre("close " + std::to_string(code) + " why"));
+    }
+    for (const int code : {0, 999, 1004, 1005, 1006, 1014, 1015, 1016, 2999}) {
+        EXPECT_THAT(eventsOf(closeWith(code)), ElementsAre("failure 1002")) << code;
+    }
+    EXPECT_THAT(eventsOf(frame("", {.opcode = 8})), ElementsAre("close 0 "));
+    EXPECT_THAT(eventsOf(frame("x", {.opcode = 8})), ElementsAre("failure 1002"));
+    EXPECT_THAT(eventsOf(closeWith(1000, "\xFF")), ElementsAre("failure 1002"));
+}
+
+TEST(FrameReaderTest, NothingIsReadAfterACloseOrAFailure) {
+    EXPECT_THAT(eventsOf(closeWith(1000) + frame("late")), ElementsAre("close 1000 "));
+    EXPECT_THAT(eventsOf(frame("x", {.opcode = 3}) + frame("late")), ElementsAre("failure 1002"));
+}
+
+TEST(FrameReaderTest, AMessageOfManyTinyFragmentsTakesNoMoreMemoryThanItsBytes) {
+    // The headers alone are seven times as long as the message may be.
+    std::string bytes = frame("a", {.isFinal = false});
+    for (int index = 0; index < 100'000; ++index) {
+        bytes += frame("a", {.opcode = 0, .isFinal = false});
+    }
+    bytes += frame("z", {.opcode = 0});
+    const auto events = Reading(100'002).take(bytes).events;
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_TRUE(events[0] == "message " + std::string(100'001, 'a') + "z");
+}
+
+TEST(FrameReaderTest, BytesAfterAMessageMayBeRead) {
+    FrameReader frames(bound);
+    for (const std::size_t length : {1u, 125u, 65'523u, 70'000u, 1'000'000u}) {
+        const std::string bytes = frame(std::string(length, 'm'));
+        std::size_t written = 0;
+        FrameReader::Event event;
+        while (written < bytes.size()) {
+            const auto place = frames.prepare();
+            const std::size_t count = std::min(place.size(), bytes.size() - written);
+            std::memcpy(place.data(), bytes.data() + written, count);
+            frames.commit(count);
+            written += count;
+            event = frames.next();
+        }
+        ASSERT_EQ(event.kind, FrameReader::Kind::message);
+        // The address sanitizer notices what is out of bounds.
+        std::string after(ReceiveBuffer::readableAfter, ' ');
+        std::memcpy(after.data(), event.bytes.data() + event.bytes.size(), after.size());
+        EXPECT_EQ(event.bytes.size(), length);
+    }
+}
+
+} // namespace
+} // namespace velloway::test

@@ -1,0 +1,162 @@
+// In which order the server does what it does, and what outlives a connection.
+
+#include "fakes/ServerHarness.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace velloway::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::SizeIs;
+using namespace std::chrono_literals;
+
+const NetworkError goodbye{.localizedDescription = "Closed", .description = "1 Closed", .isGoodbye = true};
+
+class ServerOrderTest : public testing::Test, protected ServerHarness {
+protected:
+    std::vector<std::string> bannerTitles() const {
+        std::vector<std::string> titles;
+        for (const auto& request : on.notificationCenter.requests) {
+            titles.push_back(request.content.title);
+        }
+        return titles;
+    }
+};
+
+TEST_F(ServerOrderTest, AConnectionThatIsNoLongerListedStillClearsTheFactsWhenItEnds) {
+    listen();
+    auto phone = connect();
+    store->connectedWifiName.set("Home");
+    store->connectedDeviceName.set("Phone");
+    server->stop();
+    on.drain();
+    EXPECT_EQ(store->connectedWifiName.get(), "Home");
+    phone->report(ConnectionState::cancelled);
+    on.drain();
+    EXPECT_EQ(store->connectedRemoteIP.get(), std::nullopt);
+    EXPECT_EQ(store->connectedWifiName.get(), std::nullopt);
+    EXPECT_EQ(store->connectedDeviceName.get(), std::nullopt);
+}
+
+TEST_F(ServerOrderTest, TheNextMessageIsAskedForOnlyOnceThisOneIsHandled) {
+    listen();
+    auto phone = connect();
+    on.log.take();
+    std::vector<int> armedAtLine;
+    on.log.onLine = [&](const std::string&) { armedAtLine.push_back(phone->receivesArmed); };
+    phone->deliver(R"({"action":"call_update"})");
+    on.log.onLine = nullptr;
+    EXPECT_THAT(armedAtLine, ElementsAre(1, 1));
+    EXPECT_EQ(phone->receivesArmed, 2);
+}
+
+TEST_F(ServerOrderTest, AMessageIsLoggedBeforeItIsHandled) {
+    listen();
+    auto phone = connect();
+    on.log.take();
+    phone->deliver(R"({"action":"call_update"})");
+    EXPECT_THAT(on.log.take(),
+                ElementsAre("[WebSocketServer] Received complete message of 24 bytes from 192.168.1.20:50000",
+                            "[WebSocketServer] Call Event: call_update"));
+}
+
+TEST_F(ServerOrderTest, TheFirstMessageIsAskedForBeforeTheWelcomeLeaves) {
+    listen();
+    auto phone = connectUnready();
+    int armedAtWelcome = 0;
+    phone->onSend = [&] { armedAtWelcome = phone->receivesArmed; };
+    phone->report(ConnectionState::ready);
+    phone->onSend = nullptr;
+    EXPECT_EQ(armedAtWelcome, 1);
+}
+
+TEST_F(ServerOrderTest, AFailedListenerIsCancelledByTheRetry) {
+    server->start();
+    on.network.listener().report(ListenerState::failed, goodbye);
+    on.main.advance(5s);
+    ASSERT_THAT(on.network.listeners, SizeIs(2));
+    EXPECT_TRUE(on.network.listeners[0]->isCancelled);
+    EXPECT_FALSE(on.network.listeners[1]->isCancelled);
+}
+
+TEST_F(ServerOrderTest, ASecondPhoneOfTheSameHostStandsBesideTheFirst) {
+    listen();
+    auto first = connect("10.0.0.1");
+    auto second = connect("10.0.0.1");
+    EXPECT_FALSE(first->isCancelled);
+    server->findDevice();
+    on.drain();
+    EXPECT_THAT(first->sent, SizeIs(1));
+    EXPECT_THAT(second->sent, SizeIs(1));
+    first->report(ConnectionState::cancelled);
+    on.drain();
+    EXPECT_EQ(store->connectedRemoteIP.get(), "10.0.0.1");
+}
+
+TEST_F(ServerOrderTest, AFileGoesOnOverARestartAndAnotherConnection) {
+    on.host.downloads = "/home/me";
+    listen();
+    auto phone = connect();
+    receive(*phone, R"({"action":"file_transfer_start","fileName":"a","fileSize":6})");
+    receive(*phone, R"({"action":"file_chunk","fileName":"a","fileData":"YWJj"})");
+    server->stop();
+    phone->report(ConnectionState::cancelled);
+    on.drain();
+    listen();
+    auto again = connect();
+    receive(*again, R"({"action":"file_chunk","fileName":"a","fileData":"ZGVm","isLast":true})");
+    EXPECT_EQ(on.files.content("/home/me/a"), "abcdef");
+    EXPECT_TRUE(store->fileTransfers.get().front().isCompleted);
+}
+
+TEST_F(ServerOrderTest, TheStepOfTheBatteryOutlivesTheLastConnection) {
+    listen();
+    auto phone = connect();
+    receive(*phone, R"({"action":"battery_status","level":18})");
+    phone->report(ConnectionState::cancelled);
+    on.drain();
+    auto again = connect();
+    receive(*again, R"({"action":"battery_status","level":18})");
+    ASSERT_THAT(bannerTitles(), SizeIs(2));
+    EXPECT_TRUE(bannerTitles()[0].starts_with("🔋"));
+    EXPECT_TRUE(bannerTitles()[1].starts_with("🟡")) << "the next step down";
+}
+
+TEST_F(ServerOrderTest, AGoodByeIsNotCalledAFailure) {
+    listen();
+    auto phone = connect();
+    on.log.take();
+    phone->report(ConnectionState::failed, goodbye);
+    EXPECT_EQ(on.log.lines().front(),
+              "[WebSocketServer] Connection 192.168.1.20:50000 state changed to closed(1 Closed)");
+}
+
+TEST_F(ServerOrderTest, AChangeOfTheClipboardHereSendsNothingByItself) {
+    listen();
+    auto phone = connect();
+    on.pasteboard.content = "one";
+    server->sendClipboard(*textToSend(on.pasteboard));
+    on.drain();
+    on.pasteboard.content = "two";
+    on.drain();
+    on.main.advance(60s);
+    ASSERT_THAT(phone->sent, SizeIs(1));
+    EXPECT_EQ(phone->sent[0].text, R"({"action":"clipboard","text":"one"})");
+}
+
+TEST_F(ServerOrderTest, TextFromThePhoneIsNotSentBackToIt) {
+    listen();
+    auto phone = connect();
+    receive(*phone, R"({"action":"clipboard","text":"one"})");
+    EXPECT_EQ(on.pasteboard.content, "one");
+    EXPECT_THAT(phone->sent, SizeIs(0));
+}
+
+} // namespace
+} // namespace velloway::test
