@@ -2,10 +2,12 @@
 #include "hosts/linux/desktop/LinuxDesktop.h"
 #include "hosts/linux/desktop/LinuxScripts.h"
 #include "hosts/linux/input/LinuxInput.h"
+#include "hosts/linux/input/PermissionWorkspace.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 #include "hosts/linux/windows/QtWindows.h"
+#include "hosts/linux/windows/SessionPlatform.h"
 #include "hosts/linux/windows/ViewsLibrary.h"
 #include "hosts/posix/PosixFiles.h"
 #include "remote/SystemScripts.h"
@@ -45,9 +47,16 @@ struct LinuxPorts : LinuxDesktop {
     using LinuxDesktop::LinuxDesktop;
 
     LinuxUserNotificationCenter notificationCenter{mainQueue};
-    std::unique_ptr<LinuxInput> input = makeLinuxInput();
+    std::unique_ptr<LinuxInput> input = makeLinuxInput({
+        .settings = LinuxUserDefaults::defaultFile(),
+        .warn =
+            [this](std::string_view warning) {
+                log.line({"[Input] ", warning});
+            },
+    });
     InputEvents& inputEvents = *input;
     Accessibility& accessibility = *input;
+    PermissionWorkspace workspace{LinuxDesktop::workspace, *input};
     LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
     PosixFiles files;
     QtWindows windows{[this] { return loadViewsLibrary(log); }};
@@ -68,7 +77,7 @@ struct LinuxPorts : LinuxDesktop {
 
 class LinuxHostRuntime : public HostRuntime {
 public:
-    LinuxHostRuntime(int& argc, char** argv) : ports_(argc, argv) {}
+    LinuxHostRuntime(int& argc, char** argv) : ports_(argc, argv) { platform_.withdraw(); }
 
     SingleInstance::Outcome claimSession() { return ports_.claimSession(); }
 
@@ -86,6 +95,7 @@ public:
     void terminate() override { ports_.terminate(); }
 
 private:
+    SessionPlatform platform_;
     LinuxPorts ports_;
 };
 

@@ -4,6 +4,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
+#include <QThread>
 
 #include <utility>
 
@@ -24,11 +25,13 @@ QVariantMap mapIn(const QVariant& value) {
 } // namespace
 
 FakePortal::FakePortal() : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, "fake-portal")) {
+    workers_.setMaxThreadCount(4);
     bus_.registerVirtualObject(desktop, this, QDBusConnection::SubPath);
     bus_.registerService(service);
 }
 
 FakePortal::~FakePortal() {
+    workers_.waitForDone();
     leaveTheBus();
 }
 
@@ -46,7 +49,7 @@ bool FakePortal::handleMessage(const QDBusMessage& message, const QDBusConnectio
     const QString method = message.member();
     const QVariantList arguments = message.arguments();
     if (method.startsWith("Notify")) {
-        noteInput(message);
+        handleInput(message);
         return true;
     }
     calls.append(method);
@@ -113,6 +116,17 @@ void FakePortal::closeSession() {
         QDBusMessage::createTargetedSignal(client_, session_, "org.freedesktop.portal.Session", "Closed");
     signal.setArguments({QVariantMap()});
     bus_.send(signal);
+}
+
+void FakePortal::handleInput(const QDBusMessage& message) {
+    const int time = inputCount_++ % 2 == 0 ? 10 : 0;
+    workers_.start([this, message, time] {
+        QThread::msleep(static_cast<unsigned long>(time));
+        QMetaObject::invokeMethod(this, [this, message] {
+            noteInput(message);
+            bus_.send(message.createReply());
+        });
+    });
 }
 
 void FakePortal::noteInput(const QDBusMessage& message) {

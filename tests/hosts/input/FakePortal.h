@@ -5,6 +5,7 @@
 #include <QDBusVirtualObject>
 #include <QString>
 #include <QStringList>
+#include <QThreadPool>
 #include <QVariantMap>
 
 #include <functional>
@@ -13,7 +14,8 @@
 
 namespace velloway::test {
 
-/// A desktop portal that offers remote-desktop sessions, with a user who does what the test says.
+/// A desktop portal that offers remote-desktop sessions, with a user who does what the test says. It handles
+/// input on several threads that take unequal time, so that calls under way together overtake one another.
 class FakePortal : public QDBusVirtualObject {
 public:
     FakePortal();
@@ -49,6 +51,7 @@ private:
 
     Request acknowledge(const QDBusMessage& message, const QVariantMap& options);
     void respond(const Request& request, unsigned code, const QVariantMap& results);
+    void handleInput(const QDBusMessage& message);
     void noteInput(const QDBusMessage& message);
 
     QDBusConnection bus_;
@@ -57,6 +60,8 @@ private:
     QString session_;
     std::optional<Request> question_;
     std::vector<std::function<void()>> held_;
+    int inputCount_ = 0;
+    QThreadPool workers_;
 };
 
 } // namespace velloway::test

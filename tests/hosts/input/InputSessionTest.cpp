@@ -1,6 +1,9 @@
 #include "hosts/linux/input/LinuxInput.h"
+#include "hosts/linux/windows/SessionPlatform.h"
 
 #include <gtest/gtest.h>
+
+#include <QByteArray>
 
 #include <cstdlib>
 #include <map>
@@ -71,6 +74,33 @@ TEST(InputSession, OnWaylandIsNotTrustedThoughAnXServerIsThere) {
     const SessionVariables variables(
         Variables{{"XDG_SESSION_TYPE", "wayland"}, {"DISPLAY", std::getenv("DISPLAY")}});
     EXPECT_FALSE(makeLinuxInput()->isTrusted());
+}
+
+TEST(SessionPlatform, PrefersTheXServerOfAWaylandSessionUnlessTheUserChooses) {
+    const std::string here = std::getenv("DISPLAY");
+    const std::string dead = ":9999";
+    struct {
+        Variables variables;
+        const char* chosen;
+        const char* expected;
+    } const cases[] = {
+        {{{"WAYLAND_DISPLAY", "wayland-0"}, {"DISPLAY", here}}, "", "xcb;wayland"},
+        {{{"XDG_SESSION_TYPE", "wayland"}, {"DISPLAY", here}}, "", "xcb;wayland"},
+        {{{"WAYLAND_DISPLAY", "wayland-0"}, {"DISPLAY", here}}, "wayland", "wayland"},
+        {{{"WAYLAND_DISPLAY", "wayland-0"}, {"DISPLAY", dead}}, "", ""},
+        {{{"WAYLAND_DISPLAY", "wayland-0"}}, "", ""},
+        {{{"XDG_SESSION_TYPE", "x11"}, {"DISPLAY", here}}, "", ""},
+    };
+    const QByteArray before = qgetenv("QT_QPA_PLATFORM");
+    for (const auto& each : cases) {
+        const SessionVariables variables(each.variables);
+        qputenv("QT_QPA_PLATFORM", each.chosen);
+        SessionPlatform platform;
+        EXPECT_EQ(qgetenv("QT_QPA_PLATFORM").toStdString(), each.expected);
+        platform.withdraw();
+        EXPECT_EQ(qgetenv("QT_QPA_PLATFORM").toStdString(), each.chosen);
+    }
+    qputenv("QT_QPA_PLATFORM", before);
 }
 
 /// Every operation, none of which may do any harm.

@@ -2,11 +2,14 @@
 
 #include "FakePortal.h"
 #include "desktop/WaitFor.h"
+#include "hosts/linux/input/PermissionWorkspace.h"
 
 #include <gtest/gtest.h>
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QSettings>
+#include <QTemporaryDir>
 
 #include <thread>
 
@@ -55,7 +58,7 @@ TEST_F(Portal, TrustComesOnceTheUserHasAgreed) {
     portal_.answer(0);
     EXPECT_TRUE(becomesTrusted(true));
     EXPECT_EQ(portal_.selectOptions.value("types").toUInt(), 3U);
-    EXPECT_EQ(portal_.selectOptions.value("persist_mode").toUInt(), 1U);
+    EXPECT_EQ(portal_.selectOptions.value("persist_mode").toUInt(), 2U);
     EXPECT_FALSE(portal_.selectOptions.contains("restore_token"));
 }
 
@@ -158,6 +161,84 @@ TEST_F(Portal, KeysFromAnotherThreadKeepTheirOrderAndTheirModifiers) {
     expectInput({"KeyboardKeysym 65515 1", "KeyboardKeysym 65505 1", "KeyboardKeysym 65361 1",
                  "KeyboardKeysym 65361 0", "KeyboardKeysym 65505 0", "KeyboardKeysym 65515 0",
                  "KeyboardKeysym 269025044 1", "KeyboardKeysym 269025044 0"});
+}
+
+TEST_F(Portal, InputKeepsItsOrderThoughThePortalHandlesCallsSideBySide) {
+    ASSERT_TRUE(opensSession());
+    input_.typeText("abcdefgh");
+    input_.click(MouseButton::left);
+    QStringList expected;
+    for (int character = 'a'; character <= 'h'; ++character) {
+        expected +=
+            {QString("KeyboardKeysym %1 1").arg(character), QString("KeyboardKeysym %1 0").arg(character)};
+    }
+    expectInput(expected + QStringList{"PointerButton 272 1", "PointerButton 272 0"});
+}
+
+TEST_F(Portal, InputThatWaitsForItsTurnIsDroppedWhenTheSessionEnds) {
+    ASSERT_TRUE(opensSession());
+    input_.typeText(std::string(100, 'x'));
+    ASSERT_TRUE(waitFor([this] { return !portal_.input.isEmpty(); }));
+    portal_.closeSession();
+    ASSERT_TRUE(becomesTrusted(false));
+    ASSERT_TRUE(opensSession());
+    const auto typed = portal_.input.count("KeyboardKeysym 120 1");
+    EXPECT_LT(typed, 100);
+    input_.click(MouseButton::left);
+    ASSERT_TRUE(waitFor([this] { return portal_.input.contains("PointerButton 272 0"); }));
+    EXPECT_EQ(portal_.input.count("KeyboardKeysym 120 1"), typed);
+}
+
+/// Notes which settings were opened.
+class NotingWorkspace : public Workspace {
+public:
+    void open(std::string_view) override {}
+    void openSettings(SettingsPane pane) override { opened.push_back(pane); }
+    void activateFileViewerSelecting(const std::filesystem::path&) override {}
+
+    std::vector<SettingsPane> opened;
+};
+
+TEST_F(Portal, SettingsAskAgainAfterARefusalAndAfterTheSessionWasClosed) {
+    NotingWorkspace settings;
+    PermissionWorkspace workspace(settings, input_);
+    ASSERT_TRUE(asks());
+    portal_.answer(1);
+    ASSERT_TRUE(waitFor([this] { return portal_.calls.contains("Close"); }));
+    for (int time = 0; time < 2; ++time) {
+        workspace.openSettings(SettingsPane::accessibility);
+        ASSERT_TRUE(waitFor([this] { return portal_.isAsking(); }));
+        portal_.answer(0);
+        ASSERT_TRUE(becomesTrusted(true));
+        portal_.closeSession();
+        ASSERT_TRUE(becomesTrusted(false));
+    }
+    EXPECT_TRUE(settings.opened.empty());
+    workspace.openSettings(SettingsPane::notifications);
+    portal_.leaveTheBus();
+    workspace.openSettings(SettingsPane::accessibility);
+    EXPECT_EQ(settings.opened, std::vector({SettingsPane::notifications, SettingsPane::accessibility}));
+}
+
+TEST(PortalPermission, IsRememberedAndHandedInAtTheNextStart) {
+    const QTemporaryDir folder;
+    const InputNeeds needs{.settings = folder.filePath("velloway.conf").toStdString()};
+    QSettings(folder.filePath("velloway.conf"), QSettings::IniFormat).setValue("port", 9999);
+    FakePortal portal;
+    const auto opens = [&](PortalInput& input) {
+        input.isTrustedWithPrompt();
+        ASSERT_TRUE(waitFor([&] { return portal.isAsking(); }));
+        portal.answer(0);
+        ASSERT_TRUE(waitFor([&] { return input.isTrusted(); }));
+    };
+    for (const char* expected : {"", "token1", "token2"}) {
+        PortalInput input(needs);
+        opens(input);
+        EXPECT_EQ(portal.selectOptions.value("restore_token").toString().toStdString(), expected);
+    }
+    QSettings settings(folder.filePath("velloway.conf"), QSettings::IniFormat);
+    EXPECT_EQ(settings.value("inputPermission").toString().toStdString(), "token3");
+    EXPECT_EQ(settings.value("port").toInt(), 9999);
 }
 
 TEST_F(Portal, TextIsTypedByUnicodeKeysyms) {

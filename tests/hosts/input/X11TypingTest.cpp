@@ -8,11 +8,13 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonValue>
+#include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QWindow>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -172,6 +174,38 @@ TEST_F(X11Typing, TypesMoreCharactersThanThereAreUnusedKeys) {
     EXPECT_TRUE(editor.receives(text + text)) << editor.text().toStdString();
 }
 
+/// Costs next to nothing for each key, unlike an editor.
+class KeyCollector : public QWidget {
+public:
+    QString text;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override { text += event->text(); }
+};
+
+TEST_F(X11Typing, TakesAtMostTwoMillisecondsForEachNewCharacter) {
+    KeyCollector collector;
+    collector.show();
+    ASSERT_TRUE(waitFor([&] { return server_.focus(static_cast<xcb_window_t>(collector.winId())); }));
+    constexpr int count = 1500;
+    double best = 1000;
+    // Other work on the machine may slow some of the tries down.
+    for (char16_t first = 0x4E00; first < 0x4E00 + 4 * count && best > 2; first += count) {
+        collector.text.clear();
+        QString text;
+        for (char16_t offset = 0; offset < count; ++offset) {
+            text += QChar(char16_t(first + offset));
+        }
+        const auto start = std::chrono::steady_clock::now();
+        type(text);
+        ASSERT_TRUE(waitFor([&] { return collector.text.size() >= count; }, 60s));
+        const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - start;
+        EXPECT_EQ(collector.text.toStdString(), text.toStdString());
+        best = std::min(best, taken.count() / count);
+    }
+    EXPECT_LE(best, 2);
+}
+
 TEST_F(X11Typing, WaitsForAProgramThatIsTooBusyToReadItsKeys) {
     QtEditor editor;
     ASSERT_TRUE(editor.isReady());
@@ -226,6 +260,19 @@ TEST_F(X11Typing, KeepsTheCaseWhileCapsLockIsOn) {
     EXPECT_TRUE(editor.receives("aBc ж Ж")) << editor.text().toStdString();
     EXPECT_TRUE(waitFor([&] { return server_.isCapsLocked(); }));
     server_.setCapsLocked(false);
+}
+
+TEST_F(X11Typing, ArrivesAsTextWhileTheUserHoldsModifiers) {
+    QtEditor editor;
+    ASSERT_TRUE(editor.isReady());
+    for (const char* modifier : {"Control_L", "Alt_L", "Super_L", "Shift_L"}) {
+        editor.clear();
+        ASSERT_EQ(QProcess::execute("xdotool", {"keydown", modifier}), 0);
+        type("aB1ж");
+        EXPECT_TRUE(editor.receives("aB1ж")) << modifier << ": " << editor.text().toStdString();
+        ASSERT_EQ(QProcess::execute("xdotool", {"keyup", modifier}), 0);
+    }
+    EXPECT_FALSE(server_.isAnyKeyDown());
 }
 
 TEST_F(X11Typing, TypesInTheOrderOfTheCalls) {

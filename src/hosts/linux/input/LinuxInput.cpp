@@ -1,6 +1,7 @@
 #include "hosts/linux/input/LinuxInput.h"
 
 #include "hosts/linux/input/PortalInput.h"
+#include "hosts/linux/input/VirtualDevices.h"
 #include "hosts/linux/input/X11Input.h"
 
 #include <cstdlib>
@@ -41,12 +42,15 @@ InputSession currentInputSession() {
     return environment("DISPLAY").empty() ? InputSession::none : InputSession::x11;
 }
 
-std::unique_ptr<LinuxInput> makeLinuxInput() {
+std::unique_ptr<LinuxInput> makeLinuxInput(const InputNeeds& needs) {
     switch (currentInputSession()) {
     case InputSession::x11:
         return std::make_unique<X11Input>();
     case InputSession::wayland:
-        return std::make_unique<PortalInput>();
+        if (auto devices = VirtualDevices::connect()) {
+            return devices;
+        }
+        return std::make_unique<PortalInput>(needs);
     case InputSession::none:
         break;
     }

@@ -3,14 +3,21 @@
 #include "platform/Accessibility.h"
 #include "platform/InputEvents.h"
 
+#include <filesystem>
+#include <functional>
 #include <memory>
+#include <string_view>
 
 namespace velloway {
 
 /// Input into this desktop together with the permission for it, which one session of the desktop answers for.
 /// An X server with its test extension gives it to everybody, a Wayland desktop once the user has agreed. Input
 /// without it is dropped.
-class LinuxInput : public InputEvents, public Accessibility {};
+class LinuxInput : public InputEvents, public Accessibility {
+public:
+    /// Whether `isTrustedWithPrompt` would ask the user now. Main thread.
+    virtual bool canAsk() { return false; }
+};
 
 enum class InputSession { x11, wayland, none };
 
@@ -18,7 +25,15 @@ enum class InputSession { x11, wayland, none };
 /// input would reach only some windows; it counts as Wayland all the same.
 InputSession currentInputSession();
 
+/// What input needs from its host.
+struct InputNeeds {
+    /// The file that remembers what the user has permitted; without one, nothing is remembered.
+    std::filesystem::path settings = {};
+    /// Receives one line about input that this session does not take. Any thread.
+    std::function<void(std::string_view)> warn = [](std::string_view) {};
+};
+
 /// The input of this session. Main thread, after the QCoreApplication.
-std::unique_ptr<LinuxInput> makeLinuxInput();
+std::unique_ptr<LinuxInput> makeLinuxInput(const InputNeeds& needs = {});
 
 } // namespace velloway

@@ -2,10 +2,13 @@
 
 #include "hosts/linux/input/Keysyms.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
+#include <QFile>
+#include <QSettings>
 
 #include <algorithm>
 #include <utility>
@@ -22,15 +25,24 @@ const QString sessionInterface = QStringLiteral("org.freedesktop.portal.Session"
 
 constexpr std::uint32_t keyboardDevice = 1;
 constexpr std::uint32_t pointerDevice = 2;
-constexpr std::uint32_t whileRunning = 1;
+constexpr std::uint32_t untilRevoked = 2;
 
 // The kernel's numbers.
 constexpr int leftButton = 0x110;
 constexpr int rightButton = 0x111;
 
+const QString tokenKey = QStringLiteral("inputPermission");
+
+QString settingsFile(const InputNeeds& needs) {
+    return QFile::decodeName(needs.settings.c_str());
+}
+
 } // namespace
 
-PortalInput::PortalInput() : bus_(QDBusConnection::sessionBus()) {
+PortalInput::PortalInput(InputNeeds needs) : needs_(std::move(needs)), bus_(QDBusConnection::sessionBus()) {
+    if (!needs_.settings.empty()) {
+        restoreToken_ = QSettings(settingsFile(needs_), QSettings::IniFormat).value(tokenKey).toString();
+    }
     auto* watcher = new QDBusServiceWatcher(service, bus_, QDBusServiceWatcher::WatchForUnregistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, &PortalInput::sessionClosed);
 }
@@ -46,6 +58,10 @@ bool PortalInput::isTrustedWithPrompt() {
     return isReady_;
 }
 
+bool PortalInput::canAsk() {
+    return !isReady_ && bus_.interface() && bus_.interface()->isServiceRegistered(service);
+}
+
 void PortalInput::begin() {
     if (step_ == Step::none) {
         createSession();
@@ -59,7 +75,7 @@ void PortalInput::createSession() {
 
 void PortalInput::selectDevices() {
     step_ = Step::selectDevices;
-    QVariantMap options{{"types", keyboardDevice | pointerDevice}, {"persist_mode", whileRunning}};
+    QVariantMap options{{"types", keyboardDevice | pointerDevice}, {"persist_mode", untilRevoked}};
     if (!restoreToken_.isEmpty()) {
         options.insert("restore_token", restoreToken_);
     }
@@ -142,12 +158,26 @@ void PortalInput::advance(const QVariantMap& results) {
     case Step::start:
         step_ = Step::started;
         devices_ = results.value("devices").toUInt();
-        restoreToken_ = results.value("restore_token").toString();
+        setToken(results.value("restore_token").toString());
         isReady_ = devices_ != 0;
         break;
     case Step::none:
     case Step::started:
         break;
+    }
+}
+
+/// Each token is good for one session; the next one comes with it.
+void PortalInput::setToken(const QString& token) {
+    restoreToken_ = token;
+    if (needs_.settings.empty()) {
+        return;
+    }
+    QSettings settings(settingsFile(needs_), QSettings::IniFormat);
+    if (token.isEmpty()) {
+        settings.remove(tokenKey);
+    } else {
+        settings.setValue(tokenKey, token);
     }
 }
 
@@ -162,6 +192,7 @@ void PortalInput::sessionClosed() {
         bus_.disconnect(service, session_.path(), sessionInterface, "Closed", this, SLOT(sessionClosed()));
     }
     session_ = {};
+    waiting_.clear();
     devices_ = 0;
     isReady_ = false;
     step_ = Step::none;
@@ -228,7 +259,26 @@ void PortalInput::notify(const QString& method, const QVariantList& arguments) {
     QDBusMessage message = QDBusMessage::createMethodCall(service, desktopPath, remoteDesktop, method);
     const QVariantMap noOptions;
     message.setArguments(QVariantList{QVariant::fromValue(session_), noOptions} + arguments);
-    bus_.send(message);
+    waiting_.push_back(message);
+    sendNext();
+}
+
+void PortalInput::sendNext() {
+    if (isAwaitingAnswer_ || waiting_.empty()) {
+        return;
+    }
+    isAwaitingAnswer_ = true;
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(waiting_.front()), this);
+    waiting_.pop_front();
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
+        finished->deleteLater();
+        if (finished->isError()) {
+            needs_.warn("The desktop portal did not take a piece of input: " +
+                        finished->error().message().toStdString());
+        }
+        isAwaitingAnswer_ = false;
+        sendNext();
+    });
 }
 
 } // namespace velloway

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 /// For input methods and holders of key grabs, which learn of a new keymap beside the stream of key events.
 constexpr auto readingTime = 50ms;
-/// So long after the last key its meaning stands in any case.
+/// So long after the last key its meaning stands for programs that cannot be asked.
 constexpr auto catchUpTime = 400ms;
 /// So long a busy program is waited for before the keys that it has not read yet lose their meaning.
 constexpr auto busyProgramTimeout = 5s;
@@ -97,9 +97,15 @@ void X11Keyboard::run() {
 
 void X11Keyboard::giveBackOnceRead() {
     if (keymap_.isLending()) {
-        ping_.await(busyProgramTimeout, [this] { return !isEnding(); });
-        std::this_thread::sleep_until(lastTyped_ + catchUpTime);
+        awaitReading();
         keymap_.giveBack();
+    }
+}
+
+/// Until the program with the keyboard has read what was typed into it.
+void X11Keyboard::awaitReading() {
+    if (!ping_.await(busyProgramTimeout, [this] { return !isEnding(); })) {
+        std::this_thread::sleep_until(lastTyped_ + catchUpTime);
     }
 }
 
@@ -156,8 +162,12 @@ std::optional<X11KeyPress> X11Keyboard::find(std::uint32_t keysym) const {
     return isCharacter(keysym) ? keymap_.findCharacter(characterOf(keysym)) : keymap_.find(keysym);
 }
 
-/// Caps Lock is off meanwhile, as it would change what the keys mean.
+/// Caps Lock is off meanwhile, as it would change what the keys mean. Modifiers that the user holds are let go
+/// for the same reason, and not pressed again: were one released while the text is typed, it would stay down
+/// for ever.
 void X11Keyboard::sendInTurn(std::span<const std::uint32_t> keysyms) {
+    const std::vector<std::uint8_t> held = keymap_.heldModifiers();
+    std::for_each(held.begin(), held.end(), [this](std::uint8_t each) { fake(each, false); });
     const bool wasCapsLocked = keymap_.isCapsLocked();
     if (wasCapsLocked) {
         keymap_.setCapsLocked(false);
@@ -174,7 +184,8 @@ void X11Keyboard::sendWithLoans(std::span<const std::uint32_t> keysyms) {
     while (!keysyms.empty()) {
         auto missing = missingIn(keysyms);
         if (missing.size() > keymap_.available() && keymap_.isLending()) {
-            giveBackOnceRead();
+            awaitReading();
+            keymap_.recycle();
             missing = missingIn(keysyms);
         }
         if (!missing.empty() && !borrow(missing)) {

@@ -42,6 +42,7 @@ private:
     void post(Job job);
     void run();
     void giveBackOnceRead();
+    void awaitReading();
     bool isEnding();
 
     void sendTogether(std::span<const std::uint32_t> keysyms);

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 namespace velloway {
 
@@ -216,7 +217,7 @@ X11Keymap::Key X11Keymap::keyWith(std::uint32_t plain, std::uint32_t shifted) {
 }
 
 void X11Keymap::borrow(std::span<const std::uint32_t> keysyms) {
-    std::vector<std::uint8_t> keycodes;
+    std::vector<std::uint8_t> keycodes = std::exchange(recycled_, {});
     for (std::size_t taken = 0; taken < keysyms.size() && !unused_.empty(); taken += 2) {
         const std::uint8_t keycode = unused_.back();
         unused_.pop_back();
@@ -233,18 +234,21 @@ void X11Keymap::borrow(std::span<const std::uint32_t> keysyms) {
     write(keycodes);
 }
 
-void X11Keymap::giveBack() {
-    std::vector<std::uint8_t> keycodes;
+void X11Keymap::recycle() {
     for (const Loan& loan : loans_) {
         keys_[loan.keycode - firstKeycode_] = loan.original;
-        keycodes.push_back(loan.keycode);
+        recycled_.push_back(loan.keycode);
     }
     loans_.clear();
-    write(keycodes);
+    index();
+}
+
+void X11Keymap::giveBack() {
+    recycle();
+    write(std::exchange(recycled_, {}));
     writeNote();
     // Whoever looks at the keymap next, over whatever connection, finds it as it was.
     connection_.sync();
-    index();
 }
 
 /// Sends the range from the first to the last of these keys in one request, so that every client reads the
@@ -272,6 +276,20 @@ void X11Keymap::write(std::span<const std::uint8_t> keycodes) {
                     static_cast<std::uint16_t>(keysymCount), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
                     values.data());
     connection_.flush();
+}
+
+std::vector<std::uint8_t> X11Keymap::heldModifiers() const {
+    constexpr unsigned locks = XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2;
+    const X11Reply<xcb_query_keymap_reply_t> down(
+        xcb_query_keymap_reply(connection_.get(), xcb_query_keymap(connection_.get()), nullptr));
+    std::vector<std::uint8_t> held;
+    for (std::size_t place = 0; down && place < modifierMap_.size(); ++place) {
+        const auto keycode = static_cast<std::uint8_t>(firstKeycode_ + place);
+        if ((modifierMap_[place] & ~locks) != 0 && (down->keys[keycode / 8] >> (keycode % 8) & 1) != 0) {
+            held.push_back(keycode);
+        }
+    }
+    return held;
 }
 
 void X11Keymap::setCapsLocked(bool isLocked) {

@@ -45,7 +45,12 @@ public:
     /// Puts the keysyms on unused keys, all in one change; there must be enough of them available.
     void borrow(std::span<const std::uint32_t> keysyms);
     void giveBack();
+    /// Makes the keys on loan available for the next `borrow`, which must follow. The change is one then, and
+    /// not two, which counts: every program reads the whole keymap after each.
+    void recycle();
 
+    /// The keys that are down and change what others mean.
+    std::vector<std::uint8_t> heldModifiers() const;
     bool isCapsLocked() const { return isCapsLocked_; }
     void setCapsLocked(bool isLocked);
 
@@ -91,6 +96,8 @@ private:
     std::unordered_map<std::uint32_t, X11KeyPress> byKeysym_;
     std::unordered_map<char32_t, X11KeyPress> byCharacter_;
     std::vector<Loan> loans_;
+    /// Changed since the last write.
+    std::vector<std::uint8_t> recycled_;
 };
 
 } // namespace velloway

@@ -21,20 +21,22 @@ X11Ping::X11Ping(X11Connection& connection) : connection_(connection) {
     }
 }
 
-void X11Ping::await(std::chrono::milliseconds timeout, const std::function<bool()>& isWorthWaiting) {
+bool X11Ping::await(std::chrono::milliseconds timeout, const std::function<bool()>& isWorthWaiting) {
     const auto end = Clock::now() + timeout;
     const xcb_window_t window = askedWindow();
     if (window == XCB_NONE) {
-        return;
+        return false;
     }
-    hearRoot(true);
+    listenAtRoot(true);
     send(window);
-    while (!hasAnswered(window) && Clock::now() < end && isWorthWaiting() &&
+    bool answered = false;
+    while (!(answered = hasAnswered(window)) && Clock::now() < end && isWorthWaiting() &&
            xcb_connection_has_error(connection_.get()) == 0) {
         pollfd waiting{.fd = xcb_get_file_descriptor(connection_.get()), .events = POLLIN, .revents = 0};
         ::poll(&waiting, 1, sliceMilliseconds);
     }
-    hearRoot(false);
+    listenAtRoot(false);
+    return answered;
 }
 
 xcb_atom_t X11Ping::atom(const char* name) {
@@ -74,9 +76,9 @@ xcb_window_t X11Ping::askedWindow() {
 
 /// Answers go to those who listen at the root window to what happens under it; those of Qt, to those who listen
 /// to what happens to itself.
-void X11Ping::hearRoot(bool isHeard) {
+void X11Ping::listenAtRoot(bool listens) {
     constexpr std::uint32_t both = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    const std::uint32_t mask = isHeard ? both : std::uint32_t{XCB_EVENT_MASK_NO_EVENT};
+    const std::uint32_t mask = listens ? both : std::uint32_t{XCB_EVENT_MASK_NO_EVENT};
     xcb_change_window_attributes(connection_.get(), connection_.root(), XCB_CW_EVENT_MASK, &mask);
     connection_.flush();
 }

@@ -15,10 +15,10 @@ public:
     /// The connection must outlive this object.
     explicit X11Ping(X11Connection& connection);
 
-    /// Waits for the answer, but no longer than `timeout` or, asked now and then, `isWorthWaiting`; and not at
-    /// all when nobody has the keyboard or the program takes no such questions. Drops events that wait on the
-    /// connection.
-    void await(std::chrono::milliseconds timeout, const std::function<bool()>& isWorthWaiting);
+    /// Waits for the answer, and returns whether it came, but no longer than `timeout` or, asked now and then,
+    /// `isWorthWaiting`; and not at all when nobody has the keyboard or the program takes no such questions.
+    /// Drops events that wait on the connection.
+    bool await(std::chrono::milliseconds timeout, const std::function<bool()>& isWorthWaiting);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -26,7 +26,7 @@ private:
     xcb_atom_t atom(const char* name);
     bool takesPings(xcb_window_t window);
     xcb_window_t askedWindow();
-    void hearRoot(bool isHeard);
+    void listenAtRoot(bool listens);
     void send(xcb_window_t window);
     bool isAnswer(const xcb_generic_event_t& event, xcb_window_t window) const;
     bool hasAnswered(xcb_window_t window);

@@ -35,6 +35,9 @@ NotificationBanner::NotificationBanner(const Content& shown) {
     }
     fitHeight();
     floatOverEverything(nativeWindow());
+    if (row_) {
+        acceptKeyboardOnClick(nativeWindow());
+    }
 
     setLifetime(shown.reply ? toReadAndAnswer : toRead);
     connect(&life_, &QTimer::timeout, this, &NotificationBanner::timeOut);
@@ -76,7 +79,7 @@ void NotificationBanner::showEvent(QShowEvent* event) {
 bool NotificationBanner::eventFilter(QObject* watched, QEvent* event) {
     // No window manager does this for a window that it does not look after.
     if (event->type() == QEvent::MouseButtonPress && !isActiveWindow()) {
-        activateWindow();
+        requestKeyboard(nativeWindow());
     }
     return FloatingPanel::eventFilter(watched, event);
 }

@@ -7,11 +7,13 @@
 #include <QVariant>
 #include <QWindow>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include <xcb/xcb.h>
@@ -73,6 +75,37 @@ void ask(const QWindow& window, const char* what, const std::uint32_t (&data)[5]
     xcb_flush(connection());
 }
 
+void setType(const QWindow& window, const char* type) {
+    setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, atom(type));
+}
+
+using Property = std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)>;
+
+Property readProperty(xcb_window_t window, const char* name) {
+    constexpr std::uint32_t most = 64;
+    return {xcb_get_property_reply(
+                connection(),
+                xcb_get_property(connection(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, most),
+                nullptr),
+            &std::free};
+}
+
+/// Whether a compositor of the wlroots family stands behind the X server. It shows managed windows under one
+/// that fills the screen, and gives the keyboard to unmanaged ones by their type: when they come up, and on a
+/// click.
+bool isWlroots() {
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+    const Property check = readProperty(root, "_NET_SUPPORTING_WM_CHECK");
+    if (!check || xcb_get_property_value_length(check.get()) < int{sizeof(xcb_window_t)}) {
+        return false;
+    }
+    const Property name =
+        readProperty(*static_cast<const xcb_window_t*>(xcb_get_property_value(check.get())), "_NET_WM_NAME");
+    return name && std::string_view(static_cast<const char*>(xcb_get_property_value(name.get())),
+                                    static_cast<std::size_t>(xcb_get_property_value_length(name.get()))) ==
+                       "wlroots wm";
+}
+
 /// Brings a window back up that no window manager looks after, whenever the manager has put another window
 /// above it. Dies with the window.
 class StayingOnTop : public QObject, public QAbstractNativeEventFilter {
@@ -131,6 +164,75 @@ private:
     bool isAsked_ = false;
 };
 
+/// Gives an unmanaged window the keyboard of a compositor of the wlroots family. That family keeps the X
+/// server's own focus where it was, so the window holds the X keyboard by a grab, until a managed window
+/// becomes active.
+class KeyboardByGrab : public QObject, public QAbstractNativeEventFilter {
+public:
+    enum class From { start, click };
+
+    KeyboardByGrab(QWindow& window, From from)
+        : QObject(&window), window_(window), from_(from), active_(atom("_NET_ACTIVE_WINDOW")) {
+        setType(window, from == From::start ? takesKeyboard : leavesKeyboard);
+        window.installEventFilter(this);
+        qApp->installNativeEventFilter(this);
+    }
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        switch (event->type()) {
+        case QEvent::Expose:
+            if (from_ == From::start) {
+                window_.setKeyboardGrabEnabled(true);
+            }
+            break;
+        case QEvent::Enter:
+            // Such windows have the keyboard when they come up, too; this one came up as something else.
+            setType(window_, takesKeyboard);
+            break;
+        case QEvent::MouseButtonPress:
+            window_.setKeyboardGrabEnabled(true);
+            break;
+        case QEvent::Hide:
+            window_.setKeyboardGrabEnabled(false);
+            if (from_ == From::click) {
+                setType(window_, leavesKeyboard);
+            }
+            break;
+        default:
+            break;
+        }
+        return false;
+    }
+
+    bool nativeEventFilter(const QByteArray& kind, void* message, qintptr* /*result*/) override {
+        const auto* event = static_cast<const xcb_property_notify_event_t*>(message);
+        if (kind == "xcb_generic_event_t" && (event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY &&
+            event->atom == active_) {
+            const Property active = readProperty(event->window, "_NET_ACTIVE_WINDOW");
+            if (active && xcb_get_property_value_length(active.get()) >= int{sizeof(xcb_window_t)} &&
+                *static_cast<const xcb_window_t*>(xcb_get_property_value(active.get())) != XCB_WINDOW_NONE) {
+                window_.setKeyboardGrabEnabled(false);
+            }
+        }
+        return false;
+    }
+
+private:
+    static constexpr const char* takesKeyboard = "_NET_WM_WINDOW_TYPE_DIALOG";
+    static constexpr const char* leavesKeyboard = "_NET_WM_WINDOW_TYPE_NOTIFICATION";
+
+    QWindow& window_;
+    From from_;
+    xcb_atom_t active_;
+};
+
+bool hasKeyboardByGrab(const QWindow& window) {
+    const QObjectList& children = window.children();
+    return std::any_of(children.begin(), children.end(), [](const QObject* each) {
+        return dynamic_cast<const KeyboardByGrab*>(each) != nullptr;
+    });
+}
+
 } // namespace
 
 void floatOverEverything(QWindow& window) {
@@ -141,20 +243,37 @@ void floatOverEverything(QWindow& window) {
     // every window manager. A window that is none of the manager's business is.
     window.setFlag(Qt::BypassWindowManagerHint);
     // For compositing managers, which draw shadows and animations by it.
-    setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, atom("_NET_WM_WINDOW_TYPE_NOTIFICATION"));
+    setType(window, "_NET_WM_WINDOW_TYPE_NOTIFICATION");
     new StayingOnTop(window);
+}
+
+void acceptKeyboardOnClick(QWindow& window) {
+    if (connection() && isWlroots()) {
+        new KeyboardByGrab(window, KeyboardByGrab::From::click);
+    }
 }
 
 void joinAllSpaces(QWindow& window) {
     if (!connection()) {
         return;
     }
+    if (isWlroots()) {
+        window.setFlag(Qt::BypassWindowManagerHint);
+        new KeyboardByGrab(window, KeyboardByGrab::From::start);
+        return;
+    }
     setProperty(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, everyDesktop);
     new BeingEverywhere(window);
 }
 
+void requestKeyboard(QWindow& window) {
+    if (!hasKeyboardByGrab(window)) {
+        window.requestActivate();
+    }
+}
+
 void activateForUser(QWindow& window) {
-    window.requestActivate();
+    requestKeyboard(window);
     if (connection()) {
         constexpr std::uint32_t fromTheUser = 2;
         ask(window, "_NET_ACTIVE_WINDOW", {fromTheUser, XCB_CURRENT_TIME, 0, 0, 0});

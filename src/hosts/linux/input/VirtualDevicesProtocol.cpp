@@ -1,0 +1,4 @@
+// The tables of the protocol are written in C. Declared first, they are one for the whole program in C++ too.
+#include <virtual-devices-client.h>
+
+#include <virtual-devices-code.c>
