@@ -33,15 +33,21 @@ inline constexpr auto palette = std::to_array<PaletteColor>({
     {"panel", 0xf0f4f4f6, 0xf02b2b2e},
     {"panelOpaque", 0xfff4f4f6, 0xff2b2b2e},
     {"primary", 0xff1d1d1f, 0xfff5f5f7},
-    {"secondary", 0xff6c6c72, 0xffa5a5ab},
-    {"tertiary", 0xff8b8b91, 0xff85858b},
+    {"secondary", 0xff5f5f65, 0xffa9a9af},
+    {"tertiary", 0xff68686e, 0xff9c9ca2},
     {"white", 0xffffffff, 0xffffffff},
-    {"blue", 0xff0a7bff, 0xff0a84ff},
-    {"green", 0xff2db84f, 0xff30d158},
-    {"red", 0xfff5392f, 0xffff453a},
-    {"orange", 0xfff08c00, 0xffff9f0a},
+    // Grounds under white; text and symbols in the same colour use the entry that ends in Text.
+    {"blue", 0xff006adc, 0xff0b72ea},
+    {"green", 0xff1f8a3b, 0xff249a43},
+    {"red", 0xffd92d24, 0xffe5382e},
+    {"blueText", 0xff0060c8, 0xff5aaeff},
+    {"greenText", 0xff187a33, 0xff30d158},
+    {"redText", 0xffc8241c, 0xffff7068},
+    {"orange", 0xffb86200, 0xffff9f0a},
     {"gray", 0xff8e8e93, 0xff8e8e93},
-    {"purple", 0xffaf52de, 0xffbf5af2},
+    {"purple", 0xffa044d0, 0xffa04fd2},
+    {"focusRing", 0xff0060c8, 0xff5aaeff},
+    {"fieldOutline", 0xff86868b, 0xff85858b},
 });
 
 /// A name that the palette does not have is an error in compiling.

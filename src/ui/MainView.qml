@@ -7,6 +7,14 @@ FocusScope {
     id: root
 
     required property MainBridge bridge
+    property real sidebarWidth: 200
+
+    /// Follows the pointer from 200 points on; far below that the sidebar goes away.
+    function dragDivider(x: real) {
+        bridge.showsSidebar = x >= 100
+        if (bridge.showsSidebar)
+            sidebarWidth = Math.max(200, Math.min(320, x))
+    }
 
     onWidthChanged: bridge.setWidth(width)
     Component.onCompleted: detail.forceActiveFocus()
@@ -19,7 +27,8 @@ FocusScope {
     Sidebar {
         id: sidebar
 
-        width: 200
+        visible: root.bridge.showsSidebar
+        width: visible ? root.sidebarWidth : 0
         height: parent.height
         bridge: root.bridge
     }
@@ -43,11 +52,20 @@ FocusScope {
                 target: root.bridge
                 function onTabChosen() { detail.forceActiveFocus() }
                 function onTabChanged() {
-                    if (!sidebar.activeFocus)
+                    if (!sidebar.activeFocus || !sidebar.visible)
                         detail.forceActiveFocus()
                     loader.load()
                 }
             }
         }
+    }
+
+    MouseArea {
+        objectName: "divider"
+        x: sidebar.width - (sidebar.visible ? 3 : 0)
+        width: 6
+        height: parent.height
+        cursorShape: Qt.SplitHCursor
+        onPositionChanged: event => { if (pressed) root.dragDivider(mapToItem(root, event.x, 0).x) }
     }
 }

@@ -20,11 +20,17 @@ FocusScope {
         spacing: 2
         interactive: false
         activeFocusOnTab: true
+        // The row gets the keyboard, and with it a screen reader's attention.
+        currentIndex: sidebar.bridge.selectedRow
+        highlightFollowsCurrentItem: false
+        keyNavigationEnabled: false
         model: sidebar.bridge.tabs
         Accessible.role: Accessible.List
         Accessible.name: "Tabs"
         Keys.onUpPressed: choose(-1)
         Keys.onDownPressed: choose(1)
+        // The tab's shortcuts hold here too, as far as the list does not use their keys itself.
+        Keys.onPressed: event => event.accepted = sidebar.bridge.tab.pressShortcut(event.key, event.modifiers, event.isAutoRepeat)
 
         function choose(step: int) {
             sidebar.bridge.select(sidebar.bridge.selectedRow < 0 ? 0 : sidebar.bridge.selectedRow + step)
@@ -64,7 +70,7 @@ FocusScope {
                 anchors.verticalCenter: parent.verticalCenter
                 name: row.symbol
                 size: 17
-                tint: row.current ? Theme.white : Theme.blue
+                tint: row.current ? Theme.white : Theme.blueText
             }
             Text {
                 objectName: "label"

@@ -10,17 +10,17 @@ Colors {
 
     dark: desktop.window.hslLightness < 0.5
 
-    readonly property color tint: blue
+    readonly property color tint: blueText
 
-    /// The colour that a rule of the program names.
+    /// The colour that a rule of the program names, for text and symbols.
     function named(role: string): color {
         switch (role) {
         case "secondary": return secondary
         case "tint": return tint
         case "white": return white
-        case "red": return red
-        case "green": return green
-        case "blue": return blue
+        case "red": return redText
+        case "green": return greenText
+        case "blue": return blueText
         case "orange": return orange
         default: return primary
         }
@@ -34,6 +34,7 @@ Colors {
     readonly property int title: 22
     readonly property int title2: 17
     readonly property int title3: 15
+    readonly property int headline: 13
     readonly property int body: 13
     readonly property int callout: 12
     readonly property int subheadline: 12

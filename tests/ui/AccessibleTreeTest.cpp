@@ -154,5 +154,62 @@ TEST_F(AccessibleTreeTest, ThePanelsButtonsHaveNames) {
     EXPECT_THAT(namesOf(QAccessible::Button, panel()), ElementsAre("Hang up", "Unmute"));
 }
 
+TEST_F(AccessibleTreeTest, RowsAndButtonsSayWhatTheyStandFor) {
+    open(4);
+    fill();
+    state().sms.contactQuery.set("");
+    state().notifications.replyingTo.set(std::nullopt);
+    state().phone.phoneCallLog.set(
+        {{"123", "Ada", 1.7e12, 3, 1}, {"4", "Bo", 1.7e12, 3, 2}, {"5", "Cy", 1.7e12, 0, 3}});
+    settle();
+    const auto contains = [](const std::set<std::string>& names, const std::string& start) {
+        return std::any_of(names.begin(), names.end(), [&](const auto& name) { return name.starts_with(start); });
+    };
+    for (const char* call : {"Incoming call, Ada, 123", "Outgoing call, Bo, 4", "Missed call, Cy, 5"}) {
+        EXPECT_TRUE(contains(namesOf(QAccessible::Button), call)) << call;
+    }
+    open(2);
+    EXPECT_TRUE(contains(namesOf(QAccessible::ListItem), "Ada, "));
+    EXPECT_TRUE(contains(namesOf(QAccessible::ListItem), "You, "));
+    open(1);
+    EXPECT_THAT(namesOf(QAccessible::Button), testing::IsSupersetOf({"Reply: Ada", "Reply: Bruno"}));
+    open(7);
+    EXPECT_THAT(namesOf(QAccessible::Button),
+                testing::IsSupersetOf({"Previous track", "Back 5 seconds", "Play or pause", "Forward 5 seconds",
+                                       "Next track", "Volume down", "Volume up"}));
+    open(5);
+    EXPECT_THAT(namesOf(QAccessible::Button), Contains("Show in Finder: a"));
+    open(6);
+    EXPECT_THAT(namesOf(QAccessible::Button), Contains("Copy to Mac Clipboard: text"));
+}
+
+TEST_F(AccessibleTreeTest, ADisabledButtonSaysSo) {
+    open(1);
+    const auto description = [] {
+        std::string found = "(not there)";
+        walk(mainWindow(), [&](QAccessibleInterface& part, const std::string&) {
+            if (part.text(QAccessible::Name) == "Clear All") {
+                found = part.text(QAccessible::Description).toStdString();
+            }
+        });
+        return found;
+    };
+    EXPECT_EQ(description(), "Unavailable");
+    program.historyStore().add({.app = "Chat", .title = "Ada", .body = "Hello"});
+    settle();
+    EXPECT_EQ(description(), "");
+}
+
+TEST_F(AccessibleTreeTest, TheSidebarsRowOfTheShownTabHasTheKeyboard) {
+    open(7);
+    part("sidebar")->forceActiveFocus();
+    settle();
+    const auto focused = [] { return QAccessible::queryAccessibleInterface(openWindow().activeFocusItem()); };
+    ASSERT_NE(focused(), nullptr);
+    EXPECT_EQ(focused()->text(QAccessible::Name), "Remote");
+    key(Qt::Key_Down);
+    EXPECT_EQ(focused()->text(QAccessible::Name), "Clipboard");
+}
+
 } // namespace
 } // namespace velloway::test

@@ -1,5 +1,7 @@
 #include "ui/ViewTest.h"
 
+#include <tuple>
+
 namespace velloway::test {
 namespace {
 
@@ -135,6 +137,43 @@ TEST_F(CallsViewTest, TenCallsOfTheSameMomentAreTenRows) {
     state().phone.phoneCallLog.set(log);
     settle();
     EXPECT_EQ(part("recentCalls")->property("count").toInt(), 10);
+}
+
+TEST_F(CallsViewTest, StarAndHashAreTakenWithAnyModifier) {
+    for (const auto& [key, modifier, character] :
+         {std::tuple{Qt::Key_NumberSign, Qt::GroupSwitchModifier, "#"}, std::tuple{Qt::Key_Asterisk, Qt::AltModifier, "*"},
+          std::tuple{Qt::Key_3, Qt::AltModifier, "3"}}) {
+        QKeyEvent press(QEvent::KeyPress, key, modifier, character);
+        QGuiApplication::sendEvent(&openWindow(), &press);
+        EXPECT_TRUE(press.isAccepted()) << character;
+    }
+    settle();
+    EXPECT_EQ(text("number"), "#*3");
+}
+
+TEST_F(CallsViewTest, TheHeadingOfTheRecentCallsIsAHeadlineWithEqualRoomAround) {
+    const QQuickItem* title = part("recentCallsTitle");
+    const QQuickItem* list = part("recentCalls");
+    EXPECT_EQ(title->y(), 20);
+    EXPECT_EQ(list->y() - title->y() - title->height(), 20);
+    const int headline = fontSize("recentCallsTitle");
+    open(2);
+    state().sms.activeRecipient.set("1");
+    settle();
+    EXPECT_EQ(fontSize("chatName"), headline);
+}
+
+TEST_F(CallsViewTest, TheArrowKeysChooseTheSim) {
+    receive(R"({"action":"sim_info","sims":[{"slot":0,"carrier":"Red"},{"slot":1,"carrier":"Blue"}]})");
+    QQuickItem* picker = part("simSegments");
+    EXPECT_FALSE(picker->findChild<QQuickItem*>("focusRing")->isVisible());
+    picker->forceActiveFocus();
+    settle();
+    EXPECT_TRUE(picker->findChild<QQuickItem*>("focusRing")->isVisible());
+    key(Qt::Key_Right);
+    EXPECT_EQ(state().phone.selectedSimSlot.get(), 1);
+    key(Qt::Key_Left);
+    EXPECT_EQ(state().phone.selectedSimSlot.get(), 0);
 }
 
 } // namespace

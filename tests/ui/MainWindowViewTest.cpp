@@ -174,5 +174,46 @@ TEST_F(MainWindowViewTest, FollowsTheColoursOfTheDesktop) {
     QGuiApplication::setPalette(before);
 }
 
+TEST_F(MainWindowViewTest, AWindowThatOpensOnTheMessagesAsksForThemAndSoDoesTheTab) {
+    open(2);
+    const std::string sms = R"({"action":"get_sms_history"})";
+    const std::string calls = R"({"action":"get_call_history"})";
+    EXPECT_THAT(takeSent(), ElementsAre(sms, calls, sms, calls));
+}
+
+TEST_F(MainWindowViewTest, TheDividerOfTheSidebarCanBeDragged) {
+    ContentView& window = open(0);
+    const auto sidebarEnd = [&] { return part("detail")->mapToScene({}).x(); };
+    const auto drag = [&](int from, int to) {
+        QTest::mousePress(&window, Qt::LeftButton, {}, {from, 300});
+        QTest::mouseMove(&window, {(from + to) / 2, 300});
+        QTest::mouseMove(&window, {to, 300});
+        QTest::mouseRelease(&window, Qt::LeftButton, {}, {to, 300});
+        settle();
+    };
+    EXPECT_EQ(sidebarEnd(), 200);
+    drag(200, 260);
+    EXPECT_EQ(sidebarEnd(), 260);
+    drag(260, 150);
+    EXPECT_EQ(sidebarEnd(), 200) << "the least width";
+    drag(200, 40);
+    EXPECT_EQ(state().columnVisibility.get(), ColumnVisibility::detailOnly);
+    EXPECT_FALSE(shows("sidebar"));
+    EXPECT_EQ(sidebarEnd(), 0);
+    drag(2, 240);
+    EXPECT_TRUE(shows("sidebar"));
+    EXPECT_EQ(sidebarEnd(), 240);
+}
+
+TEST_F(MainWindowViewTest, TheSidebarFollowsTheColumnVisibility) {
+    open(0);
+    state().columnVisibility.set(ColumnVisibility::detailOnly);
+    settle();
+    EXPECT_FALSE(shows("sidebar"));
+    state().columnVisibility.set(ColumnVisibility::all);
+    settle();
+    EXPECT_TRUE(shows("sidebar"));
+}
+
 } // namespace
 } // namespace velloway::test

@@ -108,5 +108,18 @@ TEST_F(NotificationsViewTest, WhatIsTypedSurvivesANewRowAbove) {
     EXPECT_EQ(text("replyField"), "abc");
 }
 
+TEST_F(NotificationsViewTest, TheTitleIsACalloutAndTheBodyACaption) {
+    add("Chat", "Ada", "Hello");
+    EXPECT_EQ(fontSize("title"), 12);
+    EXPECT_EQ(fontSize("body"), 11);
+}
+
+TEST_F(NotificationsViewTest, AfterCancelTheKeyboardIsBackOnTheButton) {
+    add("Chat", "Ada", "Hello");
+    click("reply");
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(wait([this] { return shows("reply") && part("reply")->hasActiveFocus(); }));
+}
+
 } // namespace
 } // namespace velloway::test

@@ -141,5 +141,22 @@ TEST_F(RemoteViewTest, TheTabIsNotDisabledWithoutAPhone) {
     click(button(0));
 }
 
+TEST_F(RemoteViewTest, ShortcutsWorkWhenTheTabWasChosenInTheSidebarByKeys) {
+    open(1);
+    part("sidebar")->forceActiveFocus();
+    key(Qt::Key_Down);
+    ASSERT_EQ(state().selectedTab.get(), 7);
+    ASSERT_TRUE(part("sidebar")->property("activeFocus").toBool());
+    takeSent();
+    key(Qt::Key_Space);
+    key(Qt::Key_Tab);
+    key(Qt::Key_N, Qt::MetaModifier);
+    EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"nav_command","command":"dpad_center"})",
+                                        R"({"action":"nav_command","command":"tab_forward"})",
+                                        R"({"action":"nav_command","command":"notifications"})"));
+    key(Qt::Key_Down);
+    EXPECT_EQ(state().selectedTab.get(), 6) << "the sidebar keeps its own keys";
+}
+
 } // namespace
 } // namespace velloway::test

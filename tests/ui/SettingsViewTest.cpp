@@ -135,6 +135,65 @@ TEST_F(SettingsTabViewTest, TheNotificationRowFollowsThePermission) {
     EXPECT_FALSE(shows("openNotificationSettings"));
 }
 
+TEST_F(SettingsTabViewTest, AChangeOfTabEndsEditingThePort) {
+    click("port");
+    key(Qt::Key_A, Qt::ControlModifier);
+    type("9002");
+    state().selectedTab.set(3);
+    settle();
+    EXPECT_EQ(on.userDefaults.integer("port"), 9002);
+    open(0);
+    EXPECT_EQ(text("port"), "9002");
+    EXPECT_TRUE(shows("restart"));
+}
+
+TEST_F(SettingsTabViewTest, ATabThatIsLeftWithoutEditingLeavesThePortAlone) {
+    click("port");
+    state().selectedTab.set(3);
+    settle();
+    EXPECT_FALSE(on.userDefaults.has("port"));
+}
+
+TEST_F(SettingsTabViewTest, TheRestartStandsAfterThePort) {
+    edit("9000");
+    EXPECT_GE(part("restart")->mapToScene({}).x(), part("port")->mapToScene({part("port")->width(), 0}).x());
+}
+
+TEST_F(SettingsTabViewTest, AnUnknownPermissionHasNoRowUnderTheHeading) {
+    answerStatus(static_cast<AuthorizationStatus>(42));
+    EXPECT_FALSE(shows("requestPermission"));
+    EXPECT_FALSE(shows("openNotificationSettings"));
+    EXPECT_FALSE(shows("notificationsEnabled"));
+    const auto texts = visibleTexts();
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "Notifications"), 2) << "in the sidebar and as heading";
+    answerStatus(AuthorizationStatus::denied);
+    state().settings.appears();
+    settle();
+    answerStatus(AuthorizationStatus::denied);
+    EXPECT_TRUE(shows("openNotificationSettings"));
+}
+
+TEST_F(SettingsTabViewTest, TheKeyboardScrollsThePageAndThePageFollowsTheKeyboard) {
+    openWindow().setMinimumSize({100, 100});
+    openWindow().resize(850, 300);
+    require("a low window", [] { return openWindow().height() == 300; });
+    settle();
+    QQuickItem* page = part("launchAtLogin")->parentItem();
+    while (page && !page->property("contentY").isValid()) {
+        page = page->parentItem();
+    }
+    ASSERT_NE(page, nullptr);
+    EXPECT_TRUE(page->hasActiveFocus()) << "the page has the keyboard when the tab opens";
+    key(Qt::Key_End);
+    EXPECT_TRUE(page->property("atYEnd").toBool());
+    key(Qt::Key_Home);
+    EXPECT_TRUE(page->property("atYBeginning").toBool());
+    part("launchAtLogin")->forceActiveFocus(Qt::TabFocusReason);
+    settle();
+    const double bottom = part("launchAtLogin")->mapToScene({0, part("launchAtLogin")->height()}).y();
+    EXPECT_LE(bottom, 300);
+}
+
 class InfoViewTest : public ViewTest {};
 
 TEST_F(InfoViewTest, ShowsTheFixedVersionAndTheIcon) {

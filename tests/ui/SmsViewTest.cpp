@@ -1,5 +1,7 @@
 #include "ui/ViewTest.h"
 
+#include <QClipboard>
+
 namespace velloway::test {
 namespace {
 
@@ -16,6 +18,14 @@ protected:
         takeSent();
     }
     void fill() { receive(history); }
+    void fillThreads(int count) {
+        std::vector<SmsRecord> log;
+        for (int i = 0; i < count; ++i) {
+            log.push_back({"+4477009" + std::to_string(10000 + i), std::nullopt, "hello", 1.6999e12 + i, 1});
+        }
+        state().phone.phoneSmsLog.set(log);
+        settle();
+    }
     void openThread(std::size_t row) { click(all("thread").at(row)); }
 };
 
@@ -227,6 +237,159 @@ TEST_F(SmsViewTest, TheTextOfABubbleCanBeSelectedWhole) {
     bodies[0]->forceActiveFocus();
     key(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(bodies[0]->property("selectedText").toString(), bodies[0]->property("text").toString());
+}
+
+TEST_F(SmsViewTest, ReturnOnTheNewMessageRowWritesToTheTypedNumberAndNotToAThread) {
+    fill();
+    click("search");
+    type("+44 77");
+    key(Qt::Key_Down);
+    ASSERT_TRUE(part("newMessage")->hasActiveFocus());
+    key(Qt::Key_Return);
+    EXPECT_EQ(state().sms.activeRecipient.get(), "+44 77");
+    EXPECT_EQ(text("chatName"), "+44 77");
+}
+
+TEST_F(SmsViewTest, TheNewMessageRowStaysInSightAboveManyThreads) {
+    fillThreads(301);
+    click("search");
+    type("77");
+    ASSERT_EQ(part("threads")->property("count").toInt(), 301);
+    const QQuickItem* row = part("newMessage");
+    EXPECT_GE(row->mapToScene({}).y(), part("search")->mapToScene({0, part("search")->height()}).y());
+    EXPECT_LE(row->mapToScene({0, row->height()}).y(), all("thread").at(0)->mapToScene({}).y());
+    click("newMessage");
+    EXPECT_EQ(state().sms.activeRecipient.get(), "77");
+}
+
+TEST_F(SmsViewTest, AnotherChatIsShownAtItsEndAtOnce) {
+    std::vector<SmsRecord> log;
+    for (int i = 0; i < 400; ++i) {
+        log.push_back({i % 2 == 0 ? "1" : "2", std::nullopt, "message " + std::to_string(i),
+                       1.6999e12 + i * 60000, 1});
+    }
+    log.push_back({"2", std::nullopt, "the last", 1.7e12, 1});
+    state().phone.phoneSmsLog.set(log);
+    state().sms.activeRecipient.set("1");
+    settle();
+    QQuickItem* list = part("messages");
+    ASSERT_TRUE(wait([&] { return list->property("atYEnd").toBool(); }));
+    QTest::qWait(300);
+    state().sms.activeRecipient.set("2");
+    require("the other chat", [&] { return list->property("count").toInt() == 201; });
+    bool isDrawn = false;
+    QObject::connect(&openWindow(), &QQuickWindow::frameSwapped, list, [&] { isDrawn = true; });
+    openWindow().update();
+    require("a frame", [&] { return isDrawn; });
+    EXPECT_TRUE(list->property("atYEnd").toBool());
+}
+
+TEST_F(SmsViewTest, TheTabOpensOnTheSearchAndAChatOnItsComposer) {
+    EXPECT_TRUE(part("search")->hasActiveFocus());
+    fill();
+    openThread(1);
+    EXPECT_TRUE(part("composer")->hasActiveFocus());
+    openThread(0);
+    EXPECT_TRUE(part("composer")->hasActiveFocus());
+    open(3);
+    open(2);
+    EXPECT_TRUE(part("composer")->hasActiveFocus());
+}
+
+TEST_F(SmsViewTest, TheKeyboardGoesFromTheSearchIntoTheListAndBack) {
+    fill();
+    for (const Qt::Key down : {Qt::Key_Down, Qt::Key_Escape}) {
+        part("search")->forceActiveFocus();
+        key(down);
+        EXPECT_TRUE(part("threads")->hasActiveFocus() || part("threads")->property("activeFocus").toBool());
+        key(Qt::Key_Up);
+        EXPECT_TRUE(part("search")->hasActiveFocus());
+    }
+    openThread(0);
+    key(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_TRUE(part("search")->hasActiveFocus());
+}
+
+TEST_F(SmsViewTest, PageAndEndKeysGoThroughTheThreads) {
+    fillThreads(100);
+    QQuickItem* list = part("threads");
+    list->forceActiveFocus();
+    const auto current = [&] { return list->property("currentIndex").toInt(); };
+    key(Qt::Key_End);
+    EXPECT_EQ(current(), 99);
+    EXPECT_TRUE(list->property("atYEnd").toBool());
+    key(Qt::Key_PageUp);
+    EXPECT_LT(current(), 97);
+    EXPECT_GT(current(), 80);
+    key(Qt::Key_Home);
+    EXPECT_EQ(current(), 0);
+    EXPECT_TRUE(list->property("atYBeginning").toBool());
+    const int before = current();
+    key(Qt::Key_PageDown);
+    EXPECT_GT(current(), before + 2);
+}
+
+TEST_F(SmsViewTest, PageAndEndKeysScrollTheMessages) {
+    std::vector<SmsRecord> log;
+    for (int i = 0; i < 200; ++i) {
+        log.push_back({"1", std::nullopt, "message " + std::to_string(i), 1.6999e12 + i * 60000, 1});
+    }
+    state().phone.phoneSmsLog.set(log);
+    state().sms.activeRecipient.set("1");
+    settle();
+    QQuickItem* list = part("messages");
+    require("the end", [&] { return list->property("atYEnd").toBool(); });
+    list->forceActiveFocus();
+    key(Qt::Key_Home);
+    EXPECT_TRUE(list->property("atYBeginning").toBool());
+    key(Qt::Key_PageDown);
+    EXPECT_FALSE(list->property("atYBeginning").toBool());
+    key(Qt::Key_End);
+    EXPECT_TRUE(wait([&] { return list->property("atYEnd").toBool(); }));
+}
+
+TEST_F(SmsViewTest, TheRowOfTheKeyboardHasARingAndNotTheColourOfThePointer) {
+    fill();
+    QTest::mouseMove(&openWindow(), {1, 1});
+    part("threads")->forceActiveFocus();
+    settle();
+    EXPECT_EQ(all("thread").at(0)->property("color").value<QColor>().alpha(), 0);
+    EXPECT_TRUE(all("thread").at(0)->findChild<QQuickItem*>("focusRing")->isVisible());
+    EXPECT_FALSE(all("thread").at(1)->findChild<QQuickItem*>("focusRing")->isVisible());
+}
+
+TEST_F(SmsViewTest, TheComposerShowsThatItsTextHasLineBreaks) {
+    fill();
+    openThread(0);
+    state().sms.chatText.set("one line");
+    settle();
+    EXPECT_FALSE(shows("lineBreaks"));
+    state().sms.chatText.set("one\ntwo");
+    settle();
+    EXPECT_TRUE(shows("lineBreaks"));
+}
+
+TEST_F(SmsViewTest, CopyingALongMessageCopiesAllOfIt) {
+    const std::string body(100'000, 'w');
+    state().phone.phoneSmsLog.set({{"1", std::nullopt, body, 1.7e12, 1}});
+    state().sms.activeRecipient.set("1");
+    settle();
+    QQuickItem* shown = part("body");
+    EXPECT_LT(shown->property("length").toInt(), 10'000) << "only the head is laid out";
+    shown->forceActiveFocus();
+    key(Qt::Key_A, Qt::ControlModifier);
+    key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), body);
+}
+
+TEST_F(SmsViewTest, TheComposerHasItsSizesAndItsFaintOutline) {
+    fill();
+    openThread(0);
+    EXPECT_EQ(part("send")->property("symbolSize").toInt(), 26);
+    click("search");
+    const QColor outline = part("composer")->property("outline").value<QColor>();
+    EXPECT_NEAR(outline.alphaF(), 0.2, 0.01);
+    EXPECT_EQ(outline.rgb(), part("noSim")->property("color").value<QColor>().rgb());
 }
 
 } // namespace

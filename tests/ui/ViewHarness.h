@@ -8,12 +8,14 @@
 #include "hosts/linux/windows/QtWindows.h"
 #include "hosts/linux/windows/QuickWindows.h"
 
+#include <QFont>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QQuickItem>
 #include <QTest>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -239,6 +241,27 @@ public:
             QGuiApplication::sendEvent(&openWindow(), &press);
         }
         settle();
+    }
+
+    static int fontSize(const char* name, QQuickWindow* window = mainWindow()) {
+        return part(name, window)->property("font").value<QFont>().pixelSize();
+    }
+    /// The texts of a tab that the user sees, from top to bottom.
+    static std::vector<std::string> visibleTexts(QQuickWindow* window = mainWindow()) {
+        std::vector<std::string> texts;
+        const std::function<void(QQuickItem*)> visit = [&](QQuickItem* item) {
+            if (!item->isVisible()) {
+                return;
+            }
+            if (item->inherits("QQuickText") && !item->property("text").toString().isEmpty()) {
+                texts.push_back(item->property("text").toString().toStdString());
+            }
+            for (QQuickItem* child : item->childItems()) {
+                visit(child);
+            }
+        };
+        visit(given(window).contentItem());
+        return texts;
     }
 
     void receive(std::string_view message) {

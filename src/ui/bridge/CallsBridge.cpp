@@ -2,6 +2,17 @@
 
 namespace velloway {
 
+namespace {
+
+/// What the symbol and its colour say, in words.
+QString directionOf(const RecentCallRow& row) {
+    return row.color == ColorRole::red              ? QStringLiteral("Missed call")
+           : row.symbol == "phone.arrow.up.right" ? QStringLiteral("Outgoing call")
+                                                  : QStringLiteral("Incoming call");
+}
+
+} // namespace
+
 CallsBridge::CallsBridge(CallsModel& model, PhoneState& phone)
     : TabBridge(QStringLiteral("CallsTab.qml")),
       model_(model),
@@ -12,11 +23,12 @@ CallsBridge::CallsBridge(CallsModel& model, PhoneState& phone)
                    {{"title", &SimSegment::title},
                     {"simSlot", [](const SimSegment& row) { return static_cast<double>(row.slot); }}}),
       recentCalls_(this, &RecentCallRow::id,
-                   {{"number", &RecentCallRow::number},
-                    {"name", &RecentCallRow::name},
+                   {{"number", cutTo(lineBytes, &RecentCallRow::number)},
+                    {"name", cutTo(lineBytes, &RecentCallRow::name)},
                     {"date", &RecentCallRow::date},
                     {"symbol", &RecentCallRow::symbol},
-                    {"colorRole", &RecentCallRow::color}}) {
+                    {"colorRole", &RecentCallRow::color},
+                    {"direction", &directionOf}}) {
     simSegments_.assign({velloway::simSegments.begin(), velloway::simSegments.end()});
     dialButtons_.assign({CallsModel::dialButtons.begin(), CallsModel::dialButtons.end()});
     follow(phone.selectedSimSlot, &CallsBridge::selectedSimSlotChanged);
@@ -27,11 +39,19 @@ CallsBridge::CallsBridge(CallsModel& model, PhoneState& phone)
 void CallsBridge::readPad() {
     const DialPad pad = model_.dialPad.get();
     show(pad_,
-         {.numberText = toQt(pad.numberText),
+         {.numberText = cutHead(pad.numberText, lineBytes),
           .canCall = pad.canCall,
           .showsDelete = pad.showsDelete,
           .showsSimPicker = pad.showsSimPicker},
          &CallsBridge::padChanged);
+}
+
+void CallsBridge::callBack(int row) {
+    if (row >= 0 && row < recentCalls_.rowCount()) {
+        // The list can change meanwhile.
+        const std::string number = recentCalls_.rows()[static_cast<std::size_t>(row)].number;
+        model_.callBack(number);
+    }
 }
 
 bool CallsBridge::pressKey(int key, const QString& text, bool isRepeat) {

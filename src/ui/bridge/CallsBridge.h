@@ -49,7 +49,8 @@ public:
 
     Q_INVOKABLE void pressDialButton(int index) { model_.pressDialButton(static_cast<std::size_t>(index)); }
     Q_INVOKABLE void deleteLastDigit() { model_.deleteLastDigit(); }
-    Q_INVOKABLE void callBack(const QString& number) { model_.callBack(fromQt(number)); }
+    /// `row` is a position in the recent calls; one outside of them is ignored.
+    Q_INVOKABLE void callBack(int row);
     Q_INVOKABLE void startCall() { model_.startCall(); }
     /// A key on the dial pad; true when it was handled.
     Q_INVOKABLE bool pressKey(int key, const QString& text, bool isRepeat);

@@ -1,5 +1,8 @@
 #include "bridge/ClipboardBridge.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+
 namespace velloway {
 
 ClipboardBridge::ClipboardBridge(ClipboardModel& model)
@@ -7,12 +10,19 @@ ClipboardBridge::ClipboardBridge(ClipboardModel& model)
       model_(model),
       rows_(this, [](const ClipboardRow& row) { return row.id.text(); },
             {{"rowId", [](const ClipboardRow& row) { return row.id.text(); }},
-             {"text", &ClipboardRow::text},
+             {"text", cutTo(messageBytes, &ClipboardRow::text)},
+             {"isCut", [](const ClipboardRow& row) { return row.text.size() > messageBytes; }},
              {"date", &ClipboardRow::date}}) {
     follow(model.rows, [this] {
         rows_.assign(model_.rows.get());
         show(showsClear_, model_.showsClear(), &ClipboardBridge::showsClearChanged);
     });
+}
+
+void ClipboardBridge::copyFrom(const QString& id, int start) {
+    if (const ClipboardRow* row = rows_.find(fromQt(id))) {
+        QGuiApplication::clipboard()->setText(toQt(row->text).mid(start));
+    }
 }
 
 void ClipboardBridge::copyToClipboard(const QString& id) {

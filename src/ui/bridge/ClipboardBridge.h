@@ -23,6 +23,8 @@ public:
 
     Q_INVOKABLE void sendCurrentClipboard() { model_.sendCurrentClipboard(); }
     Q_INVOKABLE void copyToClipboard(const QString& id);
+    /// Copies the end of a row's text, of which only the head is shown, from a position in it on.
+    Q_INVOKABLE void copyFrom(const QString& id, int start);
     Q_INVOKABLE void clearClipboard() { model_.clearClipboard(); }
 
 signals:

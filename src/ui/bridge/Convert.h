@@ -7,6 +7,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,6 +28,55 @@ inline QImage toQt(const Bitmap& bitmap) {
     return QImage(bitmap.rgba.data(), width, height, qsizetype{4} * width,
                   QImage::Format_RGBA8888_Premultiplied)
         .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+/// How many bytes of a text can show at most: on one line, in a few lines, and in a message. Laying out a text takes
+/// time in step with its length, and a phone sends texts of any length.
+inline constexpr std::size_t lineBytes = 1024;
+inline constexpr std::size_t paragraphBytes = 4096;
+inline constexpr std::size_t messageBytes = 8192;
+
+inline bool continuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+/// The head of a text that is longer than `bytes`, with an ellipsis; no character is split.
+inline QString cut(std::string_view text, std::size_t bytes) {
+    if (text.size() <= bytes) {
+        return toQt(text);
+    }
+    std::size_t end = bytes;
+    while (end > 0 && continuesCharacter(text[end])) {
+        --end;
+    }
+    return toQt(text.substr(0, end)) + QChar(0x2026);
+}
+
+/// The same for the tail.
+inline QString cutHead(std::string_view text, std::size_t bytes) {
+    if (text.size() <= bytes) {
+        return toQt(text);
+    }
+    std::size_t start = text.size() - bytes;
+    while (start < text.size() && continuesCharacter(text[start])) {
+        ++start;
+    }
+    return QChar(0x2026) + toQt(text.substr(start));
+}
+
+/// The same for the middle, as file names are known by both ends.
+inline QString cutMiddle(std::string_view text, std::size_t bytes) {
+    return text.size() <= bytes ? toQt(text)
+                                : cut(text, bytes / 2) + cutHead(text, bytes / 2).mid(1);
+}
+
+template <class Text> QString cut(const std::optional<Text>& text, std::size_t bytes) {
+    return text ? cut(*text, bytes) : QString();
+}
+
+/// A member of a row as far as it can show.
+template <class Row, class Text> auto cutTo(std::size_t bytes, Text Row::*member) {
+    return [bytes, member](const Row& row) { return cut(row.*member, bytes); };
 }
 
 /// Absent and empty look the same.

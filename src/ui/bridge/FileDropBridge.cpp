@@ -9,7 +9,7 @@ FileDropBridge::FileDropBridge(FileDropModel& model)
                  {{"rowId", [](const FileTransferRow& row) { return row.id.text(); }},
                   {"symbol", &FileTransferRow::symbol},
                   {"colorRole", &FileTransferRow::color},
-                  {"fileName", &FileTransferRow::fileName},
+                  {"fileName", [](const FileTransferRow& row) { return cutMiddle(row.fileName, lineBytes); }},
                   {"isCompleted", &FileTransferRow::isCompleted},
                   {"progress", &FileTransferRow::progress},
                   {"percentage", &FileTransferRow::percentage},

@@ -31,7 +31,9 @@ MainBridge::MainBridge(std::shared_ptr<SettingsView> view)
                {tabIndex::settings, &settings_}, {tabIndex::info, &info_}},
       tabs_(this, &TabRow::index,
             {{"tabIndex", &TabRow::index}, {"title", &TabRow::title}, {"symbol", &TabRow::symbol}}),
-      selectedTab_(view_->selectedTab.observe([this](std::int64_t) { selectedTabChanged(); })) {
+      selectedTab_(view_->selectedTab.observe([this](std::int64_t) { selectedTabChanged(); })),
+      columnVisibility_(
+          view_->columnVisibility.observe([this](ColumnVisibility) { emit showsSidebarChanged(); })) {
     tabs_.assign({tabRows.begin(), tabRows.end()});
     showTab();
 }
@@ -42,6 +44,7 @@ void MainBridge::setOnScreen(bool onScreen) {
     if (appears) {
         tabThatAppeared_ = view_->selectedTab.get();
         view_->viewAppears();
+        view_->tabAppears(tabThatAppeared_);
         showTab();
     } else if (!onScreen) {
         tab_->setOnScreen(false);
@@ -90,6 +93,12 @@ void MainBridge::setWidth(double width) {
     const bool shows = AdaptiveLabelStyle::forWidth(width).showLabels;
     if (std::exchange(showsLabels_, shows) != shows) {
         emit showsLabelsChanged();
+    }
+}
+
+void MainBridge::setShowsSidebar(bool shows) {
+    if (shows != showsSidebar()) {
+        view_->columnVisibility.set(shows ? ColumnVisibility::all : ColumnVisibility::detailOnly);
     }
 }
 

@@ -25,6 +25,8 @@ class MainBridge : public QObject {
     Q_PROPERTY(bool showsLabels READ showsLabels NOTIFY showsLabelsChanged)
     /// The row of the sidebar to highlight, or -1.
     Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectedRowChanged)
+    /// The sidebar can be dragged away.
+    Q_PROPERTY(bool showsSidebar READ showsSidebar WRITE setShowsSidebar NOTIFY showsSidebarChanged)
     Q_PROPERTY(velloway::TabBridge* tab READ tab NOTIFY tabChanged)
     /// The view that shows `tab`.
     Q_PROPERTY(QString tabFile READ tabFile NOTIFY tabChanged)
@@ -40,6 +42,8 @@ public:
     QAbstractItemModel* tabs() { return &tabs_; }
     bool showsLabels() const { return showsLabels_; }
     int selectedRow() const { return selectedRow_; }
+    bool showsSidebar() const { return view_->columnVisibility.get() != ColumnVisibility::detailOnly; }
+    void setShowsSidebar(bool shows);
     TabBridge* tab() const { return tab_; }
     QString tabFile() const { return tab_->file(); }
 
@@ -50,6 +54,7 @@ public:
 signals:
     void showsLabelsChanged();
     void selectedRowChanged();
+    void showsSidebarChanged();
     void tabChanged();
     /// A view emits it when a row was chosen with the mouse.
     void tabChosen();
@@ -76,6 +81,7 @@ private:
     bool isScheduled_ = false;
     std::int64_t tabThatAppeared_ = -1;
     Subscription selectedTab_;
+    Subscription columnVisibility_;
 };
 
 } // namespace velloway

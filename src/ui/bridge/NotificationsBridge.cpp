@@ -7,11 +7,11 @@ NotificationsBridge::NotificationsBridge(NotificationsModel& model)
       model_(model),
       rows_(this, [](const NotificationRow& row) { return row.id.text(); },
             {{"rowId", [](const NotificationRow& row) { return row.id.text(); }},
-             {"letter", &NotificationRow::letter},
-             {"app", &NotificationRow::app},
+             {"letter", cutTo(64, &NotificationRow::letter)},
+             {"app", cutTo(lineBytes, &NotificationRow::app)},
              {"time", &NotificationRow::time},
-             {"title", &NotificationRow::title},
-             {"body", &NotificationRow::body},
+             {"title", cutTo(lineBytes, &NotificationRow::title)},
+             {"body", cutTo(paragraphBytes, &NotificationRow::body)},
              {"isReplying", &NotificationRow::isReplying}}) {
     follow(model.replyText, &NotificationsBridge::replyTextChanged);
     follow(model.rows, [this] {

@@ -1,5 +1,7 @@
 #include "bridge/RemoteBridge.h"
 
+#include <utility>
+
 namespace velloway {
 
 namespace {
@@ -32,6 +34,20 @@ KeyEquivalent::Key remoteKey(int key) {
     }
 }
 
+/// The buttons that show a symbol alone, in words.
+QString spoken(std::string_view command) {
+    constexpr std::pair<std::string_view, const char*> names[] = {
+        {"prev", "Previous track"}, {"seek_backward", "Back 5 seconds"},   {"play_pause", "Play or pause"},
+        {"next", "Next track"},     {"seek_forward", "Forward 5 seconds"}, {"vol_down", "Volume down"},
+        {"vol_up", "Volume up"}};
+    for (const auto& [known, name] : names) {
+        if (known == command) {
+            return QString::fromLatin1(name);
+        }
+    }
+    return {};
+}
+
 /// The value of a button of the table, for a role.
 template <class Row, class Value> auto ofButton(Value RemoteButton::*member) {
     return
@@ -54,7 +70,9 @@ RemoteBridge::RemoteBridge(RemoteModel& model)
             {"caption", ofButton<Button>(&RemoteButton::title)},
             {"symbolName", ofButton<Button>(&RemoteButton::symbol)},
             {"tooltip", ofButton<Button>(&RemoteButton::tooltip)},
-            {"command", ofButton<Button>(&RemoteButton::command)}};
+            {"spoken", [](const Button& row) {
+                 return spoken(remoteButtons.at(static_cast<std::size_t>(row.position)).command);
+             }}};
         sections_.try_emplace(section, this, &Button::position, roles).first->second.assign(std::move(buttons));
     }
     shortcuts_.assign({shortcutRows.begin(), shortcutRows.end()});
@@ -63,7 +81,10 @@ RemoteBridge::RemoteBridge(RemoteModel& model)
     });
 }
 
-bool RemoteBridge::pressRemoteShortcut(int key, int modifiers) {
+bool RemoteBridge::pressShortcut(int key, int modifiers, bool isRepeat) {
+    if (isRepeat && key != Qt::Key_Up && key != Qt::Key_Down && key != Qt::Key_Left && key != Qt::Key_Right) {
+        return false;
+    }
     // The toolkit reports Shift-Tab as a key of its own.
     const bool shift = (modifiers & Qt::ShiftModifier) != 0 || key == Qt::Key_Backtab;
     return model_.pressRemoteShortcut({.key = remoteKey(key),

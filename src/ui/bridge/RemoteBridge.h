@@ -36,8 +36,8 @@ public:
     Q_INVOKABLE void pressRemoteButton(int position) {
         model_.pressRemoteButton(static_cast<std::size_t>(position));
     }
-    /// A key on the tab; true when it pressed a button.
-    Q_INVOKABLE bool pressRemoteShortcut(int key, int modifiers);
+    /// Held arrow keys repeat, other keys do not.
+    bool pressShortcut(int key, int modifiers, bool isRepeat) override;
     Q_INVOKABLE void openAccessibilitySettings() { model_.openAccessibilitySettings(); }
     Q_INVOKABLE void refreshAccessibilityStatus() { model_.refreshAccessibilityStatus(); }
 

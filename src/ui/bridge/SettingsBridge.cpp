@@ -19,8 +19,8 @@ void SettingsBridge::readStatus() {
                      .symbol = toQt(row.symbol),
                      .color = toQt(row.color),
                      .hasHeadline = row.headline.has_value(),
-                     .headline = toQt(row.headline),
-                     .detail = toQt(row.detail)};
+                     .headline = cut(row.headline, lineBytes),
+                     .detail = cut(row.detail, lineBytes)};
     if (row.battery) {
         next.hasBattery = true;
         next.batterySymbol = toQt(row.battery->symbol);

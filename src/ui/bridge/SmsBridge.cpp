@@ -1,26 +1,37 @@
 #include "bridge/SmsBridge.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+
 namespace velloway {
+
+namespace {
+
+/// On one line.
+QString previewOf(const SmsThreadRow& row) {
+    return cut(row.preview, lineBytes).simplified();
+}
+
+} // namespace
 
 SmsBridge::SmsBridge(SmsModel& model, PhoneState& phone)
     : TabBridge(QStringLiteral("SmsTab.qml")),
       model_(model),
       phone_(phone),
       threads_(this, &SmsThreadRow::id,
-               {{"address", &SmsThreadRow::displayAddress},
-                {"initials", &SmsThreadRow::avatarInitials},
-                {"name", &SmsThreadRow::name},
+               {{"initials", cutTo(64, &SmsThreadRow::avatarInitials)},
+                {"name", cutTo(lineBytes, &SmsThreadRow::name)},
                 {"date", &SmsThreadRow::date},
-                {"preview", &SmsThreadRow::preview},
+                {"preview", &previewOf},
                 {"isActive", &SmsThreadRow::isActive}}),
       bubbles_(this, &Bubble::date,
-               {{"body", &Bubble::body},
+               {{"body", cutTo(messageBytes, &Bubble::body)},
+                {"isCut", [](const Bubble& row) { return row.body.size() > messageBytes; }},
                 {"time", [this](const Bubble& row) { return model_.formatDate(row.date); }},
                 {"isOutgoing", &Bubble::isOutgoing}}) {
     follow(model.contactQuery, &SmsBridge::contactQueryChanged);
     follow(model.chatText, &SmsBridge::chatTextChanged);
     follow(phone.selectedSimSlot, &SmsBridge::selectedSimSlotChanged);
-    follow(model.activeRecipient, &SmsBridge::activeRecipientChanged);
     follow(model.list, [this] { readList(); });
     follow(model.chatHeader, [this] { readChat(); });
     follow(model.activeMessages, [this] { readBubbles(); });
@@ -32,7 +43,7 @@ void SmsBridge::readList() {
     show(list_,
          {.isEmpty = list.showsEmptyState,
           .showsClearButton = list.showsClearButton,
-          .newMessageTo = toQt(list.newMessageTo)},
+          .newMessageTo = cut(list.newMessageTo, lineBytes)},
          &SmsBridge::listChanged);
     threads_.assign(std::move(list.rows));
 }
@@ -40,13 +51,28 @@ void SmsBridge::readList() {
 void SmsBridge::readChat() {
     ChatState chat;
     if (const auto header = model_.chatHeader.get()) {
-        chat = {.isOpen = true, .name = toQt(header->name), .address = toQt(header->address)};
+        chat = {.isOpen = true, .name = cut(header->name, lineBytes), .address = cut(header->address, lineBytes)};
         for (const SimChoice& sim : header->sims) {
-            chat.carriers.push_back(toQt(sim.carrier));
+            chat.carriers.push_back(cut(sim.carrier, lineBytes));
             chat.simSlots.push_back(static_cast<double>(sim.slot));
         }
     }
     show(chat_, std::move(chat), &SmsBridge::chatChanged);
+}
+
+void SmsBridge::openThread(int row) {
+    if (row >= 0 && row < threads_.rowCount()) {
+        // The list can change meanwhile.
+        const std::string address = threads_.rows()[static_cast<std::size_t>(row)].displayAddress;
+        model_.openConversation(address);
+    }
+}
+
+void SmsBridge::copyMessage(int row, int start) {
+    if (row >= 0 && row < bubbles_.rowCount()) {
+        QGuiApplication::clipboard()->setText(
+            toQt(bubbles_.rows()[static_cast<std::size_t>(row)].body).mid(start));
+    }
 }
 
 void SmsBridge::readBubbles() {
@@ -55,6 +81,14 @@ void SmsBridge::readBubbles() {
     rows.reserve(messages.size());
     for (const SmsRecord* message : messages) {
         rows.push_back({.date = message->date, .body = message->body, .isOutgoing = isOutgoing(*message)});
+    }
+    const std::optional<std::string> recipient = model_.activeRecipient.get();
+    if (shownRecipient_ != recipient) {
+        shownRecipient_ = recipient;
+        bubbles_.assign({});
+        bubbles_.assign(std::move(rows));
+        emit otherChatShown();
+        return;
     }
     bubbles_.assign(std::move(rows));
 }

@@ -7,6 +7,7 @@
 
 #include <QList>
 
+#include <optional>
 #include <string>
 
 namespace velloway {
@@ -58,7 +59,6 @@ class SmsBridge : public TabBridge {
     Q_PROPERTY(QString chatText READ chatText WRITE setChatText NOTIFY chatTextChanged)
     Q_PROPERTY(
         double selectedSimSlot READ selectedSimSlot WRITE setSelectedSimSlot NOTIFY selectedSimSlotChanged)
-    Q_PROPERTY(QString activeRecipient READ activeRecipient NOTIFY activeRecipientChanged)
     Q_PROPERTY(velloway::ThreadListState list READ list NOTIFY listChanged)
     Q_PROPERTY(velloway::ChatState chat READ chat NOTIFY chatChanged)
     Q_PROPERTY(bool canSend READ canSend NOTIFY canSendChanged)
@@ -74,7 +74,6 @@ public:
     void setChatText(const QString& text) { model_.chatText.set(fromQt(text)); }
     double selectedSimSlot() const { return static_cast<double>(phone_.selectedSimSlot.get()); }
     void setSelectedSimSlot(double slot) { phone_.selectedSimSlot.set(static_cast<std::int64_t>(slot)); }
-    QString activeRecipient() const { return toQt(model_.activeRecipient.get()); }
     ThreadListState list() const { return list_; }
     ChatState chat() const { return chat_; }
     bool canSend() const { return canSend_; }
@@ -84,14 +83,18 @@ public:
     Q_INVOKABLE void refreshSmsHistory() { model_.refreshSmsHistory(); }
     Q_INVOKABLE void clearSearch() { model_.clearSearch(); }
     Q_INVOKABLE void startNewMessage() { model_.startNewMessage(); }
-    Q_INVOKABLE void openConversation(const QString& address) { model_.openConversation(fromQt(address)); }
+    /// `row` is a position in the threads; one outside of them is ignored.
+    Q_INVOKABLE void openThread(int row);
+    /// Copies the end of a message, of which only the head is shown, from a position in it on.
+    Q_INVOKABLE void copyMessage(int row, int start);
     Q_INVOKABLE void sendChatMessage() { model_.sendChatMessage(); }
 
 signals:
     void contactQueryChanged();
     void chatTextChanged();
     void selectedSimSlotChanged();
-    void activeRecipientChanged();
+    /// The bubbles are those of another chat from now on.
+    void otherChatShown();
     void listChanged();
     void chatChanged();
     void canSendChanged();
@@ -114,6 +117,7 @@ private:
     PhoneState& phone_;
     ThreadListState list_;
     ChatState chat_;
+    std::optional<std::string> shownRecipient_;
     bool canSend_ = false;
     RowModel<SmsThreadRow, std::string> threads_;
     RowModel<Bubble, double> bubbles_;

@@ -25,6 +25,9 @@ public:
     /// The tab's file among the views.
     QString file() const { return file_; }
 
+    /// A key while the tab is shown; true when it was one of the tab's shortcuts and did what that does.
+    Q_INVOKABLE virtual bool pressShortcut(int /*key*/, int /*modifiers*/, bool /*isRepeat*/) { return false; }
+
     /// Coming on screen reads everything anew: the local address and the names of days change unannounced.
     void setOnScreen(bool onScreen);
 

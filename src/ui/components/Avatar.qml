@@ -7,6 +7,14 @@ Item {
 
     implicitWidth: 36
     implicitHeight: 36
+    // Under the pale end of the gradient, so that white letters stand out.
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: 0.5
+        radius: width / 2
+        antialiasing: true
+        color: "#3a3a55"
+    }
     Rectangle {
         // A circle looks the same however it is turned; turned by 45 degrees its gradient runs corner to corner.
         anchors.fill: parent

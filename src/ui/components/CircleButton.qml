@@ -19,6 +19,7 @@ AbstractButton {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.Button
     Accessible.name: name || tip
+    Accessible.description: enabled ? "" : "Unavailable"
     Accessible.onPressAction: if (enabled) clicked()
     Keys.onReturnPressed: clicked()
 

@@ -25,7 +25,7 @@ Column {
         wrapMode: Text.Wrap
         text: parent.title
         color: parent.headline ? Theme.primary : Theme.secondary
-        font.pixelSize: parent.headline ? Theme.title3 : Theme.callout
+        font.pixelSize: parent.headline ? Theme.headline : Theme.callout
         font.weight: parent.headline ? Font.DemiBold : Font.Normal
     }
     Label {

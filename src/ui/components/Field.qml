@@ -6,6 +6,7 @@ TextField {
     id: field
 
     property real corner: 6
+    property color outline: Theme.fieldOutline
 
     color: Theme.primary
     placeholderTextColor: Theme.tertiary
@@ -26,6 +27,6 @@ TextField {
         radius: field.corner
         color: Theme.controlBackground
         border.width: field.activeFocus ? 2 : 1
-        border.color: field.activeFocus ? Theme.faded(Theme.blue, 0.7) : Theme.outline
+        border.color: field.activeFocus ? Theme.focusRing : field.outline
     }
 }

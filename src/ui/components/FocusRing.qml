@@ -4,6 +4,7 @@ import Velloway
 
 /// Shows which control the keyboard works on.
 Rectangle {
+    objectName: "focusRing"
     property T.Control control: parent as T.Control
 
     anchors.fill: parent
@@ -11,6 +12,6 @@ Rectangle {
     radius: Theme.radius + 2
     color: "transparent"
     border.width: 2
-    border.color: Theme.faded(Theme.blue, 0.6)
+    border.color: Theme.focusRing
     visible: control && control.visualFocus
 }

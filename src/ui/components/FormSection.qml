@@ -23,7 +23,7 @@ ColumnLayout {
         implicitHeight: body.implicitHeight
         radius: 10
         color: Theme.controlBackground
-        border.width: 1
+        border.width: height > 0 ? 1 : 0
         border.color: Theme.separator
         Column {
             id: body

@@ -48,6 +48,7 @@ Rectangle {
         }
         PushButton {
             objectName: "action"
+            focus: true
             Layout.topMargin: 4
             prominent: true
             controlSize: "large"

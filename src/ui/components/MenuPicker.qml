@@ -44,7 +44,7 @@ ComboBox {
     background: Rectangle {
         radius: 6
         color: picker.down ? Qt.darker(Theme.button, 1.1) : Theme.button
-        border.color: Theme.outline
+        border.color: Theme.fieldOutline
         FocusRing { control: picker }
     }
     delegate: ItemDelegate {

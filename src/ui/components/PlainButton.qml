@@ -8,7 +8,7 @@ AbstractButton {
 
     property string symbol
     property string tip
-    property color tint: Theme.blue
+    property color tint: Theme.blueText
     property real symbolSize: 16
     property real textSize: Theme.caption
 
@@ -17,6 +17,7 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Button
     Accessible.name: text || tip
+    Accessible.description: enabled ? "" : "Unavailable"
     Accessible.onPressAction: if (enabled) clicked()
     Keys.onReturnPressed: clicked()
 

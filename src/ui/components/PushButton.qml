@@ -22,6 +22,7 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Button
     Accessible.name: text || tip
+    Accessible.description: enabled ? "" : "Unavailable"
     Accessible.onPressAction: if (enabled) clicked()
     Keys.onReturnPressed: clicked()
 

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 import QtQuick.Window
 import Velloway
 
@@ -10,6 +11,9 @@ Image {
 
     width: size
     height: size
+    // The implicit size of an image is its number of pixels, and a layout goes by that.
+    Layout.preferredWidth: size
+    Layout.preferredHeight: size
     sourceSize.width: Math.ceil(size * Screen.devicePixelRatio)
     sourceSize.height: Math.ceil(size * Screen.devicePixelRatio)
     source: name ? "image://symbol/" + name + "/" + tint.toString().slice(1) : ""

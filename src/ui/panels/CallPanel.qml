@@ -8,7 +8,7 @@ Item {
 
     required property CallPanelBridge bridge
     readonly property bool ringing: bridge.panel.isRinging
-    readonly property color accent: ringing ? Theme.green : Theme.blue
+    readonly property color accent: ringing ? Theme.greenText : Theme.blueText
     /// Set by the window: without a compositor nothing can shine through.
     property bool translucent: true
 

@@ -5,7 +5,10 @@ import Velloway
 Item {
     id: bubble
 
+    required property SmsBridge bridge
+    required property int index
     required property string body
+    required property bool isCut
     required property string time
     required property bool isOutgoing
 
@@ -15,7 +18,7 @@ Item {
     ListView.onReused: visible = true
     height: ground.height + stamp.height + 12
     Accessible.role: Accessible.ListItem
-    Accessible.name: body + ", " + time
+    Accessible.name: (isOutgoing ? "You" : bridge.chat.name) + ", " + time + ": " + body
 
     Rectangle {
         id: ground
@@ -37,6 +40,8 @@ Item {
             y: 8
             width: parent.width - 24
             text: bubble.body
+            isCut: bubble.isCut
+            onCopyFrom: start => bubble.bridge.copyMessage(bubble.index, start)
             color: bubble.isOutgoing ? Theme.white : Theme.primary
             selectionColor: bubble.isOutgoing ? "#66ffffff" : Theme.faded(Theme.blue, 0.35)
         }

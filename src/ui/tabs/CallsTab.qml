@@ -14,11 +14,13 @@ FocusScope {
         id: row
 
         required property CallsBridge bridge
+        required property int index
         required property string number
         required property string name
         required property string date
         required property string symbol
         required property string colorRole
+        required property string direction
 
         objectName: "recentCall"
         // A row that waits for its next use must not be there for a screen reader.
@@ -27,15 +29,17 @@ FocusScope {
         width: ListView.view ? ListView.view.width - 20 : 0
         height: 48
         radius: Theme.radius
-        color: tap.pressed ? Theme.pressed : hover.hovered || (ListView.isCurrentItem && ListView.view.activeFocus) ? Theme.hover : "transparent"
+        color: tap.pressed ? Theme.pressed : hover.hovered ? Theme.hover : "transparent"
         Accessible.role: Accessible.Button
-        Accessible.name: name + ", " + number + ", " + date
+        Accessible.name: direction + ", " + name + ", " + number + ", " + date
         Accessible.onPressAction: press()
 
-        function press() { bridge.callBack(number) }
+        function press() { bridge.callBack(index) }
+
+        FocusRing { control: null; visible: row.ListView.isCurrentItem && row.ListView.view.activeFocus; anchors.margins: 0; radius: Theme.radius }
 
         Symbol {
-            id: direction
+            id: arrow
 
             x: 10
             anchors.verticalCenter: parent.verticalCenter
@@ -44,7 +48,7 @@ FocusScope {
             size: 17
         }
         Column {
-            anchors { left: direction.right; leftMargin: 12; right: when.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
+            anchors { left: arrow.right; leftMargin: 12; right: when.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
             spacing: 2
             Label {
                 width: parent.width
@@ -88,10 +92,7 @@ FocusScope {
             activeFocusOnTab: true
             Accessible.role: Accessible.Grouping
             Accessible.name: "Dial pad"
-            Keys.onPressed: event => {
-                if (event.modifiers === Qt.NoModifier || event.modifiers === Qt.KeypadModifier || event.modifiers === Qt.ShiftModifier)
-                    event.accepted = tab.bridge.pressKey(event.key, event.text, event.isAutoRepeat)
-            }
+            Keys.onPressed: event => event.accepted = tab.bridge.pressKey(event.key, event.text, event.isAutoRepeat)
             TapHandler { onTapped: dialer.forceActiveFocus() }
 
             Column {
@@ -221,31 +222,29 @@ FocusScope {
             Layout.fillHeight: true
             spacing: 0
             Label {
+                objectName: "recentCallsTitle"
                 text: CallsTexts.recentCalls
+                font.pixelSize: Theme.headline
                 font.weight: Font.DemiBold
                 Layout.margins: 20
-                Layout.bottomMargin: 10
                 Accessible.role: Accessible.Heading
             }
-            ListView {
+            RowList {
                 id: list
 
                 objectName: "recentCalls"
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                clip: true
+                hasCurrentRow: true
                 model: tab.bridge.recentCalls
                 reuseItems: true
-                activeFocusOnTab: true
-                boundsBehavior: Flickable.StopAtBounds
                 leftMargin: 10
                 rightMargin: 10
-                ScrollBar.vertical: ThinScrollBar {}
-                Accessible.role: Accessible.List
                 Accessible.name: CallsTexts.recentCalls
                 // A cast to a type of this file gives null in Qt 6.4.
                 // qmllint disable type
                 Keys.onReturnPressed: if (currentItem) currentItem.press()
+                Keys.onEnterPressed: if (currentItem) currentItem.press()
                 // qmllint enable type
                 delegate: RecentCall {}
                 Label {

@@ -11,6 +11,8 @@ ColumnLayout {
 
     spacing: 0
 
+    function focusComposer() { composer.forceActiveFocus() }
+
     RowLayout {
         Layout.leftMargin: 14
         Layout.rightMargin: 14
@@ -23,7 +25,7 @@ ColumnLayout {
                 objectName: "chatName"
                 width: parent.width
                 text: chat.bridge.chat.name
-                font.pixelSize: Theme.title3
+                font.pixelSize: Theme.headline
                 font.weight: Font.DemiBold
                 elide: Text.ElideRight
             }
@@ -81,40 +83,31 @@ ColumnLayout {
             text: SmsTexts.newConversation
             color: Theme.secondary
         }
-        ListView {
+        RowList {
             id: list
 
             property int lastCount: -1
             /// Rows that come into being change the estimate of the whole height; until the user scrolls away, the end
             /// stays in sight all the same.
             property bool followsEnd: true
-            property string shownFor: chat.bridge.activeRecipient
 
             objectName: "messages"
             anchors.fill: parent
-            clip: true
             reuseItems: true
             cacheBuffer: 400
-            boundsBehavior: Flickable.StopAtBounds
             header: Item { height: 8 }
             footer: Item { height: 8 }
-            activeFocusOnTab: true
-            currentIndex: -1
-            keyNavigationEnabled: false
             model: chat.bridge.bubbles
             ScrollBar.vertical: ThinScrollBar { onPressedChanged: if (pressed) list.followsEnd = false }
-            Accessible.role: Accessible.List
             Accessible.name: chat.bridge.chat.name
-            Keys.onUpPressed: flick(0, 600)
-            Keys.onDownPressed: flick(0, -600)
             delegate: Bubble { width: ListView.view ? ListView.view.width : 0 }
 
             onMovementStarted: followsEnd = false
             onMovementEnded: followsEnd = atYEnd
             onContentHeightChanged: if (followsEnd && !scroll.running) later(positionViewAtEnd)
-            onShownForChanged: {
-                lastCount = -1
-                later(toEnd)
+            onScrolled: {
+                scroll.stop()
+                followsEnd = atYEnd
             }
             onCountChanged: later(toEnd)
             Component.onCompleted: later(toEnd)
@@ -143,6 +136,13 @@ ColumnLayout {
                 contentY = scroll.from
                 scroll.start()
             }
+            Connections {
+                target: chat.bridge
+                function onOtherChatShown() {
+                    list.lastCount = -1
+                    list.later(list.toEnd)
+                }
+            }
             NumberAnimation {
                 id: scroll
 
@@ -161,17 +161,34 @@ ColumnLayout {
         Layout.margins: 10
         spacing: 8
         Field {
+            id: composer
+
             objectName: "composer"
             Layout.fillWidth: true
             implicitHeight: 36
             corner: 18
+            outline: Theme.faded(Theme.secondary, 0.2)
             leftPadding: 14
-            rightPadding: 14
+            rightPadding: lineBreaks.visible ? 34 : 14
             focus: true
             placeholderText: SmsTexts.composerPlaceholder
             text: chat.bridge.chatText
             onTextEdited: chat.bridge.chatText = text
             onAccepted: chat.bridge.sendChatMessage()
+            // The field draws a line break as a blank.
+            Symbol {
+                id: lineBreaks
+
+                objectName: "lineBreaks"
+                visible: /[\n\r\u2028\u2029]/.test(composer.text)
+                anchors { right: parent.right; rightMargin: 14; verticalCenter: parent.verticalCenter }
+                name: "return"
+                size: 13
+                tint: Theme.secondary
+                Accessible.ignored: false
+                Accessible.role: Accessible.Graphic
+                Accessible.name: "The text has line breaks"
+            }
         }
         PlainButton {
             objectName: "send"
@@ -179,8 +196,8 @@ ColumnLayout {
             opacity: 1
             padding: 2
             symbol: SmsTexts.sendSymbol
-            symbolSize: 30
-            tint: enabled ? Theme.blue : Theme.secondary
+            symbolSize: 26
+            tint: enabled ? Theme.blueText : Theme.secondary
             Accessible.name: "Send"
             onClicked: chat.bridge.sendChatMessage()
         }

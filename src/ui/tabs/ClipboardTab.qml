@@ -8,6 +8,8 @@ FocusScope {
 
     required property ClipboardBridge bridge
 
+    focus: true
+
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
@@ -36,24 +38,14 @@ FocusScope {
                 symbol: ClipboardTexts.emptySymbol
                 title: ClipboardTexts.empty
             }
-            ListView {
+            RowList {
                 id: list
 
                 objectName: "clipboardTexts"
                 anchors.fill: parent
-                clip: true
-                activeFocusOnTab: true
-                // A row that became current would take the keyboard from the text in it that is being used.
-                currentIndex: -1
-                keyNavigationEnabled: false
-                Keys.onUpPressed: flick(0, 600)
-                Keys.onDownPressed: flick(0, -600)
-                boundsBehavior: Flickable.StopAtBounds
                 topMargin: 8
                 bottomMargin: 8
                 model: tab.bridge.rows
-                ScrollBar.vertical: ThinScrollBar {}
-                Accessible.role: Accessible.List
                 Accessible.name: ClipboardTexts.title
                 delegate: Item {
                     id: row
@@ -61,6 +53,7 @@ FocusScope {
                     required property ClipboardBridge bridge
                     required property string rowId
                     required property string text
+                    required property bool isCut
                     required property string date
 
                     objectName: "clipboardRow"
@@ -76,7 +69,7 @@ FocusScope {
                         y: 13
                         name: ClipboardTexts.rowSymbol
                         size: 17
-                        tint: Theme.blue
+                        tint: Theme.blueText
                     }
                     Column {
                         id: column
@@ -84,7 +77,7 @@ FocusScope {
                         anchors { left: lines.right; leftMargin: 14; right: copy.left; rightMargin: 12 }
                         y: 11
                         spacing: 4
-                        // The text is whole, so that selecting and copying reach all of it; ten lines of it show.
+                        // Ten lines show. A text of ordinary length is whole; copying reaches the rest of a longer one.
                         Item {
                             width: parent.width
                             height: Math.min(content.contentHeight, Math.ceil(metrics.lineSpacing) * 10)
@@ -96,6 +89,8 @@ FocusScope {
                                 objectName: "clipboardText"
                                 width: parent.width
                                 text: row.text
+                                isCut: row.isCut
+                                onCopyFrom: start => row.bridge.copyFrom(row.rowId, start)
                             }
                         }
                         Label {
@@ -112,6 +107,7 @@ FocusScope {
                         y: 8
                         symbol: ClipboardTexts.copySymbol
                         tip: ClipboardTexts.copyTooltip
+                        Accessible.name: tip + ": " + row.text.slice(0, 40)
                         tint: Theme.secondary
                         onClicked: row.bridge.copyToClipboard(row.rowId)
                     }

@@ -8,6 +8,8 @@ FocusScope {
 
     required property FileDropBridge bridge
 
+    focus: true
+
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
@@ -24,21 +26,16 @@ FocusScope {
             onAction: tab.bridge.selectFileAndSend()
         }
         Separator { Layout.fillWidth: true }
-        ListView {
+        RowList {
             id: list
 
             objectName: "transfers"
             Layout.fillWidth: true
             Layout.fillHeight: true
-            clip: true
             reuseItems: true
-            activeFocusOnTab: true
-            boundsBehavior: Flickable.StopAtBounds
             topMargin: 8
             bottomMargin: 8
             model: tab.bridge.transfers
-            ScrollBar.vertical: ThinScrollBar {}
-            Accessible.role: Accessible.List
             Accessible.name: FileDropTexts.title
             delegate: Item {
                 id: row
@@ -131,6 +128,7 @@ FocusScope {
                     anchors { right: parent.right; rightMargin: 20; verticalCenter: parent.verticalCenter }
                     symbol: FileDropTexts.revealSymbol
                     tip: FileDropTexts.revealTooltip
+                    Accessible.name: tip + ": " + row.fileName
                     tint: Theme.secondary
                     onClicked: row.bridge.revealFile(row.rowId)
                 }

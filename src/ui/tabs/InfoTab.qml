@@ -7,8 +7,12 @@ FocusScope {
 
     required property InfoBridge bridge
 
+    focus: true
+
     FormPage {
         anchors.fill: parent
+        focus: true
+        Accessible.name: "Info"
 
         FormSection {
             Layout.fillWidth: true
@@ -83,7 +87,7 @@ FocusScope {
             FormRow {
                 title: InfoTexts.walletName
                 symbol: InfoTexts.supportSymbol
-                symbolTint: Theme.red
+                symbolTint: Theme.redText
                 last: true
                 SelectableText {
                     objectName: "walletAccount"

@@ -8,6 +8,8 @@ FocusScope {
 
     required property NotificationsBridge bridge
 
+    focus: true
+
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
@@ -27,24 +29,15 @@ FocusScope {
                 title: NotificationsTexts.emptyTitle
                 description: NotificationsTexts.emptyDescription
             }
-            ListView {
+            RowList {
                 id: list
 
                 objectName: "notifications"
                 anchors.fill: parent
-                clip: true
-                activeFocusOnTab: true
-                // A row that became current would take the keyboard from the text in it that is being used.
-                currentIndex: -1
-                keyNavigationEnabled: false
-                Keys.onUpPressed: flick(0, 600)
-                Keys.onDownPressed: flick(0, -600)
-                boundsBehavior: Flickable.StopAtBounds
+                focus: true
                 topMargin: 8
                 bottomMargin: 8
                 model: tab.bridge.rows
-                ScrollBar.vertical: ThinScrollBar {}
-                Accessible.role: Accessible.List
                 Accessible.name: "Notifications"
                 delegate: Item {
                     id: row
@@ -59,6 +52,9 @@ FocusScope {
                     required property bool isReplying
 
                     objectName: "notification"
+
+                    function focusReply() { reply.forceActiveFocus(Qt.TabFocusReason) }
+
                     width: ListView.view ? ListView.view.width : 0
                     height: column.height + 22
                     Accessible.role: Accessible.ListItem
@@ -111,8 +107,9 @@ FocusScope {
                         Label {
                             visible: row.title !== ""
                             width: parent.width
+                            objectName: "title"
                             text: row.title
-                            font.pixelSize: Theme.body
+                            font.pixelSize: Theme.callout
                             font.weight: Font.Medium
                             elide: Text.ElideRight
                             maximumLineCount: 1
@@ -120,19 +117,23 @@ FocusScope {
                         Label {
                             visible: row.body !== ""
                             width: parent.width
+                            objectName: "body"
                             text: row.body
                             color: Theme.secondary
-                            font.pixelSize: Theme.callout
+                            font.pixelSize: Theme.caption
                             wrapMode: Text.Wrap
                             elide: Text.ElideRight
                             maximumLineCount: 2
                             horizontalAlignment: Text.AlignLeft
                         }
                         PlainButton {
+                            id: reply
+
                             objectName: "reply"
                             visible: !row.isReplying
                             x: -4
                             text: NotificationsTexts.reply
+                            Accessible.name: NotificationsTexts.reply + ": " + (row.title || row.app)
                             tint: Theme.tint
                             onClicked: row.bridge.openReply(row.rowId)
                         }
@@ -144,11 +145,21 @@ FocusScope {
                             onIsOpenChanged: load()
                             Component.onCompleted: load()
 
+                            /// The keyboard goes back to where it came from.
+                            function close() {
+                                const hadFocus = activeFocus
+                                source = ""
+                                if (hadFocus) {
+                                    // qmllint disable type
+                                    Qt.callLater(row.focusReply) // The linter takes it for a value.
+                                    // qmllint enable type
+                                }
+                            }
                             function load() {
                                 if (isOpen)
                                     setSource("ReplyBox.qml", { bridge: row.bridge, rowId: row.rowId })
                                 else
-                                    source = ""
+                                    close()
                             }
                         }
                     }
@@ -175,7 +186,7 @@ FocusScope {
             PlainButton {
                 objectName: "clearAll"
                 text: NotificationsTexts.clearAll
-                tint: Theme.red
+                tint: Theme.redText
                 enabled: tab.bridge.canClear
                 onClicked: tab.bridge.clearNotifications()
             }

@@ -11,10 +11,7 @@ FocusScope {
     focus: true
     Keys.priority: Keys.BeforeItem
     Keys.onShortcutOverride: event => event.accepted = true
-    Keys.onPressed: event => {
-        if (!event.isAutoRepeat || event.key === Qt.Key_Up || event.key === Qt.Key_Down || event.key === Qt.Key_Left || event.key === Qt.Key_Right)
-            event.accepted = tab.bridge.pressRemoteShortcut(event.key, event.modifiers)
-    }
+    Keys.onPressed: event => event.accepted = tab.bridge.pressShortcut(event.key, event.modifiers, event.isAutoRepeat)
 
     component Command: PushButton {
         required property RemoteBridge bridge
@@ -22,7 +19,7 @@ FocusScope {
         required property string caption
         required property string symbolName
         required property string tooltip
-        required property string command
+        required property string spoken
 
         objectName: "remote" + position
         text: caption
@@ -30,7 +27,7 @@ FocusScope {
         tip: tooltip
         // The keyboard belongs to the shortcuts of this tab; a button that kept the focus would take Space from them.
         focusPolicy: Qt.NoFocus
-        Accessible.name: caption || tooltip || command
+        Accessible.name: caption || tooltip || spoken
         onClicked: bridge.pressRemoteButton(position)
     }
     component GroupTitle: Label {
@@ -60,6 +57,7 @@ FocusScope {
             spacing: 14
             Label {
                 text: block.title
+                font.pixelSize: Theme.headline
                 font.weight: Font.DemiBold
                 Accessible.role: Accessible.Heading
             }

@@ -7,8 +7,12 @@ FocusScope {
 
     required property SettingsBridge bridge
 
+    focus: true
+
     FormPage {
         anchors.fill: parent
+        focus: true
+        Accessible.name: "Settings"
 
         FormSection {
             Layout.fillWidth: true
@@ -112,14 +116,6 @@ FocusScope {
             FormRow {
                 title: SettingsTexts.port
                 last: true
-                PushButton {
-                    objectName: "restart"
-                    visible: tab.bridge.serverRestartNeeded
-                    prominent: true
-                    controlSize: "small"
-                    text: SettingsTexts.restart
-                    onClicked: tab.bridge.restartServer()
-                }
                 Field {
                     id: port
 
@@ -129,10 +125,24 @@ FocusScope {
                     horizontalAlignment: TextInput.AlignRight
                     text: tab.bridge.portText
                     Accessible.name: SettingsTexts.port
+                    property bool isEdited: false
+
+                    onTextEdited: isEdited = true
                     onEditingFinished: {
+                        isEdited = false
                         tab.bridge.commitPort(text)
                         text = Qt.binding(() => tab.bridge.portText)
                     }
+                    // A change of tab ends editing too, and takes the field away at once.
+                    Component.onDestruction: if (isEdited) tab.bridge.commitPort(text)
+                }
+                PushButton {
+                    objectName: "restart"
+                    visible: tab.bridge.serverRestartNeeded
+                    prominent: true
+                    controlSize: "small"
+                    text: SettingsTexts.restart
+                    onClicked: tab.bridge.restartServer()
                 }
             }
         }
@@ -140,15 +150,15 @@ FocusScope {
         FormSection {
             Layout.fillWidth: true
             title: SettingsTexts.notificationsSection
-            visible: tab.bridge.permission !== SettingsBridge.NoPermissionRow
             FormRow {
+                visible: tab.bridge.permission !== SettingsBridge.NoPermissionRow
                 last: true
                 RowLayout {
                     objectName: "notificationsEnabled"
                     visible: tab.bridge.permission === SettingsBridge.PermissionGiven
                     spacing: 8
-                    Symbol { name: SettingsTexts.enabledSymbol; size: 17; tint: Theme.green }
-                    Label { text: SettingsTexts.enabled; color: Theme.green }
+                    Symbol { name: SettingsTexts.enabledSymbol; size: 17; tint: Theme.greenText }
+                    Label { text: SettingsTexts.enabled; color: Theme.greenText }
                 }
                 PushButton {
                     objectName: "requestPermission"

@@ -14,6 +14,10 @@ Rectangle {
     activeFocusOnTab: true
     Accessible.role: Accessible.Grouping
     Accessible.name: "SIM"
+    Keys.onLeftPressed: bridge.selectedSimSlot = 0
+    Keys.onRightPressed: bridge.selectedSimSlot = 1
+
+    FocusRing { control: null; visible: picker.activeFocus; radius: 8 }
 
     Row {
         anchors.fill: parent
@@ -34,7 +38,7 @@ Rectangle {
                 radius: 4
                 color: current ? Theme.button : "transparent"
                 border.width: current ? 1 : 0
-                border.color: Theme.separator
+                border.color: Theme.fieldOutline
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: title
                 Accessible.checked: current

@@ -8,13 +8,28 @@ FocusScope {
     required property SmsBridge bridge
 
     focus: true
+    Component.onCompleted: {
+        if (bridge.chat.isOpen)
+            chatLoader.focus = true
+        else
+            threads.preferSearch()
+    }
+    Keys.onPressed: event => {
+        if (event.matches(StandardKey.Find)) {
+            threads.focusSearch()
+            event.accepted = true
+        }
+    }
 
     RowLayout {
         anchors.fill: parent
         spacing: 0
 
         ThreadList {
+            id: threads
+
             bridge: tab.bridge
+            onOpened: chatLoader.focusComposer()
             Layout.preferredWidth: 260
             Layout.minimumWidth: 260
             Layout.maximumWidth: 260
@@ -35,6 +50,8 @@ FocusScope {
                 title: SmsTexts.noChat
             }
             Loader {
+                id: chatLoader
+
                 readonly property bool isOpen: tab.bridge.chat.isOpen
 
                 objectName: "chatLoader"
@@ -42,6 +59,13 @@ FocusScope {
                 onIsOpenChanged: load()
                 Component.onCompleted: load()
 
+                /// A chat that is yet to be loaded gives the keyboard to its composer by itself.
+                function focusComposer() {
+                    forceActiveFocus()
+                    const chat = item as Chat
+                    if (chat)
+                        chat.focusComposer()
+                }
                 function load() {
                     if (isOpen)
                         setSource("Chat.qml", { bridge: tab.bridge })

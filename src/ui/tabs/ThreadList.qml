@@ -8,6 +8,18 @@ Item {
     id: column
 
     required property SmsBridge bridge
+    /// The user opened a chat.
+    signal opened()
+
+    function focusSearch() { search.forceActiveFocus() }
+    /// Without taking the keyboard from the sidebar.
+    function preferSearch() { search.focus = true }
+    function enterRows() {
+        if (fresh.visible)
+            fresh.forceActiveFocus(Qt.TabFocusReason)
+        else
+            list.forceActiveFocus(Qt.TabFocusReason)
+    }
 
     /// The row above the threads that starts a chat with what was typed.
     component NewMessage: AbstractButton {
@@ -23,8 +35,10 @@ Item {
         Accessible.role: Accessible.Button
         Accessible.name: SmsTexts.newMessageCaption + " " + recipient
         Accessible.onPressAction: if (enabled) clicked()
-        onClicked: bridge.startNewMessage()
+        Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
         background: Rectangle {
+            FocusRing { control: fresh; anchors.margins: 0; radius: Theme.radius }
             radius: Theme.radius
             color: fresh.down ? Theme.pressed : fresh.hovered ? Theme.hover : "transparent"
         }
@@ -34,7 +48,7 @@ Item {
                 anchors.verticalCenter: parent.verticalCenter
                 name: SmsTexts.newMessageSymbol
                 size: 34
-                tint: Theme.blue
+                tint: Theme.blueText
             }
             Column {
                 x: 48
@@ -59,7 +73,7 @@ Item {
         id: row
 
         required property SmsBridge bridge
-        required property string address
+        required property int index
         required property string initials
         required property string name
         required property string date
@@ -73,14 +87,21 @@ Item {
         width: ListView.view ? ListView.view.width - 16 : 0
         height: 52
         radius: Theme.radius
-        color: isActive ? Theme.faded(Theme.blue, 0.15) : hover.hovered || (ListView.isCurrentItem && ListView.view.activeFocus) ? Theme.hover : "transparent"
+        color: isActive ? Theme.faded(Theme.blue, 0.15) : hover.hovered ? Theme.hover : "transparent"
         Accessible.role: Accessible.ListItem
         Accessible.name: name + (preview ? ", " + preview : "")
         Accessible.selectable: true
         Accessible.selected: isActive
         Accessible.onPressAction: press()
 
-        function press() { bridge.openConversation(address) }
+        signal opened()
+
+        function press() {
+            bridge.openThread(index)
+            opened()
+        }
+
+        FocusRing { control: null; visible: row.ListView.isCurrentItem && row.ListView.view.activeFocus; anchors.margins: 0; radius: Theme.radius }
 
         Avatar {
             id: avatar
@@ -109,7 +130,7 @@ Item {
         Label {
             anchors { left: avatar.right; leftMargin: 10; right: parent.right; rightMargin: 8 }
             y: 28
-            text: row.preview.replace(/\s+/g, " ")
+            text: row.preview
             color: Theme.secondary
             font.pixelSize: 11
             elide: Text.ElideRight
@@ -149,8 +170,8 @@ Item {
             implicitHeight: 30
             radius: Theme.radius
             color: Theme.fieldBackground
-            border.width: search.activeFocus ? 2 : 0
-            border.color: Theme.faded(Theme.blue, 0.7)
+            border.width: search.activeFocus ? 2 : 1
+            border.color: search.activeFocus ? Theme.focusRing : Theme.fieldOutline
             Symbol {
                 x: 9
                 anchors.verticalCenter: parent.verticalCenter
@@ -175,6 +196,8 @@ Item {
                 selectedTextColor: Theme.primary
                 text: column.bridge.contactQuery
                 onTextEdited: column.bridge.contactQuery = text
+                Keys.onDownPressed: column.enterRows()
+                Keys.onEscapePressed: column.enterRows()
                 Accessible.name: placeholderText
             }
             PlainButton {
@@ -206,32 +229,43 @@ Item {
                 title: SmsTexts.empty
             }
 
-            ListView {
+            // Above the list and not in it, where many threads would push it out of sight.
+            NewMessage {
+                id: fresh
+
+                bridge: column.bridge
+                x: 8
+                width: parent.width - 16
+                onClicked: {
+                    bridge.startNewMessage()
+                    column.opened()
+                }
+                Keys.onUpPressed: column.focusSearch()
+                Keys.onDownPressed: list.forceActiveFocus(Qt.TabFocusReason)
+            }
+            RowList {
                 id: list
 
                 objectName: "threads"
                 visible: !column.bridge.list.isEmpty
-                anchors.fill: parent
-                clip: true
+                anchors { fill: parent; topMargin: fresh.height }
+                hasCurrentRow: true
                 leftMargin: 8
                 rightMargin: 8
                 reuseItems: true
-                activeFocusOnTab: true
-                boundsBehavior: Flickable.StopAtBounds
                 model: column.bridge.threads
-                ScrollBar.vertical: ThinScrollBar {}
-                Accessible.role: Accessible.List
+                onLeftAtTop: fresh.visible ? fresh.forceActiveFocus(Qt.TabFocusReason) : column.focusSearch()
                 Accessible.name: SmsTexts.title
                 // A cast to a type of this file gives null in Qt 6.4.
                 // qmllint disable type
                 Keys.onReturnPressed: if (currentItem) currentItem.press()
+                Keys.onEnterPressed: if (currentItem) currentItem.press()
                 // qmllint enable type
 
                 // The linter of Qt 6.4 does not look out of a component.
                 // qmllint disable unqualified
-                header: NewMessage { bridge: column.bridge }
+                delegate: Thread { onOpened: column.opened() }
                 // qmllint enable unqualified
-                delegate: Thread {}
             }
         }
     }
