@@ -1,7 +1,7 @@
 #include "hosts/HostRuntime.h"
 #include "hosts/linux/desktop/LinuxDesktop.h"
 #include "hosts/linux/desktop/LinuxScripts.h"
-#include "hosts/linux/input/LinuxInput.h"
+#include "hosts/linux/input/InputSession.h"
 #include "hosts/linux/input/PermissionWorkspace.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"

@@ -19,12 +19,6 @@ public:
     virtual bool canAsk() { return false; }
 };
 
-enum class InputSession { x11, wayland, none };
-
-/// The kind of the session that this process runs in. A Wayland session offers an X server too, through which
-/// input would reach only some windows; it counts as Wayland all the same.
-InputSession currentInputSession();
-
 /// What input needs from its host.
 struct InputNeeds {
     /// The file that remembers what the user has permitted; without one, nothing is remembered.
@@ -32,8 +26,5 @@ struct InputNeeds {
     /// Receives one line about input that this session does not take. Any thread.
     std::function<void(std::string_view)> warn = [](std::string_view) {};
 };
-
-/// The input of this session. Main thread, after the QCoreApplication.
-std::unique_ptr<LinuxInput> makeLinuxInput(const InputNeeds& needs = {});
 
 } // namespace velloway

@@ -1,4 +1,4 @@
-#include "hosts/linux/input/LinuxInput.h"
+#include "hosts/linux/input/InputSession.h"
 
 #include "hosts/linux/input/PortalInput.h"
 #include "hosts/linux/input/VirtualDevices.h"
