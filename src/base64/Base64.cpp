@@ -173,7 +173,7 @@ std::optional<std::size_t> decodeWith(const Kernel& kernel, std::string_view tex
 
 void appendEncodedEscapedWith(const Kernel& kernel, std::string& out, std::string_view bytes) {
     // Small enough to stay in the nearest cache on its way into `out`.
-    constexpr std::size_t blockSize = 3 * 1024;
+    constexpr std::size_t blockSize = std::size_t{3} * 1024;
     std::array<std::uint8_t, encodedEscapedBound(blockSize) + 32> block;
     for (std::size_t done = 0; done < bytes.size(); done += blockSize) {
         const std::string_view part = bytes.substr(done, blockSize);

@@ -2,4 +2,5 @@
 // first.
 #include "data-control-client.h"
 
+// NOLINTNEXTLINE(bugprone-suspicious-include)
 #include "data-control-code.c"

@@ -71,7 +71,8 @@ constexpr const char* startedAtLogin = "env DESKTOP_AUTOSTART_ID=velloway ";
 /// The program that an Exec line starts.
 QByteArray programOf(const QByteArray& line) {
     const QByteArray whole = unescaped(line);
-    const QByteArray text = whole.startsWith(startedAtLogin) ? whole.mid(qstrlen(startedAtLogin)) : whole;
+    const QByteArray text =
+        whole.startsWith(startedAtLogin) ? whole.mid(static_cast<qsizetype>(qstrlen(startedAtLogin))) : whole;
     QByteArray word;
     bool isQuoted = false;
     for (qsizetype at = 0; at < text.size(); ++at) {
