@@ -47,6 +47,8 @@ FocusScope {
             readonly property bool current: bridge.selectedRow === index
 
             objectName: "tab" + tabIndex
+            // A screen reader reads in the order of painting, and the list makes its current row first.
+            z: index
             width: ListView.view ? ListView.view.width : 0
             height: 32
             radius: 7
