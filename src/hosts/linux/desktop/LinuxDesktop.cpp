@@ -12,8 +12,8 @@
 namespace velloway {
 
 LinuxDesktop::LinuxDesktop(int& argc, char** argv) : qtApplication(argc, argv) {
-    QCoreApplication::setApplicationName(QStringLiteral("velloway"));
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Velloway"));
+    // The toolkit appends a display name of its own to every window's title; without one it displays this name.
+    QCoreApplication::setApplicationName(QStringLiteral("Velloway"));
     QGuiApplication::setDesktopFileName(QStringLiteral("org.velloway.Velloway"));
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/velloway.svg")));
