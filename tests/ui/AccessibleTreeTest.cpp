@@ -163,7 +163,8 @@ TEST_F(AccessibleTreeTest, RowsAndButtonsSayWhatTheyStandFor) {
         {{"123", "Ada", 1.7e12, 3, 1}, {"4", "Bo", 1.7e12, 3, 2}, {"5", "Cy", 1.7e12, 0, 3}});
     settle();
     const auto contains = [](const std::set<std::string>& names, const std::string& start) {
-        return std::any_of(names.begin(), names.end(), [&](const auto& name) { return name.starts_with(start); });
+        return std::any_of(names.begin(), names.end(),
+                           [&](const auto& name) { return name.starts_with(start); });
     };
     for (const char* call : {"Incoming call, Ada, 123", "Outgoing call, Bo, 4", "Missed call, Cy, 5"}) {
         EXPECT_TRUE(contains(namesOf(QAccessible::Button), call)) << call;

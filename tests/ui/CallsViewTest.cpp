@@ -141,8 +141,8 @@ TEST_F(CallsViewTest, TenCallsOfTheSameMomentAreTenRows) {
 
 TEST_F(CallsViewTest, StarAndHashAreTakenWithAnyModifier) {
     for (const auto& [key, modifier, character] :
-         {std::tuple{Qt::Key_NumberSign, Qt::GroupSwitchModifier, "#"}, std::tuple{Qt::Key_Asterisk, Qt::AltModifier, "*"},
-          std::tuple{Qt::Key_3, Qt::AltModifier, "3"}}) {
+         {std::tuple{Qt::Key_NumberSign, Qt::GroupSwitchModifier, "#"},
+          std::tuple{Qt::Key_Asterisk, Qt::AltModifier, "*"}, std::tuple{Qt::Key_3, Qt::AltModifier, "3"}}) {
         QKeyEvent press(QEvent::KeyPress, key, modifier, character);
         QGuiApplication::sendEvent(&openWindow(), &press);
         EXPECT_TRUE(press.isAccepted()) << character;

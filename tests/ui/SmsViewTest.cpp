@@ -265,8 +265,8 @@ TEST_F(SmsViewTest, TheNewMessageRowStaysInSightAboveManyThreads) {
 TEST_F(SmsViewTest, AnotherChatIsShownAtItsEndAtOnce) {
     std::vector<SmsRecord> log;
     for (int i = 0; i < 400; ++i) {
-        log.push_back({i % 2 == 0 ? "1" : "2", std::nullopt, "message " + std::to_string(i),
-                       1.6999e12 + i * 60000, 1});
+        log.push_back(
+            {i % 2 == 0 ? "1" : "2", std::nullopt, "message " + std::to_string(i), 1.6999e12 + i * 60000, 1});
     }
     log.push_back({"2", std::nullopt, "the last", 1.7e12, 1});
     state().phone.phoneSmsLog.set(log);

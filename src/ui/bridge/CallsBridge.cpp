@@ -6,7 +6,7 @@ namespace {
 
 /// What the symbol and its colour say, in words.
 QString directionOf(const RecentCallRow& row) {
-    return row.color == ColorRole::red              ? QStringLiteral("Missed call")
+    return row.color == ColorRole::red            ? QStringLiteral("Missed call")
            : row.symbol == "phone.arrow.up.right" ? QStringLiteral("Outgoing call")
                                                   : QStringLiteral("Incoming call");
 }

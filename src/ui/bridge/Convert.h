@@ -30,8 +30,8 @@ inline QImage toQt(const Bitmap& bitmap) {
         .convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-/// How many bytes of a text can show at most: on one line, in a few lines, and in a message. Laying out a text takes
-/// time in step with its length, and a phone sends texts of any length.
+/// How many bytes of a text can show at most: on one line, in a few lines, and in a message. Laying out a text
+/// takes time in step with its length, and a phone sends texts of any length.
 inline constexpr std::size_t lineBytes = 1024;
 inline constexpr std::size_t paragraphBytes = 4096;
 inline constexpr std::size_t messageBytes = 8192;
@@ -66,8 +66,7 @@ inline QString cutHead(std::string_view text, std::size_t bytes) {
 
 /// The same for the middle, as file names are known by both ends.
 inline QString cutMiddle(std::string_view text, std::size_t bytes) {
-    return text.size() <= bytes ? toQt(text)
-                                : cut(text, bytes / 2) + cutHead(text, bytes / 2).mid(1);
+    return text.size() <= bytes ? toQt(text) : cut(text, bytes / 2) + cutHead(text, bytes / 2).mid(1);
 }
 
 template <class Text> QString cut(const std::optional<Text>& text, std::size_t bytes) {

@@ -51,7 +51,8 @@ void SmsBridge::readList() {
 void SmsBridge::readChat() {
     ChatState chat;
     if (const auto header = model_.chatHeader.get()) {
-        chat = {.isOpen = true, .name = cut(header->name, lineBytes), .address = cut(header->address, lineBytes)};
+        chat = {
+            .isOpen = true, .name = cut(header->name, lineBytes), .address = cut(header->address, lineBytes)};
         for (const SimChoice& sim : header->sims) {
             chat.carriers.push_back(cut(sim.carrier, lineBytes));
             chat.simSlots.push_back(static_cast<double>(sim.slot));
@@ -87,7 +88,8 @@ void SmsBridge::readBubbles() {
         shownRecipient_ = recipient;
         bubbles_.assign({});
         bubbles_.assign(std::move(rows));
-        emit otherChatShown();
+        ++shownChat_;
+        emit shownChatChanged();
         return;
     }
     bubbles_.assign(std::move(rows));
