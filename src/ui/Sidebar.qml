@@ -10,21 +10,15 @@ FocusScope {
         anchors.fill: parent
         color: Theme.sidebar
     }
-    ListView {
+    // Made in order, unlike the rows of a list view, as a screen reader reads them so.
+    FocusScope {
         id: list
 
         objectName: "sidebar"
         anchors.fill: parent
         anchors.margins: 8
         anchors.topMargin: 12
-        spacing: 2
-        interactive: false
         activeFocusOnTab: true
-        // The row gets the keyboard, and with it a screen reader's attention.
-        currentIndex: sidebar.bridge.selectedRow
-        highlightFollowsCurrentItem: false
-        keyNavigationEnabled: false
-        model: sidebar.bridge.tabs
         Accessible.role: Accessible.List
         Accessible.name: "Tabs"
         Keys.onUpPressed: choose(-1)
@@ -36,54 +30,63 @@ FocusScope {
             sidebar.bridge.select(sidebar.bridge.selectedRow < 0 ? 0 : sidebar.bridge.selectedRow + step)
         }
 
-        delegate: Rectangle {
-            id: row
+        Column {
+            width: parent.width
+            spacing: 2
+            Repeater {
+                model: sidebar.bridge.tabs
+                Rectangle {
+                    id: row
 
-            required property MainBridge bridge
-            required property int index
-            required property int tabIndex
-            required property string title
-            required property string symbol
-            readonly property bool current: bridge.selectedRow === index
+                    required property MainBridge bridge
+                    required property int index
+                    required property int tabIndex
+                    required property string title
+                    required property string symbol
+                    readonly property bool current: bridge.selectedRow === index
 
-            objectName: "tab" + tabIndex
-            width: ListView.view ? ListView.view.width : 0
-            height: 32
-            radius: 7
-            color: current ? Theme.blue : hover.hovered ? Theme.hover : "transparent"
-            Accessible.role: Accessible.ListItem
-            Accessible.name: title
-            Accessible.selectable: true
-            Accessible.selected: current
-            Accessible.focusable: true
-            Accessible.onPressAction: press()
+                    objectName: "tab" + tabIndex
+                    // The row has the keyboard, and with it a screen reader's attention.
+                    focus: current
+                    width: parent ? parent.width : 0
+                    height: 32
+                    radius: 7
+                    color: current ? Theme.blue : hover.hovered ? Theme.hover : "transparent"
+                    Accessible.role: Accessible.ListItem
+                    Accessible.name: title
+                    Accessible.selectable: true
+                    Accessible.selected: current
+                    Accessible.focusable: true
+                    Accessible.onPressAction: press()
 
-            function press() {
-                bridge.select(index)
-                bridge.tabChosen()
+                    function press() {
+                        bridge.select(index)
+                        bridge.tabChosen()
+                    }
+
+                    Symbol {
+                        id: picture
+
+                        x: row.bridge.showsLabels ? 10 : (row.width - width) / 2
+                        anchors.verticalCenter: parent.verticalCenter
+                        name: row.symbol
+                        size: 17
+                        tint: row.current ? Theme.white : Theme.blueText
+                    }
+                    Text {
+                        objectName: "label"
+                        visible: row.bridge.showsLabels
+                        anchors { left: picture.right; leftMargin: 9; verticalCenter: parent.verticalCenter }
+                        text: row.title
+                        color: row.current ? Theme.white : Theme.primary
+                        font.pixelSize: Theme.body
+                        Accessible.ignored: true
+                    }
+                    HoverHandler { id: hover }
+                    TapHandler { onTapped: row.press() }
+                    FocusRing { control: null; visible: row.activeFocus; radius: 9 }
+                }
             }
-
-            Symbol {
-                id: picture
-
-                x: row.bridge.showsLabels ? 10 : (row.width - width) / 2
-                anchors.verticalCenter: parent.verticalCenter
-                name: row.symbol
-                size: 17
-                tint: row.current ? Theme.white : Theme.blueText
-            }
-            Text {
-                objectName: "label"
-                visible: row.bridge.showsLabels
-                anchors { left: picture.right; leftMargin: 9; verticalCenter: parent.verticalCenter }
-                text: row.title
-                color: row.current ? Theme.white : Theme.primary
-                font.pixelSize: Theme.body
-                Accessible.ignored: true
-            }
-            HoverHandler { id: hover }
-            TapHandler { onTapped: row.press() }
-            FocusRing { control: null; visible: row.current && row.ListView.view !== null && row.ListView.view.activeFocus; radius: 9 }
         }
     }
     Separator {

@@ -53,6 +53,11 @@ class Windows(AppTest):
         except AssertionError as error:
             raise AssertionError(f"{error}\n" + "\n".join(self.phone.lines[-15:])) from None
 
+    def test_the_window_has_its_title(self):
+        self.open("Info…")
+        [window] = visible_windows(self.app.pid)
+        self.assertEqual(run("xdotool", "getwindowname", str(window)).strip(), "Velloway Settings")
+
     def test_a_message_is_sent(self):
         self.open("Send SMS…")
         self.got(action="get_sms_history")
@@ -102,7 +107,7 @@ class Windows(AppTest):
         self.phone.write('notification Chat Ada "See you at seven?" k1')
         self.service.wait_shown("Chat")
         self.open("Notifications…")
-        self.tree.press("Reply", "push button")
+        self.tree.press("Reply: Ada", "push button")
         self.tree.write("Type reply...", "Yes")
         self.tree.press("Send", "push button")
         answer = self.got(action="reply", message="Yes")

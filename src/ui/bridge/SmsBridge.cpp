@@ -88,7 +88,8 @@ void SmsBridge::readBubbles() {
         shownRecipient_ = recipient;
         bubbles_.assign({});
         bubbles_.assign(std::move(rows));
-        emit otherChatShown();
+        ++shownChat_;
+        emit shownChatChanged();
         return;
     }
     bubbles_.assign(std::move(rows));

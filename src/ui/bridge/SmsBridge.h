@@ -61,6 +61,8 @@ class SmsBridge : public TabBridge {
         double selectedSimSlot READ selectedSimSlot WRITE setSelectedSimSlot NOTIFY selectedSimSlotChanged)
     Q_PROPERTY(velloway::ThreadListState list READ list NOTIFY listChanged)
     Q_PROPERTY(velloway::ChatState chat READ chat NOTIFY chatChanged)
+    /// Another number whenever the bubbles are those of another chat.
+    Q_PROPERTY(int shownChat READ shownChat NOTIFY shownChatChanged)
     Q_PROPERTY(bool canSend READ canSend NOTIFY canSendChanged)
     Q_PROPERTY(QAbstractItemModel* threads READ threads CONSTANT)
     Q_PROPERTY(QAbstractItemModel* bubbles READ bubbles CONSTANT)
@@ -76,6 +78,7 @@ public:
     void setSelectedSimSlot(double slot) { phone_.selectedSimSlot.set(static_cast<std::int64_t>(slot)); }
     ThreadListState list() const { return list_; }
     ChatState chat() const { return chat_; }
+    int shownChat() const { return shownChat_; }
     bool canSend() const { return canSend_; }
     QAbstractItemModel* threads() { return &threads_; }
     QAbstractItemModel* bubbles() { return &bubbles_; }
@@ -93,8 +96,7 @@ signals:
     void contactQueryChanged();
     void chatTextChanged();
     void selectedSimSlotChanged();
-    /// The bubbles are those of another chat from now on.
-    void otherChatShown();
+    void shownChatChanged();
     void listChanged();
     void chatChanged();
     void canSendChanged();
@@ -118,6 +120,7 @@ private:
     ThreadListState list_;
     ChatState chat_;
     std::optional<std::string> shownRecipient_;
+    int shownChat_ = 0;
     bool canSend_ = false;
     RowModel<SmsThreadRow, std::string> threads_;
     RowModel<Bubble, double> bubbles_;

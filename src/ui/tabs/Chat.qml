@@ -90,6 +90,7 @@ ColumnLayout {
             /// Rows that come into being change the estimate of the whole height; until the user scrolls away, the end
             /// stays in sight all the same.
             property bool followsEnd: true
+            property int shownChat: chat.bridge.shownChat
 
             objectName: "messages"
             anchors.fill: parent
@@ -108,6 +109,10 @@ ColumnLayout {
             onScrolled: {
                 scroll.stop()
                 followsEnd = atYEnd
+            }
+            onShownChatChanged: {
+                lastCount = -1
+                later(toEnd)
             }
             onCountChanged: later(toEnd)
             Component.onCompleted: later(toEnd)
@@ -135,13 +140,6 @@ ColumnLayout {
                 scroll.to = contentY
                 contentY = scroll.from
                 scroll.start()
-            }
-            Connections {
-                target: chat.bridge
-                function onOtherChatShown() {
-                    list.lastCount = -1
-                    list.later(list.toEnd)
-                }
             }
             NumberAnimation {
                 id: scroll

@@ -32,8 +32,8 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 9> actions{{
 } // namespace
 
 LinuxDesktop::LinuxDesktop(int& argc, char** argv) : qtApplication(argc, argv) {
-    QCoreApplication::setApplicationName(QStringLiteral("velloway"));
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Velloway"));
+    // The toolkit appends a display name of its own to every window's title; without one it displays this name.
+    QCoreApplication::setApplicationName(QStringLiteral("Velloway"));
     QGuiApplication::setDesktopFileName(QStringLiteral("org.velloway.Velloway"));
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/velloway.svg")));
