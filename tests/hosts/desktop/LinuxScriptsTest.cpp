@@ -158,6 +158,15 @@ TEST_F(VolumeAction, StopsAtTheTop) {
     EXPECT_TRUE(becomes("1.00"));
 }
 
+TEST_F(VolumeAction, UpNeverLowersAVolumeBeyondTheTopAndDownGoesByItsStep) {
+    startAt("1.40");
+    run(Action::volumeUp);
+    EXPECT_TRUE(hasSet(1));
+    EXPECT_TRUE(becomes("1.40"));
+    run(Action::volumeDown);
+    EXPECT_TRUE(becomes("1.35"));
+}
+
 TEST_F(VolumeAction, StopsAtTheBottom) {
     startAt("0.07");
     run(Action::volumeDown);
