@@ -149,6 +149,15 @@ TEST_F(VolumeAction, SixInARowRaiseByThirtyEachFromTheOneBefore) {
     EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
+TEST_F(VolumeAction, ReadsAFractionToTheNearestPoint) {
+    startAt("0.29"); // a hundred times this is a little less than 29
+    run(Action::volumeUp);
+    EXPECT_TRUE(becomes("0.34"));
+    programs_.write("volume", "0.296");
+    run(Action::volumeDown);
+    EXPECT_TRUE(becomes("0.25"));
+}
+
 TEST_F(VolumeAction, StopsAtTheTop) {
     startAt("0.97 [MUTED]");
     run(Action::volumeUp);
