@@ -106,8 +106,6 @@ struct JsonReader::State {
     /// Texts that may not be read beyond their end are copied here.
     std::unique_ptr<char[]> padded;
     std::size_t paddedCapacity = 0;
-    /// Texts in a row that left most of the memory unused.
-    int smallTexts = 0;
 
     simdjson::error_code makeRoom(std::size_t size);
     const char* copyPadded(std::string_view json);
@@ -118,15 +116,6 @@ struct JsonReader::State {
 };
 
 simdjson::error_code JsonReader::State::makeRoom(std::size_t size) {
-    const std::size_t present = parser.capacity();
-    const bool isMostlyUnused = present > alwaysKept && size < present / 8;
-    smallTexts = isMostlyUnused ? smallTexts + 1 : 0;
-    if (smallTexts >= smallTextsBeforeRelease) {
-        smallTexts = 0;
-        parser = dom::parser();
-        padded.reset();
-        paddedCapacity = 0;
-    }
     if (size <= parser.capacity()) {
         return simdjson::SUCCESS;
     }
@@ -195,6 +184,15 @@ simdjson::error_code JsonReader::State::parseDeep(std::string_view json) {
 
 JsonReader::JsonReader(std::size_t longText) : state_(std::make_unique<State>(longText)) {}
 JsonReader::~JsonReader() = default;
+
+void JsonReader::release() {
+    state_->text.longTexts.clear();
+    if (state_->parser.capacity() > alwaysKept) {
+        state_->parser = dom::parser();
+        state_->padded.reset();
+        state_->paddedCapacity = 0;
+    }
+}
 
 std::size_t JsonReader::capacity() const {
     return state_->parser.capacity();

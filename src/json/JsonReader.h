@@ -56,8 +56,7 @@ private:
 /// skipped. Refused: anything else at top level, invalid UTF-8, lone surrogates, raw control characters, bytes
 /// after the value, and nesting deeper than 512. Numbers may have any size.
 ///
-/// The memory that one large text needed (some 15 bytes of address space for each of its bytes) is released
-/// after `smallTextsBeforeRelease` texts in a row that needed little of it.
+/// A large text needs some 15 bytes of address space for each of its bytes, until `release` is called.
 class JsonReader {
 public:
     /// Texts within a message that have at least `longText` bytes may be left where they are.
@@ -71,9 +70,9 @@ public:
 
     static constexpr std::size_t maxDepth = 512;
 
-    /// Memory for texts up to this many bytes is never released.
+    /// Ends the life of the values and gives back the memory that a text beyond `alwaysKept` bytes needed.
+    void release();
     static constexpr std::size_t alwaysKept = std::size_t{4} << 20;
-    static constexpr int smallTextsBeforeRelease = 64;
 
     /// The longest text for which there is memory at present.
     std::size_t capacity() const;

@@ -94,6 +94,8 @@ public:
     void handle(std::string_view data, std::size_t readableAfter);
 
 private:
+    void read(std::string_view data, std::size_t readableAfter);
+
     struct Row;
     /// Each action with its handler.
     static const std::array<Row, 15> table;
@@ -125,6 +127,11 @@ private:
 };
 
 void MessageDispatch::Reading::handle(std::string_view data, std::size_t readableAfter) {
+    read(data, readableAfter);
+    reader_.release();
+}
+
+void MessageDispatch::Reading::read(std::string_view data, std::size_t readableAfter) {
     const auto message = reader_.parse(data, readableAfter, error_);
     if (!message) {
         targets_.log.line({"[WebSocketServer] JSON parsing failed: ", error_,

@@ -32,7 +32,8 @@ public:
 
     std::optional<std::string> name = "Desk";
     std::optional<std::filesystem::path> downloads;
-    std::string zone = "Europe/London";
+    /// Far from UTC, so that a text made in the wrong zone is noticed.
+    std::string zone = "Asia/Kolkata";
     Instant time = Instant(std::chrono::seconds(1'700'000'000));
     std::optional<std::vector<NetworkInterface>> interfaces = std::vector<NetworkInterface>{};
 };

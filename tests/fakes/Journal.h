@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,7 +11,14 @@ namespace velloway::test {
 /// order across ports.
 class Journal {
 public:
-    void note(std::string entry) { entries_.push_back(std::move(entry)); }
+    void note(std::string entry) {
+        entries_.push_back(std::move(entry));
+        if (onNote) {
+            onNote(entries_.back());
+        }
+    }
+    /// Called for each entry as it comes.
+    std::function<void(const std::string& entry)> onNote;
     const std::vector<std::string>& entries() const { return entries_; }
     std::vector<std::string> take() { return std::exchange(entries_, {}); }
 

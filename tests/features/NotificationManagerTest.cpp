@@ -236,7 +236,9 @@ TEST_F(NotificationManagerTest, ShowsFileProgressUnderTheGivenIdentifier) {
 }
 
 TEST_F(NotificationManagerDeathTest, StopsTheProcessOverAProgressThatIsNoWholeNumber) {
-    for (const double progress : {std::nan(""), std::numeric_limits<double>::infinity(), 1e17, -1e18}) {
+    // A hundred times the last one is 2^63, the first whole number that does not fit.
+    for (const double progress :
+         {std::nan(""), std::numeric_limits<double>::infinity(), 1e17, -1e18, 92233720368547760.0}) {
         EXPECT_DEATH(notificationManager.postFileProgress("a", progress, "id"),
                      "not a whole number of percent");
     }

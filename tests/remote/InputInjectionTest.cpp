@@ -39,8 +39,9 @@ TEST(SendCGKey, KnowsFourModifierNamesAndIgnoresAllOthers) {
 }
 
 TEST(SendUnicodeText, TypesEveryTextWholeInOnePiece) {
-    for (const std::string& text : {std::string("h\u00E9"), std::string(), std::string("a\0b", 3),
-                                    std::string("\U0001F600"), std::string(10'000, 'x')}) {
+    for (const std::string& text :
+         {std::string("h\u00E9"), std::string(), std::string("a\0b", 3), std::string("\U0001F600"),
+          std::string("a\u00A0b\u00A0"), std::string(" \t\n"), std::string(10'000, 'x')}) {
         Rig rig;
         rig.injection.sendUnicodeText(text);
         EXPECT_THAT(rig.events.posted, ElementsAre(Input(TypedText{text})));

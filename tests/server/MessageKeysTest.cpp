@@ -5,6 +5,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include <algorithm>
 #include <initializer_list>
 #include <limits>
@@ -303,6 +307,23 @@ TEST_F(MessageValuesTest, EveryNotificationIsListedAlsoOneOfAKeyOrABodyThatIsThe
     EXPECT_EQ(store.items.get()[0].key, "l");
     EXPECT_THAT(identifiers(), ElementsAre("k", "k")) << "the copy with a number is not shown";
 }
+
+#ifdef __GLIBC__
+TEST_F(MessageValuesTest, TheMemoryOfALargeMessageIsGivenBackAtOnce) {
+    const auto bytesInUse = [] {
+        const auto statistics = mallinfo2();
+        return statistics.uordblks + statistics.hblkhd;
+    };
+    std::string text;
+    while (text.size() < 20'000'000) {
+        text += "\u00E9";
+    }
+    deliver("{}");
+    const std::size_t before = bytesInUse();
+    deliver(R"({"action":"unknown","text":")" + text + "\"}");
+    EXPECT_LT(bytesInUse(), before + 5'000'000);
+}
+#endif
 
 TEST_F(MessageValuesTest, ALargeBodyIsHeldOnce) {
     deliver(R"({"app":"Chat","title":"Anna","body":" )" + std::string(1 << 20, 'x') + R"(","key":"k"})");

@@ -184,11 +184,11 @@ TEST(Records, ShowTheTimeOfTodayAndTheDateOfAnyOtherDay) {
     const FakeHost host;
     NotifPayload payload;
     payload.time = 1'700'000'000 - 3600;
-    EXPECT_EQ(payload.formattedTime(host), "21:13");
+    EXPECT_EQ(payload.formattedTime(host), "02:43");
     payload.time -= 24.0 * 3600;
-    EXPECT_EQ(payload.formattedTime(host), "13/11/2023, 21:13");
+    EXPECT_EQ(payload.formattedTime(host), "14/11/2023, 02:43");
     payload.time = 1'700'000'000 + 24.0 * 3600;
-    EXPECT_EQ(payload.formattedTime(host), "15/11/2023, 22:13");
+    EXPECT_EQ(payload.formattedTime(host), "16/11/2023, 03:43");
 }
 
 TEST(Records, GoByTheClockOfTheUser) {

@@ -178,7 +178,7 @@ TEST_F(CallsTabTest, RowsKeepTheOrderOfTheLogAndShowTheirDirection) {
     constexpr std::string_view in = "phone.arrow.down.left";
     constexpr std::string_view out = "phone.arrow.up.right";
     EXPECT_THAT(view->calls.recentCalls.get(),
-                ElementsAre(RecentCallRow{1'700'000'000'000, "3", "Anna", "22:13", in, ColorRole::red},
+                ElementsAre(RecentCallRow{1'700'000'000'000, "3", "Anna", "03:43", in, ColorRole::red},
                             RecentCallRow{1'600'000'000'000, "2", "2", "13/09/2020", out, ColorRole::primary},
                             RecentCallRow{1'699'919'999'000, "1", "1", "Yesterday", in, ColorRole::primary},
                             RecentCallRow{1'699'919'999'000, "5", "5", "Yesterday", in, ColorRole::primary}));

@@ -19,7 +19,7 @@ TEST_F(ClipboardTabTest, RowsShowTheWholeTextAndWhenItCame) {
     ASSERT_EQ(rows.size(), 1u);
     EXPECT_EQ(rows[0].id, store.clipboardHistory.get()[0].id);
     EXPECT_EQ(rows[0].text, text);
-    EXPECT_EQ(rows[0].date, "14 Nov 2023, 22:13");
+    EXPECT_EQ(rows[0].date, "15 Nov 2023, 03:43");
 }
 
 TEST_F(ClipboardTabTest, RowsAndTheClearButtonFollowTheStore) {

@@ -227,15 +227,21 @@ TEST(AvatarInitialsFromCallsTest, TheCallLogGivesTheName) {
 
 constexpr double lastMidnight = 1'699'920'000'000; // of the fake host's day, in London
 
+FakeHost inLondon() {
+    FakeHost host;
+    host.zone = "Europe/London";
+    return host;
+}
+
 TEST(ConversationDatesTest, ATimeStampIsATimeOfDay) {
-    const FakeHost host;
+    const FakeHost host = inLondon();
     EXPECT_EQ(formatDate(lastMidnight + 61'000, host), "00:01");
     EXPECT_EQ(formatDate(lastMidnight - 365 * 86'400'000.0, host), "00:00");
     EXPECT_EQ(formatDate(0, host), "01:00") << "London kept summer time in that winter";
 }
 
 TEST(ConversationDatesTest, ARelativeDateIsATimeOrYesterdayOrADate) {
-    const FakeHost host;
+    const FakeHost host = inLondon();
     EXPECT_EQ(RelativeDates(host).text(lastMidnight + 1), "00:00");
     EXPECT_EQ(RelativeDates(host).text(lastMidnight - 1), "Yesterday");
     EXPECT_EQ(RelativeDates(host).text(lastMidnight - 86'400'000), "Yesterday");

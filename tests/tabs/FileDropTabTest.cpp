@@ -53,11 +53,11 @@ TEST_F(FileDropTabTest, ThePercentageIsTruncated) {
 TEST_F(FileDropTabTest, AFinishedTransferShowsDirectionSizeAndTime) {
     FileTransferRecord done = record();
     done.isCompleted = true;
-    EXPECT_EQ(fileTransferRow(done, on.host).detail, "Received • 1.2 MB • 22:13");
+    EXPECT_EQ(fileTransferRow(done, on.host).detail, "Received • 1.2 MB • 03:43");
     done.isOutgoing = true;
     done.url = "/tmp/a.txt";
     const FileTransferRow row = fileTransferRow(done, on.host);
-    EXPECT_EQ(row.detail, "Sent • 1.2 MB • 22:13");
+    EXPECT_EQ(row.detail, "Sent • 1.2 MB • 03:43");
     EXPECT_EQ(row.symbol, "paperplane.fill");
     EXPECT_EQ(row.color, ColorRole::blue);
     EXPECT_TRUE(row.isCompleted);

@@ -58,8 +58,8 @@ TEST_F(NotificationsTabTest, ATitleThatIsAKnownNumberShowsTheName) {
 }
 
 TEST_F(NotificationsTabTest, TheTimeHasADateUnlessItIsOfToday) {
-    EXPECT_EQ(rowOf({.time = 1'700'000'000}).time, "22:13");
-    EXPECT_EQ(rowOf({.time = 1'699'919'999}).time, "13/11/2023, 23:59");
+    EXPECT_EQ(rowOf({.time = 1'700'000'000}).time, "03:43");
+    EXPECT_EQ(rowOf({.time = 1'699'919'999}).time, "14/11/2023, 05:29");
 }
 
 // Replying

@@ -79,7 +79,7 @@ TEST_F(SmsTabTest, ARowShowsNameInitialsDateAndPreview) {
                                                                     .displayAddress = "+447700900123",
                                                                     .avatarInitials = "AB",
                                                                     .name = "Sister",
-                                                                    .date = "22:13",
+                                                                    .date = "03:43",
                                                                     .preview = "last",
                                                                     .isActive = true}));
 }
@@ -164,8 +164,8 @@ TEST_F(SmsTabTest, BubblesRunOldestFirstAndOnlyType2IsOutgoing) {
     for (const SmsRecord* message : view->sms.activeMessages.get()) {
         bubbles.emplace_back(message->body, view->sms.formatDate(message->date), isOutgoing(*message));
     }
-    EXPECT_THAT(bubbles, ElementsAre(Bubble("a", "22:11", false), Bubble("b", "22:12", true),
-                                     Bubble("c", "22:13", false)));
+    EXPECT_THAT(bubbles, ElementsAre(Bubble("a", "03:41", false), Bubble("b", "03:42", true),
+                                     Bubble("c", "03:43", false)));
 }
 
 // Sending

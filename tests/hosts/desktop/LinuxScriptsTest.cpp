@@ -149,6 +149,15 @@ TEST_F(VolumeAction, SixInARowRaiseByThirtyEachFromTheOneBefore) {
     EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
+TEST_F(VolumeAction, ReadsAFractionToTheNearestPoint) {
+    startAt("0.29"); // a hundred times this is a little less than 29
+    run(Action::volumeUp);
+    EXPECT_TRUE(becomes("0.34"));
+    programs_.write("volume", "0.296");
+    run(Action::volumeDown);
+    EXPECT_TRUE(becomes("0.25"));
+}
+
 TEST_F(VolumeAction, StopsAtTheTop) {
     startAt("0.97 [MUTED]");
     run(Action::volumeUp);
@@ -156,6 +165,15 @@ TEST_F(VolumeAction, StopsAtTheTop) {
     run(Action::volumeUp);
     EXPECT_TRUE(hasSet(2));
     EXPECT_TRUE(becomes("1.00"));
+}
+
+TEST_F(VolumeAction, UpNeverLowersAVolumeBeyondTheTopAndDownGoesByItsStep) {
+    startAt("1.40");
+    run(Action::volumeUp);
+    EXPECT_TRUE(hasSet(1));
+    EXPECT_TRUE(becomes("1.40"));
+    run(Action::volumeDown);
+    EXPECT_TRUE(becomes("1.35"));
 }
 
 TEST_F(VolumeAction, StopsAtTheBottom) {

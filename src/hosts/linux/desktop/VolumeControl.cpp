@@ -104,7 +104,10 @@ void VolumeControl::readWith(std::size_t toolIndex, std::string complaint) {
 }
 
 void VolumeControl::write(const Tool& tool, const QString& program, int present) {
-    const int wanted = std::clamp(present + changes_.front(), 0, 100);
+    const int change = changes_.front();
+    // The desktop may have raised the volume beyond 100, and then up must not lower it.
+    const int highest = change < 0 ? present : std::max(present, 100);
+    const int wanted = std::clamp(present + change, 0, highest);
     startChild(
         *this, program, tool.writeArguments + QStringList{QStringLiteral("%1%").arg(wanted)},
         [this](const ChildResult& result) { finish(result.succeeded() ? "" : result.complaint); },

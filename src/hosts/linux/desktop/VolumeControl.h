@@ -22,7 +22,8 @@ public:
 
     explicit VolumeControl(ErrorHandler onError) : onError_(std::move(onError)) {}
 
-    /// Changes the volume by so many points of a hundred, staying between 0 and 100. Returns at once; an error
+    /// Changes the volume by so many points of a hundred, not below 0 and not up beyond 100. A volume that is
+    /// above 100 already stays there when it is to rise. Returns at once; an error
     /// text if there is no tool to do it with.
     std::optional<std::string> change(int points);
 

@@ -27,6 +27,13 @@ public:
     /// False without a display.
     static bool canShow() { return NotificationPanels::canShow(); }
 
+    /// False without a display.
+    bool hasRoom() const { return canShow() && panels_.hasRoom(); }
+    /// False for one that still waits for its turn.
+    bool isOnScreen(const std::string& identifier) const { return panels_.isOnScreen(identifier); }
+    /// The pointer is over it, or an answer is being typed.
+    bool isInUse(const std::string& identifier) const { return panels_.isInUse(identifier); }
+
     /// Replaces the banner of the same identifier. Returns false when there is no display or no room.
     bool show(const std::string& identifier, const NotificationContent& content,
               const std::optional<TextInputNotificationAction>& reply);

@@ -1,6 +1,6 @@
 #include "hosts/linux/notifications/DeliveryQueue.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace velloway {
 
@@ -8,6 +8,7 @@ namespace {
 
 /// Across all identifiers.
 constexpr std::size_t maxUnderWay = 2000;
+constexpr auto tooMany = "Too many notifications are waiting to be shown.";
 
 void complete(const DeliveryQueue::Completion& completion, const std::optional<std::string>& error) {
     if (completion) {
@@ -19,6 +20,9 @@ void complete(const DeliveryQueue::Completion& completion, const std::optional<s
 
 void DeliveryQueue::add(NotificationRequest request, Completion completion) {
     const std::string identifier = request.identifier;
+    if (!entries_.contains(identifier)) {
+        makeRoom();
+    }
     Delivery delivery{.request = std::move(request), .completion = std::move(completion)};
     if (const auto found = entries_.find(identifier); found != entries_.end()) {
         const auto superseded = std::exchange(found->second.next, std::move(delivery));
@@ -26,14 +30,36 @@ void DeliveryQueue::add(NotificationRequest request, Completion completion) {
             complete(superseded->completion, std::nullopt);
         }
     } else if (entries_.size() >= maxUnderWay) {
-        complete(delivery.completion, "Too many notifications are waiting to be shown.");
+        complete(delivery.completion, tooMany);
     } else {
         start(entries_.emplace(identifier, Entry{std::move(delivery), std::nullopt}).first->second.current);
     }
 }
 
+bool DeliveryQueue::addMove(NotificationRequest request, unsigned options) {
+    if (entries_.size() >= maxUnderWay || entries_.contains(request.identifier)) {
+        return false;
+    }
+    const std::string identifier = request.identifier;
+    Delivery move{.request = std::move(request), .completion = {}, .options = options, .isMove = true};
+    Delivery& delivery =
+        entries_.emplace(identifier, Entry{std::move(move), std::nullopt}).first->second.current;
+    delivery.turn = ++turns_;
+    waiting_.emplace(delivery.turn, identifier);
+    makeReady(delivery);
+    return true;
+}
+
+/// One that ends may bring the one behind it under way.
+void DeliveryQueue::makeRoom() {
+    while (entries_.size() >= maxUnderWay && !waiting_.empty()) {
+        finish(*find(std::string(waiting_.begin()->second)), tooMany);
+    }
+}
+
 void DeliveryQueue::start(Delivery& delivery) {
     delivery.turn = ++turns_;
+    waiting_.emplace(delivery.turn, delivery.request.identifier);
     started_(delivery);
 }
 
@@ -62,30 +88,28 @@ DeliveryQueue::Delivery* DeliveryQueue::find(const std::string& identifier, std:
 
 void DeliveryQueue::makeReady(Delivery& delivery) {
     delivery.stage = Stage::ready;
-    ready_.emplace_back(delivery.request.identifier, delivery.turn);
-}
-
-void DeliveryQueue::makeReadyAgain(Delivery& delivery) {
-    delivery.stage = Stage::ready;
-    const auto later = std::find_if(ready_.begin(), ready_.end(),
-                                    [&](const auto& waiting) { return waiting.second > delivery.turn; });
-    ready_.emplace(later, delivery.request.identifier, delivery.turn);
+    waiting_.emplace(delivery.turn, delivery.request.identifier);
+    ready_.emplace(delivery.turn, delivery.request.identifier);
 }
 
 DeliveryQueue::Delivery* DeliveryQueue::takeReady() {
-    while (!ready_.empty()) {
-        const auto [identifier, turn] = std::move(ready_.front());
-        ready_.pop_front();
-        if (Delivery* delivery = find(identifier, turn, Stage::ready)) {
-            return delivery;
-        }
+    if (ready_.empty()) {
+        return nullptr;
     }
-    return nullptr;
+    const std::string identifier = std::move(ready_.extract(ready_.begin()).mapped());
+    return find(identifier);
+}
+
+void DeliveryQueue::markSent(Delivery& delivery) {
+    delivery.stage = Stage::sent;
+    waiting_.erase(delivery.turn);
 }
 
 void DeliveryQueue::finish(Delivery& delivery, const std::optional<std::string>& error) {
     const auto found = entries_.find(delivery.request.identifier);
     const Completion completion = std::move(delivery.completion);
+    waiting_.erase(delivery.turn);
+    ready_.erase(delivery.turn);
     if (auto next = std::exchange(found->second.next, std::nullopt)) {
         found->second.current = std::move(*next);
         start(found->second.current);

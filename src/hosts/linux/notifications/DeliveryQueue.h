@@ -4,12 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
-#include <utility>
 
 namespace velloway {
 
@@ -33,13 +31,19 @@ public:
         int attempts = 0;
         /// It was removed from the screen while it was on its way to the service.
         bool isRemoved = false;
+        /// It is on our own banner and goes from there to the service.
+        bool isMove = false;
     };
 
     /// `started` is called for each delivery that comes under way, within `add` or `finish`.
     explicit DeliveryQueue(std::function<void(Delivery& delivery)> started) : started_(std::move(started)) {}
 
-    /// Completes at once with an error when too many are under way already.
+    /// When too many are under way already, the oldest that has not been sent gives way and completes with an
+    /// error.
     void add(NotificationRequest request, Completion completion);
+    /// Adds a delivery that is ready at once and that nobody waits for. Returns false when there is no room or
+    /// another delivery of that identifier is under way.
+    bool addMove(NotificationRequest request, unsigned options);
     /// Completes what has not been sent yet.
     void removePending(const std::string& identifier);
 
@@ -48,13 +52,13 @@ public:
     /// Null when that delivery has ended or is in another stage.
     Delivery* find(const std::string& identifier, std::uint64_t turn, Stage stage);
 
-    /// Last in the order of sending.
+    /// Also for a delivery that was sent in vain. Those that are ready are sent in the order in which they were
+    /// handed over.
     void makeReady(Delivery& delivery);
-    /// A delivery that was sent in vain, in the order in which the deliveries were handed over.
-    void makeReadyAgain(Delivery& delivery);
     bool hasReady() const { return !ready_.empty(); }
     /// The next to be sent, in the stage `ready`; null when there is none.
     Delivery* takeReady();
+    void markSent(Delivery& delivery);
 
     /// Ends the delivery: the one that waits behind it comes under way, then the completion is called.
     void finish(Delivery& delivery, const std::optional<std::string>& error);
@@ -66,11 +70,14 @@ private:
     };
 
     void start(Delivery& delivery);
+    void makeRoom();
 
     std::function<void(Delivery&)> started_;
     std::map<std::string, Entry> entries_;
-    /// Identifier and turn; an element whose delivery has ended meanwhile is skipped.
-    std::deque<std::pair<std::string, std::uint64_t>> ready_;
+    /// The identifiers of those that have not been sent, by turn.
+    std::map<std::uint64_t, std::string> waiting_;
+    /// Those among them that may be sent.
+    std::map<std::uint64_t, std::string> ready_;
     std::uint64_t turns_ = 0;
 };
 

@@ -1,8 +1,22 @@
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 
 #include "hosts/linux/notifications/NotificationPoster.h"
+#include "hosts/linux/notifications/NotificationText.h"
 
 namespace velloway {
+
+namespace {
+
+/// Texts of any size come from the phone, and what is on screen is kept for as long as it stands there.
+NotificationRequest displayedPart(const NotificationRequest& request) {
+    NotificationRequest part = request;
+    if (part.content.body.string().size() > readBytes(bodyLimit)) {
+        part.content.body = part.content.body.string().substr(0, readBytes(bodyLimit));
+    }
+    return part;
+}
+
+} // namespace
 
 LinuxUserNotificationCenter::LinuxUserNotificationCenter(DispatchQueue& main)
     : main_(main), poster_(std::make_shared<NotificationPoster>(main)) {}
@@ -17,7 +31,7 @@ void LinuxUserNotificationCenter::setDelegate(UserNotificationCenterDelegate* de
 void LinuxUserNotificationCenter::add(const NotificationRequest& request,
                                       std::function<void(const std::optional<std::string>& error)> completion) {
     hop(main_, std::weak_ptr(poster_),
-        [request = request, completion = std::move(completion)](auto& poster) mutable {
+        [request = displayedPart(request), completion = std::move(completion)](auto& poster) mutable {
             poster.add(std::move(request), std::move(completion));
         });
 }

@@ -28,6 +28,9 @@ public:
     /// How long it stays, from when it is shown, if nobody uses it.
     void setLifetime(std::chrono::milliseconds lifetime) { life_.setInterval(lifetime); }
 
+    /// The pointer is over it, or an answer is being typed.
+    bool isInUse() const;
+
 signals:
     /// Exactly one of these comes, once; the banner does not close itself.
     void replied(const QString& text);
@@ -45,7 +48,6 @@ private:
     QWidget* makeHeader(const QString& title);
     void addLine(const QString& text, int maxLines, QFont::Weight weight, QPalette::ColorRole color);
     void timeOut();
-    bool isInUse() const;
 
     ReplyRow* row_ = nullptr;
     QTimer life_;

@@ -41,6 +41,9 @@ NotificationService::Notification notificationCall(const NotificationContent& co
     if (reply) {
         call.hints["category"] = "im.received";
     }
+    if (capabilities.originName && content.threadIdentifier && !content.threadIdentifier->empty()) {
+        call.hints["x-kde-origin-name"] = displayableText(*content.threadIdentifier, titleLimit);
+    }
     if (content.hasDefaultSound && (options & presentationOptions::sound)) {
         call.hints["sound-name"] = "message-new-instant";
     } else {

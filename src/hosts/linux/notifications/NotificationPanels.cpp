@@ -104,12 +104,25 @@ bool NotificationPanels::showBanner(const std::string& identifier, const Notific
         *waits = {identifier, content, std::move(events)};
         return true;
     }
-    if (waiting_.size() >= maxWaiting) {
+    if (!hasRoom()) {
         return false;
     }
     waiting_.push_back({identifier, content, std::move(events)});
     showWaiting();
     return true;
+}
+
+bool NotificationPanels::hasRoom() const {
+    return waiting_.size() < maxWaiting;
+}
+
+bool NotificationPanels::isOnScreen(const std::string& identifier) const {
+    return withIdentifier(banners_, identifier) != banners_.end();
+}
+
+bool NotificationPanels::isInUse(const std::string& identifier) const {
+    const auto shown = withIdentifier(banners_, identifier);
+    return shown != banners_.end() && static_cast<const NotificationBanner*>(shown->panel)->isInUse();
 }
 
 void NotificationPanels::closeBanner(const std::string& identifier) {

@@ -34,6 +34,11 @@ public:
     /// false when too many wait already.
     bool showBanner(const std::string& identifier, const NotificationBanner::Content& content,
                     BannerEvents events);
+    /// Whether another banner can be shown or can wait.
+    bool hasRoom() const;
+    /// False for a banner that still waits for its turn.
+    bool isOnScreen(const std::string& identifier) const;
+    bool isInUse(const std::string& identifier) const;
     void closeBanner(const std::string& identifier);
 
     /// Opens a panel, or brings up the one already open for this identifier.

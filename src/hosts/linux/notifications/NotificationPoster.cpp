@@ -30,11 +30,12 @@ NotificationPoster::NotificationPoster(DispatchQueue& main)
                              const QString& text) { takeReply(identifier, action, text); },
            .clicked = [this](const auto& identifier) { respond(identifier, notificationActions::clicked); },
            .dismissed = [this](const auto& identifier) { respond(identifier, notificationActions::dismissed); },
-           .gone = [this](const auto& identifier) { shown_.takeFromBanner(identifier); }}),
+           .gone = [this](const auto& identifier) { bannerGone(identifier); }}),
       service_(main, {.closed = [this](uint id, uint reason) { closed(id, reason); },
                       .actionInvoked = [this](uint id, const QString& key) { actionInvoked(id, key); },
                       .replied = [this](uint id, const QString& text) { replied(id, text); },
-                      .ownerChanged = [this] { serviceChanged(); }}) {}
+                      .ownerChanged = [this] { serviceChanged(); },
+                      .becameAvailable = [this] { serviceBecameAvailable(); }}) {}
 
 void NotificationPoster::add(NotificationRequest request, Completion completion) {
     deliveries_.add(std::move(request), std::move(completion));
@@ -44,9 +45,11 @@ void NotificationPoster::removeDelivered(const std::string& identifier) {
     if (Delivery* delivery = deliveries_.find(identifier)) {
         delivery->isRemoved = delivery->stage == DeliveryQueue::Stage::sent;
     }
+    endMove(identifier);
     closeAtService(identifier);
     if (shown_.takeFromBanner(identifier)) {
         banners_.close(identifier);
+        showMoreLater();
     }
 }
 
@@ -105,28 +108,31 @@ void NotificationPoster::askCapabilities() {
         if (names) {
             capabilities_ = NotificationCapabilities::from(*names);
             sendReady();
-            return;
-        }
-        std::vector<std::pair<std::string, std::uint64_t>> waiting;
-        while (const Delivery* delivery = deliveries_.takeReady()) {
-            waiting.emplace_back(delivery->request.identifier, delivery->turn);
-        }
-        for (const auto& [identifier, turn] : waiting) {
-            if (Delivery* delivery = deliveries_.find(identifier, turn, DeliveryQueue::Stage::ready)) {
-                showOnBanner(*delivery);
-            }
+        } else {
+            showReadyOnBanners();
         }
     });
+}
+
+/// What finds no room stays ready, for the service or for a banner, whichever comes first.
+void NotificationPoster::showReadyOnBanners() {
+    while (!BannerFallback::canShow() || banners_.hasRoom()) {
+        Delivery* delivery = deliveries_.takeReady();
+        if (!delivery) {
+            return;
+        }
+        showOnBanner(*delivery);
+    }
 }
 
 void NotificationPoster::send(Delivery& delivery) {
     const NotificationContent& content = delivery.request.content;
     const Reply reply = replyActionOf(content);
-    if (reply && !capabilities_->actions && !capabilities_->inlineReply && BannerFallback::canShow()) {
+    if (reply && !capabilities_->actions && !capabilities_->inlineReply && banners_.hasRoom()) {
         showOnBanner(delivery);
         return;
     }
-    delivery.stage = DeliveryQueue::Stage::sent;
+    deliveries_.markSent(delivery);
     ++inFlight_;
     const std::string identifier = delivery.request.identifier;
     const auto* before = shown_.find(identifier);
@@ -161,7 +167,7 @@ void NotificationPoster::act(Delivery& delivery, const NotificationService::Answ
         return deliveries_.finish(delivery, answer.errorText.toStdString());
     case Outcome::unavailable:
         capabilities_.reset();
-        return showOnBanner(delivery);
+        return banners_.hasRoom() ? showOnBanner(delivery) : tryAgain(delivery);
     case Outcome::tooMany:
         pauseSending();
         return tryAgain(delivery);
@@ -186,7 +192,7 @@ void NotificationPoster::tryAgain(Delivery& delivery) {
     } else if (++delivery.attempts >= maxAttempts) {
         showOnBanner(delivery);
     } else {
-        deliveries_.makeReadyAgain(delivery);
+        deliveries_.makeReady(delivery);
     }
 }
 
@@ -235,6 +241,9 @@ void NotificationPoster::showOnBanner(Delivery& delivery) {
 }
 
 bool NotificationPoster::putOnBanner(Delivery& delivery) {
+    if (delivery.isMove) {
+        return true;
+    }
     const std::string& identifier = delivery.request.identifier;
     const NotificationContent& content = delivery.request.content;
     const Reply reply = replyActionOf(content);
@@ -242,8 +251,42 @@ bool NotificationPoster::putOnBanner(Delivery& delivery) {
         return false;
     }
     closeAtService(identifier);
-    shown_.addOnBanner(identifier, {.content = content, .reply = reply, .turn = delivery.turn});
+    shown_.addOnBanner(
+        identifier, {.content = content, .reply = reply, .options = delivery.options, .turn = delivery.turn});
     return true;
+}
+
+void NotificationPoster::bannerGone(const std::string& identifier) {
+    shown_.takeFromBanner(identifier);
+    endMove(identifier);
+    showMoreLater();
+}
+
+void NotificationPoster::showMoreLater() {
+    // The place on screen is free only after this.
+    hop(main_, weak_from_this(), [](auto& self) { self.sendReady(); });
+}
+
+void NotificationPoster::endMove(const std::string& identifier) {
+    Delivery* delivery = deliveries_.find(identifier);
+    if (!delivery || !delivery->isMove) {
+        return;
+    }
+    if (delivery->stage == DeliveryQueue::Stage::sent) {
+        delivery->isRemoved = true;
+    } else {
+        deliveries_.finish(*delivery, std::nullopt);
+    }
+}
+
+/// Our banners would cover what the service shows. What the user has seen already makes no second sound.
+void NotificationPoster::moveBannersToService() {
+    for (const auto& [identifier, shown] : shown_.onBanners()) {
+        if (!banners_.isInUse(identifier)) {
+            const unsigned silenced = banners_.isOnScreen(identifier) ? presentationOptions::sound : 0;
+            deliveries_.addMove({identifier, shown.content}, shown.options & ~silenced);
+        }
+    }
 }
 
 void NotificationPoster::closeAtService(const std::string& identifier) {
@@ -255,6 +298,11 @@ void NotificationPoster::closeAtService(const std::string& identifier) {
 void NotificationPoster::serviceChanged() {
     capabilities_.reset();
     shown_.serviceChanged();
+}
+
+void NotificationPoster::serviceBecameAvailable() {
+    moveBannersToService();
+    sendReady();
 }
 
 // What the user does.

@@ -24,6 +24,9 @@ namespace velloway {
 /// What the service leaves unanswered for too long goes to our own banner, which then stands for it: should the
 /// service show it after all, it is closed there. Where no banner has room, it stays with the service.
 ///
+/// While there is no service, what finds no room on our banners waits for a banner to go or for a service to
+/// come. To a service that comes go the banners that nobody is using, too.
+///
 /// A request that can be answered goes to our own banner when the service has no actions at all, because on
 /// such a service nobody could answer it.
 class NotificationPoster : public std::enable_shared_from_this<NotificationPoster> {
@@ -47,6 +50,7 @@ private:
 
     void sendReady();
     void askCapabilities();
+    void showReadyOnBanners();
     void send(Delivery& delivery);
     void answered(const std::string& identifier, std::uint64_t turn, const NotificationService::Answer& answer);
     void act(Delivery& delivery, const NotificationService::Answer& answer);
@@ -56,8 +60,13 @@ private:
     void shownByService(Delivery& delivery, uint id);
     void showOnBanner(Delivery& delivery);
     bool putOnBanner(Delivery& delivery);
+    void bannerGone(const std::string& identifier);
+    void showMoreLater();
+    void endMove(const std::string& identifier);
+    void moveBannersToService();
     void closeAtService(const std::string& identifier);
     void serviceChanged();
+    void serviceBecameAvailable();
 
     void closed(uint id, uint reason);
     void actionInvoked(uint id, const QString& key);

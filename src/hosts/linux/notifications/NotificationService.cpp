@@ -155,7 +155,9 @@ void NotificationService::askCapabilities(const CapabilitiesAnswer& answered, in
         methodCall(QStringLiteral("GetCapabilities")),
         [=, this, ownersAtCall = owners_](const QDBusMessage& reply, bool isLate) {
             if (isLate) {
-                isSilent_ = isSilent_ && owners_ != ownersAtCall;
+                if (std::exchange(isSilent_, isSilent_ && owners_ != ownersAtCall) && !isSilent_) {
+                    events_.becameAvailable();
+                }
                 return;
             }
             if (owners_ != ownersAtCall && reply.service() != owner_) {
@@ -239,6 +241,9 @@ void NotificationService::onOwnerChanged(const QString&, const QString&, const Q
     ++owners_;
     isSilent_ = false;
     events_.ownerChanged();
+    if (!owner_.isEmpty()) {
+        events_.becameAvailable();
+    }
 }
 
 } // namespace velloway

@@ -59,6 +59,8 @@ public:
         std::function<void(uint id, const QString& text)> replied;
         /// Ids and capabilities learned before are worthless from here on.
         std::function<void()> ownerChanged;
+        /// A service has come, after `ownerChanged`, or one that was overdue has answered.
+        std::function<void()> becameAvailable;
     };
 
     using CapabilitiesAnswer = std::function<void(const QStringList* capabilities)>;

@@ -16,13 +16,12 @@ NotificationCapabilities NotificationCapabilities::from(const QStringList& names
     return {.body = names.contains(u"body"),
             .bodyMarkup = names.contains(u"body-markup"),
             .actions = names.contains(u"actions"),
-            .inlineReply = names.contains(u"inline-reply")};
+            .inlineReply = names.contains(u"inline-reply"),
+            .originName = names.contains(u"x-kde-origin-name")};
 }
 
 QString displayableText(const std::string& text, qsizetype limit) {
-    // No UTF-16 unit is made of fewer than one byte nor more than three, so the excess need not be decoded.
-    const auto bytes = std::min<qsizetype>(qsizetype(text.size()), limit * 3 + 3);
-    QString shown = QString::fromUtf8(text.data(), bytes);
+    QString shown = QString::fromUtf8(text.data(), qsizetype(std::min(text.size(), readBytes(limit))));
     shown.removeIf([](QChar c) { return !isShown(c); });
     if (shown.size() > limit) {
         shown.truncate(limit - 1);

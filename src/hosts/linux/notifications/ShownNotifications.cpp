@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace velloway {
@@ -36,6 +37,15 @@ void ShownNotifications::addOnBanner(const std::string& identifier, Shown shown)
     takeFromService(identifier);
     shown.isOnBanner = true;
     shown_[identifier] = std::move(shown);
+}
+
+std::vector<std::pair<std::string, ShownNotifications::Shown>> ShownNotifications::onBanners() const {
+    std::vector<std::pair<std::string, Shown>> found;
+    std::copy_if(shown_.begin(), shown_.end(), std::back_inserter(found),
+                 [](const auto& entry) { return entry.second.isOnBanner; });
+    std::sort(found.begin(), found.end(),
+              [](const auto& a, const auto& b) { return a.second.turn < b.second.turn; });
+    return found;
 }
 
 uint ShownNotifications::takeFromService(const std::string& identifier) {

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace velloway {
@@ -23,6 +24,8 @@ public:
         bool isOnBanner = false;
         NotificationContent content;
         std::optional<TextInputNotificationAction> reply;
+        /// Those that the delegate decided on.
+        unsigned options = 0;
         /// The user has used it already: its closing is not a dismissal.
         bool wasAnswered = false;
         /// Higher for what was handed over later.
@@ -38,6 +41,9 @@ public:
     /// screen, but can no longer be replaced, closed and answered.
     void addFromService(const std::string& identifier, Shown shown);
     void addOnBanner(const std::string& identifier, Shown shown);
+
+    /// In the order in which they were handed over.
+    std::vector<std::pair<std::string, Shown>> onBanners() const;
 
     /// Forgets what the service shows. Returns its id, or 0 when it does not show anything.
     uint takeFromService(const std::string& identifier);
