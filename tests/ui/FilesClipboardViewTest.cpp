@@ -81,6 +81,7 @@ TEST_F(FileDropViewTest, FilesChosenInThePanelAreSentInItsOrder) {
     const TemporaryFolder folder;
     for (const char* name : {"a.txt", "b.txt", "c.txt", "d.txt", "e.txt"}) {
         std::ofstream(folder.path() / name) << "hello";
+        on.files.put(folder.path() / name, "hello");
     }
     QFileDialog* panel = openPanel();
     ASSERT_NE(panel, nullptr);
