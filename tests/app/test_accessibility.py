@@ -64,7 +64,7 @@ class Windows(AppTest):
         self.phone.write("sms_history 3 9")
         thread = wait_for(lambda: next((part for part in self.tree.parts() if part.get_role_name() == "list item"
                                         and ", " in (part.get_name() or "")), None), "a thread")
-        thread.do_action(0)
+        self.tree.press(thread.get_name(), "list item")
         self.tree.write("Text Message", "On my way")
         self.tree.press("Send", "push button")
         sent = self.got(action="send_sms", body="On my way")
