@@ -75,7 +75,7 @@ class ConfigureTest(unittest.TestCase):
         hosts = {file for file in self.commands if TOP / "src/hosts" in file.parents}
         ours = {file for file in HOST.iterdir() if file.suffix in (".cpp", ".mm")}
         self.assertEqual({file for file in hosts if file.parent == HOST}, ours)
-        self.assertEqual({file.parent.name for file in hosts}, {"mac", "qt"})
+        self.assertEqual({file.parent.name for file in hosts}, {"mac", "posix", "qt"})
 
     def test_objects_are_counted_by_the_compiler_in_every_file_that_has_some(self):
         files = [file for file in self.commands if file.suffix == ".mm"]

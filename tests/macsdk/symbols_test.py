@@ -10,7 +10,7 @@ OLDEST_SYSTEM = (13, 0)
 LITERAL = re.compile(r'"([a-z]+(?:\.[a-z0-9]+)*)"')
 # Where a plain word in quotes names a symbol: the rows of the two tables, and whatever is called a symbol.
 TABLE_ROWS = {"TabTable.h": re.compile(r'\{tabIndex::\w+, "[^"]*", ("[^"]*")'),
-              "RemoteTab.cpp": re.compile(r'\{RemoteSection::\w+,\s*"[^"]*",\s*("[^"]*")')}
+              "RemoteModel.cpp": re.compile(r'\{RemoteSection::\w+,\s*"[^"]*",\s*("[^"]*")')}
 NAMED_SYMBOL = re.compile(r'[sS]ymbol\w*\s*(?:=|:|\([^)]*\)[^{;]*\{)\s*([^;{}]*)|\bSymbol\s*\{[^}]*?\bname:\s*([^\n;}]*)')
 
 
@@ -34,6 +34,8 @@ def named_in(file):
     text = file.read_text()
     named = {word for word in LITERAL.findall(text) if "." in word}
     places = ["".join(groups) for groups in NAMED_SYMBOL.findall(text)]
+    # In a table of texts the name of the text says so.
+    places += re.findall(r'\{"\w*[sS]ymbol",\s*("[^"]*")\}', text)
     if file.name in TABLE_ROWS:
         places += TABLE_ROWS[file.name].findall(text)
     for place in places:

@@ -56,7 +56,7 @@ TEST_F(FileDropViewTest, ARunningTransferShowsItsShareAndAFinishedOneItsFacts) {
     program.historyStore().updateFileTransfer(last_.id, 1, true, std::nullopt);
     settle();
     EXPECT_FALSE(shows("progress"));
-    EXPECT_EQ(all("transfer").at(0)->property("detail").toString(), QStringLiteral("Sent • 1 KB • 22:13"));
+    EXPECT_EQ(all("transfer").at(0)->property("detail").toString(), QStringLiteral("Sent • 1 KB • 03:43"));
 }
 
 TEST_F(FileDropViewTest, TheFolderButtonIsThereOnlyWithAFileAndRevealsIt) {
