@@ -105,7 +105,7 @@ struct Avx2 {
         return to + 16 - byteMoves.keptCount[mask];
     }
     /// Without a question whether there is a slash at all: in two of five registers there is, and nobody can
-    /// foretell in which.
+    /// predict in which.
     static std::uint8_t* storeEscaped(Register text, std::uint8_t* to) {
         const Register slash = _mm256_cmpeq_epi8(text, _mm256_set1_epi8('/'));
         const unsigned mask = static_cast<unsigned>(_mm256_movemask_epi8(slash));

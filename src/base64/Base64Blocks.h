@@ -37,7 +37,7 @@ inline std::uint8_t* packGroup(const std::uint8_t* values, std::uint8_t* out) {
 /// Copies a block without its unknown bytes, and returns how many there are. Reads and writes up to a block and
 /// a byte beyond.
 ///
-/// Mostly there is one such byte or none, and nobody can foretell which: both take the same steps.
+/// Mostly there is one such byte or none, and nobody can predict which: both take the same steps.
 template <class Vector> std::size_t copyKnown(const std::uint8_t* in, std::uint8_t* to) {
     const auto chars = Vector::load(in);
     const unsigned unknown = Vector::unknownMask(chars);

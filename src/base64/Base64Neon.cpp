@@ -85,7 +85,7 @@ struct Neon {
         return to + 16 - byteMoves.keptCount[mask];
     }
     /// Without a question whether there is a slash at all: in every fourth register there is, and nobody can
-    /// foretell in which.
+    /// predict in which.
     static std::uint8_t* storeEscaped(Register text, std::uint8_t* to) {
         const Register slash = vceqq_u8(text, vdupq_n_u8('/'));
         const unsigned mask = bits(slash);

@@ -90,7 +90,7 @@ struct Ssse3 {
         return to + 16 - byteMoves.keptCount[mask];
     }
     /// Without a question whether there is a slash at all: in every fourth register there is, and nobody can
-    /// foretell in which.
+    /// predict in which.
     static std::uint8_t* storeEscaped(Register text, std::uint8_t* to) {
         const Register slash = _mm_cmpeq_epi8(text, _mm_set1_epi8('/'));
         const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(slash));

@@ -26,7 +26,7 @@ struct Conversation {
     std::string id;
     /// As the newest message spells it.
     std::string displayAddress;
-    /// From the first record in the order of the log that has a name, be it an empty one.
+    /// From the first record in the order of the log that has a name, even an empty one.
     std::optional<std::string> contactName;
     /// Oldest first.
     std::vector<const SmsRecord*> messages;

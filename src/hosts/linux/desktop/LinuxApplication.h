@@ -19,7 +19,7 @@ public:
     /// Escape, and the end of the process, answer like the second button.
     int runModal(const Alert& alert) override;
 
-    /// Not owned; is told of every activation from now on.
+    /// Not owned; receives every activation from now on.
     void setDelegate(ApplicationDelegate* delegate);
     ServicesProvider* servicesProvider() const { return servicesProvider_; }
     ActivationPolicy activationPolicy() const { return activationPolicy_; }
