@@ -284,7 +284,13 @@ class TrayWatcher(Properties, dbus.service.Object):
         return [None if row.get("type") == "separator" else str(row.get("label", "")) for _, row in self.menu()]
 
     def status(self):
-        return next((title for title in self.titles() if title and title.startswith("Server: ")), None)
+        """None while the item is that of a program that has just gone."""
+        try:
+            return next((title for title in self.titles() if title and title.startswith("Server: ")), None)
+        except dbus.DBusException as error:
+            if error.get_dbus_name() != "org.freedesktop.DBus.Error.ServiceUnknown":
+                raise
+            return None
 
     def choose(self, title):
         number = next(number for number, row in self.menu() if row.get("label") == title)

@@ -96,7 +96,7 @@ class ActivationTest(AppTest):
         wait_for(lambda: f"selectedSettingsTab={number}\n" in self.settings.read_text(), f"tab {number}")
 
 
-MAIN = "Velloway Settings — Velloway"
+MAIN = "Velloway Settings"
 MENU = "Velloway"
 
 
