@@ -13,6 +13,7 @@ struct DateContext {
     std::string locale;
     std::string timeZone;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr)
     auto operator<=>(const DateContext&) const = default;
 };
 

@@ -103,9 +103,16 @@ def pixels(x, y, width, height):
     return [raw[at:at + 3] for at in range(0, len(raw), 3)]
 
 
-GREEN = {bytes.fromhex(color) for color in ("30d158", "2db84f")}
-RED = {bytes.fromhex(color) for color in ("ff453a", "f5392f")}
-BLUE = {bytes.fromhex(color) for color in ("0070f0", "0a84ff")}
+def palette(name):
+    """A colour of the program as bytes of a screenshot, in light and in dark."""
+    colors = (pathlib.Path(__file__).parents[2] / "src/tabs/Style.h").read_text()
+    row = re.search(r'\{"' + name + r'", 0xff([0-9a-f]{6}), 0xff([0-9a-f]{6})\}', colors)
+    return {bytes.fromhex(color) for color in row.groups()}
+
+
+GREEN = palette("green")
+RED = palette("red")
+BLUE = palette("blue")
 # Of a round button of 32 by 32 with a symbol on it.
 BUTTON = 350
 
