@@ -16,9 +16,9 @@ void ClipboardSync::receive(std::string text) {
         if (const auto store = link->historyStore.lock()) {
             store->addClipboard(std::move(text));
         }
-        if (isSet) {
-            notifications.postSimple("Clipboard Synced", "Text from Android copied to your Mac clipboard.");
-        } else {
+        notifications.postSimple("Clipboard Synced", "Text from Android copied to your Mac clipboard.");
+        if (!isSet) {
+            // That banner comes with every text; here it needs to be put right.
             notifications.postSimple(
                 "Clipboard Not Synced",
                 "This desktop did not accept the text from Android. It is in the Clipboard tab.");

@@ -24,11 +24,11 @@ class HiddenClipboard(AppTest):
         self.app = self.start(App(free_port(), env=environment)).wait_listening()
         self.node = self.start_node(self.app.port)
 
-    def test_a_text_that_did_not_get_there_is_not_called_synced(self):
+    def test_the_banner_of_a_text_that_did_not_get_there_is_put_right(self):
         self.node.send({"action": "clipboard", "text": "from the phone"})
         shown = self.service.wait_shown("Clipboard Not Synced")
         self.assertIn("Clipboard tab", shown["body"])
-        self.assertEqual(len(self.service.shown), 1)
+        self.assertEqual(len(self.service.shown), 2)
 
     def test_what_cannot_be_read_is_not_sent_and_the_user_is_told(self):
         self.node.send({"action": "clipboard", "text": "from the phone"})

@@ -95,12 +95,13 @@ TEST_F(ClipboardSyncTest, FinishesWhatItBeganWhenTheServerGoes) {
     EXPECT_EQ(banners(), (Banners{banner}));
 }
 
-TEST_F(ClipboardSyncTest, KeepsTheTextButClaimsNothingWhenTheDesktopRefusesIt) {
+TEST_F(ClipboardSyncTest, PutsTheBannerRightWhenTheDesktopRefusesTheText) {
     host.pasteboard.isLocked = true;
     receive("hello");
     EXPECT_EQ(history(), (Entries{"hello"}));
     EXPECT_EQ(banners(),
-              (Banners{{"Clipboard Not Synced",
+              (Banners{banner,
+                       {"Clipboard Not Synced",
                         "This desktop did not accept the text from Android. It is in the Clipboard tab."}}));
 }
 
