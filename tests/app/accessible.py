@@ -49,7 +49,7 @@ class Tree:
         return None
 
     def parts(self):
-        """Every part that is showing, windows first."""
+        """Every part, windows first."""
         found = []
 
         def walk(part, depth):
@@ -66,15 +66,20 @@ class Tree:
         return found
 
     def find(self, name, role=None):
+        return self.find_if(lambda part: part.get_name() == name and role in (None, part.get_role_name()))
+
+    def find_if(self, matches):
+        """The first part that is showing and that `matches` accepts, or None.
+
+        A list keeps rows that it no longer needs for later ones; they stay in the tree and do not show.
+        """
         for part in self.parts():
             try:
                 part.clear_cache()
-                states = part.get_state_set()
-                if (part.get_name() == name and (role is None or part.get_role_name() == role)
-                        and states.contains(Atspi.StateType.SHOWING)):
+                if matches(part) and part.get_state_set().contains(Atspi.StateType.SHOWING):
                     return part
             except GLib.Error:
-                continue
+                continue  # It has just gone.
         return None
 
     def wait(self, name, role=None):

@@ -62,8 +62,8 @@ class Windows(AppTest):
         self.open("Send SMS…")
         self.got(action="get_sms_history")
         self.phone.write("sms_history 3 9")
-        thread = wait_for(lambda: next((part for part in self.tree.parts() if part.get_role_name() == "list item"
-                                        and ", " in (part.get_name() or "")), None), "a thread")
+        thread = wait_for(lambda: self.tree.find_if(lambda part: part.get_role_name() == "list item"
+                                                    and ", " in (part.get_name() or "")), "a thread")
         self.tree.press(thread.get_name(), "list item")
         self.tree.write("Text Message", "On my way")
         self.tree.press("Send", "push button")

@@ -200,9 +200,8 @@ class Device(AppTest):
         self.commands.wait_call("termux-sms-list", "-t", "all", "-l", "500")
 
         def row(start):
-            return wait_for(lambda: next((part for part in tree.parts()
-                                          if part.get_role_name() in ("list item", "push button")
-                                          and start + ", " in (part.get_name() or "")), None),
+            return wait_for(lambda: tree.find_if(lambda part: part.get_role_name() in ("list item", "push button")
+                                                 and start + ", " in (part.get_name() or "")),
                             f"a row {start}; there are:\n{tree.describe()}")
 
         row("Bruno Falk")
