@@ -2,6 +2,8 @@
 // 1,000 moves a second: through the sockets, the server, the dispatch, the router, the log (a file) and both
 // queues.
 //
+// The log goes to a file and the figures to standard error. The queues are joined as in the program.
+//
 //   pointer_latency [seconds for each case, 5 by default]
 
 #include "PhoneSocket.h"
@@ -14,6 +16,7 @@
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/posix/PosixFiles.h"
 #include "hosts/qt/QtMainQueue.h"
+#include "hosts/qt/StandardOutputLog.h"
 #include "server/WebSocketServer.h"
 #include "state/AppNotificationCenter.h"
 #include "state/HistoryStore.h"
@@ -30,7 +33,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -43,32 +45,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int movesPerSecond = 1'000;
 constexpr std::size_t chunkBytes = std::size_t{1} << 20;
-
-/// One write for each line, as the program's own log does.
-class FileLog : public Log {
-public:
-    explicit FileLog(const std::filesystem::path& path)
-        : file_(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600)) {}
-    ~FileLog() override { ::close(file_); }
-
-    void line(std::initializer_list<std::string_view> pieces) override {
-        const std::lock_guard lock(mutex_);
-        text_.clear();
-        for (const std::string_view piece : pieces) {
-            text_.append(piece);
-        }
-        text_.push_back('\n');
-        if (::write(file_, text_.data(), text_.size()) < 0) {
-            std::perror("log");
-            std::exit(1);
-        }
-    }
-
-private:
-    int file_;
-    std::mutex mutex_;
-    std::string text_;
-};
 
 /// Notes when each move of the pointer arrives. Main thread, but for the counter.
 class TimingInputEvents : public test::FakeInputEvents {
@@ -121,10 +97,9 @@ void report(const char* name, const std::vector<Clock::time_point>& sentAt,
             std::chrono::duration<double, std::micro>(postedAt[index] - sentAt[index]).count();
     }
     std::sort(microseconds.begin(), microseconds.end());
-    std::printf("%-34s %8zu moves   median %9.1f us   p99 %9.1f us   worst %9.1f us\n", name,
-                microseconds.size(), microseconds[microseconds.size() / 2],
-                microseconds[microseconds.size() * 99 / 100], microseconds.back());
-    std::fflush(stdout);
+    std::fprintf(stderr, "%-34s %8zu moves   median %9.1f us   p99 %9.1f us   worst %9.1f us\n", name,
+                 microseconds.size(), microseconds[microseconds.size() / 2],
+                 microseconds[microseconds.size() * 99 / 100], microseconds.back());
 }
 
 /// False when not every move has arrived.
@@ -171,6 +146,11 @@ int run(int argc, char** argv) {
         return 2;
     }
     const std::filesystem::path folder = pattern;
+    const int logFile = ::open((folder / "log").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    if (logFile < 0 || ::dup2(logFile, STDOUT_FILENO) < 0) {
+        std::perror("log");
+        return 1;
+    }
 
     bool isComplete = false;
     {
@@ -182,11 +162,20 @@ int run(int argc, char** argv) {
         test::FakeHost host;
         test::FakeUserNotificationCenter center;
         TimingInputEvents input;
-        FileLog log(folder / "log");
+        StandardOutputLog log;
         AppNotificationCenter notifications;
         PosixFiles files;
         NotificationManager notificationManager(center, host, log);
-        AsioQueue serverQueue("ws.server");
+        AsioQueue serverQueue("ws.server", {.began =
+                                                [] {
+                                                    StandardOutputLog::gatherOnThisThread();
+                                                    QtMainQueue::gatherOnThisThread();
+                                                },
+                                            .ended =
+                                                [&] {
+                                                    mainQueue.flush();
+                                                    log.flush();
+                                                }});
         LinuxNetwork network(serverQueue);
         const auto store = std::make_shared<HistoryStore>(host);
         const std::uint16_t port = freePort();

@@ -1,38 +1,29 @@
 // The whole bridge server on the real network, with a quiet desktop: port, folder for files.
 // Sends the file that each line of standard input names to all connections; ends when standard input ends, and
-// then tells how many events were posted. Log lines go to standard output.
+// then prints how many events were posted. Log lines go to standard output. The queues are joined as in the
+// program.
 
 #include "QuietPorts.h"
 #include "features/NotificationManager.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/posix/PosixFiles.h"
+#include "hosts/qt/QtMainQueue.h"
 #include "hosts/qt/StandardOutputLog.h"
 #include "server/WebSocketServer.h"
 #include "state/AppNotificationCenter.h"
 #include "state/HistoryStore.h"
 
+#include <QCoreApplication>
+
 #include <cstdio>
 #include <cstdlib>
-#include <future>
 #include <iostream>
 #include <string>
+#include <thread>
 
 using namespace velloway;
 using namespace velloway::bench;
-
-namespace {
-
-void runOn(DispatchQueue& queue, const std::function<void()>& act) {
-    std::promise<void> done;
-    queue.async([&] {
-        act();
-        done.set_value();
-    });
-    done.get_future().wait();
-}
-
-} // namespace
 
 int main(int count, char** arguments) {
     if (count != 3) {
@@ -40,6 +31,7 @@ int main(int count, char** arguments) {
         return 2;
     }
     StandardOutputLog log;
+    const QCoreApplication application(count, arguments);
     QuietDefaults defaults(std::atoi(arguments[1]));
     QuietHost host(arguments[2]);
     QuietPasteboard pasteboard;
@@ -50,34 +42,42 @@ int main(int count, char** arguments) {
     NotificationManager notificationManager(center, host, log);
     AppNotificationCenter notifications;
     PosixFiles files;
-    std::shared_ptr<HistoryStore> store;
-    std::shared_ptr<WebSocketServer> server;
 
-    AsioQueue main("main");
-    AsioQueue queue("ws.server");
+    QtMainQueue main;
+    AsioQueue queue("ws.server", {.began =
+                                      [] {
+                                          StandardOutputLog::gatherOnThisThread();
+                                          QtMainQueue::gatherOnThisThread();
+                                      },
+                                  .ended =
+                                      [&] {
+                                          main.flush();
+                                          log.flush();
+                                      }});
     LinuxNetwork network(queue);
-    runOn(main, [&] {
-        store = std::make_shared<HistoryStore>(host);
-        server = WebSocketServer::make({.main = main,
-                                        .queue = queue,
-                                        .network = network,
-                                        .userDefaults = defaults,
-                                        .pasteboard = pasteboard,
-                                        .input = input,
-                                        .scripts = scripts,
-                                        .accessibility = accessibility,
-                                        .host = host,
-                                        .files = files,
-                                        .log = log,
-                                        .notificationManager = notificationManager,
-                                        .notifications = notifications});
-        server->setHistoryStore(store);
-        server->start();
+    auto store = std::make_shared<HistoryStore>(host);
+    const auto server = WebSocketServer::make({.main = main,
+                                               .queue = queue,
+                                               .network = network,
+                                               .userDefaults = defaults,
+                                               .pasteboard = pasteboard,
+                                               .input = input,
+                                               .scripts = scripts,
+                                               .accessibility = accessibility,
+                                               .host = host,
+                                               .files = files,
+                                               .log = log,
+                                               .notificationManager = notificationManager,
+                                               .notifications = notifications});
+    server->setHistoryStore(store);
+    server->start();
+    std::jthread commands([&] {
+        for (std::string path; std::getline(std::cin, path);) {
+            main.async([&server, path] { server->sendFile(path); });
+        }
+        main.async([] { QCoreApplication::quit(); });
     });
-    for (std::string path; std::getline(std::cin, path);) {
-        server->sendFile(path);
-    }
-    runOn(main, [] {});
+    QCoreApplication::exec();
     std::fprintf(stderr, "posted %ld\n", input.posted.load());
     // The process ends here as the program does: without a word to anybody.
     std::_Exit(0);

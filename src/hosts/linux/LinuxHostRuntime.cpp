@@ -69,8 +69,9 @@ struct LinuxPorts : LinuxDesktop {
                                },
                            .ended =
                                [this] {
-                                   log.flush();
+                                   // Lines keep their place before those of the jobs that begin now.
                                    mainQueue.flush();
+                                   log.flush();
                                }}};
     LinuxNetwork network{serverQueue};
 };
