@@ -80,7 +80,7 @@ private:
 };
 
 void readAll(std::deque<Arrival>& arrivals) {
-    constexpr int patience = 60'000;
+    constexpr int timeout = 60'000;
     std::vector<char> scratch(1 << 20);
     for (;;) {
         std::vector<pollfd> waiting;
@@ -94,7 +94,7 @@ void readAll(std::deque<Arrival>& arrivals) {
         if (waiting.empty()) {
             return;
         }
-        if (poll(waiting.data(), waiting.size(), patience) <= 0) {
+        if (poll(waiting.data(), waiting.size(), timeout) <= 0) {
             giveUp("the file does not come");
         }
         for (std::size_t index = 0; index < waiting.size(); ++index) {

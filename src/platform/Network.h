@@ -77,7 +77,7 @@ public:
     virtual void receiveMessage(ReceiveCompletion completion) = 0;
 
     /// Sends one complete text frame; frames leave in the order of the calls. `identifier` names the content
-    /// in diagnostics. The completion tells when the text was handed to the system, not that it arrived.
+    /// in diagnostics. The completion means that the text was handed to the system, not that it arrived.
     virtual void send(SharedText text, std::string_view identifier, SendCompletion completion) = 0;
 };
 
@@ -112,7 +112,7 @@ public:
     virtual bool acceptsPort(std::uint16_t port) const = 0;
 
     /// Makes a listener on all local interfaces. On failure returns null and fills `error`. A port that is in
-    /// use is no failure here: the started listener then reports `failed`.
+    /// use is not a failure here: the started listener then reports `failed`.
     virtual std::shared_ptr<NetworkListener> makeListener(const ListenerParameters& parameters,
                                                           NetworkError& error) = 0;
 };

@@ -11,8 +11,8 @@
 
 namespace velloway {
 
-/// What the panel of a running call shows and does. It follows the time that the phone tells for as long as it
-/// lives. Main thread.
+/// What the panel of a running call shows and does. It follows the time that the phone reports for as long as
+/// it lives. Main thread.
 class ActiveCallBanner : public CallPanelContent {
 public:
     /// The server and the notifications must outlive the banner.
@@ -22,7 +22,7 @@ public:
     /// May be empty.
     const std::string name;
     const std::string number;
-    /// Seconds, as the phone last told.
+    /// Seconds, as the phone last reported.
     Observable<std::int64_t> duration{0};
     /// What the user last chose on this panel; the phone is not asked.
     Observable<bool> isMuted{false};
@@ -39,7 +39,7 @@ public:
     static constexpr std::string_view hangupSymbol = "phone.down.fill";
 
     void toggleMute();
-    /// The panel stays until the phone tells that the call is over.
+    /// The panel stays until the phone reports that the call is over.
     void hangup();
 
 private:

@@ -33,7 +33,7 @@ public:
     Network& network() override { return network_; }
     DispatchQueue& queue() override { return queue_; }
     bool runUntil(const std::function<bool()>& condition) override {
-        const auto until = std::chrono::steady_clock::now() + RawPhone::patience;
+        const auto until = std::chrono::steady_clock::now() + RawPhone::timeout;
         while (!condition()) {
             if (std::chrono::steady_clock::now() > until) {
                 return false;

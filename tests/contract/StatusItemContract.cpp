@@ -168,18 +168,18 @@ TEST_F(LinuxStatusItemTest, KnowsWhichImagesThereAre) {
 }
 
 TEST_F(LinuxStatusItemTest, GivesUpWaitingOnceWhenNoTrayComes) {
-    LinuxStatusItem impatient(10);
+    LinuxStatusItem waiting(10);
     int times = 0;
-    QObject::connect(&impatient, &LinuxStatusItem::patienceOver, [&] { ++times; });
-    impatient.create();
+    QObject::connect(&waiting, &LinuxStatusItem::trayWaitEnded, [&] { ++times; });
+    waiting.create();
     EXPECT_TRUE(waitFor([&] { return times == 1; }));
-    EXPECT_FALSE(impatient.isReachable());
+    EXPECT_FALSE(waiting.isReachable());
 }
 
-TEST_F(LinuxStatusItemTest, AnEntryThatEndsTheProgramDoesSoByItselfOrAsItWasTold) {
-    bool isTold = false;
-    LinuxStatusItem::choose({.action = MenuItem::Action::terminate, .onChosen = [&] { isTold = true; }});
-    EXPECT_TRUE(isTold);
+TEST_F(LinuxStatusItemTest, AnEntryThatEndsTheProgramDoesSoByItselfOrByItsAction) {
+    bool isChosen = false;
+    LinuxStatusItem::choose({.action = MenuItem::Action::terminate, .onChosen = [&] { isChosen = true; }});
+    EXPECT_TRUE(isChosen);
 }
 
 } // namespace

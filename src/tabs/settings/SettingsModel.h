@@ -45,7 +45,7 @@ NotificationPermissionRow notificationPermissionRow(AuthorizationStatus status);
 
 /// How the port field shows a port: in the digits of the locale, without grouping.
 std::string portText(std::int64_t port, const std::string& locale);
-/// What the port field takes an edited text for; absent when it is no whole number.
+/// The number that the port field reads from an edited text; absent when it is not a whole number.
 std::optional<std::int64_t> parsePort(std::string_view text, const std::string& locale);
 
 /// The connection, and the few options of the program. Main thread only.

@@ -19,7 +19,7 @@
 namespace velloway::test {
 
 inline bool waitUntil(const std::function<bool()>& condition,
-                      std::chrono::milliseconds limit = RawPhone::patience) {
+                      std::chrono::milliseconds limit = RawPhone::timeout) {
     const auto until = std::chrono::steady_clock::now() + limit;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > until) {

@@ -161,7 +161,7 @@ std::string RawPhone::read() {
         return std::exchange(pending_, {});
     }
     pollfd poll{socket_, POLLIN, 0};
-    if (::poll(&poll, 1, static_cast<int>(std::chrono::milliseconds(patience).count())) <= 0) {
+    if (::poll(&poll, 1, static_cast<int>(std::chrono::milliseconds(timeout).count())) <= 0) {
         return {};
     }
     std::string bytes(65536, '\0');

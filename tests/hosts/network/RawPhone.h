@@ -32,7 +32,7 @@ public:
         int closeCode() const;
     };
 
-    static constexpr std::chrono::seconds patience{10};
+    static constexpr std::chrono::seconds timeout{10};
     static constexpr const char* key = "dGhlIHNhbXBsZSBub25jZQ==";
 
     /// Connects to this computer; throws when that fails.
@@ -53,14 +53,14 @@ public:
     bool write(std::string_view bytes);
     /// Writes until the far end takes no more; how many bytes that were.
     std::size_t writeWithoutWaiting(std::string_view bytes);
-    /// The next bytes; empty at the end of the connection, and when `patience` is over.
+    /// The next bytes; empty at the end of the connection, and when `timeout` is over.
     std::string read();
     /// The head of the answer to a request, with the empty line.
     std::string readHead();
     /// Absent at the end of the connection.
     std::optional<Frame> readFrame();
     /// Reads what still comes; whether the far end ended the connection in time.
-    bool waitForEnd(std::chrono::milliseconds limit = patience);
+    bool waitForEnd(std::chrono::milliseconds limit = timeout);
 
     bool sendText(std::string_view text) { return write(frame(text)); }
     /// The next text; empty when something else comes.

@@ -14,7 +14,7 @@ struct ActivationToken {
     bool operator==(const ActivationToken&) const = default;
 };
 
-/// The next window that is activated uses the token; on X11 the desktop hears that the start is over. Main
+/// The next window that is activated uses the token; on X11 the desktop learns that the start is over. Main
 /// thread.
 void useActivationToken(const ActivationToken& token);
 

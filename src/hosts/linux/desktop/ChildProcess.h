@@ -15,7 +15,7 @@ struct ChildResult {
     /// Absent when the program did not start, crashed or took too long.
     std::optional<int> exitCode;
     std::string output;
-    /// What a user can be told when the program failed.
+    /// What to report to the user when the program failed.
     std::string complaint;
 
     bool succeeded() const { return exitCode == 0; }

@@ -21,7 +21,7 @@ constexpr const char* utf8Text = "text/plain;charset=utf-8";
 /// What text is offered as; the last three are what programs of the X Window System ask for.
 constexpr std::array<const char*, 5> offeredTypes{utf8Text, plainText, "UTF8_STRING", "STRING", "TEXT"};
 constexpr int answerBound = 5000;
-/// A text longer than this is no text that anyone copied.
+/// Nobody copied a text longer than this.
 constexpr std::size_t longestText = std::size_t{256} * 1024 * 1024;
 
 /// Writes a text to a program that pastes it, as fast as that takes it. Deletes itself when that is done.
@@ -136,7 +136,7 @@ struct DataControl::Listeners {
             },
         .primary_selection =
             [](void* data, zwlr_data_control_device_v1*, zwlr_data_control_offer_v1* offer) {
-                // The other clipboard, of selected text, is no matter of ours.
+                // The other clipboard, of selected text, does not concern us.
                 DataControl& to = self(data);
                 std::erase_if(to.offers_, [&](const auto& each) { return each->proxy == offer; });
                 if (offer != nullptr) {

@@ -141,9 +141,9 @@ void HandoverSocket::accept() {
 
 HandoverSocket::Outcome HandoverSocket::handOver(const QString& path, const QByteArray& lines, int bound) {
     const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const timeval patience{.tv_sec = bound / 1000, .tv_usec = suseconds_t{1000} * (bound % 1000)};
-    ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
-    ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    const timeval timeout{.tv_sec = bound / 1000, .tv_usec = suseconds_t{1000} * (bound % 1000)};
+    ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
+    ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
     Outcome outcome = Outcome::nobodyListens;
     if (withAddress(::connect, socket, QFile::encodeName(path))) {
         outcome = sendAll(socket, lines) && isAnswered(socket) ? Outcome::answered : Outcome::notAnswered;

@@ -45,7 +45,7 @@ LinuxDesktop::LinuxDesktop(int& argc, char** argv) : qtApplication(argc, argv) {
     ownRequest_.token = launchEnvironment.token;
 
     QObject::connect(&statusItem, &LinuxStatusItem::activated, &application, [this] { reopen(); });
-    QObject::connect(&statusItem, &LinuxStatusItem::patienceOver, &application, [this] {
+    QObject::connect(&statusItem, &LinuxStatusItem::trayWaitEnded, &application, [this] {
         isSettled_ = true;
         attend();
     });

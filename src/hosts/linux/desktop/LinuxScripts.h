@@ -17,7 +17,7 @@ class QDBusMessage;
 namespace velloway {
 
 /// Does what a script asks by the desktop's own services. Nothing here waits: an action is started, and what
-/// goes wrong later is told to the handler, once for each action. Main thread, within a QCoreApplication.
+/// goes wrong later is reported to the handler, once for each action. Main thread, within a QCoreApplication.
 class LinuxScripts : public QObject, public Scripts {
 public:
     using ErrorHandler = std::function<void(const std::string& error)>;

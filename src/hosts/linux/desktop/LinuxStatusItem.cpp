@@ -49,12 +49,12 @@ QString menuText(const std::string& title) {
 
 } // namespace
 
-LinuxStatusItem::LinuxStatusItem(int patience) : menu_(std::make_unique<QMenu>()) {
-    patience_.setSingleShot(true);
-    patience_.setInterval(patience);
-    connect(&patience_, &QTimer::timeout, this, [this] {
+LinuxStatusItem::LinuxStatusItem(int trayTimeout) : menu_(std::make_unique<QMenu>()) {
+    trayTimer_.setSingleShot(true);
+    trayTimer_.setInterval(trayTimeout);
+    connect(&trayTimer_, &QTimer::timeout, this, [this] {
         tryX11Tray();
-        emit patienceOver();
+        emit trayWaitEnded();
     });
     connect(&watcher_, &TrayWatcher::trayAppeared, this, &LinuxStatusItem::addTray);
     connect(&watcher_, &TrayWatcher::trayGone, this, &LinuxStatusItem::removeTray);
@@ -65,7 +65,7 @@ LinuxStatusItem::~LinuxStatusItem() = default;
 
 void LinuxStatusItem::create() {
     isCreated_ = true;
-    patience_.start();
+    trayTimer_.start();
     // Once the caller has set the image and the menu too.
     QTimer::singleShot(0, this, [this] {
         if (watcher_.isTrayThere()) {

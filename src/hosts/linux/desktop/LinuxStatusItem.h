@@ -21,9 +21,9 @@ class LinuxStatusItem : public QObject, public StatusItem {
 
 public:
     /// How long a desktop that is just starting has to bring up its tray, in milliseconds.
-    static constexpr int defaultPatience = 2000;
+    static constexpr int defaultTrayTimeout = 2000;
 
-    explicit LinuxStatusItem(int patience = defaultPatience);
+    explicit LinuxStatusItem(int trayTimeout = defaultTrayTimeout);
     ~LinuxStatusItem() override;
 
     void create() override;
@@ -41,13 +41,13 @@ public:
 
 signals:
     void reachabilityChanged();
-    /// The whole menu is another.
+    /// The whole menu has been replaced.
     void menuChanged();
     void itemTitleChanged(int index);
     /// A click on the item itself, where the menu can't be shown for it.
     void activated();
-    /// There was time enough for a tray to show up. Comes once, after `create`.
-    void patienceOver();
+    /// The time for a tray to show up is over, whether or not one has. Comes once, after `create`.
+    void trayWaitEnded();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -60,7 +60,7 @@ private:
     void iconClicked(QSystemTrayIcon::ActivationReason reason);
 
     TrayWatcher watcher_;
-    QTimer patience_;
+    QTimer trayTimer_;
     std::vector<MenuItem> items_;
     /// One per item, in the same order.
     std::vector<QAction*> actions_;

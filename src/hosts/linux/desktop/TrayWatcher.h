@@ -6,7 +6,7 @@
 
 namespace velloway {
 
-/// Tells whether the desktop has a tray that takes items over the message bus, from the moment that a tray
+/// Reports whether the desktop has a tray that takes items over the message bus, from the moment that a tray
 /// asks for them until its service goes.
 class TrayWatcher : public QObject {
     Q_OBJECT
@@ -14,7 +14,7 @@ class TrayWatcher : public QObject {
 public:
     TrayWatcher();
 
-    /// False also once the bus itself has died, which no signal tells.
+    /// False also once the bus itself has died, which no signal reports.
     bool isTrayThere() const { return isThere_ && bus_.isConnected(); }
 
 signals:

@@ -21,7 +21,7 @@ constexpr int windowWidth = 300;
 constexpr int iconSize = 28;
 
 /// Written on the colours of the palette, so that it follows light and dark desktops. %1 is the softer colour
-/// of what is only told, %2 that of a row under the pointer, %3 that of the lines between.
+/// of rows that only inform, %2 that of a row under the pointer, %3 that of the lines between.
 const char* const sheet = R"(
     QLabel#header { font-size: 17px; font-weight: 600; }
     QLabel#line, QLabel#key, QPushButton:disabled { color: %1; }

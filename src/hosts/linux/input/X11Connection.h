@@ -34,7 +34,7 @@ public:
     void flush() { xcb_flush(connection_); }
     /// Waits until the server has done all that was asked of it.
     void sync();
-    /// Throws away what the server told unasked, so that it doesn't pile up.
+    /// Discards events that nobody reads, so that they do not pile up.
     void discardEvents();
 
 private:

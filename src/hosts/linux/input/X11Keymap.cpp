@@ -75,7 +75,7 @@ X11Keymap::X11Keymap(X11Connection& connection) : connection_(connection) {
     }
 }
 
-/// The device that the test extension types on; the core keyboard stands in if it can't be told.
+/// The device that the test extension types on; the core keyboard stands in when that device is unknown.
 std::uint16_t X11Keymap::findSyntheticKeyboard() {
     xcb_connection_t* server = connection_.get();
     const X11Reply<xcb_input_xi_query_version_reply_t> version(

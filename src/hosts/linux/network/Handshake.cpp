@@ -62,7 +62,7 @@ std::optional<std::string> refusalOf(const UpgradeRequest& request) {
     return {};
 }
 
-/// The answer to what is no readable request; absent when the far end has gone.
+/// The answer to an unreadable request; absent when the far end has gone.
 std::optional<std::string> refusalOf(const error_code& error) {
     if (error == http::error::header_limit || error == http::error::buffer_overflow) {
         return refusal("431 Request Header Fields Too Large");

@@ -52,7 +52,7 @@ public:
     /// Null when that delivery has ended or is in another stage.
     Delivery* find(const std::string& identifier, std::uint64_t turn, Stage stage);
 
-    /// Also for a delivery that was sent in vain. Those that are ready are sent in the order in which they were
+    /// Also for a delivery that failed. Those that are ready are sent in the order in which they were
     /// handed over.
     void makeReady(Delivery& delivery);
     bool hasReady() const { return !ready_.empty(); }

@@ -18,7 +18,7 @@ const QString servicePath = QStringLiteral("/org/freedesktop/Notifications");
 const QString appName = QStringLiteral("Velloway");
 const QString appIcon = QStringLiteral("org.velloway.Velloway");
 /// How long we wait for any sign of life; long enough for a service that the bus has to start first.
-constexpr std::chrono::seconds patience{10};
+constexpr std::chrono::seconds answerTimeout{10};
 /// The bus itself answers for a service that goes away. Whatever it forgot, we could not take back.
 constexpr int noTimeout = std::numeric_limits<int>::max();
 /// A service that goes away while it is asked is asked again when the next one has come, but not for ever.
@@ -123,7 +123,7 @@ bool NotificationService::noteAnswer(std::uint64_t number) {
 }
 
 void NotificationService::lookLater(std::uint64_t number) {
-    main_.asyncAfter(patience, [self = QPointer(this), number] {
+    main_.asyncAfter(answerTimeout, [self = QPointer(this), number] {
         if (self) {
             self->look(number);
         }
