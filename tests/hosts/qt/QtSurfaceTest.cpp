@@ -223,6 +223,13 @@ TEST_F(QtSurfaceTest, NothingIsLeftWhenTheMakerGoes) {
     EXPECT_TRUE(view.isNull());
 }
 
+TEST_F(QtSurfaceTest, TheTextIsInTheFontOfTheSystem) {
+    const QFont before = QGuiApplication::font();
+    const auto surface = surfaces.make(ringing("123"), Look::translucent);
+    show(*surface);
+    EXPECT_EQ(QGuiApplication::font().families(), before.families());
+}
+
 TEST_F(QtSurfaceTest, APanelIsSeeThroughAtItsCornersAndTakesNoKeys) {
     const auto surface = surfaces.make(ringing("123"), Look::translucent);
     ContentView& view = show(*surface);
