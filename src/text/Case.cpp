@@ -5,6 +5,7 @@
 #include <unicode/stringpiece.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 
 namespace velloway {

@@ -48,7 +48,16 @@ class BundleTest(unittest.TestCase):
         for use in ("NSAppleEventsUsageDescription", "NSLocalNetworkUsageDescription"):
             self.assertGreater(len(self.info[use]), 20, use)
         rights = plist("Velloway.entitlements")
-        self.assertEqual(rights, {"com.apple.security.automation.apple-events": True})
+        self.assertEqual(rights, {"com.apple.security.automation.apple-events": True,
+                                  "com.apple.security.cs.allow-jit": True})
+
+    def test_a_signature_without_a_certificate_may_load_the_libraries_of_the_bundle(self):
+        self.assertEqual(plist("VellowayAdHoc.entitlements"),
+                         plist("Velloway.entitlements") | {"com.apple.security.cs.disable-library-validation": True})
+
+    def test_the_service_is_offered_without_being_switched_on(self):
+        (service,) = self.info["NSServices"]
+        self.assertEqual(service["NSRequiredContext"], {})
 
     def test_names_images_that_the_build_makes(self):
         self.assertIn(self.info["CFBundleIconFile"], self.bundle)

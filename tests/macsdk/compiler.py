@@ -41,6 +41,16 @@ def with_qt():
     return flags
 
 
+def standard_library(system):
+    """The folders of the newest C++ library of GCC, and of the C library under it. Others may be there too: that of
+    clang as `v1`, and what is left of a version that is no longer installed."""
+    native = next(system.glob("*-linux-gnu"))
+    versions = [each for each in (system / "c++").iterdir()
+                if each.name.isdigit() and (native / "c++" / each.name).is_dir()]
+    newest = max(versions, key=lambda each: int(each.name))
+    return [newest, native / "c++" / newest.name, native, system]
+
+
 class Compiler:
     """`folder` keeps what is made once for several files; it must stay while the compiler is used."""
 
@@ -50,10 +60,7 @@ class Compiler:
         self.standard.write_text("".join(f"#include <{name}>\n" for name in STANDARD))
         self.base = [clang, "-std=c++20", "-fblocks", "-isystem", SDK / "include", "-I", TOP / "src"]
         resources = pathlib.Path(run([clang, "-print-resource-dir"])[1].strip()) / "include"
-        versions = [each for each in pathlib.Path("/usr/include/c++").iterdir() if each.name.isdigit()]
-        newest = max(versions, key=lambda each: int(each.name))
-        native = next(pathlib.Path("/usr/include").glob("*-linux-gnu"))
-        self.headers = [resources, newest, native / "c++" / newest.name, native, "/usr/include"]
+        self.headers = [resources, *standard_library(pathlib.Path("/usr/include"))]
         # Each way of compiling, for C++ and for Objective-C++.
         self.ways = {machine: self.for_mac(machine) for machine in MACHINES}
         self.ways["tests"] = [*self.base, "-g0", *SANITIZERS]

@@ -13,6 +13,8 @@ import unittest
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
 HOST = TOP / "src/hosts/mac"
+RIGHTS = TOP / "packaging/mac/Velloway.entitlements"
+RIGHTS_AD_HOC = TOP / "packaging/mac/VellowayAdHoc.entitlements"
 CMAKE, CLANG = sys.argv[1:3]
 
 
@@ -33,7 +35,7 @@ def stand_ins(folder):
             "CMAKE_CXX_COMPILER": CLANG, "CMAKE_OBJCXX_COMPILER": CLANG,
             "CMAKE_CXX_COMPILER_WORKS": "1", "CMAKE_OBJCXX_COMPILER_WORKS": "1",
             "CMAKE_TRY_COMPILE_TARGET_TYPE": "STATIC_LIBRARY", "CMAKE_INSTALL_NAME_TOOL": tool,
-            "CMAKE_PREFIX_PATH": "/usr", "CMAKE_LIBRARY_ARCHITECTURE": multiarch(),
+            "CMAKE_PREFIX_PATH": "/usr", "VELLOWAY_MAC_QT": "6.4", "CMAKE_LIBRARY_ARCHITECTURE": multiarch(),
             "OPENGL_INCLUDE_DIR": "/usr/include", "OPENGL_gl_LIBRARY": opengl}
 
 
@@ -48,15 +50,18 @@ class ConfigureTest(unittest.TestCase):
         folder = pathlib.Path(cls.place.name)
         cls.build = folder / "build"
         values = {**preset(), **stand_ins(folder)}
-        done = subprocess.run([CMAKE, "-S", TOP, "-B", cls.build, "-G", "Ninja", "-Wno-dev",
-                               *[f"-D{name}={value}" for name, value in values.items()]],
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=250)
+        done = cls.configure("-S", TOP, "-G", "Ninja", *[f"-D{name}={value}" for name, value in values.items()])
         cls.output = done.stdout
         if done.returncode != 0:
             raise AssertionError(f"the build can't be configured:\n{cls.output}")
         commands = json.loads((cls.build / "compile_commands.json").read_text())
         cls.commands = {pathlib.Path(each["file"]): each["command"] for each in commands}
         cls.ninja = (cls.build / "build.ninja").read_text()
+
+    @classmethod
+    def configure(cls, *arguments):
+        return subprocess.run([CMAKE, "-B", cls.build, "-Wno-dev", *arguments],
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=250)
 
     @classmethod
     def tearDownClass(cls):
@@ -118,11 +123,53 @@ class ConfigureTest(unittest.TestCase):
         self.assertEqual(info["CFBundleExecutable"], "Velloway")
         self.assertEqual(info["CFBundleShortVersionString"], "1.0.0")
 
-    def test_the_program_is_signed_and_can_be_made_ready_for_other_machines(self):
-        self.assertIn("codesign", self.statement("Velloway.app/Contents/MacOS/Velloway"))
+    def test_the_icon_of_the_bundle_is_made_of_the_drawn_images(self):
+        images = self.build / "src/app/images"
+        drawn = self.statement("src/app/images/Velloway.icns")
+        self.assertIn(f"velloway-render-icons {TOP}/src/ui/symbols/StatusIcon.svg {images}", drawn)
+        self.assertIn(f"iconutil --convert icns --output {images}/Velloway.icns {images}/Velloway.iconset", drawn)
+
+    def test_the_program_is_signed_for_this_machine_with_its_rights(self):
+        program = self.statement("Velloway.app/Contents/MacOS/Velloway")
+        self.assertIn(f"codesign --force --sign - --entitlements {RIGHTS_AD_HOC} {self.build}/src/app/Velloway.app",
+                      program)
+
+    def test_a_change_of_anything_that_the_signature_covers_signs_again(self):
+        program = self.statement("Velloway.app/Contents/MacOS/Velloway")
+        needed = program[:program.index("\n")]
+        for image in ("StatusIcon.png", "StatusIcon@2x.png", "Velloway.icns"):
+            self.assertIn(f" src/app/Velloway.app/Contents/Resources/{image}", needed)
+        for file in (f"{TOP}/packaging/mac/Info.plist.in", RIGHTS_AD_HOC):
+            self.assertIn(f" {file}", needed)
+
+    def test_the_bundle_gets_the_toolkit_with_what_the_views_import(self):
         bundle = self.statement("CMakeFiles/bundle")
-        self.assertIn("--options runtime", bundle)
-        self.assertIn("Velloway.entitlements", bundle)
+        self.assertIn(f"{self.build}/src/app/Velloway.app -qmldir={TOP}/src/ui", bundle)
+
+    def test_the_bundle_is_signed_with_the_hardened_runtime_and_may_then_load_its_own_libraries(self):
+        bundle = self.statement("CMakeFiles/bundle")
+        self.assertIn(f"codesign --force --deep --options runtime --entitlements {RIGHTS_AD_HOC} --sign - "
+                      f"{self.build}/src/app/Velloway.app", bundle)
+
+    def test_with_a_certificate_the_bundle_loads_what_is_of_the_same_team_alone(self):
+        done = self.configure("-DVELLOWAY_SIGNING_IDENTITY=Developer ID Application: Somebody",
+                              "-DVELLOWAY_MAC_QT=6.4")
+        self.assertEqual(done.returncode, 0, done.stdout)
+        ninja = (self.build / "build.ninja").read_text()
+        self.assertIn(f"--options runtime --entitlements {RIGHTS} --sign "
+                      '"Developer ID Application: Somebody"', ninja.replace("$:", ":").replace("'", '"'))
+
+    def test_an_older_toolkit_is_refused(self):
+        done = self.configure("-UVELLOWAY_MAC_QT")
+        self.assertIn("VELLOWAY_MAC_QT:STRING=6.8\n", (self.build / "CMakeCache.txt").read_text())
+        if done.returncode != 0:
+            self.assertIn('version "6.8"', done.stdout)
+
+    def test_the_packages_are_looked_for_where_homebrew_puts_them(self):
+        folders = preset()["CMAKE_PREFIX_PATH"].split(";")
+        for prefix in ("/opt/homebrew", "/usr/local"):
+            for place in (prefix, f"{prefix}/opt/qt", f"{prefix}/opt/icu4c"):
+                self.assertIn(place, folders)
 
 
 unittest.main(argv=sys.argv[:1])

@@ -247,7 +247,7 @@ Actions sendFile(Arguments& words) {
 Actions expect(Arguments& words) {
     const std::string rest = words.rest();
     boost::json::stream_parser parser;
-    boost::json::error_code error;
+    boost::system::error_code error;
     const std::size_t used = parser.write_some(rest, error);
     if (error || !parser.done()) {
         throw std::invalid_argument("a JSON object is missing");

@@ -91,7 +91,7 @@ std::string fromFile(const std::string& path, const std::string& action, const s
         throw std::runtime_error("cannot read " + path);
     }
     const std::string text{std::istreambuf_iterator<char>(file), {}};
-    json::error_code error;
+    boost::system::error_code error;
     json::value value = json::parse(text, error);
     if (!error && value.is_array()) {
         return json::serialize(json::object{{"action", action}, {listKey, std::move(value)}});

@@ -118,7 +118,7 @@ void Phone::onMessage(std::string message) {
 }
 
 void Phone::read(const std::string& message) {
-    json::error_code error;
+    boost::system::error_code error;
     const json::value value = json::parse(message, error);
     if (error || !value.is_object()) {
         if (message.find("file_transfer_start") != std::string::npos) {

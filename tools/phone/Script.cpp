@@ -55,7 +55,7 @@ std::vector<Action> actionsOf(const json::object& line, const World& world) {
 }
 
 Step parseLine(std::string_view text, const World& world) {
-    json::error_code error;
+    boost::system::error_code error;
     const json::value value = json::parse(text, error);
     if (error || !value.is_object()) {
         throw std::invalid_argument("no JSON object");
@@ -123,8 +123,8 @@ std::vector<Step> parseScript(std::string_view text, const World& world) {
 }
 
 bool matches(std::string_view pattern, std::string_view message) {
-    json::error_code patternError;
-    json::error_code messageError;
+    boost::system::error_code patternError;
+    boost::system::error_code messageError;
     const json::value wanted = json::parse(pattern, patternError);
     const json::value got = json::parse(message, messageError);
     return !patternError && !messageError && holds(got, wanted);

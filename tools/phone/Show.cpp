@@ -58,7 +58,7 @@ std::string shown(const json::value& value) {
 } // namespace
 
 std::string pretty(std::string_view message) {
-    json::error_code error;
+    boost::system::error_code error;
     const json::value value = json::parse(message, error);
     if (error || !value.is_object()) {
         return "no JSON object: " +
@@ -81,7 +81,7 @@ std::string shortened(std::string_view message, std::size_t limit) {
     if (message.size() <= limit) {
         return std::string(message);
     }
-    json::error_code error;
+    boost::system::error_code error;
     json::value value = json::parse(message, error);
     if (error) {
         return std::string(message);

@@ -3,6 +3,7 @@
 #include "hosts/mac/MacDispatchQueue.h"
 #include "hosts/mac/MacNetworkError.h"
 
+#include <atomic>
 #include <cstdlib>
 
 namespace velloway {
@@ -23,6 +24,7 @@ ConnectionState stateFrom(nw_connection_state_t state) {
     case nw_connection_state_cancelled:
         return ConnectionState::cancelled;
     case nw_connection_state_invalid:
+    default:
         break;
     }
     return ConnectionState::setup;
@@ -51,11 +53,21 @@ std::optional<std::string> hostOf(nw_endpoint_t endpoint) {
     }
 }
 
-bool carriesWebSocketMetadata(nw_content_context_t context) {
+/// Absent when the context carries no metadata of a WebSocket.
+std::optional<nw_ws_opcode_t> opcodeOf(nw_content_context_t context) {
+    if (context == nullptr) {
+        return std::nullopt;
+    }
     const auto definition = NetworkRef<nw_protocol_definition_t>::adopt(nw_protocol_copy_ws_definition());
     const auto metadata = NetworkRef<nw_protocol_metadata_t>::adopt(
         nw_content_context_copy_protocol_metadata(context, definition.get()));
-    return metadata && nw_protocol_metadata_is_ws(metadata.get());
+    const bool isWebSocket = metadata && nw_protocol_metadata_is_ws(metadata.get());
+    return isWebSocket ? std::optional(nw_ws_metadata_get_opcode(metadata.get())) : std::nullopt;
+}
+
+/// The other side has closed the WebSocket, or the stream under it.
+bool isEndOfStream(dispatch_data_t content, std::optional<nw_ws_opcode_t> opcode, bool isComplete) {
+    return opcode == nw_ws_opcode_close || (content == nullptr && !opcode && isComplete);
 }
 
 /// A content context for one text frame.
@@ -77,14 +89,23 @@ DispatchRef<dispatch_data_t> dataOf(const SharedText& text) {
 
 } // namespace
 
-/// Queue only, but for its making.
+/// Queue only, but for its making and `isDropped`.
 struct MacConnection::Shared {
+    explicit Shared(BeginActivity begin) : beginActivity(std::move(begin)) {}
+
     StateHandler handler;
-    /// The connection object has gone, so nobody waits for anything.
-    bool isDropped = false;
+    /// The connection object has gone, so nobody waits for anything. Set on any thread.
+    std::atomic<bool> isDropped = false;
+    BeginActivity beginActivity;
+    std::shared_ptr<void> activity;
 
     void report(ConnectionState state, const std::optional<NetworkError>& error) {
         const bool isFinal = state == ConnectionState::failed || state == ConnectionState::cancelled;
+        if (state == ConnectionState::ready) {
+            activity = beginActivity();
+        } else if (isFinal) {
+            activity.reset();
+        }
         const StateHandler called = isFinal ? std::exchange(handler, nullptr) : handler;
         if (called) {
             called(state, error);
@@ -92,8 +113,9 @@ struct MacConnection::Shared {
     }
 };
 
-MacConnection::MacConnection(nw_connection_t accepted)
-    : connection_(NetworkRef<nw_connection_t>::share(accepted)), shared_(std::make_shared<Shared>()) {
+MacConnection::MacConnection(nw_connection_t accepted, BeginActivity beginActivity)
+    : connection_(NetworkRef<nw_connection_t>::share(accepted)),
+      shared_(std::make_shared<Shared>(std::move(beginActivity))) {
     const std::shared_ptr<Shared> shared = shared_;
     nw_connection_set_state_changed_handler(accepted, ^(nw_connection_state_t state, nw_error_t error) {
       shared->report(stateFrom(state), networkErrorFrom(error));
@@ -136,12 +158,15 @@ Endpoint MacConnection::endpoint() const {
 
 void MacConnection::receiveMessage(ReceiveCompletion completion) {
     const std::shared_ptr<Shared> shared = shared_;
-    nw_connection_receive_message(connection_.get(), ^(dispatch_data_t content, nw_content_context_t context,
-                                                       bool isComplete, nw_error_t error) {
+    // The framework holds the connection while it calls a completion.
+    nw_connection_t _Nonnull const connection = connection_.get();
+    nw_connection_receive_message(connection, ^(dispatch_data_t content, nw_content_context_t context,
+                                                bool isComplete, nw_error_t error) {
       if (shared->isDropped) {
           return;
       }
-      ReceivedContent received{.hasWebSocketMetadata = context != nullptr && carriesWebSocketMetadata(context),
+      const std::optional<nw_ws_opcode_t> opcode = opcodeOf(context);
+      ReceivedContent received{.hasWebSocketMetadata = opcode.has_value(),
                                .isComplete = isComplete,
                                .error = networkErrorFrom(error)};
       DispatchRef<dispatch_data_t> inOnePiece;
@@ -152,6 +177,9 @@ void MacConnection::receiveMessage(ReceiveCompletion completion) {
           received.bytes = std::string_view(static_cast<const char*>(bytes), size);
       }
       completion(received);
+      if (!shared->isDropped && (received.error || isEndOfStream(content, opcode, isComplete))) {
+          nw_connection_cancel(connection);
+      }
     });
 }
 

@@ -1,5 +1,6 @@
 #include "hosts/HostRuntime.h"
 #include "hosts/mac/MacAccessibility.h"
+#include "hosts/mac/MacActivity.h"
 #include "hosts/mac/MacApplication.h"
 #include "hosts/mac/MacDispatchQueue.h"
 #include "hosts/mac/MacHost.h"
@@ -50,6 +51,14 @@ protected:
     }
 };
 
+/// A busy main queue runs many jobs in one turn of the event loop; what they leave to the pool goes after each.
+void runInPool(DispatchQueue::Job& job) {
+    @autoreleasepool {
+        job();
+        job = nullptr;
+    }
+}
+
 /// Every port of this host, in the order in which they must come to be.
 struct MacPorts {
     MacPorts(int& argc, char** argv) : qtApplication(argc, argv) {
@@ -62,7 +71,7 @@ struct MacPorts {
     MacDelegate delegate;
     MacApplication application{delegate};
     EndingApplication qtApplication;
-    QtMainQueue mainQueue;
+    QtMainQueue mainQueue{runInPool};
     MacHost host;
     PosixFiles files;
     MacUserDefaults userDefaults;
@@ -79,7 +88,7 @@ struct MacPorts {
                        }};
     MacWorkspace workspace;
     MacDispatchQueue serverQueue{"ws.server"};
-    MacNetwork network;
+    MacNetwork network{beginConnectedActivity};
 };
 
 class MacHostRuntime final : public HostRuntime {

@@ -20,6 +20,7 @@ ListenerState stateFrom(nw_listener_state_t state) {
     case nw_listener_state_cancelled:
         return ListenerState::cancelled;
     case nw_listener_state_invalid:
+    default:
         break;
     }
     return ListenerState::setup;
@@ -45,8 +46,10 @@ struct MacListener::Shared {
     }
 };
 
-MacListener::MacListener(NetworkRef<nw_listener_t> listener)
-    : listener_(std::move(listener)), shared_(std::make_shared<Shared>()) {}
+MacListener::MacListener(NetworkRef<nw_listener_t> listener, BeginActivity beginActivity)
+    : listener_(std::move(listener)),
+      beginActivity_(std::move(beginActivity)),
+      shared_(std::make_shared<Shared>()) {}
 
 MacListener::~MacListener() {
     if (!isCancelled_) {
@@ -66,6 +69,7 @@ void MacListener::setNewConnectionHandler(NewConnectionHandler handler) {
 void MacListener::start(DispatchQueue& queue) {
     const auto native = static_cast<dispatch_queue_t>(static_cast<MacDispatchQueue&>(queue).native());
     const std::shared_ptr<Shared> shared = shared_;
+    const BeginActivity beginActivity = beginActivity_;
     nw_listener_set_queue(listener_.get(), native);
     nw_listener_set_state_changed_handler(listener_.get(), ^(nw_listener_state_t state, nw_error_t error) {
       shared->report(stateFrom(state), networkErrorFrom(error));
@@ -76,7 +80,7 @@ void MacListener::start(DispatchQueue& queue) {
       }
       // A connection without a queue would not report a cancel that comes before its start.
       nw_connection_set_queue(connection, native);
-      shared->newConnectionHandler(std::make_shared<MacConnection>(connection));
+      shared->newConnectionHandler(std::make_shared<MacConnection>(connection, beginActivity));
     });
     nw_listener_start(listener_.get());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hosts/mac/MacActivity.h"
 #include "hosts/mac/NativeRef.h"
 #include "platform/Network.h"
 
@@ -9,7 +10,7 @@ namespace velloway {
 
 class MacListener final : public NetworkListener {
 public:
-    explicit MacListener(NetworkRef<nw_listener_t> listener);
+    MacListener(NetworkRef<nw_listener_t> listener, BeginActivity beginActivity);
     ~MacListener() override;
 
     void setStateHandler(StateHandler handler) override;
@@ -21,6 +22,7 @@ private:
     struct Shared;
 
     NetworkRef<nw_listener_t> listener_;
+    BeginActivity beginActivity_;
     /// What the framework's blocks hold in place of this object.
     std::shared_ptr<Shared> shared_;
     std::atomic<bool> isCancelled_ = false;

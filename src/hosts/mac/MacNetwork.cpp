@@ -40,7 +40,7 @@ std::shared_ptr<NetworkListener> MacNetwork::makeListener(const ListenerParamete
                  .description = "no listener on port " + port};
         return nullptr;
     }
-    return std::make_shared<MacListener>(std::move(listener));
+    return std::make_shared<MacListener>(std::move(listener), beginActivity_);
 }
 
 } // namespace velloway

@@ -15,6 +15,8 @@ const char* nameOf(nw_error_domain_t domain) {
     case nw_error_domain_tls:
         return "TLS";
     case nw_error_domain_invalid:
+    default:
+        // Later systems have more.
         break;
     }
     return "unknown";

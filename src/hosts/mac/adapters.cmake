@@ -9,6 +9,7 @@ set(mac_c_adapters
     MacNetwork.cpp
     MacNetworkError.cpp)
 set(mac_objc_adapters
+    MacActivity.mm
     MacApplication.mm
     MacDelegate.mm
     MacHost.mm

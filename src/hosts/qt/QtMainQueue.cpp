@@ -23,7 +23,7 @@ thread_local bool isGathering = false;
 
 } // namespace
 
-QtMainQueue::QtMainQueue() = default;
+QtMainQueue::QtMainQueue(Runner run) : run_(run) {}
 
 QtMainQueue::~QtMainQueue() {
     end();
@@ -147,8 +147,13 @@ void QtMainQueue::runJobs() {
                 wake();
             }
         }
-        job();
+        run_(job);
     }
+}
+
+void QtMainQueue::runAndDestroy(Job& job) {
+    job();
+    job = nullptr;
 }
 
 void QtMainQueue::takeDue() {

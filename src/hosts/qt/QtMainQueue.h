@@ -18,7 +18,11 @@ namespace velloway {
 /// flood of jobs doesn't lock out input and painting. Jobs left at the end are destroyed without being run.
 class QtMainQueue : public QObject, public DispatchQueue {
 public:
-    QtMainQueue();
+    /// Runs one job and destroys it.
+    using Runner = void (*)(Job& job);
+
+    /// `run` may do what the host needs before and after each job.
+    explicit QtMainQueue(Runner run = runAndDestroy);
     ~QtMainQueue() override;
 
     /// Destroys the jobs that wait, and from now on every job that is handed over. Main thread.
@@ -54,6 +58,7 @@ private:
         }
     };
 
+    static void runAndDestroy(Job& job);
     /// Posts the one wake-up event unless a turn is already on its way. Expects the lock.
     void wake();
     void takeTurn();
@@ -61,6 +66,7 @@ private:
     void takeDue();
     void armTimer();
 
+    const Runner run_;
     std::mutex mutex_;
     std::deque<Job> jobs_;
     /// A heap; the job that falls due first is at the front.

@@ -53,6 +53,9 @@ void prepareEngine(QQmlEngine& engine, std::shared_ptr<const SystemImages> syste
     engine.addImageProvider(QStringLiteral("symbol"), new SymbolProvider(systemImages));
     engine.addImageProvider(QStringLiteral("application-icon"),
                             new ApplicationIconProvider(std::move(systemImages)));
+}
+
+void useFontsForEveryScript() {
     QFont font = QGuiApplication::font();
     font.setFamilies(
         {QStringLiteral("Inter"), QStringLiteral("Noto Sans"), QStringLiteral("Noto Color Emoji")});

@@ -11,9 +11,12 @@ class QQmlEngine;
 
 namespace velloway {
 
-/// Sets up an engine for the views: their images, and fonts that cover every script. Once per engine. An image
-/// that the system does not have is the project's own; without `systemImages` that is every one.
+/// Sets up an engine for the views: their images. Once per engine. An image that the system does not have is
+/// the project's own; without `systemImages` that is every one.
 void prepareEngine(QQmlEngine& engine, std::shared_ptr<const SystemImages> systemImages = nullptr);
+
+/// Gives the application fonts that together cover every script, for desktops whose own font may not.
+void useFontsForEveryScript();
 
 /// A window with the view of one of the core's values in it, not yet shown. The engine must outlive it.
 class ContentView : public QQuickView {

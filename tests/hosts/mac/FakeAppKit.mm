@@ -681,6 +681,26 @@ NSError* errorFrom(const std::optional<std::string>& text) {
     return found == fakeMac.defaults.end() ? nil : [NSNumber numberWithInteger:found->second];
 }
 @end
+@interface FakeActivity : NSObject
+@end
+@implementation FakeActivity
+@end
+@implementation NSProcessInfo
++ (NSProcessInfo*)processInfo {
+    return [[self alloc] init];
+}
+- (id<NSObject>)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason {
+    ++fakeMac.activities;
+    fakeMac.activityOptions = options;
+    fakeMac.activityReason = stdString(reason);
+    return [[FakeActivity alloc] init];
+}
+- (void)endActivity:(id<NSObject>)activity {
+    if ([activity isKindOfClass:[FakeActivity class]]) {
+        --fakeMac.activities;
+    }
+}
+@end
 @implementation NSHost
 + (instancetype)currentHost {
     return [[self alloc] init];

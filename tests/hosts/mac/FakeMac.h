@@ -68,6 +68,12 @@ struct FakeMac {
     std::optional<std::string> downloads = "/Users/me/Downloads";
     std::map<std::string, long> defaults;
 
+    // Activities
+    /// How many last.
+    int activities = 0;
+    unsigned long activityOptions = 0;
+    std::string activityReason;
+
     // Scripts and login item
     std::optional<std::string> scriptError;
     bool compilesScripts = true;

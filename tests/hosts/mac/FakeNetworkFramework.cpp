@@ -44,7 +44,8 @@ public:
 
 class Metadata : public FakeObject {
 public:
-    int opcode = 0;
+    explicit Metadata(int ofMessage) : opcode(ofMessage) {}
+    int opcode;
 };
 
 class Definition : public FakeObject {};
@@ -91,9 +92,13 @@ Temporary<Error> errorFor(int posixCode) {
 class Connection : public FakeObject {
 public:
     struct Message {
-        std::string bytes;
-        bool isWhole;
-        bool hasMetadata;
+        /// Absent for a receive that brings no bytes.
+        std::optional<std::string> bytes;
+        bool isWhole = true;
+        /// Of the WebSocket; without metadata of one at -1.
+        int opcode = -1;
+        /// Of a receive that fails alone.
+        int posixCode = 0;
     };
     struct Send {
         FakePhone::Frame frame;
@@ -188,17 +193,23 @@ private:
     }
     static void answer(const HeldBlock<nw_connection_receive_completion_t>& completion,
                        const Message& message) {
+        const Temporary<FakeData> data(message.bytes ? new FakeData(inRegions(*message.bytes)) : nullptr);
+        const Temporary<Context> context(message.posixCode == 0 ? new Context : nullptr);
+        if (auto* const about = context.as<Context*>()) {
+            about->opcode = message.opcode;
+        }
+        completion(data.as<dispatch_data_t>(), context.as<nw_content_context_t>(), message.isWhole,
+                   errorFor(message.posixCode).as<nw_error_t>());
+    }
+    static std::vector<std::string> inRegions(const std::string& bytes) {
         std::vector<std::string> regions;
         const std::size_t count = fakeNetworkFramework.regions;
         for (std::size_t index = 0; index < count; ++index) {
-            const std::size_t from = message.bytes.size() * index / count;
-            const std::size_t to = message.bytes.size() * (index + 1) / count;
-            regions.push_back(message.bytes.substr(from, to - from));
+            const std::size_t from = bytes.size() * index / count;
+            const std::size_t to = bytes.size() * (index + 1) / count;
+            regions.push_back(bytes.substr(from, to - from));
         }
-        const Temporary<FakeData> data(new FakeData(std::move(regions)));
-        const Temporary<Context> context(new Context);
-        context.as<Context*>()->opcode = message.hasMetadata ? 1 : -1;
-        completion(data.as<dispatch_data_t>(), context.as<nw_content_context_t>(), message.isWhole, nullptr);
+        return regions;
     }
     void flushSends() {
         if (!isEnded_ && state_ != nw_connection_state_ready) {
@@ -296,9 +307,17 @@ public:
 
     void shakeHands() override { connection_.becomeReady(); }
     void sends(const std::string& bytes, bool isWholeMessage, bool hasMetadata) override {
-        connection_.deliver({bytes, isWholeMessage, hasMetadata});
+        connection_.deliver({bytes, isWholeMessage, hasMetadata ? static_cast<int>(nw_ws_opcode_text) : -1});
     }
     void fails(int posixCode) override { connection_.end(nw_connection_state_failed, posixCode); }
+    void failsToReceive(int posixCode) override {
+        connection_.deliver({.isWhole = false, .posixCode = posixCode});
+    }
+    void closes(std::optional<int> code, const std::string& reason) override {
+        connection_.deliver(
+            {.bytes = code ? std::optional(reason) : std::nullopt, .opcode = nw_ws_opcode_close});
+    }
+    void endsStream() override { connection_.deliver({}); }
 
 private:
     Connection& connection_;
@@ -375,15 +394,16 @@ void nw_ws_options_set_auto_reply_ping(nw_protocol_options_t options, bool repli
     real<Options>(options).text += replies ? " with pongs" : " without pongs";
 }
 nw_protocol_metadata_t nw_ws_create_metadata(nw_ws_opcode_t opcode) {
-    auto* const metadata = new Metadata;
-    metadata->opcode = opcode;
-    return native<nw_protocol_metadata_t>(metadata);
+    return native<nw_protocol_metadata_t>(new Metadata(opcode));
 }
 nw_protocol_definition_t nw_protocol_copy_ws_definition() {
     return native<nw_protocol_definition_t>(new Definition);
 }
 bool nw_protocol_metadata_is_ws(nw_protocol_metadata_t) {
     return true;
+}
+nw_ws_opcode_t nw_ws_metadata_get_opcode(nw_protocol_metadata_t metadata) {
+    return static_cast<nw_ws_opcode_t>(real<Metadata>(metadata).opcode);
 }
 
 nw_listener_t nw_listener_create_with_port(const char* port, nw_parameters_t parameters) {
@@ -470,7 +490,8 @@ void nw_content_context_set_metadata_for_protocol(nw_content_context_t context,
 }
 nw_protocol_metadata_t nw_content_context_copy_protocol_metadata(nw_content_context_t context,
                                                                  nw_protocol_definition_t) {
-    return real<Context>(context).opcode >= 0 ? native<nw_protocol_metadata_t>(new Metadata) : nullptr;
+    const int opcode = real<Context>(context).opcode;
+    return opcode >= 0 ? native<nw_protocol_metadata_t>(new Metadata(opcode)) : nullptr;
 }
 
 nw_endpoint_type_t nw_endpoint_get_type(nw_endpoint_t endpoint) {

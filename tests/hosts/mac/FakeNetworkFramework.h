@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,7 +45,16 @@ public:
     virtual ~FakePhone() = default;
     virtual void shakeHands() = 0;
     virtual void sends(const std::string& bytes, bool isWholeMessage = true, bool hasMetadata = true) = 0;
+    /// The connection fails, and what waits for it with it.
     virtual void fails(int posixCode) = 0;
+    /// A receive fails, and the framework reports no state after it.
+    virtual void failsToReceive(int posixCode) = 0;
+    /// Closes the WebSocket in the regular way: a receive brings the closing frame, and the framework reports
+    /// no state after it. Without a code the frame is empty.
+    virtual void closes(std::optional<int> code, const std::string& reason) = 0;
+    /// Closes the stream without a closing frame; a receive brings its end, and the framework reports no state
+    /// after it.
+    virtual void endsStream() = 0;
 
     const std::shared_ptr<FarEnd> farEnd = std::make_shared<FarEnd>();
 };

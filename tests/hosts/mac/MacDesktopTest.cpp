@@ -1,6 +1,8 @@
 #include "hosts/mac/FakeCoreGraphics.h"
+#include "hosts/mac/FakeInterfaces.h"
 #include "hosts/mac/FakeMac.h"
 #include "hosts/mac/FakeObject.h"
+#include "hosts/mac/MacActivity.h"
 #include "hosts/mac/MacApplication.h"
 #include "hosts/mac/MacHost.h"
 #include "hosts/mac/MacInputEvents.h"
@@ -17,6 +19,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <net/if.h>
 #include <sys/socket.h>
 
@@ -32,6 +36,7 @@ protected:
     MacTest() {
         resetFakeMac();
         fakeCoreGraphics = {};
+        fakeInterfaces = everydayInterfaces();
     }
     ~MacTest() override { objc_autoreleasePoolPop(pool); }
 
@@ -284,6 +289,21 @@ TEST_F(MacStatusItemTest, AClickRunsWhatTheItemStandsFor) {
     EXPECT_FALSE(clickFakeMenuItem(4));
 }
 
+TEST_F(MacStatusItemTest, WhatAClickRunsMayReplaceTheMenu) {
+    item->create();
+    std::string seen;
+    auto replacing = items();
+    replacing[3].onChosen = [this, &seen, text = std::string("held by the action, longer than in place")] {
+        item->setMenu({});
+        seen = text;
+    };
+    item->setMenu(replacing);
+    replacing.clear();
+    EXPECT_TRUE(clickFakeMenuItem(3));
+    EXPECT_EQ(seen, "held by the action, longer than in place");
+    EXPECT_TRUE(fakeMenu().empty());
+}
+
 TEST_F(MacStatusItemTest, TheTitleOfATaggedItemChangesAndAnUnknownTagIsLeftAlone) {
     item->create();
     item->setItemTitle(1, "before there is a menu");
@@ -533,14 +553,48 @@ TEST_F(MacTest, TheHostTellsItsFactsAndWhatIsMissing) {
     EXPECT_FALSE(host.downloadsDirectory());
 }
 
-TEST_F(MacTest, TheLoopbackInterfaceIsAmongTheInterfaces) {
+std::string textOf(const NetworkInterface& interface) {
+    return interface.name + " " + std::to_string(interface.flags) + " " +
+           std::to_string(interface.addressFamily) + " [" + interface.numericAddress + "]";
+}
+
+TEST_F(MacTest, InterfacesComeInTheirOrderWithTheAddressesOfBothFamiliesAndAlsoWithoutAny) {
+    constexpr int linkLayer = 18;
+    fakeInterfaces.entries = {{"lo0", IFF_UP | IFF_LOOPBACK, AF_INET, "127.0.0.1"},
+                              {"en0", IFF_UP, linkLayer, ""},
+                              {"en0", IFF_UP, AF_INET6, "2001:db8::1:2:3"},
+                              {"en0", IFF_UP, AF_INET, "192.168.1.20"},
+                              {"utun0", 0, std::nullopt, ""}};
     const auto interfaces = MacHost().networkInterfaces();
     ASSERT_TRUE(interfaces);
-    EXPECT_THAT(*interfaces,
-                testing::Contains(testing::AllOf(
-                    testing::Field(&NetworkInterface::numericAddress, "127.0.0.1"),
-                    testing::Field(&NetworkInterface::addressFamily, AF_INET),
-                    testing::Truly([](const auto& it) { return (it.flags & IFF_LOOPBACK) != 0; }))));
+    std::vector<std::string> texts;
+    std::transform(interfaces->begin(), interfaces->end(), std::back_inserter(texts), textOf);
+    EXPECT_THAT(texts, ElementsAre("lo0 9 2 [127.0.0.1]", "en0 1 18 []", "en0 1 10 [2001:db8::1:2:3]",
+                                   "en0 1 2 [192.168.1.20]", "utun0 0 -1 []"));
+    EXPECT_EQ(fakeInterfaces.listsAlive, 0);
+}
+
+TEST_F(MacTest, WithoutAListOfInterfacesThereIsNone) {
+    fakeInterfaces.fails = true;
+    EXPECT_FALSE(MacHost().networkInterfaces());
+    EXPECT_EQ(fakeInterfaces.listsAlive, 0);
+}
+
+// Activities
+
+TEST_F(MacTest, AnActivityLastsAsLongAsItIsHeld) {
+    const int before = runtimeObjectsAlive();
+    auto first = beginConnectedActivity();
+    auto second = beginConnectedActivity();
+    EXPECT_EQ(fakeMac.activities, 2);
+    // Initiated by the user, with the sleep of an idle computer allowed.
+    EXPECT_EQ(fakeMac.activityOptions, 0x00EFFFFFul);
+    EXPECT_FALSE(fakeMac.activityReason.empty());
+    first.reset();
+    EXPECT_EQ(fakeMac.activities, 1);
+    second.reset();
+    EXPECT_EQ(fakeMac.activities, 0);
+    EXPECT_EQ(runtimeObjectsAlive(), before);
 }
 
 // Media keys

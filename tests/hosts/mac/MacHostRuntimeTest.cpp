@@ -5,6 +5,7 @@
 #include "hosts/mac/FakeMac.h"
 #include "hosts/mac/FakeNetworkFramework.h"
 #include "hosts/mac/FakeSurface.h"
+#include "hosts/mac/MacDispatchQueue.h"
 #include "hosts/mac/QtSurface.h"
 #include "runtime/ObjectiveC.h"
 
@@ -58,6 +59,12 @@ void noteToolkitStart() {
     toolkitStart.transform = qgetenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM");
 }
 Q_COREAPP_STARTUP_FUNCTION(noteToolkitStart)
+
+extern "C" objc_class nsObject asm("OBJC_CLASS_$_NSObject");
+
+void leaveObjectToPool() {
+    objc_autorelease(runtimeAllocate(&nsObject));
+}
 
 class MacHostRuntimeTest : public testing::Test {
 protected:
@@ -125,6 +132,11 @@ TEST_F(MacHostRuntimeTest, TheToolkitStartsInTheBackgroundAndFindsOurDelegate) {
     EXPECT_EQ(QCoreApplication::applicationName(), "Velloway");
 }
 
+TEST_F(MacHostRuntimeTest, TheServerHasAQueueOfItsOwnWithItsLabel) {
+    auto& serverQueue = dynamic_cast<MacDispatchQueue&>(host->platform().serverQueue);
+    EXPECT_EQ(fakeDispatch::factsOf(serverQueue.native()).label, "ws.server");
+}
+
 TEST_F(MacHostRuntimeTest, TheLaunchInsideTheEventLoopGoesThroughItsStepsInOrder) {
     bool hasRun = false;
     runWith([&] {
@@ -189,6 +201,24 @@ TEST_F(MacHostRuntimeTest, WorkFromAnyThreadRunsOnTheMainThreadInOrderAndInNeste
     });
     EXPECT_THAT(order, ElementsAre(1, 2, 3, 4));
     EXPECT_THAT(threads, testing::Each(std::this_thread::get_id()));
+}
+
+TEST_F(MacHostRuntimeTest, WhatAJobLeavesToThePoolGoesWithTheJob) {
+    DispatchQueue& main = host->platform().mainQueue;
+    const int before = runtimeObjectsAlive();
+    std::vector<int> between;
+    runWith([&] {
+        for (int round = 0; round < 3; ++round) {
+            std::shared_ptr<void> leavesOneAtItsEnd(nullptr, [](void*) { leaveObjectToPool(); });
+            main.async([&between, held = std::move(leavesOneAtItsEnd)] {
+                between.push_back(runtimeObjectsAlive());
+                leaveObjectToPool();
+            });
+        }
+        settle();
+    });
+    EXPECT_THAT(between, ElementsAre(before, before, before));
+    EXPECT_EQ(runtimeObjectsAlive(), before);
 }
 
 TEST_F(MacHostRuntimeTest, TheMenuOpensTheMainWindowAndClosingItLeavesTheDock) {

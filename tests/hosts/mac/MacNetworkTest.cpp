@@ -25,6 +25,7 @@ protected:
         fakeDispatch::runAll();
         queue.reset();
         EXPECT_EQ(FakeObject::alive, aliveBefore) << "objects of the platform are leaked";
+        EXPECT_EQ(activities, 0) << "an activity lasts without a connection";
     }
 
     std::shared_ptr<NetworkListener> make() {
@@ -54,7 +55,11 @@ protected:
     }
 
     const int aliveBefore = FakeObject::alive;
-    MacNetwork network;
+    int activities = 0;
+    MacNetwork network{[this] {
+        ++activities;
+        return std::shared_ptr<void>(&activities, [this](void*) { --activities; });
+    }};
     std::unique_ptr<MacDispatchQueue> queue = std::make_unique<MacDispatchQueue>("ws.server");
     NetworkError error;
     std::shared_ptr<NetworkListener> listener;
@@ -89,6 +94,18 @@ TEST_F(MacNetworkTest, AnyPortNumberIsTaken) {
 TEST_F(MacNetworkTest, AnotherVersionOfWebsocketsIsRefused) {
     EXPECT_EQ(network.makeListener({.port = 1, .webSocketVersion = 8}, error), nullptr);
     EXPECT_FALSE(error.localizedDescription.empty());
+}
+
+TEST_F(MacNetworkTest, ADroppedListenerHandsOverNoConnectionThatIsOnItsWay) {
+    listener = make();
+    int handedOver = 0;
+    listener->setNewConnectionHandler([&](const auto&) { ++handedOver; });
+    listener->start(*queue);
+    fakeDispatch::runAll();
+    phone = dialFake(8765);
+    listener.reset();
+    fakeDispatch::runAll();
+    EXPECT_EQ(handedOver, 0);
 }
 
 TEST_F(MacNetworkTest, AMessageInSeveralRegionsComesInOnePiece) {
@@ -163,6 +180,104 @@ TEST_F(MacNetworkTest, ADroppedConnectionIsEndedWithoutAClosingHandshake) {
     EXPECT_THAT(fakeNetworkFramework.calls, ElementsAre("connection force cancel"));
     fakeDispatch::runAll();
     EXPECT_TRUE(phone->farEnd->isEnded);
+}
+
+/// How a far end can go away.
+struct Ending {
+    const char* name;
+    void (*happens)(FakePhone&);
+    /// What the receive brings.
+    const char* bytes;
+    bool isError;
+};
+constexpr Ending endings[] = {
+    {"CloseFrameWithReason", [](FakePhone& phone) { phone.closes(1001, "going away"); }, "going away", false},
+    {"CloseFrameWithCodeAlone", [](FakePhone& phone) { phone.closes(1000, ""); }, "", false},
+    {"EmptyCloseFrame", [](FakePhone& phone) { phone.closes(std::nullopt, ""); }, "nothing", false},
+    {"EndOfStream", [](FakePhone& phone) { phone.endsStream(); }, "nothing", false},
+    {"ReceiveError", [](FakePhone& phone) { phone.failsToReceive(ENOTCONN); }, "nothing", true},
+};
+
+class MacNetworkEndingTest : public MacNetworkTest, public testing::WithParamInterface<Ending> {};
+
+TEST_P(MacNetworkEndingTest, IsFollowedByTheStateCancelledAndBringsNoFurtherMessages) {
+    connect();
+    std::vector<std::string> notes;
+    connection->setStateHandler(
+        [&](ConnectionState state, const auto&) { notes.push_back("state " + std::to_string(int(state))); });
+    GetParam().happens(*phone);
+    std::string bytes;
+    connection->receiveMessage([&](const ReceivedContent& content) {
+        bytes = content.bytes.value_or("nothing");
+        notes.push_back(content.error ? "error" : "received");
+        if (!content.error) {
+            connection->receiveMessage(
+                [&](const ReceivedContent& next) { notes.push_back(next.error ? "error" : "received"); });
+        }
+    });
+    fakeDispatch::runAll();
+    EXPECT_EQ(bytes, GetParam().bytes);
+    const std::string cancelled = "state " + std::to_string(int(ConnectionState::cancelled));
+    if (GetParam().isError) {
+        EXPECT_THAT(notes, ElementsAre("error", cancelled));
+    } else {
+        EXPECT_THAT(notes, ElementsAre("received", "error", cancelled));
+    }
+    EXPECT_EQ(activities, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(, MacNetworkEndingTest, testing::ValuesIn(endings),
+                         [](const auto& it) { return std::string(it.param.name); });
+
+TEST_F(MacNetworkTest, AFailureThatThePlatformReportsAfterTheReceiveIsTheLastState) {
+    connect();
+    std::vector<ConnectionState> states;
+    connection->setStateHandler([&](ConnectionState state, const auto&) { states.push_back(state); });
+    phone->fails(ECONNRESET);
+    std::string bytes;
+    EXPECT_TRUE(receive(&bytes).error);
+    EXPECT_THAT(states, ElementsAre(ConnectionState::failed));
+}
+
+TEST_F(MacNetworkTest, AnEmptyMessageEndsNothing) {
+    connect();
+    phone->sends("");
+    std::string bytes;
+    receive(&bytes);
+    phone->sends("more");
+    receive(&bytes);
+    EXPECT_EQ(bytes, "more");
+    EXPECT_FALSE(phone->farEnd->isEnded);
+}
+
+TEST_F(MacNetworkTest, AConnectionThatIsDroppedInsideItsReceiveIsEndedOnce) {
+    connect();
+    phone->failsToReceive(ECONNRESET);
+    fakeNetworkFramework.calls.clear();
+    connection->receiveMessage([&](const ReceivedContent&) { connection.reset(); });
+    fakeDispatch::runAll();
+    EXPECT_THAT(fakeNetworkFramework.calls, ElementsAre("connection force cancel"));
+}
+
+TEST_F(MacNetworkTest, AnActivityLastsWhileAConnectionIsReadyAndEachHasItsOwn) {
+    connect();
+    EXPECT_EQ(activities, 1);
+    auto firstConnection = std::move(connection);
+    auto firstPhone = std::move(phone);
+    phone = dialFake(8765);
+    fakeDispatch::runAll();
+    connection->start(*queue);
+    fakeDispatch::runAll();
+    EXPECT_EQ(activities, 1) << "begun before the handshake";
+    phone->shakeHands();
+    fakeDispatch::runAll();
+    EXPECT_EQ(activities, 2);
+    firstConnection->cancel();
+    fakeDispatch::runAll();
+    EXPECT_EQ(activities, 1);
+    phone->fails(ECONNRESET);
+    fakeDispatch::runAll();
+    EXPECT_EQ(activities, 0);
 }
 
 TEST(MacDispatchQueueTest, IsASerialQueueOfUtilityQualityWithItsLabel) {

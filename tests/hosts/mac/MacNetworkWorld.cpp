@@ -81,7 +81,7 @@ public:
 
 private:
     const int aliveBefore_ = FakeObject::alive;
-    MacNetwork network_;
+    MacNetwork network_{[] { return std::make_shared<int>(); }};
     std::unique_ptr<MacDispatchQueue> queue_ = std::make_unique<MacDispatchQueue>("contract");
 };
 

@@ -8,6 +8,7 @@
 #include "hosts/mac/FakeNetworkFramework.h"
 #include "hosts/mac/FakeSurface.h"
 #include "hosts/mac/MacAccessibility.h"
+#include "hosts/mac/MacActivity.h"
 #include "hosts/mac/MacApplication.h"
 #include "hosts/mac/MacDispatchQueue.h"
 #include "hosts/mac/MacHost.h"
@@ -94,7 +95,7 @@ public:
     MacWindows windows{delegate, makeFakeSurface};
     MacWorkspace workspace;
     MacDispatchQueue serverQueue{"ws.server"};
-    MacNetwork network;
+    MacNetwork network{beginConnectedActivity};
     std::unique_ptr<Program> program = std::make_unique<Program>(platformOf(*this), [] {});
     std::shared_ptr<FakePhone> phone;
 };
@@ -135,6 +136,38 @@ TEST_F(MacProgramTest, ANotificationComesFromThePhoneAndItsAnswerGoesBack) {
     EXPECT_EQ(frame.opcode, 1);
     EXPECT_THAT(frame.text, HasSubstr(R"("key":"key-1")"));
     EXPECT_THAT(frame.text, HasSubstr(R"("message":"on my way")"));
+}
+
+TEST_F(MacProgramTest, TheSystemDoesNotSlowTheProgramDownWhileAPhoneIsConnected) {
+    fakeLaunch();
+    runAll();
+    phone = dialFake(8765);
+    ASSERT_TRUE(phone);
+    runAll();
+    EXPECT_EQ(fakeMac.activities, 0) << "begun before the phone is there";
+    phone->shakeHands();
+    runAll();
+    EXPECT_EQ(fakeMac.activities, 1);
+    // Initiated by the user, with the sleep of an idle computer allowed.
+    EXPECT_EQ(fakeMac.activityOptions, 0x00EFFFFFul);
+    EXPECT_FALSE(fakeMac.activityReason.empty());
+    phone->closes(1000, "bye");
+    runAll();
+    EXPECT_EQ(fakeMac.activities, 0);
+}
+
+TEST_F(MacProgramTest, APhoneThatClosesIsNoLongerConnectedAlthoughThePlatformReportsNoFailure) {
+    fakeLaunch();
+    runAll();
+    phone = dialFake(8765);
+    ASSERT_TRUE(phone);
+    runAll();
+    phone->shakeHands();
+    runAll();
+    EXPECT_TRUE(program->historyStore().connectedRemoteIP.get());
+    phone->closes(1000, "");
+    runAll();
+    EXPECT_FALSE(program->historyStore().connectedRemoteIP.get());
 }
 
 TEST_F(MacProgramTest, AClickInTheMenuOpensTheMainWindowAndClosingItLeavesTheDock) {

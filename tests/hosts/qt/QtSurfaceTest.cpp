@@ -223,6 +223,15 @@ TEST_F(QtSurfaceTest, NothingIsLeftWhenTheMakerGoes) {
     EXPECT_TRUE(view.isNull());
 }
 
+TEST_F(QtSurfaceTest, TheTextIsInTheFontOfTheSystem) {
+    const QFont before = QGuiApplication::font();
+    QGuiApplication::setFont(QFont(QStringLiteral("Font of the system")));
+    const auto surface = surfaces.make(ringing("123"), Look::translucent);
+    show(*surface);
+    EXPECT_EQ(QGuiApplication::font().families(), QStringList{QStringLiteral("Font of the system")});
+    QGuiApplication::setFont(before);
+}
+
 TEST_F(QtSurfaceTest, APanelIsSeeThroughAtItsCornersAndTakesNoKeys) {
     const auto surface = surfaces.make(ringing("123"), Look::translucent);
     ContentView& view = show(*surface);

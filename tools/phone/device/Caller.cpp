@@ -74,7 +74,7 @@ void Caller::call(std::vector<std::string> words, std::string input, std::functi
         std::move(words), std::move(input),
         [this, command, done = std::move(done)](std::string output) {
             // Commands that answer nothing still say in JSON why they were refused.
-            json::error_code error;
+            boost::system::error_code error;
             const json::value answer = json::parse(output, error);
             const std::string refusal = error ? std::string() : refusalIn(answer);
             if (!refusal.empty()) {
@@ -103,7 +103,7 @@ void Caller::poll(std::vector<std::string> words, std::function<void(json::value
     run(
         std::move(words), {},
         [this, command, done = std::move(done), failed](std::string output) {
-            json::error_code error;
+            boost::system::error_code error;
             json::value answer = json::parse(output, error);
             const std::string refusal = error ? std::string() : refusalIn(answer);
             if (error || !refusal.empty()) {

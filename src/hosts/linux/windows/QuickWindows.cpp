@@ -138,6 +138,7 @@ public:
         }();
         static_cast<void>(isBackendSet);
         prepareEngine(qml);
+        useFontsForEveryScript();
     }
 
     QQmlEngine qml;

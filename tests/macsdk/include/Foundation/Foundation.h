@@ -136,6 +136,18 @@ typedef NSString* NSNotificationName;
 - (nullable id)objectForKey:(NSString*)defaultName;
 @end
 
+typedef NS_OPTIONS(uint64_t, NSActivityOptions){
+    NSActivityIdleSystemSleepDisabled = 1ULL << 20,
+    NSActivityUserInitiated = 0x00FFFFFFULL | NSActivityIdleSystemSleepDisabled,
+    NSActivityUserInitiatedAllowingIdleSystemSleep =
+        NSActivityUserInitiated & ~NSActivityIdleSystemSleepDisabled,
+    NSActivityBackground = 0x000000FFULL};
+@interface NSProcessInfo : NSObject
+@property(class, readonly, strong) NSProcessInfo* processInfo;
+- (id<NSObject>)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason;
+- (void)endActivity:(id<NSObject>)activity;
+@end
+
 @interface NSHost : NSObject
 + (instancetype)currentHost;
 @property(nullable, readonly, copy) NSString* localizedName;

@@ -19,7 +19,15 @@ MACSDK_NW_DECL(nw_error);
 MACSDK_NW_DECL(nw_content_context);
 
 typedef enum { nw_ws_version_invalid = 0, nw_ws_version_13 = 1 } nw_ws_version_t;
-typedef enum { nw_ws_opcode_cont = 0, nw_ws_opcode_text = 1, nw_ws_opcode_binary = 2 } nw_ws_opcode_t;
+typedef enum {
+    nw_ws_opcode_invalid = -1,
+    nw_ws_opcode_cont = 0,
+    nw_ws_opcode_text = 1,
+    nw_ws_opcode_binary = 2,
+    nw_ws_opcode_close = 8,
+    nw_ws_opcode_ping = 9,
+    nw_ws_opcode_pong = 10
+} nw_ws_opcode_t;
 typedef enum {
     nw_listener_state_invalid = 0,
     nw_listener_state_waiting = 1,
@@ -46,7 +54,8 @@ typedef enum {
     nw_error_domain_invalid = 0,
     nw_error_domain_posix = 1,
     nw_error_domain_dns = 2,
-    nw_error_domain_tls = 3
+    nw_error_domain_tls = 3,
+    nw_error_domain_wifi_aware __attribute__((availability(macos, introduced = 26.0))) = 4
 } nw_error_domain_t;
 
 typedef void (^nw_parameters_configure_protocol_block_t)(nw_protocol_options_t options);
@@ -77,6 +86,7 @@ void nw_ws_options_set_auto_reply_ping(nw_protocol_options_t options, bool auto_
 nw_protocol_metadata_t nw_ws_create_metadata(nw_ws_opcode_t opcode);
 nw_protocol_definition_t nw_protocol_copy_ws_definition(void);
 bool nw_protocol_metadata_is_ws(nw_protocol_metadata_t metadata);
+nw_ws_opcode_t nw_ws_metadata_get_opcode(nw_protocol_metadata_t metadata);
 
 nw_listener_t _Nullable nw_listener_create_with_port(const char* port, nw_parameters_t parameters);
 void nw_listener_set_queue(nw_listener_t listener, dispatch_queue_t queue);

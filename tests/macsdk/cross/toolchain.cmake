@@ -1,0 +1,22 @@
+# Builds for macOS in the system that `prepare` makes, whose packages stand in for those of a Mac. VELLOWAY_MACHINE is
+# the processor.
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VELLOWAY_MACHINE)
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_PROCESSOR ${VELLOWAY_MACHINE})
+set(CMAKE_OSX_SYSROOT "")
+set(CMAKE_OSX_DEPLOYMENT_TARGET 13.0)
+set(CMAKE_C_COMPILER /mac/bin/clang++-${VELLOWAY_MACHINE})
+set(CMAKE_CXX_COMPILER /mac/bin/clang++-${VELLOWAY_MACHINE})
+set(CMAKE_OBJCXX_COMPILER /mac/bin/clang++-${VELLOWAY_MACHINE})
+set(CMAKE_CXX_COMPILER_WORKS 1)
+set(CMAKE_OBJCXX_COMPILER_WORKS 1)
+set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+set(CMAKE_AR /usr/bin/llvm-ar-21)
+set(CMAKE_RANLIB /usr/bin/llvm-ranlib-21)
+set(CMAKE_INSTALL_NAME_TOOL /usr/bin/llvm-install-name-tool-21)
+# Programs of the build run here: those that it makes for a Mac by a stand-in.
+set(CMAKE_CROSSCOMPILING_EMULATOR /mac/bin/run-here)
+set(CMAKE_PREFIX_PATH /usr)
+set(CMAKE_LIBRARY_ARCHITECTURE x86_64-linux-gnu)
+set(OPENGL_INCLUDE_DIR /usr/include)
+set(OPENGL_gl_LIBRARY /mac/stubs/OpenGL.framework)
