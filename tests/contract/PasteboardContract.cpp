@@ -122,6 +122,15 @@ TEST_F(LinuxPasteboardTest, TextOfAnotherProgramIsRead) {
     EXPECT_EQ(pasteboard.string(), "von außen 👋");
 }
 
+TEST_F(LinuxPasteboardTest, AByteOrderMarkOfAnotherProgramIsPartOfItsText) {
+    for (const char* text : {"\xEF\xBB\xBFmark", "no mark", "\xEF\xBB\xBF"}) {
+        otherOwns(text, {"-target", "text/plain;charset=utf-8"});
+        EXPECT_EQ(pasteboard.string(), text);
+        owner.kill();
+        owner.waitForFinished();
+    }
+}
+
 TEST_F(LinuxPasteboardTest, FiveMebibytesGoOutWhole) {
     const std::string text(5 * 1024 * 1024, 'x');
     pasteboard.clearContents();

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <set>
 #include <string>
@@ -100,6 +101,28 @@ TEST(Uuid, IsRandomAndHasTheStandardForm) {
         seen.insert(text);
     }
     EXPECT_EQ(seen.size(), 100U);
+}
+
+TEST(Uuid, IsRandomInEveryPlaceApartFromTheOthers) {
+    std::vector<std::string> drawn(500);
+    std::generate(drawn.begin(), drawn.end(), [] { return Uuid::random().text(); });
+    const auto differ = [&](std::size_t one, std::size_t other) {
+        return std::any_of(drawn.begin(), drawn.end(),
+                           [&](const std::string& text) { return text[one] != text[other]; });
+    };
+    for (std::size_t place = 0; place < 36; ++place) {
+        if (place == 8 || place == 13 || place == 18 || place == 23 || place == 14) {
+            continue;
+        }
+        std::set<char> digits;
+        for (const std::string& text : drawn) {
+            digits.insert(text[place]);
+        }
+        EXPECT_EQ(digits.size(), place == 19 ? 4U : 16U) << "place " << place;
+        for (std::size_t other = 0; other < place; ++other) {
+            EXPECT_TRUE(differ(place, other)) << "places " << other << " and " << place;
+        }
+    }
 }
 
 } // namespace

@@ -49,6 +49,24 @@ TEST(CodePoints, AreTakenOneByOne) {
     EXPECT_EQ(text, "z");
 }
 
+TEST(CodePoints, AreTakenFromTheEndOneByOne) {
+    std::string_view text("\u00E9\U0001F600\0z", 8);
+    EXPECT_EQ(takeLastCodePoint(text), U'z');
+    EXPECT_EQ(takeLastCodePoint(text), U'\0');
+    EXPECT_EQ(takeLastCodePoint(text), U'\U0001F600');
+    EXPECT_EQ(text, "\u00E9");
+    EXPECT_EQ(takeLastCodePoint(text), U'\u00E9');
+    EXPECT_EQ(text, "");
+}
+
+TEST(CodePoints, OfBytesThatAreNotUtf8AreTakenFromTheEndByteByByte) {
+    std::string_view text("ab\x80\xF0\x9F");
+    for (const char* rest : {"ab\x80\xF0", "ab\x80", "ab"}) {
+        EXPECT_EQ(takeLastCodePoint(text), U'\uFFFD');
+        EXPECT_EQ(text, rest);
+    }
+}
+
 } // namespace
 
 } // namespace velloway::test

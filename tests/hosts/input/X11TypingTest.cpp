@@ -183,6 +183,17 @@ protected:
     void keyPressEvent(QKeyEvent* event) override { text += event->text(); }
 };
 
+TEST_F(X11Typing, KeepsANoBreakSpaceApartFromABlank) {
+    // An editor shows both as blanks.
+    KeyCollector collector;
+    collector.show();
+    ASSERT_TRUE(waitFor([&] { return server_.focus(static_cast<xcb_window_t>(collector.winId())); }));
+    const QString text = QStringLiteral("a\u00A0b c\u00A0\u00A0");
+    type(text);
+    ASSERT_TRUE(waitFor([&] { return collector.text.size() >= text.size(); }));
+    EXPECT_EQ(collector.text.toStdString(), text.toStdString());
+}
+
 TEST_F(X11Typing, TakesAtMostTwoMillisecondsForEachNewCharacter) {
     KeyCollector collector;
     collector.show();

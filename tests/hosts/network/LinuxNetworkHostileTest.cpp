@@ -251,6 +251,11 @@ public:
     ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &before_); }
     DescriptorLimit(const DescriptorLimit&) = delete;
     bool isSet() const { return isSet_; }
+    rlim_t count() const {
+        rlimit now{};
+        getrlimit(RLIMIT_NOFILE, &now);
+        return now.rlim_cur;
+    }
 
 private:
     rlimit before_{};
@@ -599,6 +604,41 @@ TEST_F(LinuxNetworkTest, WithoutDescriptorsItWaitsWithoutSpinningAndThenGoesOn) 
     for (RawPhone& phone : phones) {
         EXPECT_THAT(phone.readHead(), StartsWith("HTTP/1.1 101 "));
         expectServed(phone);
+    }
+}
+
+TEST_F(LinuxNetworkTest, LeavesDescriptorsToTheRestOfTheProgram) {
+    std::vector<RawPhone> phones(10);
+    const int lowestFree = dup(0);
+    close(lowestFree);
+    constexpr int spare = LinuxNetworkLimits().spareDescriptors;
+    const DescriptorLimit limit(static_cast<rlim_t>(std::max(lowestFree + 3 + spare, 4 * spare)));
+    std::vector<int> taken;
+    while (openDescriptors() < static_cast<int>(limit.count()) - spare - 3) {
+        taken.push_back(dup(0));
+    }
+    for (RawPhone& phone : phones) {
+        phone.connect(host->port);
+        phone.write(RawPhone::request());
+    }
+    EXPECT_THAT(phones.front().readHead(), StartsWith("HTTP/1.1 101 "));
+    const auto before = processorTimeOfQueue();
+    std::this_thread::sleep_for(500ms);
+    EXPECT_LT(processorTimeOfQueue() - before, 150ms);
+    EXPECT_LT(host->accepted, 11) << "some must wait";
+    std::vector<int> others(static_cast<std::size_t>(spare - 4));
+    std::generate(others.begin(), others.end(), [] { return dup(0); });
+    EXPECT_EQ(std::count(others.begin(), others.end(), -1), 0);
+    for (const auto& some : {others, taken}) {
+        std::for_each(some.begin(), some.end(), close);
+    }
+    expectServed(phones.front());
+    for (RawPhone& phone : phones) {
+        if (&phone != &phones.front()) {
+            EXPECT_THAT(phone.readHead(), StartsWith("HTTP/1.1 101 "));
+            expectServed(phone);
+        }
+        phone.reset();
     }
 }
 

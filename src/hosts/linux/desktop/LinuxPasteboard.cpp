@@ -20,6 +20,18 @@ bool isToolkitInTouch() {
            QGuiApplication::focusWindow() != nullptr;
 }
 
+/// Most programs offer their text under this name too. Under any other the toolkit decodes it, and cuts a
+/// leading byte order mark.
+QString utf8Text() {
+    return QStringLiteral("text/plain;charset=utf-8");
+}
+
+/// `QString::fromUtf8` would cut a byte order mark, which here is a character of the text.
+QString decoded(QByteArrayView bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder(bytes);
+}
+
 } // namespace
 
 LinuxPasteboard::LinuxPasteboard() = default;
@@ -47,10 +59,8 @@ bool LinuxPasteboard::setString(std::string_view text) {
     if (!isToolkitInTouch()) {
         return false;
     }
-    // `QString::fromUtf8` would cut a byte order mark, which here is a character of the text.
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
     QGuiApplication::clipboard()->setText(
-        decoder(QByteArrayView(text.data(), static_cast<qsizetype>(text.size()))));
+        decoded(QByteArrayView(text.data(), static_cast<qsizetype>(text.size()))));
     return true;
 }
 
@@ -65,6 +75,9 @@ std::optional<std::string> LinuxPasteboard::string() const {
         return std::nullopt;
     }
     const QMimeData* contents = clipboard.mimeData();
+    if (contents != nullptr && contents->hasFormat(utf8Text())) {
+        return decoded(contents->data(utf8Text())).toStdString();
+    }
     // Not `hasText`, which takes a list of addresses for text as well.
     if (contents == nullptr || !contents->hasFormat(QStringLiteral("text/plain"))) {
         return std::nullopt;

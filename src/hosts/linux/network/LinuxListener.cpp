@@ -7,11 +7,14 @@
 #include <boost/asio/ip/v6_only.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <optional>
 #include <utility>
 
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -39,6 +42,15 @@ Endpoint describe(const tcp::endpoint& peer) {
 /// Whether there may be descriptors and memory again in a while.
 bool isShortage(int code) {
     return code == EMFILE || code == ENFILE || code == ENOBUFS || code == ENOMEM;
+}
+
+/// The system gives the lowest number that is free, so a high one tells that few are left.
+bool isAmongTheLast(int descriptor, std::size_t spare) {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        return false;
+    }
+    return static_cast<rlim_t>(descriptor) >= limit.rlim_cur - std::min<rlim_t>(spare, limit.rlim_cur / 4);
 }
 
 bool meansNoIPv6(const error_code& error) {
@@ -69,6 +81,8 @@ private:
     void waitForConnection();
     void acceptWhatIsThere();
     bool acceptOne();
+    bool takeFromSystem();
+    bool leavesEnough();
     void pauseAccepting();
     void fail(const error_code& error);
     void close();
@@ -78,6 +92,9 @@ private:
     ListenerParameters parameters_;
     std::optional<tcp::acceptor> acceptor_;
     std::optional<net::steady_timer> pause_;
+    /// An accepted socket that waits until there are descriptors to spare, or -1.
+    int held_ = -1;
+    tcp::endpoint heldPeer_;
     bool isIPv6_ = false;
     bool isStarted_ = false;
     bool isCancelled_ = false;
@@ -168,19 +185,46 @@ void LinuxListener::Session::acceptWhatIsThere() {
     waitForConnection();
 }
 
+/// Returns false with the reason in `errno`.
 bool LinuxListener::Session::acceptOne() {
-    tcp::endpoint peer;
-    socklen_t size = static_cast<socklen_t>(peer.capacity());
-    const int descriptor =
-        ::accept4(acceptor_->native_handle(), peer.data(), &size, SOCK_CLOEXEC | SOCK_NONBLOCK);
-    if (descriptor < 0) {
+    if (!takeFromSystem() || !leavesEnough()) {
         return false;
     }
-    peer.resize(size);
-    auto connection = std::make_shared<LinuxConnection>(queue, limits_, descriptor, isIPv6_, describe(peer));
+    auto connection = std::make_shared<LinuxConnection>(queue, limits_, std::exchange(held_, -1), isIPv6_,
+                                                        describe(heldPeer_));
     if (newConnectionHandler && !isAbandoned) {
         newConnectionHandler(std::move(connection));
     }
+    return true;
+}
+
+bool LinuxListener::Session::takeFromSystem() {
+    if (held_ >= 0) {
+        return true;
+    }
+    socklen_t size = static_cast<socklen_t>(heldPeer_.capacity());
+    held_ = ::accept4(acceptor_->native_handle(), heldPeer_.data(), &size, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (held_ < 0) {
+        return false;
+    }
+    heldPeer_.resize(size);
+    return true;
+}
+
+/// Moves the held socket to a lower number when there is one by now.
+bool LinuxListener::Session::leavesEnough() {
+    if (!isAmongTheLast(held_, limits_.spareDescriptors)) {
+        return true;
+    }
+    const int lower = ::fcntl(held_, F_DUPFD_CLOEXEC, 0);
+    if (lower < 0 || isAmongTheLast(lower, limits_.spareDescriptors)) {
+        if (lower >= 0) {
+            ::close(lower);
+        }
+        errno = EMFILE;
+        return false;
+    }
+    ::close(std::exchange(held_, lower));
     return true;
 }
 
@@ -225,6 +269,9 @@ void LinuxListener::Session::queueEnds() {
 }
 
 void LinuxListener::Session::close() {
+    if (held_ >= 0) {
+        ::close(std::exchange(held_, -1));
+    }
     acceptor_.reset();
     pause_.reset();
 }

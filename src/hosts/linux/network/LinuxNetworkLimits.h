@@ -14,6 +14,9 @@ struct LinuxNetworkLimits {
     std::chrono::milliseconds closing{2'000};
     /// How long accepting pauses when the system has no descriptor or memory left.
     std::chrono::milliseconds acceptPause{100};
+    /// How many descriptors connections leave to the rest of the program, but at most a quarter of all: drawing
+    /// on X11 waits for ever for one that it does not get. Connections beyond wait until others have ended.
+    std::size_t spareDescriptors = 64;
     /// A longer message ends its connection with the close code 1009.
     std::size_t messageBytes = std::size_t{512} << 20;
     /// Texts waiting for a phone that reads slowly or not at all; one more ends the connection. 0 means half of

@@ -1,0 +1,36 @@
+#include "text/Utf8.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
+
+namespace velloway::test {
+
+namespace {
+
+TEST(Utf8, IsKnownFromOtherBytes) {
+    for (const char* text : {"", "plain", "\u00E9\u4E16\U0001F600", "\xEF\xBB\xBFmark"}) {
+        EXPECT_TRUE(isUtf8(text)) << text;
+    }
+    for (const char* bytes : {"\x80", "a\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "a\xFFz"}) {
+        EXPECT_FALSE(isUtf8(bytes));
+    }
+}
+
+TEST(Utf8, IsMadeOfOtherBytesAndElseLeftAsItIs) {
+    const std::vector<std::pair<const char*, const char*>> cases{{"", ""},
+                                                                 {"plain", "plain"},
+                                                                 {"\u00E9\U0001F600", "\u00E9\U0001F600"},
+                                                                 {"\xEF\xBB\xBFmark", "\xEF\xBB\xBFmark"},
+                                                                 {"a\xFFz", "a\uFFFDz"},
+                                                                 {"\xE9t\xE9", "\uFFFDt\uFFFD"},
+                                                                 {"a\xC3", "a\uFFFD"}};
+    for (const auto& [bytes, text] : cases) {
+        EXPECT_EQ(repairedUtf8(bytes), text);
+    }
+}
+
+} // namespace
+
+} // namespace velloway::test
