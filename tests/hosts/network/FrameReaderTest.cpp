@@ -267,5 +267,24 @@ TEST(FrameReaderTest, BytesAfterAMessageMayBeRead) {
     }
 }
 
+TEST(FrameReaderTest, TakesALargeFrameInPiecesOfBoundedSize) {
+    FrameReader frames(std::size_t{64} << 20);
+    const std::string bytes = frame(std::string(std::size_t{8} << 20, 'x'));
+    std::size_t written = 0;
+    std::size_t pieces = 0;
+    while (written < bytes.size()) {
+        const auto place = frames.prepare();
+        EXPECT_LE(place.size(), std::size_t{256} << 10);
+        const std::size_t count = std::min(place.size(), bytes.size() - written);
+        std::memcpy(place.data(), bytes.data() + written, count);
+        frames.commit(count);
+        written += count;
+        ++pieces;
+        const auto event = frames.next();
+        EXPECT_EQ(event.bytes.size(), written < bytes.size() ? 0 : std::size_t{8} << 20);
+    }
+    EXPECT_LT(pieces, 100u);
+}
+
 } // namespace
 } // namespace velloway::test

@@ -20,8 +20,9 @@ namespace {
 
 /// Handling a message of this size takes long enough for others to be let go first.
 constexpr std::size_t largeMessageBytes = std::size_t{128} << 10;
-/// So many frames may be handled before others get their turn.
+/// So much may be handled before others get their turn.
 constexpr int mostFramesPerTurn = 256;
+constexpr std::size_t mostBytesPerTurn = largeMessageBytes;
 
 error_code errorOf(std::uint16_t code) {
     switch (code) {
@@ -111,8 +112,9 @@ void MessageReader::handleLater() {
 }
 
 void MessageReader::handleFrames() {
+    handledBytes_ = 0;
     for (int count = 0; isStarted_ && receive_ && !isBusy_; ++count) {
-        if (count == mostFramesPerTurn) {
+        if (count == mostFramesPerTurn || handledBytes_ >= mostBytesPerTurn) {
             handleLater();
         } else if (!handleNext()) {
             return;
@@ -152,6 +154,7 @@ bool MessageReader::handleNext() {
 void MessageReader::deliver() {
     const std::string_view message = *std::exchange(message_, std::nullopt);
     const auto completion = std::exchange(receive_, nullptr);
+    handledBytes_ += message.size();
     isBusy_ = true;
     if (!isAbandoned_) {
         completion({.bytes = message,
