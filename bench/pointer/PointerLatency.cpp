@@ -10,6 +10,7 @@
 #include "fakes/FakeUserDefaults.h"
 #include "fakes/FakeUserNotificationCenter.h"
 #include "features/NotificationManager.h"
+#include "hosts/linux/desktop/LinuxMemory.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/posix/PosixFiles.h"
@@ -185,7 +186,9 @@ int run(int argc, char** argv) {
         FileLog log(folder / "log");
         AppNotificationCenter notifications;
         PosixFiles files;
+        LinuxMemory memory;
         NotificationManager notificationManager(center, host, log);
+        AsioQueue fileQueue("ws.files");
         AsioQueue serverQueue("ws.server");
         LinuxNetwork network(serverQueue);
         const auto store = std::make_shared<HistoryStore>(host);
@@ -195,6 +198,7 @@ int run(int argc, char** argv) {
 
         const auto server = WebSocketServer::make({.main = mainQueue,
                                                    .queue = serverQueue,
+                                                   .fileQueue = fileQueue,
                                                    .network = network,
                                                    .userDefaults = userDefaults,
                                                    .pasteboard = pasteboard,
@@ -203,6 +207,7 @@ int run(int argc, char** argv) {
                                                    .accessibility = accessibility,
                                                    .host = host,
                                                    .files = files,
+                                                   .memory = memory,
                                                    .log = log,
                                                    .notificationManager = notificationManager,
                                                    .notifications = notifications});

@@ -4,6 +4,7 @@
 
 #include "QuietPorts.h"
 #include "features/NotificationManager.h"
+#include "hosts/linux/desktop/LinuxMemory.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/posix/PosixFiles.h"
@@ -50,16 +51,19 @@ int main(int count, char** arguments) {
     NotificationManager notificationManager(center, host, log);
     AppNotificationCenter notifications;
     PosixFiles files;
+    LinuxMemory memory;
     std::shared_ptr<HistoryStore> store;
     std::shared_ptr<WebSocketServer> server;
 
     AsioQueue main("main");
+    AsioQueue fileQueue("ws.files");
     AsioQueue queue("ws.server");
     LinuxNetwork network(queue);
     runOn(main, [&] {
         store = std::make_shared<HistoryStore>(host);
         server = WebSocketServer::make({.main = main,
                                         .queue = queue,
+                                        .fileQueue = fileQueue,
                                         .network = network,
                                         .userDefaults = defaults,
                                         .pasteboard = pasteboard,
@@ -68,6 +72,7 @@ int main(int count, char** arguments) {
                                         .accessibility = accessibility,
                                         .host = host,
                                         .files = files,
+                                        .memory = memory,
                                         .log = log,
                                         .notificationManager = notificationManager,
                                         .notifications = notifications});

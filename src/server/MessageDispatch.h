@@ -41,7 +41,13 @@ public:
 
     /// Takes the bytes of one whole message; `readableAfter` bytes after them may be read. Never fails to its
     /// caller.
-    void handle(std::string_view data, std::size_t readableAfter);
+    ///
+    /// Files go on in the background, and are counted in `backlog`. Messages of a phone take effect in their
+    /// order, so one behind files that are not finished has to wait: then nothing happens, false is returned,
+    /// and the message is to be handed over again once the backlog is empty. Remote control never waits.
+    /// Without a backlog nothing does.
+    bool handle(std::string_view data, std::size_t readableAfter,
+                const std::shared_ptr<FileBacklog>& backlog = nullptr);
 
 private:
     class Reading;
