@@ -29,17 +29,18 @@ std::filesystem::path destination(const Host& host, std::string_view fileName) {
     return path;
 }
 
-/// A text that several owners may hold; not filled with zeros first, as a string would be.
+/// A text with what keeps it alive.
 struct HeldText {
-    explicit HeldText(std::string_view text)
-        : bytes(std::make_shared_for_overwrite<char[]>(text.size())), size(text.size()) {
-        std::copy(text.begin(), text.end(), bytes.get());
-    }
-    std::string_view view() const { return {bytes.get(), size}; }
-
-    std::shared_ptr<char[]> bytes;
-    std::size_t size;
+    std::string_view text;
+    std::shared_ptr<const void> owner;
 };
+
+HeldText copyOf(std::string_view text) {
+    // Not a string, which would be filled with zeros first.
+    const auto bytes = std::make_shared_for_overwrite<char[]>(text.size());
+    std::copy(text.begin(), text.end(), bytes.get());
+    return {{bytes.get(), text.size()}, bytes};
+}
 
 } // namespace
 
@@ -218,11 +219,12 @@ void IncomingFiles::start(std::string_view fileName, std::int64_t fileSize, cons
 }
 
 void IncomingFiles::chunk(std::string_view fileName, std::string_view fileData, bool isLast,
-                          const Backlog& backlog) {
+                          const Backlog& backlog, std::shared_ptr<const void> fileDataOwner) {
     handOver(fileName.size() + fileData.size(), backlog,
-             [name = std::string(fileName), text = HeldText(fileData), isLast](Writing& writing,
-                                                                               const Writing::Link& link) {
-                 writing.chunk(name, text.view(), isLast, link);
+             [name = std::string(fileName),
+              data = fileDataOwner ? HeldText{fileData, std::move(fileDataOwner)} : copyOf(fileData),
+              isLast](Writing& writing, const Writing::Link& link) {
+                 writing.chunk(name, data.text, isLast, link);
              });
 }
 

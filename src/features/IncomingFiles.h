@@ -46,9 +46,9 @@ public:
     void start(std::string_view fileName, std::int64_t fileSize, const Backlog& backlog = nullptr);
 
     /// `file_chunk` and `file_transfer`. `fileData` is base64 text; characters outside the alphabet are
-    /// skipped.
+    /// skipped. It is copied unless `fileDataOwner` keeps it alive, on any thread.
     void chunk(std::string_view fileName, std::string_view fileData, bool isLast,
-               const Backlog& backlog = nullptr);
+               const Backlog& backlog = nullptr, std::shared_ptr<const void> fileDataOwner = nullptr);
 
 private:
     /// What belongs to the file queue.

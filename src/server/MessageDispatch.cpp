@@ -10,6 +10,8 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -91,7 +93,8 @@ class MessageDispatch::Reading {
 public:
     explicit Reading(const Targets& targets) : targets_(targets) {}
 
-    bool handle(std::string_view data, std::size_t readableAfter, const IncomingFiles::Backlog& backlog);
+    bool handle(std::string_view data, std::size_t readableAfter, const IncomingFiles::Backlog& backlog,
+                const Keep& keep);
 
 private:
     bool read(std::string_view data, std::size_t readableAfter);
@@ -101,6 +104,7 @@ private:
     static const std::array<Row, 15> table;
 
     bool act(std::string_view action, const JsonValue& message);
+    std::shared_ptr<const void> kept(std::string_view text) const;
     bool hasToWait() const { return backlog_ && !backlog_->isEmpty(); }
 
     void connected(const JsonValue& message);
@@ -125,13 +129,17 @@ private:
     const Targets& targets_;
     JsonReader reader_;
     std::string error_;
-    /// Of the phone whose message is being handled.
+    // Of the message that is being handled.
+    std::string_view data_;
     IncomingFiles::Backlog backlog_;
+    const Keep* keep_ = nullptr;
 };
 
 bool MessageDispatch::Reading::handle(std::string_view data, std::size_t readableAfter,
-                                      const IncomingFiles::Backlog& backlog) {
+                                      const IncomingFiles::Backlog& backlog, const Keep& keep) {
+    data_ = data;
     backlog_ = backlog;
+    keep_ = &keep;
     const bool isHandled = read(data, readableAfter);
     backlog_.reset();
     reader_.release();
@@ -246,8 +254,17 @@ void MessageDispatch::Reading::filePiece(const JsonValue& message, bool isLast) 
     const auto fileDataValue = message.member("fileData");
     const auto fileData = fileDataValue ? fileDataValue->slashEscapedText() : std::nullopt;
     if (fileName && fileData) {
-        targets_.incomingFiles.chunk(*fileName, *fileData, isLast, backlog_);
+        targets_.incomingFiles.chunk(*fileName, *fileData, isLast, backlog_, kept(*fileData));
     }
+}
+
+/// What keeps the bytes of the message, if that is cheaper than a copy of this text and the text lies in them.
+std::shared_ptr<const void> MessageDispatch::Reading::kept(std::string_view text) const {
+    constexpr std::size_t leastText = std::size_t{64} << 10;
+    const std::less_equal<> isUpTo;
+    const bool isInMessage =
+        isUpTo(data_.data(), text.data()) && isUpTo(text.data() + text.size(), data_.data() + data_.size());
+    return *keep_ && isInMessage && text.size() >= leastText ? (*keep_)() : nullptr;
 }
 
 void MessageDispatch::Reading::deviceInfo(const JsonValue& message) {
@@ -307,8 +324,8 @@ MessageDispatch::MessageDispatch(const Targets& targets)
 MessageDispatch::~MessageDispatch() = default;
 
 bool MessageDispatch::handle(std::string_view data, std::size_t readableAfter,
-                             const std::shared_ptr<FileBacklog>& backlog) {
-    return reading_->handle(data, readableAfter, backlog);
+                             const std::shared_ptr<FileBacklog>& backlog, const Keep& keep) {
+    return reading_->handle(data, readableAfter, backlog, keep);
 }
 
 } // namespace velloway

@@ -50,22 +50,23 @@ void ReceiveLoop::received(const ReceivedContent& content) {
     }
     if (isWhole) {
         // A message that came in one block is handled where it lies.
-        receivedMessage(content.bytes.value_or(std::string_view()), content, content.readableAfter);
+        receivedMessage(content.bytes.value_or(std::string_view()), content, content.readableAfter,
+                        content.keep);
     } else if (content.isComplete) {
         const auto message = std::exchange(blocks_, std::nullopt);
-        receivedMessage(message ? std::string_view(*message) : std::string_view(), content, 0);
+        receivedMessage(message ? std::string_view(*message) : std::string_view(), content, 0, nullptr);
     }
     goOn();
 }
 
 void ReceiveLoop::receivedMessage(std::string_view message, const ReceivedContent& content,
-                                  std::size_t readableAfter) {
+                                  std::size_t readableAfter, const MessageDispatch::Keep& keep) {
     if (message.empty()) {
         return;
     }
     to_.log.line({area, "Received complete message of ", std::to_string(message.size()), " bytes from ",
                   connection_->endpoint().description});
-    if (content.hasWebSocketMetadata && !to_.dispatch.handle(message, readableAfter, backlog_)) {
+    if (content.hasWebSocketMetadata && !to_.dispatch.handle(message, readableAfter, backlog_, keep)) {
         waiting_.emplace(message);
     }
     to_.memory.handled(message.size());

@@ -3,6 +3,7 @@
 #include "features/FileBacklog.h"
 #include "platform/Log.h"
 #include "platform/Network.h"
+#include "server/MessageDispatch.h"
 
 #include <memory>
 #include <optional>
@@ -12,7 +13,6 @@
 namespace velloway {
 
 class MemoryReturn;
-class MessageDispatch;
 
 /// Reads one connection: joins the blocks of each message, hands it to the dispatch and asks for the next one.
 /// Pauses while too much of what came for files is not finished; the connection is not read then, and the phone
@@ -38,7 +38,8 @@ public:
 private:
     void receive();
     void received(const ReceivedContent& content);
-    void receivedMessage(std::string_view message, const ReceivedContent& content, std::size_t readableAfter);
+    void receivedMessage(std::string_view message, const ReceivedContent& content, std::size_t readableAfter,
+                         const MessageDispatch::Keep& keep);
     void goOn();
     void filesProgressed();
     void handleWaiting(const std::shared_ptr<FileBacklog>& backlog);

@@ -234,6 +234,30 @@ TEST_F(ReceiveLoopTest, AFullDiskHoldsNobodyUp) {
     EXPECT_FALSE(store->fileTransfers.get().front().isCompleted);
 }
 
+TEST_F(ReceiveLoopTest, ALongTextOfAFileIsKeptWhereItLiesAndAShortOneIsCopied) {
+    for (const std::size_t size : {std::size_t{8}, std::size_t{1} << 20}) {
+        auto message = std::make_shared<std::string>(chunk("a", std::string(size, 'A'), true));
+        message->append(64, ' ');
+        const std::weak_ptr<std::string> watch = message;
+        int timesKept = 0;
+        deliver(*phone, start("a"));
+        phone->deliver({.bytes = std::string_view(*message).substr(0, message->size() - 64),
+                        .readableAfter = 64,
+                        .hasWebSocketMetadata = true,
+                        .isComplete = true,
+                        .keep = [&] {
+                            ++timesKept;
+                            return message;
+                        }});
+        message.reset();
+        EXPECT_EQ(watch.expired(), size < 1000);
+        EXPECT_EQ(timesKept, size < 1000 ? 0 : 1);
+        on.drain();
+        EXPECT_TRUE(watch.expired());
+        EXPECT_EQ(content("a"), std::string(size / 4 * 3, '\0'));
+    }
+}
+
 TEST_F(ReceiveLoopTest, MemoryIsGivenBackInSilenceAfterALargeMessage) {
     const auto small = R"({"neither":1})";
     const std::string large = R"({"neither":")" + std::string(std::size_t{1} << 20, 'x') + "\"}";

@@ -166,6 +166,15 @@ FrameReader::Event FrameReader::next() {
     return {};
 }
 
+std::shared_ptr<const void> FrameReader::keepMessage() {
+    auto kept = buffer_.detach(position_, std::min(buffer_.capacity(), keptBytes));
+    if (kept) {
+        isDelivered_ = false;
+        position_ = messageStart_ = messageEnd_ = checkedEnd_ = 0;
+    }
+    return kept;
+}
+
 void FrameReader::dropMessage() {
     if (isDelivered_) {
         isDelivered_ = false;

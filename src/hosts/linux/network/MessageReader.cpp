@@ -6,6 +6,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/beast/websocket/error.hpp>
 
+#include <memory>
 #include <span>
 #include <stdexcept>
 #include <utility>
@@ -157,10 +158,13 @@ void MessageReader::deliver() {
     handledBytes_ += message.size();
     isBusy_ = true;
     if (!isAbandoned_) {
+        // Whoever keeps the message may be done with it on another thread before the completion is.
+        std::shared_ptr<const void> kept;
         completion({.bytes = message,
                     .readableAfter = ReceiveBuffer::readableAfter,
                     .hasWebSocketMetadata = true,
-                    .isComplete = true});
+                    .isComplete = true,
+                    .keep = [&] { return kept ? kept : kept = frames_.keepMessage(); }});
     }
     isBusy_ = false;
 }
