@@ -56,8 +56,14 @@ struct Setting {
 void receiveChunks(benchmark::State& state, bool isEscaped) {
     Setting setting;
     setting.host.host.downloads = setting.folder.path();
-    IncomingFiles files(setting.host.main, setting.link, setting.notifications, setting.host.host,
-                        setting.storage, setting.host.log);
+    IncomingFiles files({.main = setting.host.main,
+                         .server = setting.host.server,
+                         .fileQueue = setting.host.fileQueue,
+                         .link = setting.link,
+                         .notifications = setting.notifications,
+                         .host = setting.host.host,
+                         .files = setting.storage,
+                         .log = setting.host.log});
     std::string text;
     base64::appendEncodedEscaped(text, randomBytes(chunkSize));
     if (!isEscaped) {
@@ -69,7 +75,7 @@ void receiveChunks(benchmark::State& state, bool isEscaped) {
             files.start("a.bin", sentFileSize);
         }
         files.chunk("a.bin", text, false);
-        setting.host.main.runAll();
+        setting.host.drain();
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * chunkSize));
 }

@@ -12,6 +12,7 @@
 #include "fakes/FakeUserDefaults.h"
 #include "fakes/FakeUserNotificationCenter.h"
 #include "features/NotificationManager.h"
+#include "hosts/linux/desktop/LinuxMemory.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/posix/PosixFiles.h"
@@ -165,7 +166,9 @@ int run(int argc, char** argv) {
         StandardOutputLog log;
         AppNotificationCenter notifications;
         PosixFiles files;
+        LinuxMemory memory;
         NotificationManager notificationManager(center, host, log);
+        AsioQueue fileQueue("ws.files");
         AsioQueue serverQueue("ws.server", {.began =
                                                 [] {
                                                     StandardOutputLog::gatherOnThisThread();
@@ -184,6 +187,7 @@ int run(int argc, char** argv) {
 
         const auto server = WebSocketServer::make({.main = mainQueue,
                                                    .queue = serverQueue,
+                                                   .fileQueue = fileQueue,
                                                    .network = network,
                                                    .userDefaults = userDefaults,
                                                    .pasteboard = pasteboard,
@@ -192,6 +196,7 @@ int run(int argc, char** argv) {
                                                    .accessibility = accessibility,
                                                    .host = host,
                                                    .files = files,
+                                                   .memory = memory,
                                                    .log = log,
                                                    .notificationManager = notificationManager,
                                                    .notifications = notifications});

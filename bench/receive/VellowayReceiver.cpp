@@ -5,6 +5,7 @@
 
 #include "QuietPorts.h"
 #include "features/NotificationManager.h"
+#include "hosts/linux/desktop/LinuxMemory.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/posix/PosixFiles.h"
@@ -42,8 +43,9 @@ int main(int count, char** arguments) {
     NotificationManager notificationManager(center, host, log);
     AppNotificationCenter notifications;
     PosixFiles files;
-
+    LinuxMemory memory;
     QtMainQueue main;
+    AsioQueue fileQueue("ws.files");
     AsioQueue queue("ws.server", {.began =
                                       [] {
                                           StandardOutputLog::gatherOnThisThread();
@@ -58,6 +60,7 @@ int main(int count, char** arguments) {
     auto store = std::make_shared<HistoryStore>(host);
     const auto server = WebSocketServer::make({.main = main,
                                                .queue = queue,
+                                               .fileQueue = fileQueue,
                                                .network = network,
                                                .userDefaults = defaults,
                                                .pasteboard = pasteboard,
@@ -66,6 +69,7 @@ int main(int count, char** arguments) {
                                                .accessibility = accessibility,
                                                .host = host,
                                                .files = files,
+                                               .memory = memory,
                                                .log = log,
                                                .notificationManager = notificationManager,
                                                .notifications = notifications});

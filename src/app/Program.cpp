@@ -14,6 +14,7 @@ Program::Program(const Platform& on, std::function<void()> terminate)
       server_(WebSocketServer::make({
           .main = on.mainQueue,
           .queue = on.serverQueue,
+          .fileQueue = on.fileQueue,
           .network = on.network,
           .userDefaults = on.userDefaults,
           .pasteboard = on.pasteboard,
@@ -22,6 +23,7 @@ Program::Program(const Platform& on, std::function<void()> terminate)
           .accessibility = on.accessibility,
           .host = on.host,
           .files = on.files,
+          .memory = on.memory,
           .log = on.log,
           .notificationManager = notificationManager_,
           .notifications = notifications_,

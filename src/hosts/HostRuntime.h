@@ -16,10 +16,12 @@ public:
     /// Valid as long as the runtime.
     virtual Platform platform() = 0;
     /// Launches `delegate`, which must live until this returns, and runs until `terminate`. Returns the exit
-    /// code of the process, with both queues ended: no job runs any more, and the core may be destroyed.
+    /// code of the process, with all queues ended: no job runs any more, and the core may be destroyed. What
+    /// has come for files is written before.
     ///
     /// Does not return when the platform ends the process by itself, nor when a job of the server queue, such
-    /// as the reading of a large file, is not finished soon; the process then exits with the same code.
+    /// as the reading of a large file, or the writing of files is not finished soon; the process then exits
+    /// with the same code.
     virtual int run(ApplicationDelegate& delegate) = 0;
     virtual void terminate() = 0;
 };

@@ -9,8 +9,9 @@ namespace velloway {
 
 /// A serial queue: jobs run one at a time, in the order in which they were handed over.
 ///
-/// There are two in the program, the main queue and the server queue; every object says which one its
-/// operations belong to. All operations may be called from any thread.
+/// There are three in the program: the main queue, the server queue, and the file queue, whose jobs may wait
+/// for the storage. Every object says which one its operations belong to. All operations may be called from any
+/// thread.
 class DispatchQueue {
 public:
     using Job = std::function<void()>;

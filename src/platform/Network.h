@@ -48,6 +48,9 @@ struct ReceivedContent {
     bool hasWebSocketMetadata = false;
     bool isComplete = false;
     std::optional<NetworkError> error;
+    /// Called before the completion returns, keeps `bytes` where they are for as long as what it returns lives,
+    /// on any thread. Absent, or null in return, where that can't be had.
+    std::function<std::shared_ptr<const void>()> keep;
 };
 
 /// One accepted WebSocket. Operations are called on the queue it was started on, and all callbacks come there.

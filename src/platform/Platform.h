@@ -10,6 +10,7 @@ class Host;
 class InputEvents;
 class Log;
 class LoginItem;
+class Memory;
 class Network;
 class Pasteboard;
 class Scripts;
@@ -24,6 +25,7 @@ class Workspace;
 struct Platform {
     DispatchQueue& mainQueue;
     DispatchQueue& serverQueue;
+    DispatchQueue& fileQueue;
     Network& network;
     UserDefaults& userDefaults;
     UserNotificationCenter& notificationCenter;
@@ -38,6 +40,7 @@ struct Platform {
     Workspace& workspace;
     Host& host;
     Files& files;
+    Memory& memory;
     Log& log;
 };
 
@@ -45,6 +48,7 @@ struct Platform {
 template <class Ports> Platform platformOf(Ports& ports) {
     return {.mainQueue = ports.mainQueue,
             .serverQueue = ports.serverQueue,
+            .fileQueue = ports.fileQueue,
             .network = ports.network,
             .userDefaults = ports.userDefaults,
             .notificationCenter = ports.notificationCenter,
@@ -59,6 +63,7 @@ template <class Ports> Platform platformOf(Ports& ports) {
             .workspace = ports.workspace,
             .host = ports.host,
             .files = ports.files,
+            .memory = ports.memory,
             .log = ports.log};
 }
 

@@ -10,6 +10,8 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -91,16 +93,19 @@ class MessageDispatch::Reading {
 public:
     explicit Reading(const Targets& targets) : targets_(targets) {}
 
-    void handle(std::string_view data, std::size_t readableAfter);
+    bool handle(std::string_view data, std::size_t readableAfter, const IncomingFiles::Backlog& backlog,
+                const Keep& keep);
 
 private:
-    void read(std::string_view data, std::size_t readableAfter);
+    bool read(std::string_view data, std::size_t readableAfter);
 
     struct Row;
     /// Each action with its handler.
     static const std::array<Row, 15> table;
 
-    void act(std::string_view action, const JsonValue& message);
+    bool act(std::string_view action, const JsonValue& message);
+    std::shared_ptr<const void> kept(std::string_view text) const;
+    bool hasToWait() const { return backlog_ && !backlog_->isEmpty(); }
 
     void connected(const JsonValue& message);
     void smsHistory(const JsonValue& message);
@@ -124,34 +129,52 @@ private:
     const Targets& targets_;
     JsonReader reader_;
     std::string error_;
+    // Of the message that is being handled.
+    std::string_view data_;
+    IncomingFiles::Backlog backlog_;
+    const Keep* keep_ = nullptr;
 };
 
-void MessageDispatch::Reading::handle(std::string_view data, std::size_t readableAfter) {
-    read(data, readableAfter);
+bool MessageDispatch::Reading::handle(std::string_view data, std::size_t readableAfter,
+                                      const IncomingFiles::Backlog& backlog, const Keep& keep) {
+    data_ = data;
+    backlog_ = backlog;
+    keep_ = &keep;
+    const bool isHandled = read(data, readableAfter);
+    backlog_.reset();
     reader_.release();
+    return isHandled;
 }
 
-void MessageDispatch::Reading::read(std::string_view data, std::size_t readableAfter) {
+bool MessageDispatch::Reading::read(std::string_view data, std::size_t readableAfter) {
     const auto message = reader_.parse(data, readableAfter, error_);
     if (!message) {
         targets_.log.line({"[WebSocketServer] JSON parsing failed: ", error_,
                            ". Payload size: ", std::to_string(data.size()), " bytes"});
-        return;
+        return true;
     }
     if (!message->isObject()) {
         targets_.log.line({"[WebSocketServer] Error: Received data is not a valid JSON dictionary."});
-        return;
+        return true;
     }
     if (const auto action = textOf(*message, "action")) {
-        act(*action, *message);
-    } else if (message->member("app")) {
+        return act(*action, *message);
+    }
+    if (message->member("app")) {
+        if (hasToWait()) {
+            return false;
+        }
         notification(*message);
     }
+    return true;
 }
 
 struct MessageDispatch::Reading::Row {
     std::string_view action;
     void (Reading::*handler)(const JsonValue& message);
+    /// Whether it may take effect while files that were sent before it are not finished: it touches nothing
+    /// that they touch, or waits behind them by itself.
+    bool overtakesFiles = false;
 };
 
 const std::array<MessageDispatch::Reading::Row, 15> MessageDispatch::Reading::table{{
@@ -163,21 +186,26 @@ const std::array<MessageDispatch::Reading::Row, 15> MessageDispatch::Reading::ta
     {"call_update", &Reading::callEvent<CallAction::callUpdate>},
     {"call_ended", &Reading::callEvent<CallAction::callEnded>},
     {"sim_info", &Reading::simInfo},
-    {"file_transfer_start", &Reading::fileStart},
-    {"file_transfer", &Reading::wholeFile},
-    {"file_chunk", &Reading::fileChunk},
+    {"file_transfer_start", &Reading::fileStart, true},
+    {"file_transfer", &Reading::wholeFile, true},
+    {"file_chunk", &Reading::fileChunk, true},
     {"device_info", &Reading::deviceInfo},
     {"clipboard", &Reading::clipboard},
     {"battery_status", &Reading::batteryStatus},
-    {"remote_control", &Reading::remoteControl},
+    {"remote_control", &Reading::remoteControl, true},
 }};
 
-void MessageDispatch::Reading::act(std::string_view action, const JsonValue& message) {
+bool MessageDispatch::Reading::act(std::string_view action, const JsonValue& message) {
     const auto found =
         std::find_if(table.begin(), table.end(), [&](const Row& row) { return row.action == action; });
-    if (found != table.end()) {
-        (this->*found->handler)(message);
+    if (found == table.end()) {
+        return true;
     }
+    if (!found->overtakesFiles && hasToWait()) {
+        return false;
+    }
+    (this->*found->handler)(message);
+    return true;
 }
 
 void MessageDispatch::Reading::connected(const JsonValue& message) {
@@ -217,7 +245,7 @@ void MessageDispatch::Reading::simInfo(const JsonValue& message) {
 
 void MessageDispatch::Reading::fileStart(const JsonValue& message) {
     if (const auto fileName = textOf(message, "fileName")) {
-        targets_.incomingFiles.start(*fileName, integerOf(message, "fileSize").value_or(0));
+        targets_.incomingFiles.start(*fileName, integerOf(message, "fileSize").value_or(0), backlog_);
     }
 }
 
@@ -226,8 +254,17 @@ void MessageDispatch::Reading::filePiece(const JsonValue& message, bool isLast) 
     const auto fileDataValue = message.member("fileData");
     const auto fileData = fileDataValue ? fileDataValue->slashEscapedText() : std::nullopt;
     if (fileName && fileData) {
-        targets_.incomingFiles.chunk(*fileName, *fileData, isLast);
+        targets_.incomingFiles.chunk(*fileName, *fileData, isLast, backlog_, kept(*fileData));
     }
+}
+
+/// What keeps the bytes of the message, if that is cheaper than a copy of this text and the text lies in them.
+std::shared_ptr<const void> MessageDispatch::Reading::kept(std::string_view text) const {
+    constexpr std::size_t leastText = std::size_t{64} << 10;
+    const std::less_equal<> isUpTo;
+    const bool isInMessage =
+        isUpTo(data_.data(), text.data()) && isUpTo(text.data() + text.size(), data_.data() + data_.size());
+    return *keep_ && isInMessage && text.size() >= leastText ? (*keep_)() : nullptr;
 }
 
 void MessageDispatch::Reading::deviceInfo(const JsonValue& message) {
@@ -286,8 +323,9 @@ MessageDispatch::MessageDispatch(const Targets& targets)
 
 MessageDispatch::~MessageDispatch() = default;
 
-void MessageDispatch::handle(std::string_view data, std::size_t readableAfter) {
-    reading_->handle(data, readableAfter);
+bool MessageDispatch::handle(std::string_view data, std::size_t readableAfter,
+                             const std::shared_ptr<FileBacklog>& backlog, const Keep& keep) {
+    return reading_->handle(data, readableAfter, backlog, keep);
 }
 
 } // namespace velloway

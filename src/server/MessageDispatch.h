@@ -12,6 +12,7 @@
 #include "state/StoreLink.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -36,12 +37,20 @@ public:
         Log& log;
     };
 
+    using Keep = std::function<std::shared_ptr<const void>()>;
+
     explicit MessageDispatch(const Targets& targets);
     ~MessageDispatch();
 
     /// Takes the bytes of one whole message; `readableAfter` bytes after them may be read. Never fails to its
     /// caller.
-    void handle(std::string_view data, std::size_t readableAfter);
+    ///
+    /// Files go on in the background, and are counted in `backlog`. Messages of a phone take effect in their
+    /// order, so one behind files that are not finished has to wait: then nothing happens, false is returned,
+    /// and the message is to be handed over again once the backlog is empty. Remote control never waits.
+    /// Without a backlog nothing does. `keep` is that of `ReceivedContent`, for `data`.
+    bool handle(std::string_view data, std::size_t readableAfter,
+                const std::shared_ptr<FileBacklog>& backlog = nullptr, const Keep& keep = nullptr);
 
 private:
     class Reading;

@@ -1,8 +1,10 @@
 #include "server/WebSocketServer.h"
 
 #include "platform/Fatal.h"
+#include "server/MemoryReturn.h"
 #include "server/MessageDispatch.h"
 #include "server/OutboundMessages.h"
+#include "server/ReceiveLoop.h"
 
 #include <algorithm>
 #include <chrono>
@@ -74,7 +76,15 @@ WebSocketServer::WebSocketServer(const Dependencies& on)
       link_(std::make_shared<StoreLink>()),
       connections_(std::make_shared<const ConnectionList>()),
       callEvents_(on.main, link_, on.notifications, on.log),
-      incomingFiles_(on.main, link_, on.notificationManager, on.host, on.files, on.log),
+      incomingFiles_({.main = on.main,
+                      .server = on.queue,
+                      .fileQueue = on.fileQueue,
+                      .link = link_,
+                      .notifications = on.notificationManager,
+                      .host = on.host,
+                      .files = on.files,
+                      .log = on.log}),
+      memoryReturn_(std::make_shared<MemoryReturn>(on.queue, on.fileQueue, on.memory)),
       clipboardSync_(on.main, link_, on.pasteboard, on.notificationManager),
       batteryAlerts_(on.main, link_, on.notificationManager),
       commandRouter_(on.main, on.input, on.scripts, on.accessibility, on.log),
@@ -209,6 +219,9 @@ void WebSocketServer::accept(ConnectionPointer connection) {
 void WebSocketServer::connectionChanged(const ConnectionPointer& connection, ConnectionState state,
                                         const std::optional<NetworkError>& error) {
     const std::string endpoint = connection->endpoint().description;
+    if (state == ConnectionState::failed || state == ConnectionState::cancelled) {
+        endReceiving(connection);
+    }
     log_.line({area, "Connection ", endpoint, " state changed to ", describe(state, error)});
     switch (state) {
     case ConnectionState::failed:
@@ -234,57 +247,27 @@ void WebSocketServer::connectionReady(const ConnectionPointer& connection) {
         withStore(main_, link_,
                   [host = *endpoint.host](HistoryStore& store) { store.connectedRemoteIP.set(host); });
     }
-    receive(connection);
+    const auto loop = std::make_shared<ReceiveLoop>(
+        ReceiveLoop::Targets{weak_from_this(), *dispatch_, *memoryReturn_, log_}, connection);
+    receiveLoops_[connection.get()] = loop;
+    loop->start();
 
     const auto welcome = outbound::connected(host_.localizedName().value_or("Mac"));
     connection->send(std::make_shared<const std::string>(welcome ? *welcome : outbound::connectedFallback()),
                      "welcome", [](const auto&) {});
 }
 
-void WebSocketServer::receive(const ConnectionPointer& connection) {
-    connection->receiveMessage([weak = weak_from_this(), connection](const ReceivedContent& content) {
-        if (auto self = weak.lock()) {
-            self->received(connection, content);
-        }
-    });
-}
-
-void WebSocketServer::received(const ConnectionPointer& connection, const ReceivedContent& content) {
-    const NetworkConnection* key = connection.get();
-    const auto buffered = connectionBuffers_.find(key);
-    const bool isWhole = buffered == connectionBuffers_.end() && content.isComplete && !content.error;
-
-    if (content.bytes && !isWhole) {
-        connectionBuffers_[key].append(*content.bytes);
+void WebSocketServer::endReceiving(const ConnectionPointer& connection) {
+    const auto found = receiveLoops_.find(connection.get());
+    if (found != receiveLoops_.end()) {
+        const auto loop = std::move(found->second);
+        receiveLoops_.erase(found);
+        loop->end();
     }
-    if (content.error) {
-        log_.line({area, "Receive error from ", connection->endpoint().description, ": ",
-                   content.error->description});
-        connectionBuffers_.erase(key);
-        return;
-    }
-    if (content.isComplete) {
-        // A message that came in one block is handled where it lies.
-        std::string assembled;
-        if (!isWhole) {
-            assembled = std::move(connectionBuffers_[key]);
-        }
-        const std::string_view message = isWhole ? content.bytes.value_or(std::string_view()) : assembled;
-        if (!message.empty()) {
-            log_.line({area, "Received complete message of ", std::to_string(message.size()), " bytes from ",
-                       connection->endpoint().description});
-            if (content.hasWebSocketMetadata) {
-                dispatch_->handle(message, isWhole ? content.readableAfter : 0);
-            }
-        }
-        connectionBuffers_.erase(key);
-    }
-    receive(connection);
 }
 
 void WebSocketServer::remove(const ConnectionPointer& connection) {
     changeConnections([&](ConnectionList& list) { std::erase(list, connection); });
-    connectionBuffers_.erase(connection.get());
     if (!std::atomic_load(&connections_)->empty()) {
         return;
     }

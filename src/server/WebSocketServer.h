@@ -6,6 +6,7 @@
 #include "features/IncomingFiles.h"
 #include "features/OutgoingFiles.h"
 #include "platform/Files.h"
+#include "platform/Memory.h"
 #include "platform/Network.h"
 #include "platform/UserDefaults.h"
 #include "remote/CommandRouter.h"
@@ -24,19 +25,23 @@
 
 namespace velloway {
 
+class MemoryReturn;
 class MessageDispatch;
+class ReceiveLoop;
 
 /// The one object that owns the link to the phone: it listens, keeps every connection, assembles what comes in
 /// and sends to all of them.
 ///
-/// There are no locks: what comes in is handled on the server queue, one message at a time; the store and the
-/// callers of `start`, `stop` and the outbound operations belong to the main thread.
+/// There are no locks: what comes in is handled on the server queue, one message at a time; what it brings for
+/// files is decoded and written on the file queue; the store and the callers of `start`, `stop` and the
+/// outbound operations belong to the main thread.
 class WebSocketServer : public std::enable_shared_from_this<WebSocketServer> {
 public:
     /// Everything that the server and its features ask of the desktop; all of it must outlive the server.
     struct Dependencies {
         DispatchQueue& main;
         DispatchQueue& queue;
+        DispatchQueue& fileQueue;
         Network& network;
         UserDefaults& userDefaults;
         Pasteboard& pasteboard;
@@ -45,6 +50,7 @@ public:
         Accessibility& accessibility;
         Host& host;
         Files& files;
+        Memory& memory;
         Log& log;
         NotificationManager& notificationManager;
         AppNotificationCenter& notifications;
@@ -109,8 +115,7 @@ private:
     void connectionChanged(const ConnectionPointer& connection, ConnectionState state,
                            const std::optional<NetworkError>& error);
     void connectionReady(const ConnectionPointer& connection);
-    void receive(const ConnectionPointer& connection);
-    void received(const ConnectionPointer& connection, const ReceivedContent& content);
+    void endReceiving(const ConnectionPointer& connection);
     void remove(const ConnectionPointer& connection);
     template <class Change> void changeConnections(Change change);
     void sendIfBuilt(std::optional<std::string> text);
@@ -129,13 +134,14 @@ private:
     std::shared_ptr<NetworkListener> listener_;
     /// In order of arrival. Read and replaced atomically, on both threads.
     std::shared_ptr<const ConnectionList> connections_;
-    /// The bytes of a message that arrives in several blocks, by connection. Server queue.
-    std::unordered_map<const NetworkConnection*, std::string> connectionBuffers_;
+    /// Of each connection from `ready` to its end. Server queue.
+    std::unordered_map<const NetworkConnection*, std::shared_ptr<ReceiveLoop>> receiveLoops_;
 
     CallEvents callEvents_;
     IncomingFiles incomingFiles_;
     /// Made once the server can be held weakly; always there after `make`.
     std::optional<OutgoingFiles> outgoingFiles_;
+    std::shared_ptr<MemoryReturn> memoryReturn_;
     ClipboardSync clipboardSync_;
     BatteryAlerts batteryAlerts_;
     CommandRouter commandRouter_;

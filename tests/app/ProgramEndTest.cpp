@@ -20,6 +20,8 @@ using namespace std::chrono_literals;
 
 /// The exit code of a process in which `runProgram` returned, so that it differs from an exit on the way.
 constexpr int returned = 42;
+/// Of one that a job of the file queue has ended.
+constexpr int writtenCode = 43;
 
 /// The real host, with a job on the main queue once the program has been launched.
 class HostWithJob final : public HostRuntime {
@@ -97,6 +99,23 @@ TEST_F(ProgramEndTest, DropsTheFilesThatWaitForAShortJob) {
                     host.terminate();
                 }),
                 testing::ExitedWithCode(returned), "");
+}
+
+TEST_F(ProgramEndTest, RunsTheJobsForFilesThatWaitBehindAShortOne) {
+    EXPECT_EXIT(runWith([](HostRuntime& host) {
+                    host.platform().fileQueue.async([] { std::this_thread::sleep_for(100ms); });
+                    host.platform().fileQueue.async([] { std::_Exit(writtenCode); });
+                    host.terminate();
+                }),
+                testing::ExitedWithCode(writtenCode), "");
+}
+
+TEST_F(ProgramEndTest, DoesNotWaitForStorageThatNeverAnswers) {
+    EXPECT_EXIT(runWith([](HostRuntime& host) {
+                    host.platform().fileQueue.async([] { std::this_thread::sleep_for(1h); });
+                    host.platform().mainQueue.asyncAfter(10ms, [&host] { host.terminate(); });
+                }),
+                testing::ExitedWithCode(0), "");
 }
 
 TEST_F(ProgramEndTest, DoesNotWaitForAJobThatNeverEnds) {

@@ -16,9 +16,11 @@ from support import (
     Process,
     TrayWatcher,
     close_window,
+    colors,
     free_port,
     is_full,
     open_files,
+    run,
     terminate,
     visible_windows,
     wait_for,
@@ -108,6 +110,39 @@ class Life(AppTest):
         wait_for(lambda: not visible_windows(self.app.pid), "the window has gone")
         self.assertTrue(self.app.is_running())
         self.start_node(self.app.port)
+
+
+class ClosedWindow(AppTest):
+    def setUp(self):
+        self.tray = TrayWatcher()
+        self.addCleanup(self.tray.remove_from_connection)
+        self.app = self.start_app().wait_listening()
+        wait_for(lambda: self.tray.status(), "the menu")
+
+    def open_window(self):
+        start = time.monotonic()
+        self.tray.choose("Settings…")
+        window = wait_for(lambda: visible_windows(self.app.pid), "the main window").pop()
+        wait_for(lambda: colors(window) > 1, "the view in it")
+        return window, time.monotonic() - start
+
+    def geometry(self, window):
+        return run("xdotool", "getwindowgeometry", str(window)).split("\n", 1)[1]
+
+    def test_its_view_gives_its_memory_back_after_a_while_and_returns_as_it_was(self):
+        window, first = self.open_window()
+        run("xdotool", "windowsize", str(window), "900", "600", "windowmove", str(window), "77", "66")
+        wait_for(lambda: "900x600" in self.geometry(window), "the size")
+        before = self.geometry(window)
+        close_window(window)
+        wait_for(lambda: not visible_windows(self.app.pid), "the window has gone")
+        closed = self.app.memory()
+        wait_for(lambda: self.app.memory() < closed - (8 << 20), "the memory is given back", 60)
+        rest = self.app.memory()
+        window, again = self.open_window()
+        self.assertEqual(self.geometry(window), before)
+        print(f"resident: {closed >> 20} MiB just closed, {rest >> 20} MiB later; shown in {first * 1000:.0f} ms "
+              f"at first and {again * 1000:.0f} ms again")
 
 
 class Views(AppTest):

@@ -5,6 +5,7 @@
 #include "platform/Application.h"
 #include "platform/Host.h"
 #include "platform/LoginItem.h"
+#include "platform/Memory.h"
 #include "platform/Pasteboard.h"
 #include "platform/StatusItem.h"
 #include "platform/Windows.h"
@@ -69,6 +70,13 @@ private:
     }
 
     Journal* journal_;
+};
+
+class FakeMemory : public Memory {
+public:
+    void giveBack() override { ++timesGivenBack; }
+
+    int timesGivenBack = 0;
 };
 
 class FakeAccessibility : public Accessibility {

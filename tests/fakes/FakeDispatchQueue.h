@@ -79,9 +79,9 @@ private:
     bool isRunning_ = false;
 };
 
-/// Runs both queues until neither has a job left.
-inline void drain(FakeDispatchQueue& one, FakeDispatchQueue& other) {
-    while (one.runAll() + other.runAll() > 0) {
+/// Runs the queues until none has a job left.
+template <class... Queues> void drain(Queues&... queues) {
+    while ((queues.runAll() + ...) > 0) {
     }
 }
 

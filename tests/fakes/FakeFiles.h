@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -23,6 +24,7 @@ public:
     using Path = std::filesystem::path;
 
     std::unique_ptr<FileWriter> create(const Path& path, std::error_code& error) override {
+        noteWriterCall();
         if (fails(path, error)) {
             return nullptr;
         }
@@ -70,8 +72,17 @@ public:
     std::error_code sizeError;
     std::error_code readError;
     std::error_code closeError;
+    /// Before a file is made, written or closed; reading is left out, but for the closing. To be set only while
+    /// no other thread uses the files.
+    std::function<void()> onWriterCall;
 
 private:
+    void noteWriterCall() const {
+        if (onWriterCall) {
+            onWriterCall();
+        }
+    }
+
     class Open : public FileWriter, public FileReader {
     public:
         Open(FakeFiles& files, const Path& path) : files_(files), path_(path.lexically_normal()) {
@@ -80,6 +91,7 @@ private:
         ~Open() override { release(); }
 
         std::optional<std::int64_t> append(std::string_view bytes, std::error_code& error) override {
+            files_.noteWriterCall();
             error = files_.appendError;
             const std::size_t count = error ? std::min(files_.writtenBeforeError, bytes.size()) : bytes.size();
             const std::lock_guard lock(files_.mutex_);
@@ -111,6 +123,7 @@ private:
     private:
         void release() {
             if (!std::exchange(isClosed_, true)) {
+                files_.noteWriterCall();
                 files_.count(path_, -1);
             }
         }

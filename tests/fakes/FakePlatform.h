@@ -31,13 +31,17 @@ struct FakePlatform {
     FakeWorkspace workspace;
     FakeHost host;
     FakeFiles files;
+    FakeMemory memory;
     FakeLog log;
+    /// Last, because the jobs that are left at the end may hold files.
+    FakeDispatchQueue fileQueue;
 
     Platform platform() { return platform(windows); }
     /// The same host with other windows.
     Platform platform(Windows& otherWindows) {
         return {.mainQueue = main,
                 .serverQueue = server,
+                .fileQueue = fileQueue,
                 .network = network,
                 .userDefaults = userDefaults,
                 .notificationCenter = notificationCenter,
@@ -52,10 +56,11 @@ struct FakePlatform {
                 .workspace = workspace,
                 .host = host,
                 .files = files,
+                .memory = memory,
                 .log = log};
     }
 
-    void drain() { test::drain(main, server); }
+    void drain() { test::drain(main, server, fileQueue); }
 };
 
 } // namespace velloway::test

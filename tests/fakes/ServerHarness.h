@@ -21,6 +21,7 @@ struct ServerHarness {
     std::shared_ptr<WebSocketServer> server = WebSocketServer::make({
         .main = on.main,
         .queue = on.server,
+        .fileQueue = on.fileQueue,
         .network = on.network,
         .userDefaults = on.userDefaults,
         .pasteboard = on.pasteboard,
@@ -29,6 +30,7 @@ struct ServerHarness {
         .accessibility = on.accessibility,
         .host = on.host,
         .files = on.files,
+        .memory = on.memory,
         .log = on.log,
         .notificationManager = notificationManager,
         .notifications = notifications,

@@ -22,10 +22,14 @@ protected:
 
     void start(std::string_view name, std::int64_t size = 0) {
         files->start(name, size);
-        host.main.runAll();
+        settle();
     }
     void chunk(std::string_view name, std::string_view data, bool isLast = false) {
         files->chunk(name, data, isLast);
+        settle();
+    }
+    void settle() {
+        host.fileQueue.runAll();
         host.main.runAll();
     }
 
@@ -39,7 +43,14 @@ protected:
 
     const std::filesystem::path folder = "/home/me/Downloads";
     std::unique_ptr<IncomingFiles> files =
-        std::make_unique<IncomingFiles>(host.main, link, notificationManager, host.host, host.files, host.log);
+        std::make_unique<IncomingFiles>(IncomingFiles::Dependencies{.main = host.main,
+                                                                    .server = host.server,
+                                                                    .fileQueue = host.fileQueue,
+                                                                    .link = link,
+                                                                    .notifications = notificationManager,
+                                                                    .host = host.host,
+                                                                    .files = host.files,
+                                                                    .log = host.log});
 
 private:
     Subscription subscription_;
@@ -61,6 +72,7 @@ TEST_F(IncomingFilesTest, WritesChunksInTheOrderInWhichTheyCome) {
 
 TEST_F(IncomingFilesTest, MakesTheRecordWithTheFileStillWithoutAPlace) {
     files->start("a.txt", 7);
+    host.fileQueue.runAll();
     EXPECT_TRUE(host.files.exists(folder / "a.txt"));
     host.host.time += std::chrono::hours(1);
     host.main.runAll();
@@ -95,6 +107,7 @@ TEST_F(IncomingFilesTest, ChangesTheRowBeforeItShowsABanner) {
     chunk("a.txt", one);
     EXPECT_EQ(host.journal.take(), (Entries{"row a.txt 0.750000"}));
     files->chunk("a.txt", one, true);
+    host.fileQueue.runAll();
     host.main.runOne();
     EXPECT_EQ(host.journal.take(), (Entries{"row a.txt 1.500000"}));
     host.main.runOne();
@@ -260,7 +273,7 @@ TEST_F(IncomingFilesTest, GoesOnWithTheOldFileWhenANewStartFails) {
 
 TEST_F(IncomingFilesDeathTest, StopsTheProcessWhenThereIsNoDownloadsFolder) {
     host.host.downloads.reset();
-    EXPECT_DEATH(files->start("a.txt", 1), "Downloads");
+    EXPECT_DEATH(start("a.txt", 1), "Downloads");
 }
 
 TEST_F(IncomingFilesTest, KeepsTheTransferOpenWhenTheDiskIsFull) {
@@ -310,6 +323,7 @@ TEST_F(IncomingFilesTest, ReleasesEveryHandleWhenFinishedAndAtTheEnd) {
     EXPECT_EQ(host.files.openCount(folder / "a.txt"), 0);
     EXPECT_EQ(host.files.openCount(folder / "b.txt"), 1);
     files.reset();
+    host.fileQueue.runAll();
     EXPECT_EQ(host.files.openCount(folder / "b.txt"), 0);
 }
 
@@ -335,9 +349,83 @@ TEST_F(IncomingFilesTest, StillChangesTheStoreWhenTheServerGoesBeforeTheMainQueu
     files->chunk("a.txt", one, true);
     files.reset();
     link.reset();
-    host.main.runAll();
+    settle();
     EXPECT_TRUE(row().isCompleted);
     EXPECT_EQ(banners(), received("a.txt"));
+}
+
+TEST_F(IncomingFilesTest, TouchesTheStorageInJobsOfTheFileQueueAlone) {
+    int calls = 0;
+    host.files.onWriterCall = [&] {
+        ++calls;
+        EXPECT_TRUE(host.fileQueue.isCurrent());
+    };
+    files->start("a.txt", 6);
+    files->chunk("a.txt", one, false);
+    files->chunk("a.txt", one, true);
+    files->start("b.txt", 6);
+    files->chunk("b.txt", one, false);
+    host.main.runAll();
+    host.server.runAll();
+    EXPECT_EQ(calls, 0);
+    EXPECT_TRUE(host.journal.entries().empty());
+    settle();
+    EXPECT_EQ(content("a.txt"), "oneone");
+    EXPECT_EQ(banners().size(), 4u);
+    files.reset();
+    EXPECT_EQ(host.files.openCount(folder / "b.txt"), 1);
+    settle();
+    EXPECT_EQ(host.files.openCount(folder / "b.txt"), 0);
+    EXPECT_EQ(calls, 7) << "two are made, three pieces are written, two are closed";
+}
+
+TEST_F(IncomingFilesTest, WritesWhatItWasGivenWhereverTheTextHasGoneSince) {
+    std::string text(one);
+    files->start("a.txt", 3);
+    files->chunk("a.txt", text, true);
+    text.assign(text.size(), '!');
+    settle();
+    EXPECT_EQ(content("a.txt"), "one");
+}
+
+TEST_F(IncomingFilesTest, CountsInTheBacklogOfAPhoneWhatIsNotFinished) {
+    const auto backlog = std::make_shared<FileBacklog>();
+    const auto other = std::make_shared<FileBacklog>();
+    int times = 0;
+    backlog->setOnLess([&] {
+        ++times;
+        EXPECT_TRUE(host.server.isCurrent());
+    });
+    const std::string text(FileBacklog::mostBytes / 2, 'A');
+    files->start("a.txt", 3, backlog);
+    EXPECT_FALSE(backlog->isEmpty());
+    files->chunk("a.txt", text, false, backlog);
+    EXPECT_FALSE(backlog->isFull());
+    files->chunk("a.txt", text, false, other);
+    EXPECT_FALSE(backlog->isFull());
+    files->chunk("unknown", text, true, backlog);
+    EXPECT_TRUE(backlog->isFull());
+    EXPECT_FALSE(other->isFull());
+
+    host.fileQueue.runAll();
+    EXPECT_TRUE(backlog->isFull()) << "it belongs to the server queue";
+    host.server.runOne();
+    EXPECT_TRUE(backlog->isFull()) << "the start is short";
+    host.server.runOne();
+    EXPECT_FALSE(backlog->isFull());
+    EXPECT_FALSE(backlog->isEmpty());
+    host.server.runAll();
+    EXPECT_TRUE(backlog->isEmpty());
+    EXPECT_TRUE(other->isEmpty());
+    EXPECT_EQ(times, 3);
+}
+
+TEST_F(IncomingFilesTest, AFloodOfEmptyChunksFillsTheBacklogToo) {
+    const auto backlog = std::make_shared<FileBacklog>();
+    for (int chunk = 0; chunk < 100'000 && !backlog->isFull(); ++chunk) {
+        files->chunk("a.txt", "", false, backlog);
+    }
+    EXPECT_TRUE(backlog->isFull());
 }
 
 TEST_F(IncomingFilesTest, TakesChunksOfManySizes) {

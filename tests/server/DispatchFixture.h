@@ -18,7 +18,14 @@ struct DispatchBench {
     AppNotificationCenter notifications;
     NotificationManager notificationManager{fakes.notificationCenter, fakes.host, fakes.log};
     CallEvents callEvents{fakes.main, link, notifications, fakes.log};
-    IncomingFiles incomingFiles{fakes.main, link, notificationManager, fakes.host, fakes.files, fakes.log};
+    IncomingFiles incomingFiles{{.main = fakes.main,
+                                 .server = fakes.server,
+                                 .fileQueue = fakes.fileQueue,
+                                 .link = link,
+                                 .notifications = notificationManager,
+                                 .host = fakes.host,
+                                 .files = fakes.files,
+                                 .log = fakes.log}};
     /// Keeps a link of its own, so that the other one can go.
     ClipboardSync clipboardSync{fakes.main, std::make_shared<StoreLink>(*link), fakes.pasteboard,
                                 notificationManager};
@@ -41,9 +48,10 @@ struct DispatchBench {
         dispatch.handle({exact.data(), exact.size()}, 0);
     }
 
-    /// Takes one message, then runs what it left for the main queue.
+    /// Takes one message, then runs what it left for the file queue and the main queue.
     void deliver(std::string_view message) {
         handle(message);
+        fakes.fileQueue.runAll();
         fakes.main.runAll();
     }
 };

@@ -1,5 +1,6 @@
 #include "hosts/HostRuntime.h"
 #include "hosts/linux/desktop/LinuxDesktop.h"
+#include "hosts/linux/desktop/LinuxMemory.h"
 #include "hosts/linux/desktop/LinuxScripts.h"
 #include "hosts/linux/input/InputSession.h"
 #include "hosts/linux/input/PermissionWorkspace.h"
@@ -23,8 +24,10 @@ namespace velloway {
 
 namespace {
 
-/// How long the end of the program waits for the running job of the server queue.
+/// How long the end of the program waits for the running job of the server queue, and after it for what has
+/// come for files.
 constexpr std::chrono::milliseconds longestLastJob{250};
+constexpr std::chrono::milliseconds longestLastFiles{500};
 
 bool isSet(const char* variable) {
     const char* value = std::getenv(variable);
@@ -59,8 +62,11 @@ struct LinuxPorts : LinuxDesktop {
     PermissionWorkspace workspace{LinuxDesktop::workspace, *input};
     LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
     PosixFiles files;
+    LinuxMemory memory;
     QtWindows windows{[this] { return loadViewsLibrary(log); }};
-    // Last, because its jobs may use everything above.
+    // Last, because their jobs may use everything above. What a job of the file queue leaves for others goes at
+    // once: the next one may take long.
+    AsioQueue fileQueue{"ws.files"};
     AsioQueue serverQueue{"ws.server",
                           {.began =
                                [] {
@@ -85,7 +91,9 @@ public:
     Platform platform() override { return platformOf(ports_); }
     int run(ApplicationDelegate& delegate) override {
         const int exitCode = ports_.run(delegate);
-        if (!ports_.serverQueue.end(longestLastJob)) {
+        const bool isServerDone = ports_.serverQueue.end(longestLastJob);
+        const bool areFilesDone = ports_.fileQueue.finish(longestLastFiles);
+        if (!isServerDone || !areFilesDone) {
             // The file that is being read may be large, or lie on a disk that does not answer.
             ports_.log.flush();
             std::_Exit(exitCode);

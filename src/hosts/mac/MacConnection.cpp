@@ -169,12 +169,14 @@ void MacConnection::receiveMessage(ReceiveCompletion completion) {
       ReceivedContent received{.hasWebSocketMetadata = opcode.has_value(),
                                .isComplete = isComplete,
                                .error = networkErrorFrom(error)};
-      DispatchRef<dispatch_data_t> inOnePiece;
+      std::shared_ptr<const DispatchRef<dispatch_data_t>> inOnePiece;
       if (content != nullptr) {
           const void* bytes = nullptr;
           std::size_t size = 0;
-          inOnePiece = DispatchRef<dispatch_data_t>::adopt(dispatch_data_create_map(content, &bytes, &size));
+          inOnePiece = std::make_shared<const DispatchRef<dispatch_data_t>>(
+              DispatchRef<dispatch_data_t>::adopt(dispatch_data_create_map(content, &bytes, &size)));
           received.bytes = std::string_view(static_cast<const char*>(bytes), size);
+          received.keep = [&inOnePiece] { return inOnePiece; };
       }
       completion(received);
       if (!shared->isDropped && (received.error || isEndOfStream(content, opcode, isComplete))) {

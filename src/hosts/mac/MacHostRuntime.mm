@@ -6,6 +6,7 @@
 #include "hosts/mac/MacHost.h"
 #include "hosts/mac/MacInputEvents.h"
 #include "hosts/mac/MacLoginItem.h"
+#include "hosts/mac/MacMemory.h"
 #include "hosts/mac/MacNetwork.h"
 #include "hosts/mac/MacPasteboard.h"
 #include "hosts/mac/MacScripts.h"
@@ -23,7 +24,11 @@
 #include <QApplication>
 #include <QEvent>
 
+#include <chrono>
 #include <cstdlib>
+#include <functional>
+#include <future>
+#include <memory>
 
 namespace velloway {
 
@@ -41,10 +46,16 @@ class EndingApplication final : public QApplication {
 public:
     using QApplication::QApplication;
 
+    /// Called before the process ends.
+    std::function<void()> onEnd;
+
 protected:
     bool event(QEvent* event) override {
         if (event->type() == QEvent::Quit) {
-            // Nothing is to be run down either: other threads are still at work.
+            if (onEnd) {
+                onEnd();
+            }
+            // Nothing else is to be run down: other threads are still at work.
             std::_Exit(EXIT_SUCCESS);
         }
         return QApplication::event(event);
@@ -57,6 +68,16 @@ void runInPool(DispatchQueue::Job& job) {
         job();
         job = nullptr;
     }
+}
+
+/// How long the end of the program waits for what has come for files.
+constexpr std::chrono::milliseconds longestLastFiles{500};
+
+/// Waits until the jobs that `queue` has by now are done, but no longer than `limit`.
+void waitForJobs(DispatchQueue& queue, std::chrono::milliseconds limit) {
+    const auto last = std::make_shared<std::promise<void>>();
+    queue.async([last] { last->set_value(); });
+    last->get_future().wait_for(limit);
 }
 
 /// Every port of this host, in the order in which they must come to be.
@@ -74,6 +95,7 @@ struct MacPorts {
     QtMainQueue mainQueue{runInPool};
     MacHost host;
     PosixFiles files;
+    MacMemory memory;
     MacUserDefaults userDefaults;
     MacUserNotificationCenter notificationCenter{delegate};
     MacPasteboard pasteboard;
@@ -87,13 +109,16 @@ struct MacPorts {
                            return surfaces.make(std::move(content), look);
                        }};
     MacWorkspace workspace;
+    MacDispatchQueue fileQueue{"ws.files"};
     MacDispatchQueue serverQueue{"ws.server"};
     MacNetwork network{beginConnectedActivity};
 };
 
 class MacHostRuntime final : public HostRuntime {
 public:
-    MacHostRuntime(int& argc, char** argv) : ports_(argc, argv) {}
+    MacHostRuntime(int& argc, char** argv) : ports_(argc, argv) {
+        ports_.qtApplication.onEnd = [this] { waitForJobs(ports_.fileQueue, longestLastFiles); };
+    }
 
     Platform platform() override { return platformOf(ports_); }
     int run(ApplicationDelegate& delegate) override {

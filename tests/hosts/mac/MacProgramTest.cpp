@@ -14,6 +14,7 @@
 #include "hosts/mac/MacHost.h"
 #include "hosts/mac/MacInputEvents.h"
 #include "hosts/mac/MacLoginItem.h"
+#include "hosts/mac/MacMemory.h"
 #include "hosts/mac/MacNetwork.h"
 #include "hosts/mac/MacPasteboard.h"
 #include "hosts/mac/MacScripts.h"
@@ -84,6 +85,7 @@ public:
     MacApplication application{delegate};
     MacHost host;
     FakeFiles files;
+    MacMemory memory;
     MacUserDefaults userDefaults;
     MacUserNotificationCenter notificationCenter{delegate};
     MacPasteboard pasteboard;
@@ -94,6 +96,7 @@ public:
     MacStatusItem statusItem{delegate};
     MacWindows windows{delegate, makeFakeSurface};
     MacWorkspace workspace;
+    MacDispatchQueue fileQueue{"ws.files"};
     MacDispatchQueue serverQueue{"ws.server"};
     MacNetwork network{beginConnectedActivity};
     std::unique_ptr<Program> program = std::make_unique<Program>(platformOf(*this), [] {});

@@ -200,6 +200,36 @@ TEST(AsioQueueTest, EndReturnsFalseWhileAJobRunsThatTakesLongerThanTheLimit) {
     EXPECT_TRUE(queue.end(0ms));
 }
 
+TEST(AsioQueueTest, FinishRunsTheJobsThatWaitBeforeTheEnd) {
+    AsioQueue queue("ws.files");
+    std::atomic<int> ran = 0;
+    for (int job = 0; job < 5; ++job) {
+        queue.async([&] {
+            std::this_thread::sleep_for(10ms);
+            ++ran;
+        });
+    }
+    EXPECT_TRUE(queue.finish(10s));
+    EXPECT_EQ(ran, 5);
+    queue.async([] { FAIL() << "ran after the end"; });
+    EXPECT_TRUE(queue.finish(0ms));
+}
+
+TEST(AsioQueueTest, FinishReturnsFalseWhenTheJobsTakeLongerThanTheLimitAndDropsTheOthers) {
+    AsioQueue queue("ws.files");
+    std::promise<void> started;
+    std::promise<void> goOn;
+    queue.async([&] {
+        started.set_value();
+        goOn.get_future().wait();
+    });
+    queue.async([] { FAIL() << "ran after the end"; });
+    started.get_future().wait();
+    EXPECT_FALSE(queue.finish(10ms));
+    goOn.set_value();
+    EXPECT_TRUE(queue.end(10s));
+}
+
 TEST(AsioQueueTest, AJobHandedOverAfterTheEndIsDestroyedAtOnce) {
     AsioQueue queue("ws.server");
     ASSERT_TRUE(queue.end(10s));

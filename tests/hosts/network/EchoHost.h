@@ -14,6 +14,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace velloway::test {
@@ -33,7 +34,8 @@ inline bool waitUntil(const std::function<bool()>& condition,
 /// The real network with a server on it that answers every message with itself.
 class EchoHost {
 public:
-    explicit EchoHost(const LinuxNetworkLimits& limits = {}) : network_(queue, limits) {
+    explicit EchoHost(const LinuxNetworkLimits& limits = {}, QueueTurns turns = {})
+        : network_(queue, limits), queue("ws.server", std::move(turns)) {
         NetworkError error;
         listener_ = network_.makeListener({.allowLocalEndpointReuse = true, .autoReplyPing = true}, error);
         listener_->setStateHandler([this](ListenerState state, const auto&) {
@@ -86,6 +88,7 @@ public:
     std::atomic<int> listenerFailures = 0;
     std::atomic<int> receiveErrors = 0;
     std::atomic<int> messages = 0;
+    std::atomic<std::size_t> receivedBytes = 0;
     std::atomic<int> sent = 0;
     std::atomic<int> unsent = 0;
     std::atomic<std::size_t> lastReadableAfter = 0;
@@ -129,6 +132,7 @@ private:
                 return;
             }
             ++messages;
+            receivedBytes += content.bytes->size();
             lastReadableAfter = content.readableAfter;
             if (answers) {
                 connection->send(std::make_shared<std::string>(*content.bytes), "echo", {});
@@ -152,7 +156,7 @@ private:
 
 public:
     /// The last member, so that it goes first and nothing is called back afterwards.
-    AsioQueue queue{"ws.server"};
+    AsioQueue queue;
 };
 
 } // namespace velloway::test

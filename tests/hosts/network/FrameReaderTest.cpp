@@ -267,5 +267,53 @@ TEST(FrameReaderTest, BytesAfterAMessageMayBeRead) {
     }
 }
 
+TEST(FrameReaderTest, AMessageThatIsKeptStaysWhereItIsWhateverComesAfterIt) {
+    FrameReader frames(std::size_t{64} << 20);
+    const auto give = [&](std::string_view bytes) {
+        while (!bytes.empty()) {
+            const auto place = frames.prepare();
+            const std::size_t count = std::min(place.size(), bytes.size());
+            std::memcpy(place.data(), bytes.data(), count);
+            frames.commit(count);
+            bytes.remove_prefix(count);
+        }
+    };
+    const std::string first(50'000, 'a');
+    const std::string second(3'000, 'b');
+    const std::string third(40'000, 'c');
+    const std::string after = frame(second) + frame(third);
+    give(frame(first) + after.substr(0, 2'000));
+    const auto event = frames.next();
+    ASSERT_EQ(event.kind, FrameReader::Kind::message);
+    const auto kept = frames.keepMessage();
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(frames.next().kind, FrameReader::Kind::incomplete);
+    give(std::string_view(after).substr(2'000));
+    EXPECT_EQ(frames.next().bytes, second);
+    EXPECT_EQ(frames.next().bytes, third);
+    EXPECT_EQ(frames.next().kind, FrameReader::Kind::incomplete);
+    frames.clear();
+    EXPECT_EQ(event.bytes, first);
+}
+
+TEST(FrameReaderTest, TakesALargeFrameInPiecesOfBoundedSize) {
+    FrameReader frames(std::size_t{64} << 20);
+    const std::string bytes = frame(std::string(std::size_t{8} << 20, 'x'));
+    std::size_t written = 0;
+    std::size_t pieces = 0;
+    while (written < bytes.size()) {
+        const auto place = frames.prepare();
+        EXPECT_LE(place.size(), std::size_t{256} << 10);
+        const std::size_t count = std::min(place.size(), bytes.size() - written);
+        std::memcpy(place.data(), bytes.data() + written, count);
+        frames.commit(count);
+        written += count;
+        ++pieces;
+        const auto event = frames.next();
+        EXPECT_EQ(event.bytes.size(), written < bytes.size() ? 0 : std::size_t{8} << 20);
+    }
+    EXPECT_LT(pieces, 100u);
+}
+
 } // namespace
 } // namespace velloway::test

@@ -642,5 +642,35 @@ TEST_F(LinuxNetworkTest, LeavesDescriptorsToTheRestOfTheProgram) {
     }
 }
 
+TEST(FairnessTest, AFloodOfFramesIsHandledABoundedAmountAtATime) {
+    constexpr std::size_t frameBytes = std::size_t{20} << 10;
+    constexpr int frameCount = 300;
+    std::size_t before = 0;
+    std::size_t mostInATurn = 0;
+    std::optional<EchoHost> host;
+    std::atomic<bool> counts = false;
+    host.emplace(LinuxNetworkLimits{}, QueueTurns{.ended = [&] {
+                     if (counts) {
+                         mostInATurn = std::max(mostInATurn, host->receivedBytes - before);
+                         before = host->receivedBytes;
+                     }
+                 }});
+    host->answers = false;
+    RawPhone phone(host->port);
+    ASSERT_TRUE(phone.shakeHands());
+    counts = true;
+    const std::string bytes = frame(std::string(frameBytes, 'x'));
+    std::string flood;
+    for (int count = 0; count < frameCount; ++count) {
+        flood += bytes;
+    }
+    ASSERT_TRUE(phone.write(flood));
+    EXPECT_TRUE(waitUntil([&] { return host->messages == frameCount; }));
+    phone.reset();
+    host->queue.end(10s);
+    EXPECT_GT(mostInATurn, 0u);
+    EXPECT_LE(mostInATurn, (std::size_t{128} << 10) + frameBytes);
+}
+
 } // namespace
 } // namespace velloway::test

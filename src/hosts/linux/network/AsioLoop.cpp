@@ -2,6 +2,8 @@
 
 #include <boost/asio/post.hpp>
 
+#include <algorithm>
+#include <memory>
 #include <utility>
 
 #include <pthread.h>
@@ -53,6 +55,17 @@ bool AsioLoop::end(std::chrono::milliseconds limit) {
     }
     cleanUp();
     return true;
+}
+
+bool AsioLoop::finish(std::chrono::milliseconds limit) {
+    const auto until = Clock::now() + limit;
+    auto last = std::make_shared<std::promise<void>>();
+    const auto ran = last->get_future();
+    // Dropped, it ends the wait as well.
+    add([last = std::move(last)] { last->set_value(); });
+    ran.wait_until(until);
+    const auto rest = std::chrono::duration_cast<std::chrono::milliseconds>(until - Clock::now());
+    return end(std::max(rest, std::chrono::milliseconds(0)));
 }
 
 // The event loop is woken under the lock, because it goes soon after `isEnded_` is set.

@@ -37,6 +37,7 @@ public:
 
     // As in `AsioQueue`.
     bool end(std::chrono::milliseconds limit);
+    bool finish(std::chrono::milliseconds limit);
     void add(Job job);
     void add(std::chrono::nanoseconds delay, Job job);
     bool isCurrent();

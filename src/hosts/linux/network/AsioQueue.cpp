@@ -15,6 +15,10 @@ bool AsioQueue::end(std::chrono::milliseconds limit) {
     return loop_->end(limit);
 }
 
+bool AsioQueue::finish(std::chrono::milliseconds limit) {
+    return loop_->finish(limit);
+}
+
 void AsioQueue::async(Job job) {
     loop_->add(std::move(job));
 }

@@ -28,6 +28,9 @@ public:
     /// it uses may be destroyed. Not to be called on the queue itself.
     bool end(std::chrono::milliseconds limit);
 
+    /// As `end`, but the jobs that wait are run first, as long as `limit` is not over.
+    bool finish(std::chrono::milliseconds limit);
+
     AsioQueue(const AsioQueue&) = delete;
     AsioQueue& operator=(const AsioQueue&) = delete;
 

@@ -11,6 +11,8 @@ namespace {
 
 /// One read takes at least so many bytes where they are there.
 constexpr std::size_t readBytes = std::size_t{64} << 10;
+/// And at most so many: copying, unmasking and checking them is what others have to wait for.
+constexpr std::size_t mostReadBytes = std::size_t{256} << 10;
 /// Enough for a file chunk with its escapes; more is given back after the message.
 constexpr std::size_t keptBytes = std::size_t{4} << 20;
 /// Unmasked and checked in pieces that stay in the processor's cache.
@@ -112,7 +114,8 @@ std::span<char> FrameReader::prepare() {
     }
     // What is left of a large frame and no more, so that the next one begins at the start of the buffer.
     const std::size_t room = std::max(buffer_.capacity() - buffer_.size(), buffer_.size());
-    const std::size_t count = std::max<std::size_t>(std::min<std::uint64_t>(remaining_, room), readBytes);
+    const auto wanted = std::min<std::uint64_t>(remaining_, std::min(room, mostReadBytes));
+    const std::size_t count = std::max<std::size_t>(wanted, readBytes);
     return buffer_.prepare(std::min(count, buffer_.maxSize() - buffer_.size()));
 }
 
@@ -161,6 +164,15 @@ FrameReader::Event FrameReader::next() {
         }
     }
     return {};
+}
+
+std::shared_ptr<const void> FrameReader::keepMessage() {
+    auto kept = buffer_.detach(position_, std::min(buffer_.capacity(), keptBytes));
+    if (kept) {
+        isDelivered_ = false;
+        position_ = messageStart_ = messageEnd_ = checkedEnd_ = 0;
+    }
+    return kept;
 }
 
 void FrameReader::dropMessage() {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 
@@ -56,6 +57,10 @@ public:
     void commit(std::size_t count);
 
     Event next();
+
+    /// Directly after a message: keeps its bytes where they are for as long as what is returned lives. Null
+    /// when there is no memory for that.
+    std::shared_ptr<const void> keepMessage();
 
     /// Whether bytes have come that no event has covered yet.
     bool hasBytes() const { return position_ < buffer_.size(); }

@@ -6,6 +6,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/beast/websocket/error.hpp>
 
+#include <memory>
 #include <span>
 #include <stdexcept>
 #include <utility>
@@ -20,8 +21,9 @@ namespace {
 
 /// Handling a message of this size takes long enough for others to be let go first.
 constexpr std::size_t largeMessageBytes = std::size_t{128} << 10;
-/// So many frames may be handled before others get their turn.
+/// So much may be handled before others get their turn.
 constexpr int mostFramesPerTurn = 256;
+constexpr std::size_t mostBytesPerTurn = largeMessageBytes;
 
 error_code errorOf(std::uint16_t code) {
     switch (code) {
@@ -111,8 +113,9 @@ void MessageReader::handleLater() {
 }
 
 void MessageReader::handleFrames() {
+    handledBytes_ = 0;
     for (int count = 0; isStarted_ && receive_ && !isBusy_; ++count) {
-        if (count == mostFramesPerTurn) {
+        if (count == mostFramesPerTurn || handledBytes_ >= mostBytesPerTurn) {
             handleLater();
         } else if (!handleNext()) {
             return;
@@ -152,12 +155,16 @@ bool MessageReader::handleNext() {
 void MessageReader::deliver() {
     const std::string_view message = *std::exchange(message_, std::nullopt);
     const auto completion = std::exchange(receive_, nullptr);
+    handledBytes_ += message.size();
     isBusy_ = true;
     if (!isAbandoned_) {
+        // Whoever keeps the message may be done with it on another thread before the completion is.
+        std::shared_ptr<const void> kept;
         completion({.bytes = message,
                     .readableAfter = ReceiveBuffer::readableAfter,
                     .hasWebSocketMetadata = true,
-                    .isComplete = true});
+                    .isComplete = true,
+                    .keep = [&] { return kept ? kept : kept = frames_.keepMessage(); }});
     }
     isBusy_ = false;
 }

@@ -8,6 +8,7 @@
 #include <boost/system/error_code.hpp>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -68,6 +69,8 @@ private:
     bool isBusy_ = false;
     /// A whole message that has not been delivered yet; it lies in `frames_`.
     std::optional<std::string_view> message_;
+    /// In this turn of the event loop.
+    std::size_t handledBytes_ = 0;
 };
 
 } // namespace velloway

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <span>
 #include <stdexcept>
@@ -41,6 +42,24 @@ public:
     void erase(std::size_t from, std::size_t count) {
         std::copy(memory_ + from + count, memory_ + size_, memory_ + from);
         size_ -= count;
+    }
+
+    /// Hands the memory over with all bytes in it; those from `from` on are copied and are this buffer's only
+    /// ones afterwards. Null when there is no memory for that; nothing has changed then.
+    std::shared_ptr<const void> detach(std::size_t from, std::size_t capacity) {
+        const std::size_t rest = size_ - from;
+        capacity = std::max(capacity, rest);
+        void* const memory = std::malloc(capacity + readableAfter);
+        if (!memory) {
+            return nullptr;
+        }
+        std::copy(memory_ + from, memory_ + size_, static_cast<char*>(memory));
+        const auto release = [](void* kept) { std::free(kept); };
+        std::shared_ptr<const void> kept(static_cast<void*>(memory_), release);
+        memory_ = static_cast<char*>(memory);
+        size_ = rest;
+        capacity_ = capacity;
+        return kept;
     }
 
     /// Forgets the bytes, and gives the memory back when it is more than `kept`.
