@@ -186,6 +186,7 @@ int run(int argc, char** argv) {
         AppNotificationCenter notifications;
         PosixFiles files;
         NotificationManager notificationManager(center, host, log);
+        AsioQueue readingQueue("ws.reading");
         AsioQueue serverQueue("ws.server");
         LinuxNetwork network(serverQueue);
         const auto store = std::make_shared<HistoryStore>(host);
@@ -195,6 +196,7 @@ int run(int argc, char** argv) {
 
         const auto server = WebSocketServer::make({.main = mainQueue,
                                                    .queue = serverQueue,
+                                                   .readingQueue = readingQueue,
                                                    .network = network,
                                                    .userDefaults = userDefaults,
                                                    .pasteboard = pasteboard,

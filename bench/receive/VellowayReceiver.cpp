@@ -54,12 +54,14 @@ int main(int count, char** arguments) {
     std::shared_ptr<WebSocketServer> server;
 
     AsioQueue main("main");
+    AsioQueue readingQueue("ws.reading");
     AsioQueue queue("ws.server");
     LinuxNetwork network(queue);
     runOn(main, [&] {
         store = std::make_shared<HistoryStore>(host);
         server = WebSocketServer::make({.main = main,
                                         .queue = queue,
+                                        .readingQueue = readingQueue,
                                         .network = network,
                                         .userDefaults = defaults,
                                         .pasteboard = pasteboard,

@@ -14,6 +14,7 @@ Program::Program(const Platform& on, std::function<void()> terminate)
       server_(WebSocketServer::make({
           .main = on.mainQueue,
           .queue = on.serverQueue,
+          .readingQueue = on.readingQueue,
           .network = on.network,
           .userDefaults = on.userDefaults,
           .pasteboard = on.pasteboard,

@@ -24,6 +24,7 @@ class Workspace;
 struct Platform {
     DispatchQueue& mainQueue;
     DispatchQueue& serverQueue;
+    DispatchQueue& readingQueue;
     Network& network;
     UserDefaults& userDefaults;
     UserNotificationCenter& notificationCenter;
@@ -45,6 +46,7 @@ struct Platform {
 template <class Ports> Platform platformOf(Ports& ports) {
     return {.mainQueue = ports.mainQueue,
             .serverQueue = ports.serverQueue,
+            .readingQueue = ports.readingQueue,
             .network = ports.network,
             .userDefaults = ports.userDefaults,
             .notificationCenter = ports.notificationCenter,

@@ -37,6 +37,8 @@ public:
     struct Dependencies {
         DispatchQueue& main;
         DispatchQueue& queue;
+        /// Where files that are sent are read; may be `queue`.
+        DispatchQueue& readingQueue;
         Network& network;
         UserDefaults& userDefaults;
         Pasteboard& pasteboard;
@@ -112,6 +114,8 @@ private:
     void receive(const ConnectionPointer& connection);
     void received(const ConnectionPointer& connection, const ReceivedContent& content);
     void remove(const ConnectionPointer& connection);
+    template <class SendToOne> void sendToAll(SendToOne sendToOne);
+    void sendChunk(std::shared_ptr<TextSeries> chunks, std::uint64_t index);
     template <class Change> void changeConnections(Change change);
     void sendIfBuilt(std::optional<std::string> text);
     void report(const std::string& status);

@@ -38,6 +38,7 @@ struct FakePlatform {
     Platform platform(Windows& otherWindows) {
         return {.mainQueue = main,
                 .serverQueue = server,
+                .readingQueue = server,
                 .network = network,
                 .userDefaults = userDefaults,
                 .notificationCenter = notificationCenter,

@@ -21,6 +21,7 @@ struct ServerHarness {
     std::shared_ptr<WebSocketServer> server = WebSocketServer::make({
         .main = on.main,
         .queue = on.server,
+        .readingQueue = on.server,
         .network = on.network,
         .userDefaults = on.userDefaults,
         .pasteboard = on.pasteboard,

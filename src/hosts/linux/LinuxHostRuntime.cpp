@@ -59,6 +59,7 @@ struct LinuxPorts : LinuxDesktop {
     PermissionWorkspace workspace{LinuxDesktop::workspace, *input};
     LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
     PosixFiles files;
+    AsioQueue readingQueue{"ws.reading"};
     QtWindows windows{[this] { return loadViewsLibrary(log); }};
     // Last, because its jobs may use everything above.
     AsioQueue serverQueue{"ws.server",
@@ -84,8 +85,8 @@ public:
     Platform platform() override { return platformOf(ports_); }
     int run(ApplicationDelegate& delegate) override {
         const int exitCode = ports_.run(delegate);
-        if (!ports_.serverQueue.end(longestLastJob)) {
-            // The file that is being read may be large, or lie on a disk that does not answer.
+        if (!ports_.readingQueue.end(longestLastJob) || !ports_.serverQueue.end(longestLastJob)) {
+            // A file may lie on a disk that does not answer.
             ports_.log.flush();
             std::_Exit(exitCode);
         }

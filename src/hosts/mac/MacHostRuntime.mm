@@ -79,6 +79,7 @@ struct MacPorts {
                        }};
     MacWorkspace workspace;
     MacDispatchQueue serverQueue{"ws.server"};
+    MacDispatchQueue readingQueue{"ws.reading"};
     MacNetwork network;
 };
 
