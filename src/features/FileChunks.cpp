@@ -110,11 +110,11 @@ std::uint64_t FileChunks::didReadNext(std::string text) {
 
 SharedText FileChunks::atHand(std::uint64_t index) {
     take(index);
-    return maker_->find(number_, index);
+    return index < brokenAt_ ? maker_->find(number_, index) : nullptr;
 }
 
 void FileChunks::make(std::uint64_t index, Made made) {
-    if (error_) {
+    if (index >= brokenAt_) {
         maker_->server.async([made = std::move(made), error = error_] { made(nullptr, error); });
         return;
     }
@@ -134,7 +134,7 @@ void FileChunks::take(std::uint64_t index) {
         return;
     }
     takenCount_ = index + 1;
-    if (takenCount_ < readCount_ && !error_ && !maker_->find(number_, takenCount_)) {
+    if (takenCount_ < std::min(readCount_, brokenAt_) && !maker_->find(number_, takenCount_)) {
         request(takenCount_);
     }
 }
@@ -162,9 +162,11 @@ FileChunks::Again FileChunks::readAgain(std::uint64_t index, std::string room) {
 
 void FileChunks::didReadAgain(std::uint64_t index, Again read) {
     SharedText text;
-    if (read.error) {
-        error_ = read.error;
-    } else {
+    if (read.error && index < brokenAt_) {
+        brokenAt_ = index;
+        error_ = *read.error;
+    }
+    if (!read.error && index < brokenAt_) {
         text = maker_->keep(number_, index, std::move(read.text));
     }
     const auto waiting = waiting_.extract(index);
@@ -172,7 +174,7 @@ void FileChunks::didReadAgain(std::uint64_t index, Again read) {
         return;
     }
     for (const Made& made : waiting.mapped()) {
-        made(text, read.error);
+        made(text, text ? std::nullopt : std::optional(error_));
     }
 }
 

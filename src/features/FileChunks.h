@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -20,7 +21,8 @@ class ChunkMaker;
 
 /// The chunks of one file as messages. The file is read once from its start to its end, whether or not anybody
 /// takes the messages; a message that nobody could take then is made by reading its piece again. The bytes must
-/// then be the same as before: once a piece has changed or cannot be read, nothing more is made of the file.
+/// then be the same as before. A piece that has changed or cannot be read is the end of the file for everybody
+/// who has not got further yet, so that no phone ever gets a file with a hole.
 class FileChunks final : public TextSeries, public std::enable_shared_from_this<FileChunks> {
 public:
     static constexpr std::size_t chunkSize = 0x100000;
@@ -92,7 +94,9 @@ private:
     std::uint64_t takenCount_ = 0;
     /// Who waits for a text that is being made.
     std::map<std::uint64_t, std::vector<Made>> waiting_;
-    std::optional<NetworkError> error_;
+    /// From this chunk on nothing is given any more, because of `error_`.
+    std::uint64_t brokenAt_ = std::numeric_limits<std::uint64_t>::max();
+    NetworkError error_;
 };
 
 } // namespace velloway

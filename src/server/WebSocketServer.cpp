@@ -324,16 +324,12 @@ template <class SendToOne> void WebSocketServer::sendToAll(SendToOne sendToOne) 
 }
 
 void WebSocketServer::send(std::string text) {
-    sendToAll([shared = std::make_shared<const std::string>(std::move(text))](NetworkConnection& connection,
-                                                                              auto completion) {
-        connection.send(shared, "send", completion);
-    });
+    auto shared = std::make_shared<const std::string>(std::move(text));
+    sendToAll([shared](auto& connection, auto completion) { connection.send(shared, "send", completion); });
 }
 
 void WebSocketServer::sendChunk(std::shared_ptr<TextSeries> chunks, std::uint64_t index) {
-    sendToAll([chunks = std::move(chunks), index](NetworkConnection& connection, auto completion) {
-        connection.send(chunks, index, "send", completion);
-    });
+    sendToAll([chunks, index](auto& connection, auto done) { connection.send(chunks, index, "send", done); });
 }
 
 void WebSocketServer::sendIfBuilt(std::optional<std::string> text) {

@@ -46,11 +46,10 @@ public:
         if (onSend) {
             onSend();
         }
-        const std::size_t place = sent.size();
+        untaken.push_back({sent.size(), sharedTexts.size(), std::move(series), index});
         sent.push_back({"", std::string(identifier)});
         sharedTexts.push_back(nullptr);
         completions.push_back(std::move(completion));
-        untaken.push_back({place, std::move(series), index});
         if (takesSeries) {
             takeNext();
         }
@@ -62,10 +61,10 @@ public:
         const Untaken next = untaken.front();
         untaken.pop_front();
         if (SharedText text = next.series->atHand(next.index)) {
-            take(next.place, text);
+            take(next, text);
         } else {
             next.series->make(next.index, [this, next](const SharedText& made, const auto& error) {
-                take(next.place, made);
+                take(next, made);
                 seriesError = error;
             });
         }
@@ -110,7 +109,9 @@ public:
     bool isCancelled = false;
 
     struct Untaken {
+        /// Where it belongs in `sent` and in `sharedTexts`.
         std::size_t place = 0;
+        std::size_t sharedPlace = 0;
         std::shared_ptr<TextSeries> series;
         std::uint64_t index = 0;
     };
@@ -120,9 +121,9 @@ public:
     std::optional<NetworkError> seriesError;
 
 protected:
-    void take(std::size_t place, const SharedText& text) {
-        sharedTexts[place] = text;
-        sent[place].text = text ? *text : "";
+    void take(const Untaken& taken, const SharedText& text) {
+        sharedTexts[taken.sharedPlace] = text;
+        sent[taken.place].text = text ? *text : "";
     }
 
 private:

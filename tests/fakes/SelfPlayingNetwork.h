@@ -124,7 +124,7 @@ private:
         const Untaken next = untaken.front();
         if (const SharedText text = next.series->atHand(next.index)) {
             untaken.pop_front();
-            take(next.place, text);
+            take(next, text);
             return true;
         }
         isAsking_ = true;
@@ -144,7 +144,7 @@ private:
         const Untaken made = untaken.front();
         untaken.pop_front();
         if (text) {
-            take(made.place, text);
+            take(made, text);
         } else {
             answerSend(error);
         }

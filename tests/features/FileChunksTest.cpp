@@ -157,16 +157,18 @@ TEST_F(FileChunksTest, TextsAreHeldUpToAFewMebibytes) {
     }
 }
 
-TEST_F(FileChunksTest, AFileThatHasChangedGivesNoMoreTexts) {
+TEST_F(FileChunksTest, AFileThatHasChangedEndsBeforeTheChangeForEverybody) {
     const std::string bytes = fileOfChunks(20);
     std::string changed = bytes;
     changed[10 * chunkSize + 99] = '!';
     put("a", bytes);
     const auto chunks = readAll("a");
+    EXPECT_TRUE(make(*chunks, 12).text);
     put("a", changed);
-    EXPECT_TRUE(make(*chunks, 9).text) << "this piece is as it was";
     EXPECT_EQ(error(*chunks, 10), "The file has changed since it was read");
     EXPECT_EQ(error(*chunks, 11), "The file has changed since it was read");
+    EXPECT_FALSE(chunks->atHand(12)) << "it would leave a hole";
+    EXPECT_TRUE(make(*chunks, 9).text) << "what is before the change is as it was";
     put("a", bytes);
     EXPECT_EQ(error(*chunks, 10), "The file has changed since it was read") << "the answer stays the same";
 }

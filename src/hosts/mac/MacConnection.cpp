@@ -100,6 +100,7 @@ struct MacConnection::Shared : std::enable_shared_from_this<Shared> {
     StateHandler handler;
     /// The connection object has gone, so nobody waits for anything.
     bool isDropped = false;
+    bool isReady = false;
     bool hasEnded = false;
     /// Everything from the first series on that is not with the framework.
     std::deque<Waiting> waiting;
@@ -115,6 +116,10 @@ struct MacConnection::Shared : std::enable_shared_from_this<Shared> {
         const StateHandler called = isFinal ? std::exchange(handler, nullptr) : handler;
         if (called) {
             called(state, error);
+        }
+        if (state == ConnectionState::ready) {
+            isReady = true;
+            sendNext();
         }
     }
 
@@ -162,6 +167,9 @@ struct MacConnection::Shared : std::enable_shared_from_this<Shared> {
     void sendNext() {
         while (!isSending && !waiting.empty()) {
             Waiting& first = waiting.front();
+            if (first.series && !isReady) {
+                return;
+            }
             if (first.series) {
                 sendFromSeries(first);
             } else {

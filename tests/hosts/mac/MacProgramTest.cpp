@@ -94,6 +94,7 @@ public:
     MacWindows windows{delegate, makeFakeSurface};
     MacWorkspace workspace;
     MacDispatchQueue serverQueue{"ws.server"};
+    MacDispatchQueue readingQueue{"ws.reading"};
     MacNetwork network;
     std::unique_ptr<Program> program = std::make_unique<Program>(platformOf(*this), [] {});
     std::shared_ptr<FakePhone> phone;
