@@ -47,7 +47,7 @@ private:
 class QuietPasteboard : public Pasteboard {
 public:
     void clearContents() override {}
-    void setString(std::string_view) override {}
+    bool setString(std::string_view) override { return true; }
     std::optional<std::string> string() const override { return {}; }
 };
 

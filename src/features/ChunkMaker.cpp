@@ -11,6 +11,9 @@ namespace {
 
 /// A text has 1.4 MB, and twice that at worst.
 constexpr std::size_t mostLatestBytes = std::size_t{12} << 20;
+/// Enough for the text of a full chunk, unless it has far more slashes than others. All get the same: the
+/// allocator could not use memory of a slightly shorter one again.
+constexpr std::size_t usualTextSize = FileChunks::chunkSize / 3 * 4 / 32 * 33 + 1024;
 /// While the server queue takes one over, the next is read.
 constexpr int mostInProgress = 2;
 
@@ -27,7 +30,7 @@ SharedText ChunkMaker::find(std::uint64_t file, std::uint64_t index) {
 }
 
 SharedText ChunkMaker::keep(std::uint64_t file, std::uint64_t index, std::string text) {
-    latestBytes_ += text.size();
+    latestBytes_ += text.capacity();
     auto shared = std::make_shared<std::string>(std::move(text));
     latest_.push_back({file, index, shared});
     while (latestBytes_ > mostLatestBytes && latest_.size() > 1) {
@@ -39,7 +42,7 @@ SharedText ChunkMaker::keep(std::uint64_t file, std::uint64_t index, std::string
 void ChunkMaker::dropOldest() {
     const std::shared_ptr<std::string> text = std::move(latest_.front().text);
     latest_.pop_front();
-    latestBytes_ -= text->size();
+    latestBytes_ -= text->capacity();
     // Fresh memory for every text would take as long as filling it.
     if (text.use_count() == 1) {
         spare_ = std::move(*text);
@@ -47,7 +50,9 @@ void ChunkMaker::dropOldest() {
 }
 
 std::string ChunkMaker::room() {
-    return std::exchange(spare_, {});
+    std::string room = std::exchange(spare_, {});
+    room.reserve(usualTextSize);
+    return room;
 }
 
 char* ChunkMaker::buffer() {

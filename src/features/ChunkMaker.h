@@ -32,7 +32,7 @@ public:
     /// Null when the text is not among the latest.
     SharedText find(std::uint64_t file, std::uint64_t index);
     SharedText keep(std::uint64_t file, std::uint64_t index, std::string text);
-    /// Memory of a text that nobody needs any more, or an empty text.
+    /// Memory for one text, if possible that of one which nobody needs any more.
     std::string room();
     /// Has the file make one text, after those that were requested before; the file gets the answer.
     void request(std::weak_ptr<FileChunks> file, std::uint64_t index);

@@ -62,7 +62,7 @@ std::optional<std::int64_t> FileChunks::open(std::error_code& error) {
     return size;
 }
 
-FileChunks::Piece FileChunks::readNext(bool isTextWanted, std::string room) {
+FileChunks::Piece FileChunks::readNext(bool isTextWanted, std::string& room) {
     Piece piece;
     Extent extent;
     if (!extents_.empty()) {
@@ -91,7 +91,8 @@ std::error_code FileChunks::close() {
 std::optional<std::string> FileChunks::text(const Extent& extent, std::string_view bytes,
                                             std::string room) const {
     const bool isLast = extent.offset + static_cast<std::int64_t>(extent.length) >= size_;
-    return fileChunkMessage(fileName_, bytes, isLast, std::move(room));
+    return fileChunkMessage(fileName_, bytes, isLast,
+                            bytes.size() == chunkSize ? std::move(room) : std::string());
 }
 
 bool FileChunks::isNextTextWanted() const {

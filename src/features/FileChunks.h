@@ -43,7 +43,7 @@ public:
         std::error_code error;
     };
     /// Reads the next chunk, and makes its text in the memory of `room` when that is wanted.
-    Piece readNext(bool isTextWanted, std::string room);
+    Piece readNext(bool isTextWanted, std::string& room);
     /// Ends the first reading.
     std::error_code close();
 

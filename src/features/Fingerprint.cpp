@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
+#include <utility>
 
 namespace velloway {
 
@@ -21,19 +22,28 @@ std::uint64_t mixed(std::uint64_t state, std::uint64_t word) {
     return std::rotl((both ^ both >> 32) * multiplier, 31);
 }
 
-void takeBlock(std::array<std::uint64_t, laneCount>& lanes, const char* block) {
-    std::array<std::uint64_t, laneCount> words;
-    std::memcpy(words.data(), block, blockSize);
-    for (std::size_t lane = 0; lane < laneCount; ++lane) {
-        lanes[lane] = mixed(lanes[lane], words[lane]);
-    }
+using Lanes = std::array<std::uint64_t, laneCount>;
+
+std::uint64_t wordAt(const char* place) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, place, sizeof word);
+    return word;
+}
+
+/// Without a loop, so that all lanes stay in registers.
+template <std::size_t... lane> void takeBlock(Lanes& lanes, const char* block, std::index_sequence<lane...>) {
+    ((lanes[lane] = mixed(lanes[lane], wordAt(block + lane * sizeof(std::uint64_t)))), ...);
+}
+
+void takeBlock(Lanes& lanes, const char* block) {
+    takeBlock(lanes, block, std::make_index_sequence<laneCount>());
 }
 
 } // namespace
 
 std::uint64_t fingerprint(std::string_view bytes) {
     std::uint64_t result = bytes.size();
-    std::array<std::uint64_t, laneCount> lanes{1, 2, 3, 4, 5, 6, 7, 8};
+    Lanes lanes{1, 2, 3, 4, 5, 6, 7, 8};
     for (; bytes.size() >= blockSize; bytes.remove_prefix(blockSize)) {
         takeBlock(lanes, bytes.data());
     }

@@ -102,15 +102,20 @@ private:
             });
             return;
         }
-        on_.reading.async([self = shared_from_this(), isTextWanted = chunks_->isNextTextWanted(),
-                           room = maker_->room()]() mutable { self->read(isTextWanted, std::move(room)); });
+        const bool isTextWanted = chunks_->isNextTextWanted();
+        on_.reading.async([self = shared_from_this(), isTextWanted,
+                           room = isTextWanted ? maker_->room() : std::string()]() mutable {
+            self->read(isTextWanted, std::move(room));
+        });
     }
 
     /// Tries again, however long a file that has shrunk takes to grow to its former size.
     void read(bool isTextWanted, std::string room) {
-        auto piece = chunks_->readNext(isTextWanted, std::move(room));
+        auto piece = chunks_->readNext(isTextWanted, room);
         if (!piece.end && !piece.error) {
-            on_.reading.async([self = shared_from_this()] { self->read(true, {}); });
+            on_.reading.async([self = shared_from_this(), isTextWanted, room = std::move(room)]() mutable {
+                self->read(isTextWanted, std::move(room));
+            });
             return;
         }
         onServer([piece = std::move(piece)](Job& job) mutable { job.didRead(std::move(piece)); });

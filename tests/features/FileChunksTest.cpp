@@ -39,7 +39,8 @@ protected:
         auto chunks = open(name);
         const auto size = static_cast<std::int64_t>(files.content("/" + name).size());
         for (std::int64_t end = 0; end < size;) {
-            auto piece = chunks->readNext(chunks->isNextTextWanted(), maker->room());
+            std::string room = maker->room();
+            auto piece = chunks->readNext(chunks->isNextTextWanted(), room);
             end = piece.end.value();
             chunks->didReadNext(std::move(piece.text));
         }
