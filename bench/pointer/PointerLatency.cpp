@@ -168,6 +168,7 @@ int run(int argc, char** argv) {
         PosixFiles files;
         LinuxMemory memory;
         NotificationManager notificationManager(center, host, log);
+        AsioQueue readingQueue("ws.reading");
         AsioQueue fileQueue("ws.files");
         AsioQueue serverQueue("ws.server", {.began =
                                                 [] {
@@ -188,6 +189,7 @@ int run(int argc, char** argv) {
         const auto server = WebSocketServer::make({.main = mainQueue,
                                                    .queue = serverQueue,
                                                    .fileQueue = fileQueue,
+                                                   .readingQueue = readingQueue,
                                                    .network = network,
                                                    .userDefaults = userDefaults,
                                                    .pasteboard = pasteboard,

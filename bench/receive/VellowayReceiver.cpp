@@ -46,6 +46,7 @@ int main(int count, char** arguments) {
     LinuxMemory memory;
     QtMainQueue main;
     AsioQueue fileQueue("ws.files");
+    AsioQueue readingQueue("ws.reading");
     AsioQueue queue("ws.server", {.began =
                                       [] {
                                           StandardOutputLog::gatherOnThisThread();
@@ -61,6 +62,7 @@ int main(int count, char** arguments) {
     const auto server = WebSocketServer::make({.main = main,
                                                .queue = queue,
                                                .fileQueue = fileQueue,
+                                               .readingQueue = readingQueue,
                                                .network = network,
                                                .userDefaults = defaults,
                                                .pasteboard = pasteboard,

@@ -15,6 +15,7 @@ Program::Program(const Platform& on, std::function<void()> terminate)
           .main = on.mainQueue,
           .queue = on.serverQueue,
           .fileQueue = on.fileQueue,
+          .readingQueue = on.readingQueue,
           .network = on.network,
           .userDefaults = on.userDefaults,
           .pasteboard = on.pasteboard,

@@ -13,11 +13,15 @@ std::string fileTransferStartMessage(std::string_view fileName, std::int64_t fil
     return text;
 }
 
-std::optional<std::string> fileChunkMessage(std::string_view fileName, std::string_view bytes, bool isLast) {
-    // A thousand of these may wait in memory: room for just what is written. A character of the name takes six
-    // at most.
+std::optional<std::string> fileChunkMessage(std::string_view fileName, std::string_view bytes, bool isLast,
+                                            std::string room) {
+    // Memory that has held such a message is large enough, or nearly so; otherwise just what is needed. A
+    // character of the name takes six bytes at most.
     constexpr std::size_t roomForTheRest = 80;
-    JsonWriter writer(base64::encodedEscapedSize(bytes) + fileName.size() * 6 + roomForTheRest);
+    if (room.capacity() < bytes.size() / 3 * 4) {
+        room.reserve(base64::encodedEscapedSize(bytes) + fileName.size() * 6 + roomForTheRest);
+    }
+    JsonWriter writer(std::move(room));
     writer.add("action", "file_chunk");
     writer.add("fileName", fileName);
     writer.addBase64("fileData", bytes);

@@ -10,7 +10,9 @@ namespace velloway {
 /// The message that announces a file. The name is put in as it stands, not escaped.
 std::string fileTransferStartMessage(std::string_view fileName, std::int64_t fileSize);
 
-/// The message with one piece of a file. Absent when the name is not UTF-8.
-std::optional<std::string> fileChunkMessage(std::string_view fileName, std::string_view bytes, bool isLast);
+/// The message with one piece of a file. Absent when the name is not UTF-8. The message takes the memory of
+/// `room`.
+std::optional<std::string> fileChunkMessage(std::string_view fileName, std::string_view bytes, bool isLast,
+                                            std::string room = {});
 
 } // namespace velloway

@@ -94,6 +94,10 @@ JsonWriter::JsonWriter(std::size_t expectedSize) {
     out_.reserve(expectedSize);
 }
 
+JsonWriter::JsonWriter(std::string room) : out_(std::move(room)) {
+    out_.clear();
+}
+
 void JsonWriter::add(std::string_view name, std::string_view text) {
     isValid_ = isValid_ && isUtf8(text);
     key(name);

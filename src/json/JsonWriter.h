@@ -11,6 +11,8 @@ class JsonWriter {
 public:
     /// Room for this many bytes is made at once.
     explicit JsonWriter(std::size_t expectedSize = 128);
+    /// Writes into the memory of `room`, whose text is dropped.
+    explicit JsonWriter(std::string room);
 
     void add(std::string_view key, std::string_view text);
     void add(std::string_view key, std::int64_t number);

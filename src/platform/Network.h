@@ -36,6 +36,21 @@ struct Endpoint {
 /// A text handed to several connections without copying it.
 using SharedText = std::shared_ptr<const std::string>;
 
+/// Texts that exist only while somebody needs them: too many to lie in memory at the same time. On the queue of
+/// the connections that send them.
+class TextSeries {
+public:
+    using Made = std::function<void(SharedText text, const std::optional<NetworkError>& error)>;
+
+    virtual ~TextSeries() = default;
+
+    /// The text at `index`, or null when it has to be made first.
+    virtual SharedText atHand(std::uint64_t index) = 0;
+    /// Makes the text at `index`, with the same bytes each time; without a text when that is impossible. `made`
+    /// is called once, on the queue and never inside this call.
+    virtual void make(std::uint64_t index, Made made) = 0;
+};
+
 /// What one receive brought.
 struct ReceivedContent {
     /// The bytes of this block, absent when the receive brought none. They belong to the connection and are
@@ -82,6 +97,14 @@ public:
     /// Sends one complete text frame; frames leave in the order of the calls. `identifier` names the content
     /// in diagnostics. The completion means that the text was handed to the system, not that it arrived.
     virtual void send(SharedText text, std::string_view identifier, SendCompletion completion) = 0;
+    /// Sends one text of a series in the order of all sends. The connection asks for the text when it can take
+    /// it and holds none that has to wait, so that a far end that does not read costs no memory. A text that
+    /// cannot be made is left out, and its completion gets the error; one that cannot be made again after a
+    /// part of it has left ends the connection.
+    ///
+    /// Texts of one series that follow each other may all be answered by the completion of the first.
+    virtual void send(std::shared_ptr<TextSeries> series, std::uint64_t index, std::string_view identifier,
+                      SendCompletion completion) = 0;
 };
 
 /// Callbacks come on the queue given to `start`.

@@ -26,6 +26,7 @@ struct Platform {
     DispatchQueue& mainQueue;
     DispatchQueue& serverQueue;
     DispatchQueue& fileQueue;
+    DispatchQueue& readingQueue;
     Network& network;
     UserDefaults& userDefaults;
     UserNotificationCenter& notificationCenter;
@@ -49,6 +50,7 @@ template <class Ports> Platform platformOf(Ports& ports) {
     return {.mainQueue = ports.mainQueue,
             .serverQueue = ports.serverQueue,
             .fileQueue = ports.fileQueue,
+            .readingQueue = ports.readingQueue,
             .network = ports.network,
             .userDefaults = ports.userDefaults,
             .notificationCenter = ports.notificationCenter,

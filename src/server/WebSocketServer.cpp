@@ -48,13 +48,24 @@ std::string describe(ConnectionState state, const std::optional<NetworkError>& e
 
 std::shared_ptr<WebSocketServer> WebSocketServer::make(const Dependencies& dependencies) {
     auto server = std::shared_ptr<WebSocketServer>(new WebSocketServer(dependencies));
-    server->outgoingFiles_.emplace(dependencies.main, dependencies.queue, server->link_,
-                                   dependencies.notificationManager, dependencies.host, dependencies.files,
-                                   dependencies.log, [weak = server->weak_from_this()](std::string text) {
-                                       if (auto self = weak.lock()) {
-                                           self->send(std::move(text));
-                                       }
-                                   });
+    const auto whileAlive = [weak = server->weak_from_this()](auto operation) {
+        return [weak, operation](auto... arguments) {
+            if (auto self = weak.lock()) {
+                (self.get()->*operation)(std::move(arguments)...);
+            }
+        };
+    };
+    server->outgoingFiles_.emplace(
+        OutgoingFiles::Dependencies{.main = dependencies.main,
+                                    .server = dependencies.queue,
+                                    .reading = dependencies.readingQueue,
+                                    .notifications = dependencies.notificationManager,
+                                    .host = dependencies.host,
+                                    .files = dependencies.files,
+                                    .log = dependencies.log,
+                                    .send = whileAlive(&WebSocketServer::send),
+                                    .sendChunk = whileAlive(&WebSocketServer::sendChunk)},
+        server->link_);
     return server;
 }
 
@@ -281,18 +292,27 @@ void WebSocketServer::remove(const ConnectionPointer& connection) {
 
 // Sending
 
+/// Calls `sendToOne` for each connection, with what to do when the sending has ended.
+template <class SendToOne> void WebSocketServer::sendToAll(SendToOne sendToOne) {
+    hop(queue_, weak_from_this(), [sendToOne = std::move(sendToOne)](WebSocketServer& self) {
+        const auto connections = std::atomic_load(&self.connections_);
+        for (const ConnectionPointer& connection : *connections) {
+            sendToOne(*connection, [&log = self.log_](const std::optional<NetworkError>& error) {
+                if (error) {
+                    log.line({"Send error: ", error->localizedDescription});
+                }
+            });
+        }
+    });
+}
+
 void WebSocketServer::send(std::string text) {
-    hop(queue_, weak_from_this(),
-        [shared = std::make_shared<const std::string>(std::move(text))](WebSocketServer& self) {
-            const auto connections = std::atomic_load(&self.connections_);
-            for (const ConnectionPointer& connection : *connections) {
-                connection->send(shared, "send", [&log = self.log_](const std::optional<NetworkError>& error) {
-                    if (error) {
-                        log.line({"Send error: ", error->localizedDescription});
-                    }
-                });
-            }
-        });
+    auto shared = std::make_shared<const std::string>(std::move(text));
+    sendToAll([shared](auto& connection, auto completion) { connection.send(shared, "send", completion); });
+}
+
+void WebSocketServer::sendChunk(std::shared_ptr<TextSeries> chunks, std::uint64_t index) {
+    sendToAll([chunks, index](auto& connection, auto done) { connection.send(chunks, index, "send", done); });
 }
 
 void WebSocketServer::sendIfBuilt(std::optional<std::string> text) {

@@ -42,6 +42,8 @@ public:
         DispatchQueue& main;
         DispatchQueue& queue;
         DispatchQueue& fileQueue;
+        /// Where files that are sent are read; may be `queue`.
+        DispatchQueue& readingQueue;
         Network& network;
         UserDefaults& userDefaults;
         Pasteboard& pasteboard;
@@ -117,6 +119,8 @@ private:
     void connectionReady(const ConnectionPointer& connection);
     void endReceiving(const ConnectionPointer& connection);
     void remove(const ConnectionPointer& connection);
+    template <class SendToOne> void sendToAll(SendToOne sendToOne);
+    void sendChunk(std::shared_ptr<TextSeries> chunks, std::uint64_t index);
     template <class Change> void changeConnections(Change change);
     void sendIfBuilt(std::optional<std::string> text);
     void report(const std::string& status);

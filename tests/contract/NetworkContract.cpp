@@ -1,4 +1,5 @@
 #include "contract/NetworkContract.h"
+#include "fakes/FakeTextSeries.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -139,6 +140,14 @@ protected:
         });
     }
 
+    void send(NetworkConnection& connection, std::uint64_t index) {
+        connection.send(series, index, "send", [this](const auto& error) {
+            checkQueue();
+            notes.add(error ? "not sent" : "sent");
+        });
+    }
+    static std::string textOf(std::uint64_t index) { return "text " + std::to_string(index); }
+
     /// Runs `act` on the queue and waits for it.
     void onQueue(const std::function<void()>& act) {
         std::atomic<bool> done = false;
@@ -157,6 +166,7 @@ protected:
     NetworkConnection& connection() { return *connections.front(); }
 
     std::unique_ptr<NetworkWorld> world = GetParam().make();
+    std::shared_ptr<FakeTextSeries> series = std::make_shared<FakeTextSeries>(world->queue(), textOf);
     std::uint16_t port = 0;
     std::shared_ptr<NetworkListener> listener;
     Notes listenerNotes;
@@ -352,6 +362,138 @@ TEST_P(NetworkContract, OneTextServesSeveralConnectionsWithoutACopy) {
     });
     EXPECT_EQ(first->nextText(), *text);
     EXPECT_EQ(second->nextText(), *text);
+}
+
+// Sending series.
+
+TEST_P(NetworkContract, TextsOfASeriesLeaveInTheOrderOfAllSendsAndEachIsAnswered) {
+    auto peer = connect();
+    for (const bool isAtHand : {false, true}) {
+        series->isAtHand = isAtHand;
+        onQueue([&] {
+            send(connection(), "first");
+            send(connection(), 0);
+            send(connection(), 1);
+            send(connection(), "between");
+            send(connection(), 2);
+            send(connection(), "last");
+        });
+        for (const char* text : {"first", "text 0", "text 1", "between", "text 2", "last"}) {
+            ASSERT_EQ(peer->nextText(), text);
+        }
+    }
+    ASSERT_TRUE(runUntil([&] { return notes.count() == 14; }));
+    const std::vector<std::string> once{"sent first", "sent", "sent", "sent between", "sent", "sent last"};
+    std::vector<std::string> expected{"preparing", "ready"};
+    expected.insert(expected.end(), once.begin(), once.end());
+    expected.insert(expected.end(), once.begin(), once.end());
+    EXPECT_THAT(notes.all(), ElementsAreArray(expected));
+}
+
+TEST_P(NetworkContract, ASeriesThatGrowsWhileItLeavesIsSentToItsEnd) {
+    auto peer = connect();
+    for (std::uint64_t index = 0; index < 200; ++index) {
+        onQueue([&] { send(connection(), index); });
+    }
+    for (std::uint64_t index = 0; index < 200; ++index) {
+        ASSERT_EQ(peer->nextText(), textOf(index));
+    }
+    EXPECT_TRUE(runUntil([&] { return notes.count() == 202; }));
+}
+
+TEST_P(NetworkContract, TextsOfASeriesThatAreSentBeforeTheHandshakeLeaveAfterIt) {
+    listen();
+    auto peer = dial();
+    onQueue([&] {
+        send(connection(), 0);
+        send(connection(), "second");
+    });
+    EXPECT_EQ(series->madeCount, 0) << "nobody can take it";
+    EXPECT_TRUE(peer->shakeHands());
+    EXPECT_EQ(peer->nextText(), "text 0");
+    EXPECT_EQ(peer->nextText(), "second");
+}
+
+TEST_P(NetworkContract, ATextThatCannotBeMadeIsLeftOutAndItsSendGetsTheError) {
+    series->isBroken = true;
+    auto peer = connect();
+    onQueue([&] {
+        send(connection(), 0);
+        send(connection(), 1);
+        send(connection(), "text");
+    });
+    EXPECT_EQ(peer->nextText(), "text");
+    ASSERT_TRUE(runUntilNoted("sent text"));
+    EXPECT_THAT(notes.all(), ElementsAre("preparing", "ready", "not sent", "not sent", "sent text"));
+}
+
+TEST_P(NetworkContract, LargeTextsOfASeriesComeWholeToSeveralConnections) {
+    const auto large = [](std::uint64_t index) {
+        std::string text(2'000'000, 'a');
+        for (std::size_t at = 0; at < text.size(); at += 7) {
+            text[at] = static_cast<char>('a' + (at + index) % 26);
+        }
+        return text;
+    };
+    series = std::make_shared<FakeTextSeries>(world->queue(), large);
+    listen();
+    auto first = dial();
+    auto second = dial();
+    EXPECT_TRUE(first->shakeHands());
+    EXPECT_TRUE(second->shakeHands());
+    onQueue([&] {
+        for (auto& each : connections) {
+            for (std::uint64_t index = 0; index < 5; ++index) {
+                each->send(series, index, "send", {});
+            }
+        }
+    });
+    for (Peer* peer : {first.get(), second.get()}) {
+        for (std::uint64_t index = 0; index < 5; ++index) {
+            ASSERT_TRUE(peer->nextText() == large(index)) << index;
+        }
+    }
+    EXPECT_TRUE(runUntil([&] { return series->heldCount() == 0; })) << "the texts were let go";
+}
+
+TEST_P(NetworkContract, CancelAnswersEveryTextOfASeriesThatWaits) {
+    listen();
+    auto peer = dial();
+    ASSERT_TRUE(runUntilNoted("preparing"));
+    onQueue([&] {
+        send(connection(), 0);
+        send(connection(), 1);
+        connection().cancel();
+    });
+    ASSERT_TRUE(runUntilNoted("cancelled"));
+    EXPECT_THAT(notes.all(), ElementsAre("preparing", "not sent", "not sent", "cancelled"));
+    EXPECT_EQ(series.use_count(), 1) << "the series was let go";
+}
+
+TEST_P(NetworkContract, ATextThatIsMadeTooLateReachesNobody) {
+    series->isHeldBack = true;
+    auto peer = connect();
+    onQueue([&] {
+        send(connection(), 0);
+        connection().cancel();
+    });
+    ASSERT_TRUE(runUntilNoted("cancelled"));
+    onQueue([&] { series->release(); });
+    onQueue([] {});
+    EXPECT_THAT(notes.all(), ElementsAre("preparing", "ready", "not sent", "cancelled"));
+    EXPECT_TRUE(peer->seesEnd());
+}
+
+TEST_P(NetworkContract, ASeriesThatIsSentToAnEndedConnectionIsAnsweredWithAnError) {
+    auto peer = connect();
+    connection().cancel();
+    ASSERT_TRUE(runUntilNoted("cancelled"));
+    onQueue([&] {
+        send(connection(), 0);
+        notes.add("asked");
+    });
+    ASSERT_TRUE(runUntilNoted("not sent"));
+    EXPECT_THAT(notes.all(), ElementsAre("preparing", "ready", "cancelled", "asked", "not sent"));
 }
 
 // The end.

@@ -39,8 +39,36 @@ public:
         sharedTexts.push_back(text);
         completions.push_back(std::move(completion));
     }
+    /// Takes the text at once, or later when it has to be made first, unless `takesSeries` is switched off.
+    void send(std::shared_ptr<TextSeries> series, std::uint64_t index, std::string_view identifier,
+              SendCompletion completion) override {
+        note("send");
+        if (onSend) {
+            onSend();
+        }
+        untaken.push_back({sent.size(), sharedTexts.size(), std::move(series), index});
+        sent.push_back({"", std::string(identifier)});
+        sharedTexts.push_back(nullptr);
+        completions.push_back(std::move(completion));
+        if (takesSeries) {
+            takeNext();
+        }
+    }
 
     // What the test does.
+    /// Takes the next text of a series that waits, as a connection does when its far end reads again.
+    void takeNext() {
+        const Untaken next = untaken.front();
+        untaken.pop_front();
+        if (SharedText text = next.series->atHand(next.index)) {
+            take(next, text);
+        } else {
+            next.series->make(next.index, [this, next](const SharedText& made, const auto& error) {
+                take(next, made);
+                seriesError = error;
+            });
+        }
+    }
     void report(ConnectionState state, std::optional<NetworkError> error = {}) {
         auto handler = stateHandler_;
         if (state == ConnectionState::failed || state == ConnectionState::cancelled) {
@@ -79,6 +107,24 @@ public:
     int receivesArmed = 0;
     std::function<void()> onSend;
     bool isCancelled = false;
+
+    struct Untaken {
+        /// Where it belongs in `sent` and in `sharedTexts`.
+        std::size_t place = 0;
+        std::size_t sharedPlace = 0;
+        std::shared_ptr<TextSeries> series;
+        std::uint64_t index = 0;
+    };
+    bool takesSeries = true;
+    std::deque<Untaken> untaken;
+    /// Why the last text of a series that had to be made came without one.
+    std::optional<NetworkError> seriesError;
+
+protected:
+    void take(const Untaken& taken, const SharedText& text) {
+        sharedTexts[taken.sharedPlace] = text;
+        sent[taken.place].text = text ? *text : "";
+    }
 
 private:
     void note(const char* what) {

@@ -42,6 +42,7 @@ struct FakePlatform {
         return {.mainQueue = main,
                 .serverQueue = server,
                 .fileQueue = fileQueue,
+                .readingQueue = server,
                 .network = network,
                 .userDefaults = userDefaults,
                 .notificationCenter = notificationCenter,

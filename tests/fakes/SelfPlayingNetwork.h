@@ -17,7 +17,9 @@ namespace velloway::test {
 class SelfPlayingConnection : public FakeConnection,
                               public std::enable_shared_from_this<SelfPlayingConnection> {
 public:
-    using FakeConnection::FakeConnection;
+    explicit SelfPlayingConnection(Endpoint endpoint) : FakeConnection(std::move(endpoint)) {
+        takesSeries = false;
+    }
 
     /// The far end's side; it outlives the connection.
     struct FarEnd {
@@ -47,6 +49,11 @@ public:
     }
     void send(SharedText text, std::string_view identifier, SendCompletion completion) override {
         FakeConnection::send(std::move(text), identifier, std::move(completion));
+        later([](auto& self) { self.goOn(); });
+    }
+    void send(std::shared_ptr<TextSeries> series, std::uint64_t index, std::string_view identifier,
+              SendCompletion completion) override {
+        FakeConnection::send(std::move(series), index, identifier, std::move(completion));
         later([](auto& self) { self.goOn(); });
     }
 
@@ -93,8 +100,8 @@ private:
         if (state_ != ConnectionState::ready) {
             return;
         }
-        while (!completions.empty()) {
-            farEnd->texts.push_back(*sharedTexts[sent.size() - completions.size()]);
+        while (!completions.empty() && hasNextText()) {
+            farEnd->texts.push_back(*std::exchange(sharedTexts[nextPlace()], nullptr));
             answerSend(std::nullopt);
         }
         while (isReceiving() && !inbox_.empty()) {
@@ -105,6 +112,43 @@ private:
         if (isLeft_ && isReceiving()) {
             end(ConnectionState::failed, "Connection reset by peer");
         }
+    }
+
+    std::size_t nextPlace() const { return sent.size() - completions.size(); }
+
+    /// A series is asked for the text when it is not at hand.
+    bool hasNextText() {
+        if (sharedTexts[nextPlace()] || isAsking_) {
+            return !isAsking_;
+        }
+        const Untaken next = untaken.front();
+        if (const SharedText text = next.series->atHand(next.index)) {
+            untaken.pop_front();
+            take(next, text);
+            return true;
+        }
+        isAsking_ = true;
+        next.series->make(next.index, [weak = weak_from_this()](const SharedText& text, const auto& error) {
+            if (auto self = weak.lock()) {
+                self->wasMade(text, error);
+            }
+        });
+        return false;
+    }
+
+    void wasMade(const SharedText& text, const std::optional<NetworkError>& error) {
+        isAsking_ = false;
+        if (isOver()) {
+            return;
+        }
+        const Untaken made = untaken.front();
+        untaken.pop_front();
+        if (text) {
+            take(made, text);
+        } else {
+            answerSend(error);
+        }
+        goOn();
     }
 
     void end(ConnectionState state, const char* text) {
@@ -122,6 +166,7 @@ private:
         if (isReceiving()) {
             deliver({.error = NetworkError{text, text}});
         }
+        untaken.clear();
         while (!completions.empty()) {
             answerSend(NetworkError{text, text});
         }
@@ -149,6 +194,7 @@ private:
     ConnectionState state_ = ConnectionState::setup;
     bool isShaken_ = false;
     bool isLeft_ = false;
+    bool isAsking_ = false;
     std::deque<std::string> inbox_;
 };
 

@@ -22,6 +22,7 @@ struct ServerHarness {
         .main = on.main,
         .queue = on.server,
         .fileQueue = on.fileQueue,
+        .readingQueue = on.server,
         .network = on.network,
         .userDefaults = on.userDefaults,
         .pasteboard = on.pasteboard,

@@ -70,23 +70,39 @@ protected:
         return host.files.put(folder / name, std::move(bytes));
     }
 
+    void note(std::string text) {
+        sent.push_back(std::move(text));
+        if (afterSend) {
+            afterSend(sent.size());
+        }
+    }
+
     const std::filesystem::path folder = "/home/me";
     std::vector<std::string> sent;
     /// Called with the number of messages so far, this one included.
     std::function<void(std::size_t)> afterSend;
-    OutgoingFiles files{host.main,
-                        host.server,
-                        link,
-                        notificationManager,
-                        host.host,
-                        host.files,
-                        host.log,
-                        [this](std::string text) {
-                            sent.push_back(std::move(text));
-                            if (afterSend) {
-                                afterSend(sent.size());
-                            }
-                        }};
+    /// Takes every chunk as it comes, unless switched off.
+    bool takesChunks = true;
+    std::shared_ptr<TextSeries> chunks;
+    std::uint64_t chunkCount = 0;
+    OutgoingFiles files{{.main = host.main,
+                         .server = host.server,
+                         .reading = host.server,
+                         .notifications = notificationManager,
+                         .host = host.host,
+                         .files = host.files,
+                         .log = host.log,
+                         .send = [this](std::string text) { note(std::move(text)); },
+                         .sendChunk =
+                             [this](std::shared_ptr<TextSeries> series, std::uint64_t index) {
+                                 ++chunkCount;
+                                 if (takesChunks) {
+                                     note(*series->atHand(index));
+                                 } else {
+                                     chunks = std::move(series);
+                                 }
+                             }},
+                        link};
 
 private:
     Subscription subscription_;
@@ -279,6 +295,46 @@ TEST_F(OutgoingFilesTest, FinishesOneFileBeforeItBeginsTheNext) {
     EXPECT_EQ(sent[4], chunkText("b", "hello", true));
     EXPECT_EQ(row(0).fileName, "b");
     EXPECT_EQ(row(1).fileName, "a");
+}
+
+TEST_F(OutgoingFilesTest, ReadsAFileToItsEndWhenNobodyTakesTheChunks) {
+    takesChunks = false;
+    const auto file = write("a.bin", bytesOfLength(20 * mebibyte));
+    send(file);
+    EXPECT_EQ(chunkCount, 20u);
+    EXPECT_EQ(banners(), fileSent("a.bin"));
+    EXPECT_TRUE(row().isCompleted);
+    EXPECT_EQ(host.files.openCount(file), 1) << "for those who take the chunks later";
+    chunks.reset();
+    EXPECT_EQ(host.files.openCount(file), 0);
+}
+
+TEST_F(OutgoingFilesTest, LeavesRoomForOtherWorkBetweenTwoChunks) {
+    files.sendFile(write("a.bin", bytesOfLength(3 * mebibyte)));
+    std::vector<std::size_t> sentBefore;
+    while (host.server.runOne()) {
+        host.server.async([&] { sentBefore.push_back(sent.size()); });
+        if (sent.size() == 4) {
+            break;
+        }
+    }
+    for (const std::size_t count : {1u, 2u, 3u}) {
+        EXPECT_THAT(sentBefore, testing::Contains(count));
+    }
+    host.server.runAll();
+}
+
+TEST_F(OutgoingFilesTest, StopsWhenTheServerGoesInMidFile) {
+    const auto file = write("a.bin", bytesOfLength(3 * mebibyte));
+    afterSend = [&](std::size_t count) {
+        if (count == 2) {
+            link.reset();
+        }
+    };
+    send(file);
+    EXPECT_EQ(sent.size(), 2u);
+    EXPECT_TRUE(banners().empty());
+    EXPECT_EQ(host.files.openCount(file), 0);
 }
 
 TEST_F(OutgoingFilesTest, DoesNothingWhenTheServerHasGone) {

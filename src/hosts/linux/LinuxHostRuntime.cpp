@@ -63,6 +63,7 @@ struct LinuxPorts : LinuxDesktop {
     LinuxScripts scripts{[this](const std::string& error) { logScriptError(log, error); }};
     PosixFiles files;
     LinuxMemory memory;
+    AsioQueue readingQueue{"ws.reading"};
     QtWindows windows{[this] { return loadViewsLibrary(log); }};
     // Last, because their jobs may use everything above. What a job of the file queue leaves for others goes at
     // once: the next one may take long.
@@ -91,10 +92,11 @@ public:
     Platform platform() override { return platformOf(ports_); }
     int run(ApplicationDelegate& delegate) override {
         const int exitCode = ports_.run(delegate);
+        const bool isReadingDone = ports_.readingQueue.end(longestLastJob);
         const bool isServerDone = ports_.serverQueue.end(longestLastJob);
         const bool areFilesDone = ports_.fileQueue.finish(longestLastFiles);
-        if (!isServerDone || !areFilesDone) {
-            // The file that is being read may be large, or lie on a disk that does not answer.
+        if (!isReadingDone || !isServerDone || !areFilesDone) {
+            // A file may lie on a disk that does not answer.
             ports_.log.flush();
             std::_Exit(exitCode);
         }

@@ -4,7 +4,10 @@
 #include "hosts/mac/MacNetworkError.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <deque>
 
 namespace velloway {
 
@@ -90,14 +93,34 @@ DispatchRef<dispatch_data_t> dataOf(const SharedText& text) {
 } // namespace
 
 /// Queue only, but for its making and `isDropped`.
-struct MacConnection::Shared {
-    explicit Shared(BeginActivity begin) : beginActivity(std::move(begin)) {}
+struct MacConnection::Shared : std::enable_shared_from_this<Shared> {
+    Shared(nw_connection_t accepted, BeginActivity begin)
+        : connection(accepted), beginActivity(std::move(begin)) {}
 
+    struct Waiting {
+        /// Null for a series.
+        SharedText text;
+        std::shared_ptr<TextSeries> series;
+        /// Of the series, so many texts from `first` on.
+        std::uint64_t first = 0;
+        std::uint64_t count = 1;
+        std::string identifier;
+        SendCompletion completion;
+    };
+
+    /// Valid until `isDropped`.
+    const nw_connection_t connection;
     StateHandler handler;
     /// The connection object has gone, so nobody waits for anything. Set on any thread.
     std::atomic<bool> isDropped = false;
     BeginActivity beginActivity;
     std::shared_ptr<void> activity;
+    bool isReady = false;
+    bool hasEnded = false;
+    /// Everything from the first series on that is not with the framework.
+    std::deque<Waiting> waiting;
+    /// A text of a series is being made, or is with the framework.
+    bool isSending = false;
 
     void report(ConnectionState state, const std::optional<NetworkError>& error) {
         const bool isFinal = state == ConnectionState::failed || state == ConnectionState::cancelled;
@@ -105,17 +128,128 @@ struct MacConnection::Shared {
             activity = beginActivity();
         } else if (isFinal) {
             activity.reset();
+            hasEnded = true;
+            answer(std::exchange(waiting, {}), error ? error : cancelled());
         }
         const StateHandler called = isFinal ? std::exchange(handler, nullptr) : handler;
         if (called) {
             called(state, error);
         }
+        if (state == ConnectionState::ready) {
+            isReady = true;
+            sendNext();
+        }
+    }
+
+    static std::optional<NetworkError> cancelled() {
+        const char* const text = std::strerror(ECANCELED);
+        return NetworkError{.localizedDescription = text, .description = text};
+    }
+
+    void answer(const std::deque<Waiting>& sends, const std::optional<NetworkError>& error) {
+        for (const Waiting& each : sends) {
+            for (std::uint64_t index = 0; index < each.count && each.completion && !isDropped; ++index) {
+                each.completion(error);
+            }
+        }
+    }
+
+    /// `done` is called when the framework has let go of the text, unless the connection has been dropped.
+    void handOver(const SharedText& text, std::string_view identifier, SendCompletion done) {
+        const std::shared_ptr<Shared> self = shared_from_this();
+        nw_connection_send(connection, dataOf(text).get(), textContext(identifier).get(), true,
+                           ^(nw_error_t error) {
+                             if (done && !self->isDropped) {
+                                 done(networkErrorFrom(error));
+                             }
+                           });
+    }
+
+    void send(Waiting next) {
+        if (hasEnded) {
+            // The framework answers with the reason.
+            handOver(next.text ? next.text : std::make_shared<const std::string>(), next.identifier,
+                     next.completion);
+            return;
+        }
+        const bool goesOn = next.series && !waiting.empty() && waiting.back().series == next.series &&
+                            waiting.back().first + waiting.back().count == next.first;
+        if (goesOn) {
+            ++waiting.back().count;
+        } else {
+            waiting.push_back(std::move(next));
+        }
+        sendNext();
+    }
+
+    void sendNext() {
+        while (!isSending && !waiting.empty()) {
+            Waiting& first = waiting.front();
+            if (first.series && !isReady) {
+                return;
+            }
+            if (first.series) {
+                sendFromSeries(first);
+            } else {
+                const Waiting next = std::move(first);
+                waiting.pop_front();
+                handOver(next.text, next.identifier, next.completion);
+            }
+        }
+    }
+
+    void sendFromSeries(const Waiting& first) {
+        isSending = true;
+        if (const SharedText text = first.series->atHand(first.first)) {
+            handOverFirst(text);
+            return;
+        }
+        first.series->make(first.first, [weak = weak_from_this()](const SharedText& text, const auto& error) {
+            const auto self = weak.lock();
+            if (!self || self->isDropped || self->hasEnded) {
+                return;
+            }
+            if (text) {
+                self->handOverFirst(text);
+            } else {
+                self->textHasGone(self->takeFirst().completion, error);
+            }
+        });
+    }
+
+    void handOverFirst(const SharedText& text) {
+        const Waiting first = takeFirst();
+        handOver(text, first.identifier,
+                 [self = shared_from_this(), completion = first.completion](const auto& error) {
+                     const std::deque<Waiting> rest =
+                         error ? std::exchange(self->waiting, {}) : std::deque<Waiting>();
+                     self->textHasGone(completion, error);
+                     self->answer(rest, error);
+                 });
+    }
+
+    void textHasGone(const SendCompletion& completion, const std::optional<NetworkError>& error) {
+        if (completion) {
+            completion(error);
+        }
+        isSending = false;
+        sendNext();
+    }
+
+    /// One text of the series in front.
+    Waiting takeFirst() {
+        Waiting taken = waiting.front();
+        ++waiting.front().first;
+        if (--waiting.front().count == 0) {
+            waiting.pop_front();
+        }
+        return taken;
     }
 };
 
 MacConnection::MacConnection(nw_connection_t accepted, BeginActivity beginActivity)
     : connection_(NetworkRef<nw_connection_t>::share(accepted)),
-      shared_(std::make_shared<Shared>(std::move(beginActivity))) {
+      shared_(std::make_shared<Shared>(accepted, std::move(beginActivity))) {
     const std::shared_ptr<Shared> shared = shared_;
     nw_connection_set_state_changed_handler(accepted, ^(nw_connection_state_t state, nw_error_t error) {
       shared->report(stateFrom(state), networkErrorFrom(error));
@@ -125,6 +259,7 @@ MacConnection::MacConnection(nw_connection_t accepted, BeginActivity beginActivi
 MacConnection::~MacConnection() {
     shared_->isDropped = true;
     shared_->handler = nullptr;
+    shared_->waiting.clear();
     nw_connection_force_cancel(connection_.get());
 }
 
@@ -186,13 +321,16 @@ void MacConnection::receiveMessage(ReceiveCompletion completion) {
 }
 
 void MacConnection::send(SharedText text, std::string_view identifier, SendCompletion completion) {
-    const std::shared_ptr<Shared> shared = shared_;
-    nw_connection_send(connection_.get(), dataOf(text).get(), textContext(identifier).get(), true,
-                       ^(nw_error_t error) {
-                         if (completion && !shared->isDropped) {
-                             completion(networkErrorFrom(error));
-                         }
-                       });
+    shared_->send(
+        {.text = std::move(text), .identifier = std::string(identifier), .completion = std::move(completion)});
+}
+
+void MacConnection::send(std::shared_ptr<TextSeries> series, std::uint64_t index, std::string_view identifier,
+                         SendCompletion completion) {
+    shared_->send({.series = std::move(series),
+                   .first = index,
+                   .identifier = std::string(identifier),
+                   .completion = std::move(completion)});
 }
 
 } // namespace velloway

@@ -23,6 +23,9 @@ public:
     Endpoint endpoint() const override;
     void receiveMessage(ReceiveCompletion completion) override;
     void send(SharedText text, std::string_view identifier, SendCompletion completion) override;
+    /// The framework has one text of a series at a time; what was sent afterwards waits here.
+    void send(std::shared_ptr<TextSeries> series, std::uint64_t index, std::string_view identifier,
+              SendCompletion completion) override;
 
 private:
     struct Shared;

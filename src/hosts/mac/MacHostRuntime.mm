@@ -111,6 +111,7 @@ struct MacPorts {
     MacWorkspace workspace;
     MacDispatchQueue fileQueue{"ws.files"};
     MacDispatchQueue serverQueue{"ws.server"};
+    MacDispatchQueue readingQueue{"ws.reading"};
     MacNetwork network{beginConnectedActivity};
 };
 

@@ -98,6 +98,7 @@ public:
     MacWorkspace workspace;
     MacDispatchQueue fileQueue{"ws.files"};
     MacDispatchQueue serverQueue{"ws.server"};
+    MacDispatchQueue readingQueue{"ws.reading"};
     MacNetwork network{beginConnectedActivity};
     std::unique_ptr<Program> program = std::make_unique<Program>(platformOf(*this), [] {});
     std::shared_ptr<FakePhone> phone;

@@ -69,6 +69,21 @@ public:
         });
     }
 
+    /// Sends texts of the series, beginning with its first, to the connection that became ready last.
+    void sendToLatest(const std::shared_ptr<TextSeries>& series, std::uint64_t count) {
+        perform([&] {
+            const auto connection = latest_.lock();
+            for (std::uint64_t index = 0; connection && index < count; ++index) {
+                connection->send(series, index, "send",
+                                 [this](const auto& error) { ++(error ? unsent : sent); });
+            }
+        });
+    }
+
+    void cancelLatest() {
+        perform([&] { latest_.lock()->cancel(); });
+    }
+
     std::string descriptionOfLatest() { return endpointOfLatest().description; }
     std::string hostOfLatest() { return endpointOfLatest().host.value_or("none"); }
 

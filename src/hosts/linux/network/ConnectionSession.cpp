@@ -96,16 +96,33 @@ void ConnectionSession::receive(NetworkConnection::ReceiveCompletion completion)
 
 void ConnectionSession::send(SharedText text, NetworkConnection::SendCompletion completion) {
     if (phase_ == Phase::ended) {
-        queue.async([self = shared_from_this(), completion = std::move(completion)] {
-            if (completion && !self->isAbandoned) {
-                completion(networkError(systemError(boost::system::errc::not_connected)));
-            }
-        });
+        refuse(std::move(completion));
     } else if (!writer_.send(std::move(text), std::move(completion))) {
-        // Not within the call.
-        queue.async(
-            [self = shared_from_this()] { self->fail(systemError(boost::system::errc::no_buffer_space)); });
+        failFromFullQueue();
     }
+}
+
+void ConnectionSession::send(std::shared_ptr<TextSeries> series, std::uint64_t index,
+                             NetworkConnection::SendCompletion completion) {
+    if (phase_ == Phase::ended) {
+        refuse(std::move(completion));
+    } else if (!writer_.send(std::move(series), index, std::move(completion))) {
+        failFromFullQueue();
+    }
+}
+
+// Neither calls anybody within the call.
+
+void ConnectionSession::refuse(NetworkConnection::SendCompletion completion) {
+    queue.async([self = shared_from_this(), completion = std::move(completion)] {
+        if (completion && !self->isAbandoned) {
+            completion(networkError(systemError(boost::system::errc::not_connected)));
+        }
+    });
+}
+
+void ConnectionSession::failFromFullQueue() {
+    queue.async([self = shared_from_this()] { self->fail(systemError(boost::system::errc::no_buffer_space)); });
 }
 
 // The end.
@@ -157,7 +174,7 @@ void ConnectionSession::end(ConnectionState state, const NetworkError& error) {
         receive({.error = error});
     }
     for (const auto& each : unsent) {
-        if (each.completion && !isAbandoned) {
+        for (std::uint64_t index = 0; index < each.count && each.completion && !isAbandoned; ++index) {
             each.completion(error);
         }
     }

@@ -29,6 +29,8 @@ public:
     void queueEnds() override;
     void receive(NetworkConnection::ReceiveCompletion completion);
     void send(SharedText text, NetworkConnection::SendCompletion completion);
+    void send(std::shared_ptr<TextSeries> series, std::uint64_t index,
+              NetworkConnection::SendCompletion completion);
 
     const Endpoint endpoint;
     NetworkConnection::StateHandler stateHandler;
@@ -39,6 +41,8 @@ private:
     void handshakeEnded(const HandshakeResult& result);
     void readerEnded(const boost::system::error_code& error, std::uint16_t code, bool isToBeClosed);
 
+    void refuse(NetworkConnection::SendCompletion completion);
+    void failFromFullQueue();
     void fail(const boost::system::error_code& error);
     void end(ConnectionState state, const NetworkError& error);
     void closeWith(std::uint16_t code);

@@ -36,4 +36,9 @@ void LinuxConnection::send(SharedText text, std::string_view, SendCompletion com
     session_->send(std::move(text), std::move(completion));
 }
 
+void LinuxConnection::send(std::shared_ptr<TextSeries> series, std::uint64_t index, std::string_view,
+                           SendCompletion completion) {
+    session_->send(std::move(series), index, std::move(completion));
+}
+
 } // namespace velloway

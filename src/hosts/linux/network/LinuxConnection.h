@@ -29,6 +29,8 @@ public:
     Endpoint endpoint() const override;
     void receiveMessage(ReceiveCompletion completion) override;
     void send(SharedText text, std::string_view identifier, SendCompletion completion) override;
+    void send(std::shared_ptr<TextSeries> series, std::uint64_t index, std::string_view identifier,
+              SendCompletion completion) override;
 
 private:
     SessionHandle<ConnectionSession> session_;

@@ -2,29 +2,10 @@
 
 #include "hosts/linux/network/LinuxListener.h"
 
-#include <algorithm>
-
-#include <unistd.h>
-
 namespace velloway {
 
-namespace {
-
-std::size_t halfOfMemory() {
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long pageSize = sysconf(_SC_PAGESIZE);
-    const std::size_t half = pages > 0 && pageSize > 0 ? std::size_t(pages) * std::size_t(pageSize) / 2 : 0;
-    return std::max(half, std::size_t{1} << 30);
-}
-
-} // namespace
-
 LinuxNetwork::LinuxNetwork(AsioQueue& queue, const LinuxNetworkLimits& limits)
-    : queue_(queue), limits_(limits) {
-    if (limits_.queuedBytes == 0) {
-        limits_.queuedBytes = halfOfMemory();
-    }
-}
+    : queue_(queue), limits_(limits) {}
 
 bool LinuxNetwork::acceptsPort(std::uint16_t) const {
     return true;

@@ -19,10 +19,9 @@ struct LinuxNetworkLimits {
     std::size_t spareDescriptors = 64;
     /// A longer message ends its connection with the close code 1009.
     std::size_t messageBytes = std::size_t{512} << 20;
-    /// Texts waiting for a phone that reads slowly or not at all; one more ends the connection. 0 means half of
-    /// this computer's memory, but at least 1 GiB: a file is queued whole before it leaves, so a fixed small
-    /// bound would make large files fail.
-    std::size_t queuedBytes = 0;
+    /// Texts waiting for a phone that reads slowly or not at all; one more ends the connection. The chunks of
+    /// files do not count, because they are made when they leave. The only text that waits may be longer.
+    std::size_t queuedBytes = std::size_t{64} << 20;
     /// Whether to listen on IPv6 too. A system without IPv6 is noticed without help.
     bool usesIPv6 = true;
 };

@@ -1,6 +1,8 @@
 #include "hosts/linux/network/MessageWriter.h"
 
+#include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
+#include <boost/system/errc.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -46,12 +48,15 @@ MessageWriter::MessageWriter(PhoneSocket& socket, std::size_t queuedBytes,
 
 void MessageWriter::start() {
     isStarted_ = true;
+    error_code ignored;
+    socket_.non_blocking(true, ignored);
     writeNext();
 }
 
 bool MessageWriter::send(SharedText text, Completion completion) {
     const std::size_t size = text->size() + bytesPerSend;
-    if (size > maxQueuedBytes_ - std::min(queuedBytes_, maxQueuedBytes_)) {
+    // A single text may have any size: it exists already.
+    if (queuedBytes_ > 0 && size > maxQueuedBytes_ - std::min(queuedBytes_, maxQueuedBytes_)) {
         isOverflowing_ = true;
     }
     if (isOverflowing_) {
@@ -59,9 +64,25 @@ bool MessageWriter::send(SharedText text, Completion completion) {
     } else {
         queuedBytes_ += size;
     }
-    outgoing_.push_back({std::move(text), std::move(completion)});
+    outgoing_.push_back({.text = std::move(text), .completion = std::move(completion)});
     writeNext();
     return !isOverflowing_;
+}
+
+bool MessageWriter::send(std::shared_ptr<TextSeries> series, std::uint64_t index, Completion completion) {
+    if (isOverflowing_) {
+        outgoing_.push_back({.completion = std::move(completion)});
+        return false;
+    }
+    // A large file must not take memory for each of its texts.
+    if (!outgoing_.empty() && outgoing_.back().series == series &&
+        outgoing_.back().first + outgoing_.back().count == index) {
+        ++outgoing_.back().count;
+        return true;
+    }
+    outgoing_.push_back({.completion = std::move(completion), .series = std::move(series), .first = index});
+    writeNext();
+    return true;
 }
 
 void MessageWriter::pong(std::string_view payload, std::function<void()> done) {
@@ -94,6 +115,9 @@ void MessageWriter::writeNext() {
     buffers_.clear();
     if (isControl) {
         buffers_.push_back(net::buffer(controls_.front().frame));
+    } else if (isStarted_ && !outgoing_.empty() && outgoing_.front().series) {
+        startFrame();
+        return;
     } else if (isStarted_) {
         gatherTexts();
     }
@@ -127,13 +151,7 @@ void MessageWriter::didWrite(const error_code& error, bool wasControl) {
     const std::size_t count = texts_.size();
     texts_.clear();
     if (error) {
-        isWriting_ = false;
-        if (isStarted_) {
-            failed_(error);
-        }
-        for (const Control& control : std::exchange(controls_, {})) {
-            control.done();
-        }
+        writeFailed(error);
         return;
     }
     if (wasControl) {
@@ -147,6 +165,16 @@ void MessageWriter::didWrite(const error_code& error, bool wasControl) {
     writeNext();
 }
 
+void MessageWriter::writeFailed(const error_code& error) {
+    isWriting_ = false;
+    if (isStarted_) {
+        failed_(error);
+    }
+    for (const Control& control : std::exchange(controls_, {})) {
+        control.done();
+    }
+}
+
 void MessageWriter::completeTexts(std::size_t count) {
     // The last completion may have ended the connection.
     for (std::size_t index = 0; index < count && isStarted_; ++index) {
@@ -156,6 +184,116 @@ void MessageWriter::completeTexts(std::size_t count) {
         if (sent.completion && !isAbandoned_) {
             sent.completion(std::nullopt);
         }
+    }
+}
+
+// The texts of a series.
+
+/// Of the first text that waits.
+void MessageWriter::startFrame() {
+    const Unsent& next = outgoing_.front();
+    if (isAsking_) {
+        return;
+    }
+    if (const SharedText text = next.series->atHand(next.first)) {
+        startFrame(text);
+    } else {
+        ask(*next.series, next.first);
+    }
+}
+
+void MessageWriter::startFrame(const SharedText& text) {
+    const Unsent& next = outgoing_.front();
+    frame_ = {.series = next.series, .index = next.first};
+    frame_.headerSize = writeHeader(frame_.header, textOpcode, text->size());
+    frame_.size = frame_.headerSize + text->size();
+    isWriting_ = true;
+    writeFrame(text);
+}
+
+void MessageWriter::goOnWithFrame() {
+    if (const SharedText text = frame_.series->atHand(frame_.index)) {
+        writeFrame(text);
+    } else {
+        ask(*frame_.series, frame_.index);
+    }
+}
+
+/// Hands over what the socket takes at once; the text is let go before waiting for more.
+void MessageWriter::writeFrame(const SharedText& text) {
+    const std::size_t headerWritten = std::min(frame_.written, frame_.headerSize);
+    const std::array<net::const_buffer, 2> rest{net::buffer(frame_.header.data(), frame_.headerSize) +
+                                                    headerWritten,
+                                                net::buffer(*text) + (frame_.written - headerWritten)};
+    error_code error;
+    frame_.written += socket_.write_some(rest, error);
+    if (error && error != net::error::would_block && error != net::error::try_again) {
+        frame_ = {};
+        writeFailed(error);
+    } else if (frame_.written == frame_.size) {
+        frameHasLeft();
+    } else {
+        socket_.async_wait(PhoneSocket::wait_write, [this, alive = owner_()](const error_code& failure) {
+            if (failure) {
+                frame_ = {};
+                writeFailed(failure);
+            } else {
+                goOnWithFrame();
+            }
+        });
+    }
+}
+
+void MessageWriter::frameHasLeft() {
+    frame_ = {};
+    // What else is on the queue gets its turn before the next text.
+    net::post(socket_.get_executor(), [this, alive = owner_()] {
+        isWriting_ = false;
+        writeNext();
+    });
+    if (isStarted_) {
+        completeFirstOfSeries(std::nullopt);
+    }
+}
+
+void MessageWriter::ask(TextSeries& series, std::uint64_t index) {
+    isAsking_ = true;
+    // A strong reference would keep both ends alive when the queue ends before the answer.
+    series.make(index, [this, weak = std::weak_ptr<void>(owner_())](const SharedText& text, const auto& error) {
+        if (const auto alive = weak.lock()) {
+            isAsking_ = false;
+            wasMade(text, error);
+        }
+    });
+}
+
+void MessageWriter::wasMade(const SharedText& text, const std::optional<NetworkError>& error) {
+    if (frame_.series) {
+        const bool isSame = text && frame_.headerSize + text->size() == frame_.size;
+        if (isSame) {
+            writeFrame(text);
+        } else {
+            // The far end could only take what follows for the rest of this text.
+            frame_ = {};
+            writeFailed(make_error_code(boost::system::errc::io_error));
+        }
+    } else if (isStarted_ && !text) {
+        completeFirstOfSeries(error);
+        writeNext();
+    } else if (isStarted_ && !isWriting_ && controls_.empty()) {
+        startFrame(text);
+    }
+}
+
+void MessageWriter::completeFirstOfSeries(const std::optional<NetworkError>& error) {
+    Unsent& first = outgoing_.front();
+    const Completion completion = first.completion;
+    ++first.first;
+    if (--first.count == 0) {
+        outgoing_.pop_front();
+    }
+    if (completion && !isAbandoned_) {
+        completion(error);
     }
 }
 
