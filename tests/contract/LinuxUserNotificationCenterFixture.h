@@ -13,6 +13,8 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
+#include <malloc.h>
+
 #include <chrono>
 #include <map>
 #include <memory>
@@ -47,6 +49,12 @@ public:
     std::vector<NotificationResponse> responses;
     std::vector<std::function<void(unsigned)>> held;
 };
+
+/// What the process has asked the allocator for.
+inline std::size_t bytesInUse() {
+    const auto statistics = mallinfo2();
+    return statistics.uordblks + statistics.hblkhd;
+}
 
 template <class Panel> std::vector<Panel*> visible() {
     std::vector<Panel*> found;

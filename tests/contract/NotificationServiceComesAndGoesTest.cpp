@@ -1,17 +1,9 @@
 #include "contract/LinuxUserNotificationCenterFixture.h"
 
-#include <malloc.h>
-
 #include <thread>
 
 namespace velloway::test {
 namespace {
-
-/// What the process has asked the allocator for.
-std::size_t bytesInUse() {
-    const auto statistics = mallinfo2();
-    return statistics.uordblks + statistics.hblkhd;
-}
 
 TEST_F(LinuxUserNotificationCenterTest, CapabilitiesAreAskedOnFirstUseAndOncePerOwner) {
     start({"body", "actions"});

@@ -325,6 +325,14 @@ TEST(CommandRouter, ComparesMediaCommandsWithTheirPrefix) {
     expectKey(rig.input, Key::right, {.command = true});
 }
 
+TEST(CommandRouter, DoesNothingForAnEmptyCommand) {
+    for (const char* type : {"media", "remote"}) {
+        Rig rig;
+        rig.handle("", type);
+        EXPECT_TRUE(rig.didNothing()) << type;
+    }
+}
+
 TEST(CommandRouter, StopsEveryMediaMessageWithoutPermission) {
     Rig rig;
     rig.accessibility.trusted = false;

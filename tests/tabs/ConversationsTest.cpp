@@ -217,7 +217,9 @@ INSTANTIATE_TEST_SUITE_P(Initials, AvatarInitialsTest,
                                          InitialsCase{"+44 7700", "+7"}, InitialsCase{"+447700", "+"},
                                          InitialsCase{"ßa élan", "SSÉ"}, InitialsCase{" anna", " "},
                                          InitialsCase{"👩‍👧 mum", "👩‍👧M"},
-                                         InitialsCase{"e\u0301va", "E\u0301"}, InitialsCase{"a\tb", "A"}));
+                                         InitialsCase{"e\u0301va", "E\u0301"}, InitialsCase{"a\tb", "A"},
+                                         // A blank with an accent is another character and splits nothing.
+                                         InitialsCase{"Anna \u0301Bell", "A"}));
 
 TEST(AvatarInitialsFromCallsTest, TheCallLogGivesTheName) {
     EXPECT_EQ(avatarInitials("+1 555", CallNames({call("1555", "Zoe Quinn")})), "ZQ");

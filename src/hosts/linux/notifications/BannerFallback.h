@@ -33,6 +33,7 @@ public:
     bool isOnScreen(const std::string& identifier) const { return panels_.isOnScreen(identifier); }
     /// The pointer is over it, or an answer is being typed.
     bool isInUse(const std::string& identifier) const { return panels_.isInUse(identifier); }
+    bool isReplyOpen(const std::string& identifier) const { return panels_.isReplyOpen(identifier); }
 
     /// Replaces the banner of the same identifier. Returns false when there is no display or no room.
     bool show(const std::string& identifier, const NotificationContent& content,

@@ -1,5 +1,6 @@
 #include "hosts/linux/notifications/LinuxUserNotificationCenter.h"
 
+#include "hosts/linux/notifications/LongIdentifiers.h"
 #include "hosts/linux/notifications/NotificationPoster.h"
 #include "hosts/linux/notifications/NotificationText.h"
 
@@ -9,7 +10,7 @@ namespace {
 
 /// Texts of any size come from the phone, and what is on screen is kept for as long as it stands there.
 NotificationRequest displayedPart(const NotificationRequest& request) {
-    NotificationRequest part = request;
+    NotificationRequest part{LongIdentifiers::nameOf(request.identifier), request.content};
     if (part.content.body.string().size() > readBytes(bodyLimit)) {
         part.content.body = part.content.body.string().substr(0, readBytes(bodyLimit));
     }
@@ -30,8 +31,14 @@ void LinuxUserNotificationCenter::setDelegate(UserNotificationCenterDelegate* de
 
 void LinuxUserNotificationCenter::add(const NotificationRequest& request,
                                       std::function<void(const std::optional<std::string>& error)> completion) {
+    const bool isLong = LongIdentifiers::isLong(request.identifier);
     hop(main_, std::weak_ptr(poster_),
-        [request = displayedPart(request), completion = std::move(completion)](auto& poster) mutable {
+        [request = displayedPart(request), completion = std::move(completion),
+         identifier =
+             isLong ? std::optional<ImmutableText>(request.identifier) : std::nullopt](auto& poster) mutable {
+            if (identifier) {
+                poster.keepIdentifier(request.identifier, *identifier);
+            }
             poster.add(std::move(request), std::move(completion));
         });
 }
@@ -39,7 +46,7 @@ void LinuxUserNotificationCenter::add(const NotificationRequest& request,
 void LinuxUserNotificationCenter::removeDelivered(const std::vector<std::string>& identifiers) {
     hop(main_, std::weak_ptr(poster_), [identifiers](auto& poster) {
         for (const auto& identifier : identifiers) {
-            poster.removeDelivered(identifier);
+            poster.removeDelivered(LongIdentifiers::nameOf(identifier));
         }
     });
 }
@@ -47,7 +54,7 @@ void LinuxUserNotificationCenter::removeDelivered(const std::vector<std::string>
 void LinuxUserNotificationCenter::removePending(const std::vector<std::string>& identifiers) {
     hop(main_, std::weak_ptr(poster_), [identifiers](auto& poster) {
         for (const auto& identifier : identifiers) {
-            poster.removePending(identifier);
+            poster.removePending(LongIdentifiers::nameOf(identifier));
         }
     });
 }

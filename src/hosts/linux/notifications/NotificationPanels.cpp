@@ -125,6 +125,10 @@ bool NotificationPanels::isInUse(const std::string& identifier) const {
     return shown != banners_.end() && static_cast<const NotificationBanner*>(shown->panel)->isInUse();
 }
 
+bool NotificationPanels::isReplyOpen(const std::string& identifier) const {
+    return withIdentifier(replies_, identifier) != replies_.end();
+}
+
 void NotificationPanels::closeBanner(const std::string& identifier) {
     std::erase_if(waiting_, [&](const Waiting& waiting) { return waiting.identifier == identifier; });
     if (const auto shown = withIdentifier(banners_, identifier); shown != banners_.end()) {

@@ -39,6 +39,7 @@ public:
     /// False for a banner that still waits for its turn.
     bool isOnScreen(const std::string& identifier) const;
     bool isInUse(const std::string& identifier) const;
+    bool isReplyOpen(const std::string& identifier) const;
     void closeBanner(const std::string& identifier);
 
     /// Opens a panel, or brings up the one already open for this identifier.

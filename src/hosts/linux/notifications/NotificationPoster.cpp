@@ -37,6 +37,12 @@ NotificationPoster::NotificationPoster(DispatchQueue& main)
                       .ownerChanged = [this] { serviceChanged(); },
                       .becameAvailable = [this] { serviceBecameAvailable(); }}) {}
 
+void NotificationPoster::keepIdentifier(const std::string& name, ImmutableText identifier) {
+    longIdentifiers_.keep(name, std::move(identifier), [this](const std::string& kept) {
+        return deliveries_.find(kept) || shown_.find(kept) || banners_.isReplyOpen(kept);
+    });
+}
+
 void NotificationPoster::add(NotificationRequest request, Completion completion) {
     deliveries_.add(std::move(request), std::move(completion));
 }
@@ -66,7 +72,7 @@ void NotificationPoster::askDelegate(Delivery& delivery) {
                     turn = delivery.turn](unsigned options) {
         hop(main, weak, [=](auto& self) { self.presentationDecided(identifier, turn, options); });
     };
-    const NotificationRequest asked = delivery.request;
+    const NotificationRequest asked{longIdentifiers_.identifierOf(identifier), delivery.request.content};
     delegate->willPresent(asked, std::move(decided));
 }
 
@@ -371,8 +377,10 @@ void NotificationPoster::takeReply(const std::string& identifier, const std::str
 void NotificationPoster::respond(const std::string& identifier, const std::string& action,
                                  std::optional<std::string> text) {
     if (auto* delegate = delegate_.load()) {
-        delegate->didReceive(
-            {.actionIdentifier = action, .requestIdentifier = identifier, .userText = std::move(text)}, [] {});
+        delegate->didReceive({.actionIdentifier = action,
+                              .requestIdentifier = longIdentifiers_.identifierOf(identifier),
+                              .userText = std::move(text)},
+                             [] {});
     }
 }
 

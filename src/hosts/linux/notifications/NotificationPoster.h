@@ -2,6 +2,7 @@
 
 #include "hosts/linux/notifications/BannerFallback.h"
 #include "hosts/linux/notifications/DeliveryQueue.h"
+#include "hosts/linux/notifications/LongIdentifiers.h"
 #include "hosts/linux/notifications/NotificationService.h"
 #include "hosts/linux/notifications/NotificationText.h"
 #include "hosts/linux/notifications/ShownNotifications.h"
@@ -37,6 +38,8 @@ public:
 
     void setDelegate(UserNotificationCenterDelegate* delegate) { delegate_ = delegate; }
     void setCategories(const std::vector<NotificationCategory>& categories) { categories_ = categories; }
+    /// `name` stands for the identifier in what is added and removed; the delegate is told the identifier.
+    void keepIdentifier(const std::string& name, ImmutableText identifier);
     void add(NotificationRequest request, Completion completion);
     void removeDelivered(const std::string& identifier);
     void removePending(const std::string& identifier) { deliveries_.removePending(identifier); }
@@ -84,6 +87,7 @@ private:
     ShownNotifications shown_;
     BannerFallback banners_;
     NotificationService service_;
+    LongIdentifiers longIdentifiers_;
     std::optional<NotificationCapabilities> capabilities_;
     bool isAskingCapabilities_ = false;
     std::size_t inFlight_ = 0;
