@@ -317,6 +317,28 @@ TEST_P(NetworkContract, LargeMessagesComeWhole) {
                 ElementsAre("preparing", "ready", "got " + large, "got " + large, "got " + large, "got small"));
 }
 
+TEST_P(NetworkContract, AMessageThatIsKeptStaysAsItIsWhenOthersHaveCome) {
+    const std::string large(300'000, 'x');
+    std::shared_ptr<const void> owner;
+    std::string_view kept;
+    whenReady = [&](NetworkConnection& connection) {
+        connection.receiveMessage([&](const ReceivedContent& content) {
+            owner = content.keep ? content.keep() : nullptr;
+            kept = *content.bytes;
+            EXPECT_EQ(kept, large);
+            receiveAll(connection);
+        });
+    };
+    auto peer = connect();
+    peer->sendText(large);
+    for (int round = 0; round < 3; ++round) {
+        peer->sendText(std::string(300'000, 'y'));
+    }
+    peer->sendText("small");
+    ASSERT_TRUE(runUntilNoted("got small"));
+    EXPECT_TRUE(!owner || kept == large);
+}
+
 // Sending.
 
 TEST_P(NetworkContract, TextsLeaveInTheOrderOfTheCallsAndEachSendIsAnswered) {

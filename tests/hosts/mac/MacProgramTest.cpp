@@ -174,6 +174,26 @@ TEST_F(MacProgramTest, APhoneThatClosesIsNoLongerConnectedAlthoughThePlatformRep
     EXPECT_FALSE(program->historyStore().connectedRemoteIP.get());
 }
 
+TEST_F(MacProgramTest, AFileOfThePhoneIsWrittenByAQueueOfItsOwn) {
+    fakeLaunch();
+    runAll();
+    phone = dialFake(8765);
+    ASSERT_TRUE(phone);
+    runAll();
+    phone->shakeHands();
+    runAll();
+    int calls = 0;
+    files.onWriterCall = [&] {
+        ++calls;
+        EXPECT_TRUE(fileQueue.isCurrent());
+    };
+    phone->sends(R"({"action":"file_transfer_start","fileName":"a","fileSize":3})");
+    phone->sends(R"({"action":"file_chunk","fileName":"a","fileData":"YWJj","isLast":true})");
+    runAll();
+    EXPECT_EQ(calls, 3);
+    EXPECT_THAT(log.lines(), Contains("[WebSocketServer] File handle closed for a"));
+}
+
 TEST_F(MacProgramTest, AClickInTheMenuOpensTheMainWindowAndClosingItLeavesTheDock) {
     fakeLaunch();
     runAll();

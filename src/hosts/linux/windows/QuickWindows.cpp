@@ -2,6 +2,7 @@
 
 #include "bridge/Views.h"
 #include "hosts/linux/windows/Compositing.h"
+#include "hosts/linux/windows/IdleMemory.h"
 #include "hosts/linux/windows/ScreenHeight.h"
 #include "hosts/linux/windows/WindowSpaces.h"
 
@@ -18,8 +19,6 @@
 #include <QTimer>
 
 #include <chrono>
-#include <malloc.h>
-#include <optional>
 #include <utility>
 
 namespace velloway {
@@ -29,26 +28,31 @@ namespace {
 constexpr double cornerRadius = 12;
 /// How far two clicks on one button of a panel can be apart.
 constexpr double sameButton = 32;
-/// How long the main window keeps its view after it was closed, and how long all else that the view held then
-/// takes to go.
-constexpr std::chrono::seconds viewRest{30};
-constexpr std::chrono::seconds memoryRest{1};
+/// How long the main window stays closed until what it can do without is given back.
+constexpr std::chrono::seconds closedRest{30};
 
 QSize pixels(const Size& size) {
     return {static_cast<int>(size.width), static_cast<int>(size.height)};
 }
 
-/// The main window: closing it only hides it.
+/// The main window: closing it only hides it. When it has been closed for a while, everything that it does not
+/// need for coming back at once is given back.
 class MainView : public ContentView {
 public:
     MainView(QQmlEngine& engine, std::shared_ptr<WindowContent> content, std::function<void()> onClose)
-        : ContentView(engine, std::move(content)), onClose_(std::move(onClose)) {}
+        : ContentView(engine, std::move(content)), onClose_(std::move(onClose)) {
+        setPersistentSceneGraph(false);
+        rest_.setSingleShot(true);
+        rest_.setInterval(closedRest);
+        connect(&rest_, &QTimer::timeout, this, [this] { giveBack(); });
+    }
 
 protected:
     bool event(QEvent* event) override {
         if (event->type() == QEvent::Close) {
             event->ignore();
             hide();
+            rest_.start();
             onClose_();
             return true;
         }
@@ -56,7 +60,18 @@ protected:
     }
 
 private:
+    void giveBack() {
+        if (isVisible()) {
+            return;
+        }
+        releaseResources();
+        engine()->collectGarbage();
+        QPixmapCache::clear();
+        giveBackIdleMemory();
+    }
+
     std::function<void()> onClose_;
+    QTimer rest_;
 };
 
 /// A panel: what no control of it takes drags it.
@@ -134,14 +149,14 @@ private:
     bool isMoving_ = false;
 };
 
-/// The engine of the views. It outlives every view.
+/// The engine of the views. It lives as long as any window.
 class Engine {
 public:
     Engine() {
+        QQuickStyle::setStyle(QStringLiteral("Basic"));
         // These views are text on plain grounds, which the processor draws fast enough without a graphics
         // driver in the process.
         static const bool isBackendSet = [] {
-            QQuickStyle::setStyle(QStringLiteral("Basic"));
             QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
             return true;
         }();
@@ -151,22 +166,6 @@ public:
     }
 
     QQmlEngine qml;
-};
-
-/// Where the engine is kept from one view to the next; it comes with the first.
-class EnginePlace {
-public:
-    std::shared_ptr<Engine> engine() {
-        if (!engine_) {
-            engine_ = std::make_shared<Engine>();
-        }
-        return engine_;
-    }
-    /// It goes with the last view that has it.
-    void release() { engine_.reset(); }
-
-private:
-    std::shared_ptr<Engine> engine_;
 };
 
 /// One window of the port over one view. The engine is held so that it outlives the view.
@@ -203,8 +202,6 @@ public:
     }
     void setContent(std::shared_ptr<WindowContent> content) override { view_->setContent(std::move(content)); }
 
-    ContentView& view() { return *view_; }
-
 private:
     void show() {
         view_->show();
@@ -230,87 +227,7 @@ void roundCorners(ContentView& view) {
     view.setMask(QRegion(outline.toFillPolygon().toPolygon()));
 }
 
-/// The main window. When it has been closed for a while its view goes, with the engine if no panel has it, and
-/// all the memory they take. The next showing brings them back: what the view shows is the core's.
-class MainWindow : public Window {
-public:
-    MainWindow(std::shared_ptr<EnginePlace> engines, const MainWindowProperties& properties,
-               std::shared_ptr<WindowContent> content, std::function<void()> onClose)
-        : engines_(std::move(engines)),
-          properties_(properties),
-          content_(std::move(content)),
-          onClose_(std::move(onClose)) {
-        rest_.setSingleShot(true);
-        rest_.setInterval(viewRest);
-        QObject::connect(&rest_, &QTimer::timeout, &rest_, [this] { dropView(); });
-        make();
-    }
-
-    bool isVisible() const override { return window_ && window_->isVisible(); }
-    void center() override { window().center(); }
-    void makeKeyAndOrderFront() override { window().makeKeyAndOrderFront(); }
-    void orderFrontRegardless() override { window().orderFrontRegardless(); }
-    void orderOut() override { window().orderOut(); }
-    void setIsVisible(bool visible) override { window().setIsVisible(visible); }
-    void setFrameOrigin(double x, double y) override { window().setFrameOrigin(x, y); }
-    void setContent(std::shared_ptr<WindowContent> content) override {
-        content_ = content;
-        window().setContent(std::move(content));
-    }
-
-private:
-    void make() {
-        auto engine = engines_->engine();
-        auto view = std::make_unique<MainView>(engine->qml, content_, [this] {
-            rest_.start();
-            onClose_();
-        });
-        view->setTitle(QString::fromStdString(properties_.title));
-        view->setFlags(Qt::Window);
-        view->setMinimumSize(pixels(properties_.minimumSize));
-        view->resize(pixels(properties_.size));
-        window_.emplace(std::move(engine), std::move(view));
-    }
-    QuickWindow& window() {
-        rest_.stop();
-        if (!window_) {
-            make();
-            ContentView& view = window_->view();
-            view.resize(size_);
-            view.setFramePosition(place_);
-            view.setWindowStates(states_);
-        }
-        return *window_;
-    }
-    void dropView() {
-        if (!window_ || window_->isVisible()) {
-            return;
-        }
-        const ContentView& view = window_->view();
-        size_ = view.size();
-        place_ = view.framePosition();
-        states_ = view.windowStates() & ~Qt::WindowMinimized;
-        window_.reset();
-        engines_->release();
-        QTimer::singleShot(memoryRest, &rest_, [] {
-            QPixmapCache::clear();
-            ::malloc_trim(0);
-        });
-    }
-
-    const std::shared_ptr<EnginePlace> engines_;
-    const MainWindowProperties properties_;
-    std::shared_ptr<WindowContent> content_;
-    const std::function<void()> onClose_;
-    std::optional<QuickWindow> window_;
-    QTimer rest_;
-    // Of a view that has gone.
-    QSize size_;
-    QPoint place_;
-    Qt::WindowStates states_;
-};
-
-/// Makes windows over one engine.
+/// Makes windows over one engine, which comes with the first of them.
 class QuickWindows : public ViewWindows {
 public:
     ~QuickWindows() override {
@@ -325,19 +242,30 @@ public:
                                       std::shared_ptr<WindowContent> content) override;
 
 private:
-    const std::shared_ptr<EnginePlace> engines_ = std::make_shared<EnginePlace>();
+    const std::shared_ptr<Engine>& engine() {
+        if (!engine_) {
+            engine_ = std::make_shared<Engine>();
+        }
+        return engine_;
+    }
+
+    std::shared_ptr<Engine> engine_;
 };
 
 std::shared_ptr<Window> QuickWindows::makeMainWindow(const MainWindowProperties& properties,
                                                      std::shared_ptr<WindowContent> content,
                                                      std::function<void()> onClose) {
-    return std::make_shared<MainWindow>(engines_, properties, std::move(content), std::move(onClose));
+    auto view = std::make_unique<MainView>(engine()->qml, std::move(content), std::move(onClose));
+    view->setTitle(QString::fromStdString(properties.title));
+    view->setFlags(Qt::Window);
+    view->setMinimumSize(pixels(properties.minimumSize));
+    view->resize(pixels(properties.size));
+    return std::make_shared<QuickWindow>(engine(), std::move(view));
 }
 
 std::shared_ptr<Window> QuickWindows::makePanel(const PanelProperties& properties,
                                                 std::shared_ptr<WindowContent> content) {
-    auto engine = engines_->engine();
-    auto view = std::make_unique<PanelView>(engine->qml, std::move(content));
+    auto view = std::make_unique<PanelView>(engine()->qml, std::move(content));
     view->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                    Qt::WindowDoesNotAcceptFocus);
     view->setObjectName(callPanelName);
@@ -348,7 +276,7 @@ std::shared_ptr<Window> QuickWindows::makePanel(const PanelProperties& propertie
     view->resize(size);
     roundCorners(*view);
     floatOverEverything(*view);
-    return std::make_shared<QuickWindow>(std::move(engine), std::move(view));
+    return std::make_shared<QuickWindow>(engine(), std::move(view));
 }
 
 } // namespace

@@ -1,0 +1,62 @@
+#include "hosts/linux/windows/IdleMemory.h"
+
+#include <cstdint>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <malloc.h>
+#include <sys/mman.h>
+
+namespace velloway {
+
+namespace {
+
+/// One entry of the list of mappings that the system keeps for the process.
+struct Mapping {
+    std::uintptr_t start = 0;
+    std::uintptr_t end = 0;
+    /// Of a file, not shared, and may not be written.
+    bool isReadOnlyFile = false;
+};
+
+/// Absent when the line is not the first one of an entry.
+bool readHead(const std::string& line, Mapping& mapping) {
+    std::istringstream words(line);
+    char dash = 0;
+    std::string rights;
+    std::string offset;
+    std::string device;
+    std::uint64_t inode = 0;
+    Mapping read;
+    if (!(words >> std::hex >> read.start >> dash >> read.end >> rights >> offset >> device >> std::dec >>
+          inode) ||
+        dash != '-') {
+        return false;
+    }
+    read.isReadOnlyFile = inode != 0 && rights.size() == 4 && rights[1] == '-' && rights[3] == 'p';
+    mapping = read;
+    return true;
+}
+
+/// Pages that were written before they became read-only, such as relocated tables, exist nowhere else.
+void letGoOfLibraryPages() {
+    std::ifstream list("/proc/self/smaps");
+    Mapping mapping;
+    for (std::string line; std::getline(list, line);) {
+        if (!readHead(line, mapping) && mapping.isReadOnlyFile && line.starts_with("Anonymous:")) {
+            if (line.find(" 0 kB") != std::string::npos) {
+                ::madvise(reinterpret_cast<void*>(mapping.start), mapping.end - mapping.start, MADV_DONTNEED);
+            }
+        }
+    }
+}
+
+} // namespace
+
+void giveBackIdleMemory() {
+    ::malloc_trim(0);
+    letGoOfLibraryPages();
+}
+
+} // namespace velloway
