@@ -23,7 +23,7 @@ namespace velloway {
 
 namespace {
 
-/// How long the end of the program waits for the running job of the server queue.
+/// How long the end of the program waits for the running job of each queue.
 constexpr std::chrono::milliseconds longestLastJob{250};
 
 bool isSet(const char* variable) {
