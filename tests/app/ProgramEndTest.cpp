@@ -126,5 +126,13 @@ TEST_F(ProgramEndTest, DoesNotWaitForAJobThatNeverEnds) {
                 testing::ExitedWithCode(0), "");
 }
 
+TEST_F(ProgramEndTest, DoesNotWaitForADiskThatDoesNotAnswer) {
+    EXPECT_EXIT(runWith([](HostRuntime& host) {
+                    host.platform().readingQueue.async([] { std::this_thread::sleep_for(1h); });
+                    host.platform().mainQueue.asyncAfter(10ms, [&host] { host.terminate(); });
+                }),
+                testing::ExitedWithCode(0), "");
+}
+
 } // namespace
 } // namespace velloway::test
