@@ -26,9 +26,10 @@ void ClipboardSync::receive(std::string text) {
     });
 }
 
-std::optional<std::string> textToSend(const Pasteboard& pasteboard) {
-    auto text = pasteboard.string();
-    return text && !text->empty() ? text : std::nullopt;
+void readTextToSend(Pasteboard& pasteboard, std::function<void(std::optional<std::string>)> done) {
+    pasteboard.readString([done = std::move(done)](std::optional<std::string> text) {
+        done(text && !text->empty() ? std::move(text) : std::nullopt);
+    });
 }
 
 } // namespace velloway

@@ -5,6 +5,7 @@
 #include "platform/Pasteboard.h"
 #include "state/StoreLink.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,7 +30,7 @@ private:
 };
 
 /// What "send the clipboard" sends: the pasteboard's plain text, or nothing when there is none or it is empty.
-/// Main thread.
-std::optional<std::string> textToSend(const Pasteboard& pasteboard);
+/// Calls `done` as `Pasteboard::readString` does. Main thread.
+void readTextToSend(Pasteboard& pasteboard, std::function<void(std::optional<std::string>)> done);
 
 } // namespace velloway

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,8 +16,12 @@ public:
     virtual void clearContents() = 0;
     /// UTF-8. False when the desktop did not take the text.
     virtual bool setString(std::string_view text) = 0;
-    /// Absent when what lies on the pasteboard has no plain-text form, or cannot be read.
+    /// Absent when what lies on the pasteboard has no plain-text form, or cannot be read. May wait for another
+    /// program.
     virtual std::optional<std::string> string() const = 0;
+    /// Calls `done` once with the same, inside the call or later on the main thread, and never waits. Answers
+    /// keep the order of the calls. One that is open when the pasteboard ends is dropped.
+    virtual void readString(std::function<void(std::optional<std::string>)> done) { done(string()); }
     /// False while the desktop keeps what lies on the pasteboard from this program.
     virtual bool isReadable() const { return true; }
 };

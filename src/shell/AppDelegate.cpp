@@ -231,17 +231,19 @@ void AppDelegate::onMenuInfo() {
 }
 
 void AppDelegate::onMenuSendClipboard() {
-    if (const auto text = textToSend(on_.pasteboard)) {
-        on_.server.sendClipboard(*text);
-    } else if (!on_.pasteboard.isReadable()) {
-        on_.notificationCenter.add(
-            {.identifier = Uuid::random().text(),
-             .content = {.title = "Clipboard Not Sent",
-                         .body = "This desktop lets Velloway read the clipboard only while one "
-                                 "of its windows is in front. Use the Clipboard tab.",
-                         .hasDefaultSound = true}},
-            nullptr);
-    }
+    readTextToSend(on_.pasteboard, [on = on_](const std::optional<std::string>& text) {
+        if (text) {
+            on.server.sendClipboard(*text);
+        } else if (!on.pasteboard.isReadable()) {
+            on.notificationCenter.add(
+                {.identifier = Uuid::random().text(),
+                 .content = {.title = "Clipboard Not Sent",
+                             .body = "This desktop lets Velloway read the clipboard only while one "
+                                     "of its windows is in front. Use the Clipboard tab.",
+                             .hasDefaultSound = true}},
+                nullptr);
+        }
+    });
 }
 
 // Main window

@@ -4,6 +4,7 @@
 #include "text/Digits.h"
 #include "text/Graphemes.h"
 #include "text/Trim.h"
+#include "text/Utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -16,6 +17,8 @@ namespace {
 
 constexpr std::size_t keyDigits = 10;
 constexpr double millisecondsPerSecond = 1000;
+/// In bytes. What follows makes no difference to initials that anyone could see.
+constexpr std::size_t longestName = 4096;
 
 /// The last ten digits, in reading order; empty when there are none.
 std::string lastAsciiDigits(std::string_view address) {
@@ -243,7 +246,8 @@ std::vector<const SmsRecord*> activeMessages(const std::vector<Conversation>& al
 }
 
 std::string avatarInitials(std::string_view address, const CallNames& names) {
-    const std::string name = names.contactName(address);
+    const std::string whole = names.contactName(address);
+    const std::string_view name = head(whole, longestName);
     const auto pieces = splitAtBlanks(name);
     if (pieces.size() >= 2) {
         return upperCased(std::string(firstCharacter(pieces[0])).append(firstCharacter(pieces[1])));

@@ -9,6 +9,19 @@ bool isUtf8(std::string_view bytes) {
     return simdjson::validate_utf8(bytes);
 }
 
+std::string_view head(std::string_view text, std::size_t bytes) {
+    if (text.size() <= bytes) {
+        return text;
+    }
+    const auto continuesCharacter = [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+    };
+    while (bytes > 0 && continuesCharacter(text[bytes])) {
+        --bytes;
+    }
+    return text.substr(0, bytes);
+}
+
 std::string repairedUtf8(std::string_view bytes) {
     if (isUtf8(bytes)) {
         return std::string(bytes);

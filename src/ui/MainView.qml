@@ -18,6 +18,12 @@ FocusScope {
 
     onWidthChanged: bridge.setWidth(width)
     Component.onCompleted: detail.forceActiveFocus()
+    Keys.onPressed: event => {
+        const sms = event.matches(StandardKey.Find) ? loader.item as SmsTab : null
+        if (sms)
+            sms.focusSearch()
+        event.accepted = sms !== null
+    }
 
     Rectangle {
         anchors.fill: parent

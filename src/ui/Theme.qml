@@ -44,4 +44,6 @@ Colors {
     readonly property string monospaced: Desktop.fixedFontFamily
     readonly property int radius: 8
     readonly property int padding: 16
+    /// How wide the rows of a list become in a wide window.
+    readonly property int pageWidth: 820
 }

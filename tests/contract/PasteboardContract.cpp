@@ -10,12 +10,15 @@
 #include <QImage>
 #include <QMimeData>
 #include <QProcess>
+#include <QTimer>
 #include <QUrl>
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace velloway::test {
 namespace {
@@ -36,8 +39,39 @@ protected:
         pasteboard->setString(text);
     }
 
+    /// As `string`, without waiting in the call.
+    std::optional<std::string> read() {
+        std::vector<std::optional<std::string>> answers;
+        pasteboard->readString([&](auto text) { answers.push_back(std::move(text)); });
+        EXPECT_TRUE(waitFor([&] { return !answers.empty(); }));
+        return answers.at(0);
+    }
+
     std::unique_ptr<Pasteboard> pasteboard;
 };
+
+TEST_P(PasteboardContract, ReadingWithoutWaitingAnswersTheSame) {
+    EXPECT_EQ(read(), std::nullopt);
+    for (const char* text : {"hello", "", "Grüße, 世界 👩‍👩‍👧"}) {
+        set(text);
+        EXPECT_EQ(read(), text);
+    }
+}
+
+TEST_P(PasteboardContract, AnswersKeepTheOrderOfTheQuestions) {
+    std::vector<std::optional<std::string>> answers;
+    const auto keep = [&](auto text) { answers.push_back(std::move(text)); };
+    set("one");
+    pasteboard->readString([&](auto text) {
+        keep(std::move(text));
+        pasteboard->readString(keep);
+        set("two");
+    });
+    pasteboard->readString(keep);
+    ASSERT_TRUE(waitFor([&] { return answers.size() == 3; }));
+    EXPECT_EQ(answers.front(), "one");
+    EXPECT_EQ(answers.back(), "two");
+}
 
 TEST_P(PasteboardContract, AnEmptyPasteboardHasNoText) {
     EXPECT_EQ(pasteboard->string(), std::nullopt);
@@ -107,6 +141,14 @@ protected:
         return reader.readAllStandardOutput();
     }
 
+    std::optional<std::string> readWithoutWaiting() {
+        std::vector<std::optional<std::string>> answers;
+        pasteboard.readString([&](auto text) { answers.push_back(std::move(text)); });
+        EXPECT_TRUE(answers.empty()) << "answered inside the call";
+        EXPECT_TRUE(waitFor([&] { return !answers.empty(); }));
+        return answers.empty() ? std::nullopt : answers.at(0);
+    }
+
     LinuxPasteboard pasteboard;
     QProcess owner;
 };
@@ -162,6 +204,44 @@ TEST_F(LinuxPasteboardTest, WhenTheOwnerHasGoneThereIsNoText) {
     owner.kill();
     owner.waitForFinished();
     EXPECT_TRUE(waitFor([this] { return !pasteboard.string(); }));
+}
+
+TEST_F(LinuxPasteboardTest, TextOfAnotherProgramIsReadWithoutWaiting) {
+    QByteArray large(5 * 1024 * 1024, 'y');
+    large.replace(0, 6, "start ");
+    for (const QByteArray& text : {QByteArray("von außen 👋"), QByteArray(), large}) {
+        otherOwns(text);
+        EXPECT_TRUE(readWithoutWaiting() == text.toStdString()) << text.size();
+        owner.kill();
+        owner.waitForFinished();
+    }
+    otherOwns("\x89PNG\r\n\x1a\n", {"-target", "image/png"});
+    EXPECT_EQ(readWithoutWaiting(), std::nullopt);
+}
+
+TEST_F(LinuxPasteboardTest, AnOwnerThatDoesNotAnswerHoldsNothingUp) {
+    otherOwns("never answered");
+    ::kill(static_cast<pid_t>(owner.processId()), SIGSTOP);
+    QElapsedTimer beat;
+    qint64 longestPause = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] { longestPause = std::max(longestPause, beat.restart()); });
+    beat.start();
+    timer.start(10);
+    std::vector<std::optional<std::string>> answers;
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 2; ++i) {
+        pasteboard.readString([&](auto text) { answers.push_back(std::move(text)); });
+    }
+    EXPECT_LT(clock.elapsed(), 1000) << "the call itself";
+    ASSERT_TRUE(waitFor([&] { return answers.size() == 1; }, std::chrono::seconds(11)));
+    EXPECT_EQ(answers[0], std::nullopt);
+    EXPECT_LT(longestPause, 1000);
+    ::kill(static_cast<pid_t>(owner.processId()), SIGCONT);
+    ASSERT_TRUE(waitFor([&] { return answers.size() == 2; }));
+    EXPECT_EQ(answers[1], "never answered")
+        << "the late answer to the first question is not taken for this one";
 }
 
 TEST_F(LinuxPasteboardTest, AnOwnerThatDoesNotAnswerHoldsTheCallerOnlyForABoundedTime) {

@@ -106,12 +106,16 @@ TEST_F(ClipboardSyncTest, PutsTheBannerRightWhenTheDesktopRefusesTheText) {
 }
 
 TEST_F(ClipboardSyncTest, SendsOnlyPlainTextThatIsNotEmpty) {
-    host.pasteboard.content = "to the phone";
-    EXPECT_EQ(textToSend(host.pasteboard), "to the phone");
-    host.pasteboard.content = "";
-    EXPECT_EQ(textToSend(host.pasteboard), std::nullopt);
-    host.pasteboard.content.reset();
-    EXPECT_EQ(textToSend(host.pasteboard), std::nullopt);
+    const auto textToSend = [this](std::optional<std::string> content) {
+        host.pasteboard.content = std::move(content);
+        std::vector<std::optional<std::string>> answers;
+        readTextToSend(host.pasteboard, [&](auto text) { answers.push_back(std::move(text)); });
+        EXPECT_EQ(answers.size(), 1u);
+        return answers.at(0);
+    };
+    EXPECT_EQ(textToSend("to the phone"), "to the phone");
+    EXPECT_EQ(textToSend(""), std::nullopt);
+    EXPECT_EQ(textToSend(std::nullopt), std::nullopt);
     EXPECT_TRUE(history().empty());
     EXPECT_TRUE(banners().empty());
 }

@@ -141,7 +141,7 @@ TEST_F(ServerOrderTest, AChangeOfTheClipboardHereSendsNothingByItself) {
     listen();
     auto phone = connect();
     on.pasteboard.content = "one";
-    server->sendClipboard(*textToSend(on.pasteboard));
+    readTextToSend(on.pasteboard, [&](const auto& text) { server->sendClipboard(*text); });
     on.drain();
     on.pasteboard.content = "two";
     on.drain();

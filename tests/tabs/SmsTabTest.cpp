@@ -55,6 +55,16 @@ TEST_F(SmsTabTest, AnEmptyLogWithoutASearchShowsTheEmptyState) {
     EXPECT_FALSE(view->sms.list.get().showsClearButton);
 }
 
+TEST_F(SmsTabTest, OnlyAWebAddressIsOpened) {
+    for (const char* other :
+         {"file:///etc/passwd", "javascript:alert(1)", "", "https://a.example b", "x https://a.example"}) {
+        view->sms.openLink(other);
+    }
+    EXPECT_TRUE(on.workspace.opened.empty());
+    view->sms.openLink("https://a.example/b?c=d");
+    EXPECT_EQ(on.workspace.opened, std::vector<std::string>{"https://a.example/b?c=d"});
+}
+
 TEST_F(SmsTabTest, ASearchInAnEmptyLogShowsAnEmptyList) {
     view->sms.contactQuery.set("abc");
     EXPECT_FALSE(view->sms.list.get().showsEmptyState);

@@ -141,6 +141,24 @@ TEST_F(RemoteViewTest, TheTabIsNotDisabledWithoutAPhone) {
     click(button(0));
 }
 
+TEST_F(RemoteViewTest, ThePageScrollsByTheKeysThatAreNoShortcuts) {
+    openWindow().resize(850, 500);
+    require("a lower window", [] { return openWindow().height() == 500; });
+    settle();
+    const auto top = [&] { return button(0)->mapToScene({}).y(); };
+    const double before = top();
+    key(Qt::Key_PageDown);
+    const double after = top();
+    EXPECT_LT(after, before - 100);
+    key(Qt::Key_End);
+    EXPECT_LE(top(), after);
+    key(Qt::Key_PageUp);
+    EXPECT_GT(top(), after - 1);
+    key(Qt::Key_Home);
+    EXPECT_EQ(top(), before);
+    EXPECT_THAT(takeSent(), IsEmpty());
+}
+
 TEST_F(RemoteViewTest, ShortcutsWorkWhenTheTabWasChosenInTheSidebarByKeys) {
     open(1);
     part("sidebar")->forceActiveFocus();

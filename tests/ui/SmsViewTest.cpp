@@ -306,8 +306,11 @@ TEST_F(SmsViewTest, TheKeyboardGoesFromTheSearchIntoTheListAndBack) {
         EXPECT_TRUE(part("search")->hasActiveFocus());
     }
     openThread(0);
-    key(Qt::Key_F, Qt::ControlModifier);
-    EXPECT_TRUE(part("search")->hasActiveFocus());
+    for (const char* from : {"composer", "sidebar"}) {
+        part(from)->forceActiveFocus();
+        key(Qt::Key_F, Qt::ControlModifier);
+        EXPECT_TRUE(part("search")->hasActiveFocus()) << from;
+    }
 }
 
 TEST_F(SmsViewTest, PageAndEndKeysGoThroughTheThreads) {

@@ -6,7 +6,7 @@
 #include "desktop/WaitFor.h"
 #include "fakes/FakePlatform.h"
 #include "hosts/linux/windows/QtWindows.h"
-#include "hosts/linux/windows/QuickWindows.h"
+#include "ui/ChangedViews.h"
 
 #include <QFont>
 #include <QGuiApplication>
@@ -280,7 +280,7 @@ public:
     }
 
     FakePlatform on;
-    QtWindows windows{&makeQuickWindows};
+    QtWindows windows{&makeTestedWindows};
     Program program;
     std::shared_ptr<FakeConnection> phone;
 

@@ -10,9 +10,11 @@ ClipboardModel::ClipboardModel(const TabDependencies& dependencies)
     : rows([this] { return clipboardRows(); }, dependencies.history->clipboardHistory), with_(dependencies) {}
 
 void ClipboardModel::sendCurrentClipboard() {
-    if (const auto text = textToSend(with_.pasteboard)) {
-        with_.server.sendClipboard(*text);
-    }
+    readTextToSend(with_.pasteboard, [&server = with_.server](const std::optional<std::string>& text) {
+        if (text) {
+            server.sendClipboard(*text);
+        }
+    });
 }
 
 void ClipboardModel::copyToClipboard(const Uuid& record) {

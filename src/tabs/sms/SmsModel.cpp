@@ -1,6 +1,7 @@
 #include "tabs/sms/SmsModel.h"
 
 #include "tabs/ContactsManager.h"
+#include "text/Links.h"
 
 #include <utility>
 
@@ -61,6 +62,13 @@ const std::vector<SmsThreadRow>& SmsModel::threadRows() const {
 void SmsModel::appears() {
     with_.server.requestSmsHistory();
     with_.server.requestCallHistory();
+}
+
+void SmsModel::openLink(const std::string& address) {
+    const auto links = webLinks(address);
+    if (links.size() == 1 && links.front() == address) {
+        with_.workspace.open(address);
+    }
 }
 
 void SmsModel::startNewMessage() {

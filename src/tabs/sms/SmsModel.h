@@ -43,6 +43,8 @@ public:
     /// The tab came on screen.
     void appears();
     void refreshSmsHistory() { with_.server.requestSmsHistory(); }
+    /// Opens a web address of a message; nothing else that a message may hold.
+    void openLink(const std::string& address);
     void clearSearch() { contactQuery.set(""); }
     /// The row "New message to".
     void startNewMessage();

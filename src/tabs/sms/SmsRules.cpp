@@ -3,6 +3,7 @@
 #include "text/Digits.h"
 #include "text/Graphemes.h"
 #include "text/Trim.h"
+#include "text/Utf8.h"
 
 #include <algorithm>
 #include <utility>
@@ -12,17 +13,21 @@ namespace velloway {
 namespace {
 
 constexpr std::size_t suggestionDigits = 3;
+/// More than any row shows of a name or a text. A copy of all of a large text for each row and each reading
+/// would hold the window up.
+constexpr std::size_t rowBytes = 4096;
 
 SmsThreadRow threadRow(const Conversation& conversation, const CallNames& names, const RelativeDates& dates) {
     SmsThreadRow row{
         .id = conversation.id,
         .displayAddress = conversation.displayAddress,
         .avatarInitials = avatarInitials(conversation.displayAddress, names),
-        .name = names.contactName(conversation.displayAddress, conversation.contactName),
+        .name = std::string(
+            head(names.contactName(conversation.displayAddress, conversation.contactName), rowBytes)),
     };
     if (const SmsRecord* last = conversation.lastMessage()) {
         row.date = dates.text(last->date);
-        row.preview = last->body;
+        row.preview = head(last->body, rowBytes);
     }
     return row;
 }

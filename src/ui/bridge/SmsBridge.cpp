@@ -1,11 +1,35 @@
 #include "bridge/SmsBridge.h"
 
+#include "text/Links.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 
 namespace velloway {
 
 namespace {
+
+/// A message with its addresses as links, in the toolkit's rich text; empty for a message without any.
+QString withLinks(std::string_view body) {
+    const std::string head = fromQt(cut(body, messageBytes));
+    QString markup;
+    const char* at = head.data();
+    const auto addUpTo = [&](const char* end) {
+        markup += toQt(std::string_view(at, static_cast<std::size_t>(end - at))).toHtmlEscaped();
+        at = end;
+    };
+    for (const std::string_view link : webLinks(head)) {
+        addUpTo(link.data());
+        const QString address = toQt(link).toHtmlEscaped();
+        markup += QStringLiteral("<a href=\"%1\">%1</a>").arg(address);
+        at = link.data() + link.size();
+    }
+    if (markup.isEmpty()) {
+        return {};
+    }
+    addUpTo(head.data() + head.size());
+    return QStringLiteral("<span style=\"white-space: pre-wrap\">") + markup + QStringLiteral("</span>");
+}
 
 /// On one line.
 QString previewOf(const SmsThreadRow& row) {
@@ -26,6 +50,7 @@ SmsBridge::SmsBridge(SmsModel& model, PhoneState& phone)
                 {"isActive", &SmsThreadRow::isActive}}),
       bubbles_(this, &Bubble::date,
                {{"body", cutTo(messageBytes, &Bubble::body)},
+                {"markup", [](const Bubble& row) { return withLinks(row.body); }},
                 {"isCut", [](const Bubble& row) { return row.body.size() > messageBytes; }},
                 {"time", [this](const Bubble& row) { return model_.formatDate(row.date); }},
                 {"isOutgoing", &Bubble::isOutgoing}}) {

@@ -90,6 +90,7 @@ public:
     Q_INVOKABLE void openThread(int row);
     /// Copies the end of a message, of which only the head is shown, from a position in it on.
     Q_INVOKABLE void copyMessage(int row, int start);
+    Q_INVOKABLE void openLink(const QString& address) { model_.openLink(fromQt(address)); }
     Q_INVOKABLE void sendChatMessage() { model_.sendChatMessage(); }
 
 signals:

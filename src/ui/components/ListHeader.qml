@@ -21,8 +21,9 @@ Rectangle {
     ColumnLayout {
         id: column
 
-        anchors.fill: parent
-        anchors.margins: Theme.padding
+        x: (parent.width - width) / 2
+        y: Theme.padding
+        width: Math.min(parent.width, Theme.pageWidth) - 2 * Theme.padding
         spacing: 8
         RowLayout {
             Layout.minimumHeight: 24

@@ -3,6 +3,8 @@ import Velloway
 
 /// Text that can be selected and copied.
 TextEdit {
+    id: content
+
     /// Only the head of the text is shown, with an ellipsis.
     property bool isCut: false
     /// Copying a selection that goes to the end of a cut text: the rest belongs to it.
@@ -17,9 +19,36 @@ TextEdit {
     selectedTextColor: color
     font.pixelSize: Theme.body
     Keys.onPressed: event => {
-        if (isCut && event.matches(StandardKey.Copy) && selectionStart < selectionEnd && selectionEnd >= length - 1) {
+        if (event.matches(StandardKey.Copy))
+            event.accepted = copySelection()
+    }
+
+    /// False when nothing is selected.
+    function copySelection(): bool {
+        if (selectionStart === selectionEnd)
+            return false
+        if (isCut && selectionEnd >= length - 1)
             copyFrom(selectionStart)
-            event.accepted = true
+        else
+            copy()
+        return true
+    }
+
+    // Its own press would take the selection away.
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        gesturePolicy: TapHandler.WithinBounds
+        onTapped: point => menu.open(point.position)
+    }
+    CopyMenu {
+        id: menu
+
+        onChosen: {
+            // Nothing selected stands for everything.
+            if (!content.copySelection()) {
+                content.selectAll()
+                content.copySelection()
+            }
         }
     }
     Accessible.role: Accessible.StaticText

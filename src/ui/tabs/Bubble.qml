@@ -8,9 +8,14 @@ Item {
     required property SmsBridge bridge
     required property int index
     required property string body
+    /// The body with links in it; empty when it has none.
+    required property string markup
     required property bool isCut
     required property string time
     required property bool isOutgoing
+    readonly property real room: Math.min(width * 0.72, 560) - 26
+    /// A text with lines from the right needs the whole room, where they begin.
+    readonly property bool runsLeft: /[\u0590-\u08ff\ufb1d-\ufefc]/.test(body)
 
     objectName: "bubble"
     // A row that waits for its next use must not be there for a screen reader.
@@ -25,7 +30,7 @@ Item {
 
         x: bubble.isOutgoing ? bubble.width - width - 14 : 14
         y: 4
-        width: Math.min(content.implicitWidth + 26, bubble.width * 0.72, 560)
+        width: (bubble.runsLeft ? content.width : Math.ceil(content.contentWidth)) + 26
         height: content.contentHeight + 16
         radius: 16
         antialiasing: true
@@ -38,8 +43,15 @@ Item {
             objectName: "body"
             x: 12
             y: 8
-            width: parent.width - 24
-            text: bubble.body
+            width: Math.min(content.implicitWidth + 2, bubble.room)
+            text: bubble.markup ? "<style>a { color: " + (bubble.isOutgoing ? Theme.white : Theme.blueText) + " }</style>" + bubble.markup : bubble.body
+            textFormat: bubble.markup ? TextEdit.RichText : TextEdit.PlainText
+            Accessible.name: bubble.body
+            onLinkActivated: link => bubble.bridge.openLink(link)
+            HoverHandler {
+                enabled: content.hoveredLink !== ""
+                cursorShape: Qt.PointingHandCursor
+            }
             isCut: bubble.isCut
             onCopyFrom: start => bubble.bridge.copyMessage(bubble.index, start)
             color: bubble.isOutgoing ? Theme.white : Theme.primary

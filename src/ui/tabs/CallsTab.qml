@@ -26,7 +26,7 @@ FocusScope {
         // A row that waits for its next use must not be there for a screen reader.
         ListView.onPooled: visible = false
         ListView.onReused: visible = true
-        width: ListView.view ? ListView.view.width - 20 : 0
+        width: ListView.view ? Math.min(ListView.view.width - 20, Theme.pageWidth) : 0
         height: 48
         radius: Theme.radius
         color: tap.pressed ? Theme.pressed : hover.hovered ? Theme.hover : "transparent"
@@ -172,14 +172,16 @@ FocusScope {
                     }
                 }
 
+                // Under the columns of the grid, whose middle one the call button fills.
                 RowLayout {
                     anchors.horizontalCenter: parent.horizontalCenter
-                    spacing: 20
+                    spacing: 21
                     Item {
-                        implicitWidth: 55
+                        implicitWidth: 70
                         implicitHeight: 20
                         SimSegments {
                             objectName: "simSegments"
+                            anchors.centerIn: parent
                             visible: tab.bridge.pad.showsSimPicker
                             bridge: tab.bridge
                         }
@@ -195,7 +197,7 @@ FocusScope {
                         onClicked: tab.bridge.startCall()
                     }
                     Item {
-                        implicitWidth: 55
+                        implicitWidth: 70
                         implicitHeight: 30
                         PlainButton {
                             objectName: "delete"

@@ -57,7 +57,8 @@ FocusScope {
                     required property string date
 
                     objectName: "clipboardRow"
-                    width: ListView.view ? ListView.view.width : 0
+                    x: ListView.view ? (ListView.view.width - width) / 2 : 0
+                    width: ListView.view ? Math.min(ListView.view.width, Theme.pageWidth) : 0
                     height: column.height + 22
                     Accessible.role: Accessible.ListItem
                     Accessible.name: text

@@ -55,7 +55,8 @@ FocusScope {
                 // A row that waits for its next use must not be there for a screen reader.
                 ListView.onPooled: visible = false
                 ListView.onReused: visible = true
-                width: ListView.view ? ListView.view.width : 0
+                x: ListView.view ? (ListView.view.width - width) / 2 : 0
+                width: ListView.view ? Math.min(ListView.view.width, Theme.pageWidth) : 0
                 height: 54
                 Accessible.role: Accessible.ListItem
                 Accessible.name: fileName + ", " + (isCompleted ? detail : percentage)

@@ -11,7 +11,21 @@ FocusScope {
     focus: true
     Keys.priority: Keys.BeforeItem
     Keys.onShortcutOverride: event => event.accepted = true
-    Keys.onPressed: event => event.accepted = tab.bridge.pressShortcut(event.key, event.modifiers, event.isAutoRepeat)
+    Keys.onPressed: event => {
+        event.accepted = tab.bridge.pressShortcut(event.key, event.modifiers, event.isAutoRepeat) || scrollBy(event.key)
+    }
+
+    /// By the keys that are nobody's shortcut.
+    function scrollBy(key: int): bool {
+        const last = Math.max(0, flick.contentHeight - flick.height)
+        switch (key) {
+        case Qt.Key_PageUp: flick.contentY = Math.max(0, flick.contentY - flick.height * 0.9); return true
+        case Qt.Key_PageDown: flick.contentY = Math.min(last, flick.contentY + flick.height * 0.9); return true
+        case Qt.Key_Home: flick.contentY = 0; return true
+        case Qt.Key_End: flick.contentY = last; return true
+        default: return false
+        }
+    }
 
     component Command: PushButton {
         required property RemoteBridge bridge

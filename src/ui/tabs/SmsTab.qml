@@ -8,17 +8,14 @@ FocusScope {
     required property SmsBridge bridge
 
     focus: true
+
+    function focusSearch() { threads.focusSearch() }
+
     Component.onCompleted: {
         if (bridge.chat.isOpen)
             chatLoader.focus = true
         else
             threads.preferSearch()
-    }
-    Keys.onPressed: event => {
-        if (event.matches(StandardKey.Find)) {
-            threads.focusSearch()
-            event.accepted = true
-        }
     }
 
     RowLayout {

@@ -2,6 +2,8 @@
 
 #include "data-control-client.h"
 
+#include <QTimer>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -57,6 +59,52 @@ private:
     QSocketNotifier notifier_;
     std::shared_ptr<const std::string> text_;
     std::size_t written_ = 0;
+};
+
+/// Reads a text from the program that owns the clipboard as fast as that writes it. Deletes itself when that is
+/// done.
+class Reader : public QObject {
+public:
+    Reader(int file, std::function<void(std::optional<std::string>)> done, QObject* parent)
+        : QObject(parent), notifier_(file, QSocketNotifier::Read), done_(std::move(done)) {
+        ::fcntl(file, F_SETFL, ::fcntl(file, F_GETFL) | O_NONBLOCK);
+        QObject::connect(&notifier_, &QSocketNotifier::activated, this, [this] { read(); });
+        silence_.setSingleShot(true);
+        QObject::connect(&silence_, &QTimer::timeout, this, [this] { finish(std::nullopt); });
+        silence_.start(answerBound);
+    }
+    ~Reader() override {
+        notifier_.setEnabled(false);
+        ::close(static_cast<int>(notifier_.socket()));
+    }
+
+private:
+    void read() {
+        std::array<char, 65536> piece{};
+        const ssize_t count = ::read(static_cast<int>(notifier_.socket()), piece.data(), piece.size());
+        if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
+            return;
+        }
+        if (count == 0) {
+            return finish(std::move(text_));
+        }
+        if (count < 0 || text_.size() > longestText) {
+            return finish(std::nullopt);
+        }
+        text_.append(piece.data(), static_cast<std::size_t>(count));
+        silence_.start(answerBound);
+    }
+    void finish(std::optional<std::string> text) {
+        notifier_.setEnabled(false);
+        silence_.stop();
+        deleteLater();
+        done_(std::move(text));
+    }
+
+    QSocketNotifier notifier_;
+    QTimer silence_;
+    std::function<void(std::optional<std::string>)> done_;
+    std::string text_;
 };
 
 /// Everything up to the end of `file`; absent when the other end stops in the middle.
@@ -182,7 +230,7 @@ bool DataControl::open() {
         return false;
     }
     notifier_ = std::make_unique<QSocketNotifier>(wl_display_get_fd(display_), QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, this, [this] { read(); });
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, this, [this] { readEvents(); });
     return true;
 }
 
@@ -217,7 +265,7 @@ bool DataControl::answered() {
     return wl_display_roundtrip(display_) >= 0 && wl_display_get_error(display_) == 0;
 }
 
-void DataControl::read() {
+void DataControl::readEvents() {
     while (wl_display_prepare_read(display_) != 0) {
         wl_display_dispatch_pending(display_);
     }
@@ -276,6 +324,15 @@ bool DataControl::setText(std::string_view text) {
     return answered() && source_ != nullptr;
 }
 
+const char* DataControl::textType() const {
+    for (const char* type : {utf8Text, plainText}) {
+        if (selected_ != nullptr && selected_->types.count(type) != 0) {
+            return type;
+        }
+    }
+    return nullptr;
+}
+
 std::optional<std::string> DataControl::text() {
     if (!isUsable() || !answered()) {
         return std::nullopt;
@@ -283,28 +340,44 @@ std::optional<std::string> DataControl::text() {
     if (source_ != nullptr) {
         return *ownText_; // Nobody else could hand it over while this thread waits.
     }
-    if (selected_ == nullptr) {
+    const char* type = textType();
+    const int file = type ? receive(*selected_, type) : -1;
+    if (file < 0) {
         return std::nullopt;
     }
-    for (const char* type : {utf8Text, plainText}) {
-        if (selected_->types.count(type) != 0) {
-            return receive(*selected_, type);
-        }
-    }
-    return std::nullopt;
+    auto text = readAll(file);
+    ::close(file);
+    return text;
 }
 
-std::optional<std::string> DataControl::receive(const Offer& offer, const std::string& type) {
+void DataControl::read(std::function<void(std::optional<std::string>)> done) {
+    if (!isUsable() || !answered()) {
+        return done(std::nullopt);
+    }
+    if (source_ != nullptr) {
+        return done(*ownText_);
+    }
+    const char* type = textType();
+    const int file = type ? receive(*selected_, type) : -1;
+    if (file < 0) {
+        return done(std::nullopt);
+    }
+    new Reader(file, std::move(done), this);
+}
+
+int DataControl::receive(const Offer& offer, const char* type) {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-        return std::nullopt;
+        return -1;
     }
-    zwlr_data_control_offer_v1_receive(offer.proxy, type.c_str(), ends[1]);
+    zwlr_data_control_offer_v1_receive(offer.proxy, type, ends[1]);
     const bool isSent = wl_display_flush(display_) >= 0;
     ::close(ends[1]);
-    auto text = isSent ? readAll(ends[0]) : std::nullopt;
-    ::close(ends[0]);
-    return text;
+    if (!isSent) {
+        ::close(ends[0]);
+        return -1;
+    }
+    return ends[0];
 }
 
 } // namespace velloway

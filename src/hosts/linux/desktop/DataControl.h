@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QSocketNotifier>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -36,6 +37,9 @@ public:
     /// Asks the program that owns the clipboard and waits up to 5 seconds for each piece. Absent when there is
     /// no plain text or the owner does not hand it over in full.
     std::optional<std::string> text();
+    /// The same without the waiting: calls `done` once, inside the call or when the owner has answered. One
+    /// that is open when this ends is dropped.
+    void read(std::function<void(std::optional<std::string>)> done);
 
 private:
     struct Offer {
@@ -47,11 +51,14 @@ private:
     DataControl() = default;
     bool open();
     bool answered();
-    void read();
+    void readEvents();
     void addOffer(zwlr_data_control_offer_v1* proxy);
     void select(zwlr_data_control_offer_v1* proxy);
     void dropSource();
-    std::optional<std::string> receive(const Offer& offer, const std::string& type);
+    /// The best type of text on the clipboard, or null.
+    const char* textType() const;
+    /// The end to read from, or -1.
+    int receive(const Offer& offer, const char* type);
 
     wl_display* display_ = nullptr;
     wl_seat* seat_ = nullptr;

@@ -1,6 +1,7 @@
 #include "hosts/linux/desktop/LinuxPasteboard.h"
 
 #include "hosts/linux/desktop/DataControl.h"
+#include "hosts/linux/desktop/SelectionReader.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -83,6 +84,41 @@ std::optional<std::string> LinuxPasteboard::string() const {
         return std::nullopt;
     }
     return contents->text().toStdString();
+}
+
+void LinuxPasteboard::readString(Done done) {
+    waiting_.push_back(std::move(done));
+    if (waiting_.size() == 1) {
+        answerNext();
+    }
+}
+
+void LinuxPasteboard::answerNext() {
+    const bool isOwn = QGuiApplication::clipboard()->ownsClipboard();
+    if (DataControl* control = isOwn ? nullptr : dataControl()) {
+        control->read([this](std::optional<std::string> text) { answer(std::move(text)); });
+        return;
+    }
+    if (!isOwn && QGuiApplication::platformName() == QLatin1String("xcb")) {
+        if (!selection_) {
+            selection_ = SelectionReader::connect();
+        }
+        if (selection_) {
+            selection_->read([this](std::optional<std::string> text) { answer(std::move(text)); });
+            return;
+        }
+    }
+    answer(string());
+}
+
+void LinuxPasteboard::answer(std::optional<std::string> text) {
+    const Done done = std::move(waiting_.front());
+    // Until it returns, the place in front keeps what it asks for from being answered inside it.
+    done(std::move(text));
+    waiting_.pop_front();
+    if (!waiting_.empty()) {
+        answerNext();
+    }
 }
 
 bool LinuxPasteboard::isReadable() const {

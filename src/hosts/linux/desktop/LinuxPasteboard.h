@@ -2,11 +2,13 @@
 
 #include "platform/Pasteboard.h"
 
+#include <deque>
 #include <memory>
 
 namespace velloway {
 
 class DataControl;
+class SelectionReader;
 
 /// The clipboard of the desktop. Main thread, while the QGuiApplication stands.
 ///
@@ -14,8 +16,9 @@ class DataControl;
 /// clipboard programs, that is used, with a window in front or not; where it has none, reading and writing fail
 /// while no window of the program has the keyboard.
 ///
-/// A read asks the program that owns the clipboard. One that is stopped but not gone holds the caller for up to
-/// 5 seconds per question, twice at most; then the clipboard counts as empty of text.
+/// A read asks the program that owns the clipboard. One that is stopped but not gone does not answer for up to
+/// 5 seconds per question, twice at most; then the clipboard counts as empty of text. `string` waits that long,
+/// and so does `readString` on a Wayland compositor without a protocol for clipboard programs.
 class LinuxPasteboard : public Pasteboard {
 public:
     LinuxPasteboard();
@@ -24,14 +27,22 @@ public:
     void clearContents() override;
     bool setString(std::string_view text) override;
     std::optional<std::string> string() const override;
+    void readString(std::function<void(std::optional<std::string>)> done) override;
     bool isReadable() const override;
 
 private:
+    using Done = std::function<void(std::optional<std::string>)>;
+
+    void answerNext();
+    void answer(std::optional<std::string> text);
     DataControl* dataControl() const;
 
     /// Connected with the first use.
     mutable std::unique_ptr<DataControl> dataControl_;
     mutable bool isSoughtFor_ = false;
+    std::unique_ptr<SelectionReader> selection_;
+    /// In the order in which they asked; the first one is being answered.
+    std::deque<Done> waiting_;
 };
 
 } // namespace velloway

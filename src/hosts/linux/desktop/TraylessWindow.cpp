@@ -3,6 +3,7 @@
 #include "hosts/linux/desktop/LinuxStatusItem.h"
 #include "hosts/linux/desktop/StatusIcons.h"
 #include "hosts/linux/windows/WindowSpaces.h"
+#include "tabs/Style.h"
 
 #include <QEvent>
 #include <QFrame>
@@ -43,6 +44,19 @@ QString mixed(const QPalette& palette, float share) {
         .name();
 }
 
+/// The colours of the views, as light or dark as the desktop.
+QPalette themed(QPalette palette) {
+    const bool isDark = palette.color(QPalette::Window).lightness() < 128;
+    const auto set = [&](QPalette::ColorRole role, const PaletteColor& color) {
+        palette.setColor(role, QColor::fromRgba(isDark ? color.dark : color.light));
+    };
+    set(QPalette::Window, paletteColor("window"));
+    set(QPalette::WindowText, paletteColor("primary"));
+    set(QPalette::Highlight, paletteColor("blue"));
+    set(QPalette::HighlightedText, paletteColor("white"));
+    return palette;
+}
+
 QString buttonText(const MenuItem& item) {
     return QString::fromStdString(item.title).replace('&', QLatin1String("&&"));
 }
@@ -77,7 +91,10 @@ void TraylessWindow::changeEvent(QEvent* event) {
 }
 
 void TraylessWindow::applyPalette() {
-    const QPalette colours = QGuiApplication::palette();
+    const QPalette colours = themed(QGuiApplication::palette());
+    if (colours != palette()) {
+        setPalette(colours);
+    }
     const QString wanted =
         QString::fromLatin1(sheet).arg(mixed(colours, 0.6F), mixed(colours, 0.08F), mixed(colours, 0.15F));
     if (wanted != styleSheet()) {

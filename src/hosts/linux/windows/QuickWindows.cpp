@@ -152,7 +152,7 @@ private:
 /// The engine of the views. It lives as long as any window.
 class Engine {
 public:
-    Engine() {
+    explicit Engine(const std::function<void(QQmlEngine&)>& prepare) {
         QQuickStyle::setStyle(QStringLiteral("Basic"));
         // These views are text on plain grounds, which the processor draws fast enough without a graphics
         // driver in the process.
@@ -163,6 +163,9 @@ public:
         static_cast<void>(isBackendSet);
         prepareEngine(qml);
         useFontsForEveryScript();
+        if (prepare) {
+            prepare(qml);
+        }
     }
 
     QQmlEngine qml;
@@ -230,6 +233,7 @@ void roundCorners(ContentView& view) {
 /// Makes windows over one engine, which comes with the first of them.
 class QuickWindows : public ViewWindows {
 public:
+    explicit QuickWindows(std::function<void(QQmlEngine&)> prepare) : prepare_(std::move(prepare)) {}
     ~QuickWindows() override {
         // No event loop may come after this that would delete the views of windows that have gone.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -244,11 +248,12 @@ public:
 private:
     const std::shared_ptr<Engine>& engine() {
         if (!engine_) {
-            engine_ = std::make_shared<Engine>();
+            engine_ = std::make_shared<Engine>(prepare_);
         }
         return engine_;
     }
 
+    std::function<void(QQmlEngine&)> prepare_;
     std::shared_ptr<Engine> engine_;
 };
 
@@ -282,7 +287,11 @@ std::shared_ptr<Window> QuickWindows::makePanel(const PanelProperties& propertie
 } // namespace
 
 std::unique_ptr<ViewWindows> makeQuickWindows() {
-    return std::make_unique<QuickWindows>();
+    return makeQuickWindowsOver({});
+}
+
+std::unique_ptr<ViewWindows> makeQuickWindowsOver(std::function<void(QQmlEngine&)> prepare) {
+    return std::make_unique<QuickWindows>(std::move(prepare));
 }
 
 } // namespace velloway

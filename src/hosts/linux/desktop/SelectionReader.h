@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+struct xcb_connection_t;
+struct xcb_property_notify_event_t;
+struct xcb_selection_notify_event_t;
+
+namespace velloway {
+
+/// Asks the owner of the X server's clipboard for its text, over a connection of its own, and goes on with the
+/// event loop until the answer comes. Main thread.
+class SelectionReader : public QObject {
+public:
+    using Done = std::function<void(std::optional<std::string> text)>;
+
+    /// Null where there is no X server.
+    static std::unique_ptr<SelectionReader> connect();
+    ~SelectionReader() override;
+
+    /// Calls `done` once, never inside the call: absent when there is no plain text, or when the owner is
+    /// silent for 5 seconds. One question at a time.
+    void read(Done done);
+
+private:
+    explicit SelectionReader(xcb_connection_t* connection);
+    std::uint32_t atom(const char* name);
+    void convert(std::uint32_t type);
+    void handleEvents();
+    void handle(const xcb_selection_notify_event_t& event);
+    void handle(const xcb_property_notify_event_t& event);
+    void chooseType();
+    void takeText();
+    bool takePiece(std::uint32_t& type, std::string& piece);
+    void finish(std::optional<std::string> text);
+
+    xcb_connection_t* connection_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+    QTimer silence_;
+    Done done_;
+    /// One for each question, so that a late answer to an earlier one reaches nobody.
+    std::uint32_t window_ = 0;
+    std::uint32_t asked_ = 0;
+    bool isInPieces_ = false;
+    std::string text_;
+};
+
+} // namespace velloway

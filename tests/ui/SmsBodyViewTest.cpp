@@ -1,0 +1,77 @@
+#include "ui/ViewTest.h"
+
+#include <QClipboard>
+
+namespace velloway::test {
+namespace {
+
+class SmsBodyTest : public ViewTest {
+protected:
+    SmsBodyTest() { open(2); }
+    QQuickItem* show(const char* body) {
+        state().phone.phoneSmsLog.set({{"1", std::nullopt, body, 1.7e12, 1}});
+        state().sms.activeRecipient.set("1");
+        settle();
+        return part("body");
+    }
+    /// Clicks on the character at a position in the text.
+    void clickOn(QQuickItem* body, int position, Qt::MouseButton button = Qt::LeftButton) {
+        QRectF place;
+        QMetaObject::invokeMethod(body, "positionToRectangle", Q_RETURN_ARG(QRectF, place),
+                                  Q_ARG(int, position));
+        QTest::mouseClick(body->window(), button, {},
+                          body->mapToScene(place.center() + QPointF(2, 0)).toPoint());
+        settle();
+    }
+};
+
+TEST_F(SmsBodyTest, AClickOnALinkOpensItAndAClickBesideItDoesNot) {
+    QQuickItem* body = show("see <b> & https://a.example/x?y=1&z=2, please");
+    clickOn(body, 2);
+    EXPECT_THAT(on.workspace.opened, IsEmpty());
+    clickOn(body, 14);
+    EXPECT_THAT(on.workspace.opened, ElementsAre("https://a.example/x?y=1&z=2"));
+    body->forceActiveFocus();
+    key(Qt::Key_A, Qt::ControlModifier);
+    key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "see <b> & https://a.example/x?y=1&z=2, please");
+}
+
+TEST_F(SmsBodyTest, TextThatLooksLikeMarkupIsShownAsItIs) {
+    QQuickItem* body = show("<a href=\"https://evil.example\">https://good.example</a> a  b\nc");
+    body->forceActiveFocus();
+    key(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(
+        body->property("selectedText").toString().replace(QChar(0x2028), '\n').replace(QChar(0x2029), '\n'),
+        "<a href=\"https://evil.example\">https://good.example</a> a  b\nc");
+    EXPECT_GT(body->property("contentHeight").toDouble(), 2 * 13) << "two lines";
+}
+
+TEST_F(SmsBodyTest, TheContextMenuCopiesTheSelectionOrElseEverything) {
+    QQuickItem* body = show("one two");
+    const auto copyByMenu = [&] {
+        clickOn(body, 1, Qt::RightButton);
+        key(Qt::Key_Down);
+        key(Qt::Key_Return);
+        return QGuiApplication::clipboard()->text();
+    };
+    EXPECT_EQ(copyByMenu(), "one two");
+    QMetaObject::invokeMethod(body, "select", Q_ARG(int, 4), Q_ARG(int, 7));
+    EXPECT_EQ(copyByMenu(), "two");
+}
+
+TEST_F(SmsBodyTest, ABubbleIsAsWideAsItsLongestLine) {
+    const auto widthOf = [&](const char* text) {
+        QQuickItem* body = show(text);
+        return std::pair(body->parentItem()->width(), body->property("contentWidth").toDouble());
+    };
+    const auto [wide, widest] =
+        widthOf("iiiiiiiiii wwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwww iiiiiiiiiiiiiiiiiiiiiiiiiiii");
+    EXPECT_NEAR(wide, widest + 26, 1);
+    EXPECT_LT(wide, part("bubble")->width() * 0.72 - 20) << "its two lines leave room";
+    const auto [narrow, narrowest] = widthOf("ok");
+    EXPECT_NEAR(narrow, narrowest + 26, 1);
+}
+
+} // namespace
+} // namespace velloway::test
