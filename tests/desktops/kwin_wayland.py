@@ -1,109 +1,173 @@
-"""The panel of a call on a Wayland session of KWin without a screen: kwin_wayland.py [test...]"""
+"""The program on a Wayland session of KWin without a screen: kwin_wayland.py [test...]"""
 
-import os
 import pathlib
-import shutil
 import subprocess
 import sys
-import threading
 import unittest
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
-import dbus
+from kwin import DARK, KwinTest, WIDTH, missing
+from support import APP, PATIENCE, Process, stays, wait_for
+from window_managers import BLUE, GREEN
 
-from support import App, AppTest, Process, SCREENSHOTS, TrayWatcher, call, free_port, stays, wait_for
-from window_managers import BUTTON, GREEN, RED
-
-WIDTH, HEIGHT = 1280, 720
-# Takes the whole screen and says when it has the keyboard.
-WINDOW = """
-import gi
-gi.require_version("Gtk", "3.0")
-from gi.repository import Gtk
-window = Gtk.Window()
-window.connect("focus-in-event", lambda *_: print("focus in", flush=True))
-window.connect("focus-out-event", lambda *_: print("focus out", flush=True))
-window.fullscreen()
-window.show_all()
-Gtk.main()
-"""
+MAIN = "Velloway Settings"
 
 
-class Panels(AppTest):
-    def setUp(self):
-        home = pathlib.Path(os.environ["HOME"])
-        # The installed file has a capability that a container may not hand on.
-        compositor = shutil.copy(shutil.which("kwin_wayland"), home / "kwin_wayland")
-        plain = {key: text for key, text in os.environ.items() if key not in ("DISPLAY", "QT_QPA_PLATFORM")}
-        displays = home / "displays"
-        script = home / "session"
-        script.write_text('#!/bin/sh\necho "$DISPLAY $WAYLAND_DISPLAY" >"$HOME/new" && mv "$HOME/new" "$HOME/displays"\n'
-                          "exec sleep 600\n")
-        script.chmod(0o755)
-        displays.unlink(missing_ok=True)
-        # What it starts in its turn may hold its output open for longer than the test takes.
-        self.start(Process("sh", "-c", 'exec "$@" >>"$HOME/manager.log" 2>&1', "sh", compositor, "--virtual", "--xwayland", "--width", str(WIDTH), "--height", str(HEIGHT),
-                           "--no-lockscreen", "--no-global-shortcuts", "--no-kactivities", str(script), env=plain | {
-                               "KWIN_SCREENSHOT_NO_PERMISSION_CHECKS": "1", "KWIN_COMPOSE": "O2",
-                               "LIBGL_ALWAYS_SOFTWARE": "1"}))
-        wait_for(displays.exists, "the compositor", 60)
-        x11, wayland = displays.read_text().split()
-        self.environment = plain | {"DISPLAY": x11, "WAYLAND_DISPLAY": wayland, "XDG_SESSION_TYPE": "wayland",
-                                    "XDG_CURRENT_DESKTOP": "KDE"}
-        tray = TrayWatcher()
-        self.addCleanup(tray.remove_from_connection)
-        self.app = self.start(App(free_port(), env=self.environment)).wait_listening()
-        self.node = self.start_node(self.app.port)
-
-    def pixels(self):
-        """Of the top right of the screen."""
-        service = dbus.SessionBus().get_object("org.kde.KWin", "/org/kde/KWin/ScreenShot2", introspect=False)
-        reader, writer = os.pipe()
-        raw = bytearray()
-        size = 4 * WIDTH * HEIGHT
-
-        def collect():
-            with open(reader, "rb", buffering=0) as pipe:
-                while len(raw) < size and (piece := pipe.read(size)):
-                    raw.extend(piece)
-
-        collector = threading.Thread(target=collect, daemon=True)
-        collector.start()
-        shape = call(service, "org.kde.KWin.ScreenShot2", "CaptureArea", dbus.Int32(0), dbus.Int32(0),
-                     dbus.UInt32(WIDTH), dbus.UInt32(HEIGHT), dbus.Dictionary({}, signature="sv"),
-                     dbus.types.UnixFd(writer))
-        os.close(writer)
-        collector.join(20)
-        stride = int(shape["stride"])
-        self.rows = [raw[row * stride:row * stride + 4 * WIDTH] for row in range(HEIGHT)]
-        return [bytes((row[at + 2], row[at + 1], row[at])) for row in self.rows[:180]
-                for at in range(4 * (WIDTH - 400), 4 * WIDTH, 4)]
-
-    def picture(self, name):
-        self.pixels()
-        flat = b"".join(row[at + 2:at + 3] + row[at + 1:at + 2] + row[at:at + 1]
-                        for row in self.rows for at in range(0, 4 * WIDTH, 4))
-        SCREENSHOTS.mkdir(parents=True, exist_ok=True)
-        subprocess.run(["convert", "ppm:-", str(SCREENSHOTS / f"desktops-kwin-wayland-{name}.png")], check=True,
-                       input=b"P6 %d %d 255\n" % (WIDTH, HEIGHT) + flat)
-
-    def buttons(self):
-        found = self.pixels()
-        return tuple(int(sum(pixel in color for pixel in found) >= BUTTON) for color in (GREEN, RED))
-
+class Panels(KwinTest):
     def test_a_panel_comes_up_over_a_full_screen_window_and_leaves_it_the_keyboard(self):
-        window = self.start(Process("/usr/bin/python3", "-c", WINDOW, env=self.environment | {"GDK_BACKEND": "wayland"}))
-        window.wait_line("focus in")
-        self.node.send({"action": "incoming_call", "state": "RINGING", "number": "123", "name": "Bob"})
+        window = self.other_window()
+        self.ring()
         wait_for(lambda: self.buttons() == (1, 1), "the two buttons")
         stays(lambda: self.buttons() == (1, 1), "the two buttons", 1)
         self.picture("ringing")
+        self.input.type("mine")
+        wait_for(lambda: self.typed(window) == "mine", f"the letters, not {self.typed(window)!r}")
         self.assertEqual([line for line in window.lines if line.startswith("focus")], ["focus in"])
+
+    def test_the_buttons_of_a_panel_work(self):
+        window = self.other_window()
+        self.ring()
+        wait_for(lambda: self.buttons() == (1, 1), "the two buttons")
+        self.input.click(*self.button_of(GREEN))
+        self.node.wait_message("answer_call")
+        self.input.type("mine")
+        wait_for(lambda: self.typed(window) == "mine", f"the letters, not {self.typed(window)!r}")
+
+    def test_a_reply_panel_takes_the_keyboard_over_a_full_screen_window_and_gives_it_back(self):
+        window = self.other_window()
+        self.node.send({"app": "Chat", "title": "Ada", "body": "See you at seven?", "key": "k1"})
+        shown = self.service.wait_shown("Chat")
+        self.service.ActionInvoked(shown["id"], next(key for key in shown["actions"] if key != "default"))
+        self.wait_color(BLUE, "the panel on the screen")
+        wait_for(lambda: window.lines[-1] == "focus out", "the panel has the keyboard")
+        self.picture("reply")
+        self.input.type("On my way\n")
+        self.assertEqual(self.node.wait_message("reply"), {"action": "reply", "key": "k1", "message": "On my way"})
+        wait_for(lambda: window.lines[-1] == "focus in", "the other window has the keyboard again")
+        self.input.type("back")
+        wait_for(lambda: self.typed(window) == "back", f"the letters, not {self.typed(window)!r}")
+
+
+class Banners(KwinTest):
+    """Without a notification service, the program shows what arrives itself."""
+
+    service_capabilities = None
+
+    def test_a_banner_leaves_the_keyboard_alone_and_closes_by_a_click(self):
+        window = self.other_window()
+        self.node.send({"app": "Chat", "title": "Ada", "body": "See you at seven?", "key": "k1"})
+        self.wait_color(BLUE, "the banner on the screen")
+        self.picture("banner")
+        self.input.type("mine")
+        wait_for(lambda: self.typed(window) == "mine", f"the letters, not {self.typed(window)!r}")
+        x, _ = self.button_of(BLUE)
+        self.input.click(x + 5, 44)
+        wait_for(lambda: set(self.pixels(WIDTH - 400, 0, 400, 180)) == {DARK}, "the banner is gone")
+
+
+class Windows(KwinTest):
+    """The main window comes up by a second start and by the tray's menu."""
+
+    def setUp(self):
+        super().setUp()
+        wait_for(lambda: (self.tray.status() or "").startswith("Server: "), "the program in the tray")
+        self.tray.choose("Info…")
+        self.wait_open()
+
+    def second_start(self, **tokens):
+        second = self.start(Process(APP, env=self.app_environment | tokens))
+        self.assertEqual(second.wait_end(), 0)
+
+    def wait_open(self):
+        wait_for(lambda: self.active_x11_window() == MAIN, "the main window has the keyboard")
+
+    def wait_front(self, window):
+        wait_for(lambda: window.lines[-1] == "focus out", "the other window loses the keyboard")
+        self.wait_open()
+        wait_for(lambda: DARK not in self.pixels(600, 340, 80, 40), "nothing covers it")
+
+    def test_a_second_start_raises_a_covered_window(self):
+        window = self.other_window()
+        self.second_start()
+        self.wait_front(window)
+        self.picture("raised")
+
+    def test_a_second_start_by_a_launcher_with_its_token_raises_a_covered_window(self):
+        window = self.other_window()
+        self.second_start(XDG_ACTIVATION_TOKEN=self.token(window))
+        self.wait_front(window)
+
+    def test_a_choice_in_the_tray_raises_a_covered_window(self):
+        window = self.other_window()
+        self.tray.choose("Info…")
+        self.wait_front(window)
+
+    def test_a_second_start_raises_a_minimised_window(self):
+        subprocess.run(["xdotool", "search", "--name", MAIN, "windowminimize"], env=self.environment, check=True,
+                       timeout=PATIENCE)
+        wait_for(lambda: self.active_x11_window() != MAIN, "the window is minimised")
+        window = self.other_window()
+        self.second_start()
+        self.wait_front(window)
+
+
+class NativeWindows(Windows):
+    """The same without the X server, where the token alone can do it without showing the window anew."""
+
+    platform = "wayland"
+    test_a_second_start_raises_a_minimised_window = None
+
+    def test_a_token_that_nobody_gave_raises_nothing(self):
+        window = self.other_window()
+        self.second_start(XDG_ACTIVATION_TOKEN="made-up")
+        stays(lambda: window.lines[-1] == "focus in", "the other window has the keyboard", 2)
+
+    def wait_open(self):
+        wait_for(lambda: len(set(self.pixels(600, 340, 80, 40)) - {DARK, b"\0\0\0"}) > 0, "the main window is seen")
+
+
+class Clipboard(KwinTest):
+    def copied(self, text):
+        """Another program owns the clipboard until the test is over."""
+        # Without a type it would ask programs of the desktop that are not there.
+        owner = self.start(Process("wl-copy", "--foreground", "--type", "text/plain", env=self.environment))
+        owner.process.stdin.write(text)
+        owner.process.stdin.close()
+        self.wait_pasted(text)
+
+    def pasted(self):
+        return subprocess.run(["wl-paste", "--no-newline"], env=self.environment, capture_output=True,
+                              timeout=PATIENCE).stdout.decode()
+
+    def wait_pasted(self, text):
+        wait_for(lambda: self.pasted() == text, f"{text[:60]!r} on the clipboard")
+
+    def texts(self):
+        return [each["text"] for each in self.node.messages() if each["action"] == "clipboard"]
+
+    def test_a_text_from_the_phone_is_pasted_by_another_program_that_has_the_keyboard(self):
+        window = self.other_window()
+        for text in ("Code for the door: 4417", "Grüße\nin zwei Zeilen 日本 🚲\n", "x" * 3_000_000):
+            self.node.send({"action": "clipboard", "text": text})
+            self.wait_pasted(text)
+        wait_for(lambda: [each["summary"] for each in self.service.shown] == ["Clipboard Synced"] * 3, "the banners")
+        self.assertEqual([line for line in window.lines if line.startswith("focus")], ["focus in"])
+
+    def test_what_another_program_has_copied_reaches_the_phone_and_never_what_it_had_before(self):
+        window = self.other_window()
+        sent = []
+        for text in ("one", "two\nlines / 日本 🚲", "y" * 2_000_000):
+            self.copied(text)
+            self.tray.choose("Send Clipboard")
+            sent.append(text)
+            wait_for(lambda: self.texts() == sent, "the phone gets the texts")
+        self.assertEqual([line for line in window.lines if line.startswith("focus")], ["focus in"])
+        self.assertEqual(self.service.shown, [])
 
 
 if __name__ == "__main__":
-    if lacking := [each for each in ("kwin_wayland", "Xwayland", "convert") if not shutil.which(each)]:
+    if lacking := missing():
         print(f"skipped: {', '.join(lacking)} not installed")
         sys.exit(77)
     unittest.main(verbosity=2)

@@ -1,5 +1,6 @@
 """Whether the main window comes up wherever it is, on one window manager: raising.py MANAGER [test...]"""
 
+import os
 import pathlib
 import re
 import sys
@@ -8,6 +9,8 @@ sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).p
 
 from support import APP, Process, run, wait_for
 from window_managers import DesktopTest, active_window, main, pixels, states, words
+
+OTHER_WINDOW = str(pathlib.Path(__file__).parent / "other_window.py")
 
 
 class Raising(DesktopTest):
@@ -59,6 +62,19 @@ class Raising(DesktopTest):
         if self.manager == "i3":
             self.skipTest("this one covers nothing but by a full-screen window, which it keeps above")
         self.each_way(lambda: self.terminal("-geometry", "200x60+0+0", "-bg", "#102040"), "covered")
+
+    def test_a_second_start_by_a_launcher_with_its_token_raises_a_covered_window(self):
+        if self.manager == "i3":
+            self.skipTest("this one covers nothing but by a full-screen window, which it keeps above")
+        launcher = self.start(Process("/usr/bin/python3", OTHER_WINDOW, "maximized"))
+        launcher.wait_line("^focus in$")
+        wait_for(lambda: b"\x10\x20\x40" in pixels(*self.middle(), 4, 4), "the launcher covers the window")
+        launcher.write("")
+        token = launcher.wait_line("^token ").removeprefix("token ")
+        self.assertIn("_TIME", token)
+        second = self.start(Process(APP, env=os.environ | {"DESKTOP_STARTUP_ID": token}))
+        self.assertEqual(second.wait_end(), 0)
+        self.wait_front("by a token")
 
     def test_a_window_of_another_workspace_comes_up(self):
         others = iter((2, 1))

@@ -31,6 +31,18 @@ def prepare_xfce():
     dbus.SessionBus().get_object("org.freedesktop.DBus", "/org/freedesktop/DBus").ReloadConfig()
 
 
+def prepare_shortcuts():
+    """Of the user: the media keys for a player on the bus."""
+    from actions import KEYS, command
+    rows = "".join(f'<property name="{key}" type="string" value="{command(method)}"/>' for method, key in KEYS.items())
+    (folder("xfce4", "xfconf", "xfce-perchannel-xml") / "xfce4-keyboard-shortcuts.xml").write_text(
+        '<?xml version="1.0" encoding="UTF-8"?>\n<channel name="xfce4-keyboard-shortcuts" version="1.0">'
+        '<property name="commands" type="empty"><property name="custom" type="empty">'
+        f'<property name="override" type="bool" value="true"/>{rows}</property></property>'
+        '<property name="providers" type="array"><value type="string" value="commands"/></property></channel>')
+    prepare_xfce()
+
+
 def prepare_kwin():
     (folder() / "kwinrc").write_text(f"[Desktops]\nNumber={WORKSPACES}\nRows=1\n[Compositing]\nEnabled=false\n")
 
@@ -61,6 +73,8 @@ MANAGERS = {
     "xfwm4": Manager(["xfwm4", "--compositor=off"], prepare=prepare_xfce),
     "xfwm4-compositing": Manager(["xfwm4", "--compositor=on", "--vblank=off"], prepare=prepare_xfce),
     "xfce": Manager(["xfwm4", "--compositor=off"], ["xfce4-panel", "--disable-wm-check"], prepare=prepare_xfce),
+    "xfsettingsd": Manager(["xfwm4", "--compositor=off"], ["xfsettingsd", "--no-daemon", "--disable-wm-check"],
+                           prepare=prepare_shortcuts),
     "openbox": Manager(["openbox"]),
     "metacity": Manager(["metacity", "--no-composite"], environment={"GSETTINGS_BACKEND": "memory"}),
     "icewm": Manager(["icewm"]),

@@ -37,12 +37,13 @@ class WlrootsTest(AppTest):
     """Starts the compositor, the program on it and a phone."""
 
     service_capabilities = ["body", "actions"]
+    more_configuration = ""
 
     def setUp(self):
         home = pathlib.Path(os.environ["HOME"])
         (home / "displays").unlink(missing_ok=True)
         config = home / "sway.conf"
-        config.write_text(CONFIG)
+        config.write_text(CONFIG + self.more_configuration)
         plain = {key: text for key, text in os.environ.items() if key not in ("DISPLAY", "QT_QPA_PLATFORM")}
         self.start(Process(*as_a_user("sway", "--unsupported-gpu", "--config", str(config)), env=plain | {
             "WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1", "WLR_RENDERER": "pixman"}))
