@@ -5,6 +5,13 @@
 #include <stddef.h>
 #include <stdint.h>
 
+// With Darwin's own C library these come from there.
+#if __has_include(<sys/qos.h>)
+#include <sys/qos.h>
+#else
+typedef enum : unsigned int { QOS_CLASS_UTILITY = 0x11, QOS_CLASS_USER_INTERACTIVE = 0x21 } qos_class_t;
+#endif
+
 #pragma clang assume_nonnull begin
 
 #ifdef __OBJC__
@@ -31,7 +38,6 @@ MACSDK_DISPATCH_DECL(dispatch_data);
 typedef void (*dispatch_function_t)(void* _Nullable context);
 typedef void (^dispatch_block_t)(void);
 typedef uint64_t dispatch_time_t;
-typedef enum : unsigned int { QOS_CLASS_UTILITY = 0x11, QOS_CLASS_USER_INTERACTIVE = 0x21 } qos_class_t;
 typedef qos_class_t dispatch_qos_class_t;
 #define DISPATCH_QUEUE_SERIAL nullptr
 #define DISPATCH_TIME_NOW (0ull)
