@@ -78,9 +78,10 @@ protected:
         return answer.error ? answer.error->localizedDescription : "none";
     }
 
+    FakeFiles files;
+    // After the files, which jobs that are left at the end may hold.
     FakeDispatchQueue server;
     FakeDispatchQueue reading;
-    FakeFiles files;
     std::shared_ptr<ChunkMaker> maker = std::make_shared<ChunkMaker>(server, reading);
 };
 

@@ -4,10 +4,8 @@
 #include "hosts/mac/MacNetworkError.h"
 
 #include <atomic>
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
-#include <deque>
+#include <list>
 
 namespace velloway {
 
@@ -118,7 +116,7 @@ struct MacConnection::Shared : std::enable_shared_from_this<Shared> {
     bool isReady = false;
     bool hasEnded = false;
     /// Everything from the first series on that is not with the framework.
-    std::deque<Waiting> waiting;
+    std::list<Waiting> waiting;
     /// A text of a series is being made, or is with the framework.
     bool isSending = false;
 
@@ -142,11 +140,11 @@ struct MacConnection::Shared : std::enable_shared_from_this<Shared> {
     }
 
     static std::optional<NetworkError> cancelled() {
-        const char* const text = std::strerror(ECANCELED);
+        constexpr const char* text = "Operation canceled";
         return NetworkError{.localizedDescription = text, .description = text};
     }
 
-    void answer(const std::deque<Waiting>& sends, const std::optional<NetworkError>& error) {
+    void answer(const std::list<Waiting>& sends, const std::optional<NetworkError>& error) {
         for (const Waiting& each : sends) {
             for (std::uint64_t index = 0; index < each.count && each.completion && !isDropped; ++index) {
                 each.completion(error);
@@ -156,7 +154,7 @@ struct MacConnection::Shared : std::enable_shared_from_this<Shared> {
 
     /// `done` is called when the framework has let go of the text, unless the connection has been dropped.
     void handOver(const SharedText& text, std::string_view identifier, SendCompletion done) {
-        const std::shared_ptr<Shared> self = shared_from_this();
+        const std::shared_ptr<Shared> self = weak_from_this().lock();
         nw_connection_send(connection, dataOf(text).get(), textContext(identifier).get(), true,
                            ^(nw_error_t error) {
                              if (done && !self->isDropped) {
@@ -220,9 +218,9 @@ struct MacConnection::Shared : std::enable_shared_from_this<Shared> {
     void handOverFirst(const SharedText& text) {
         const Waiting first = takeFirst();
         handOver(text, first.identifier,
-                 [self = shared_from_this(), completion = first.completion](const auto& error) {
-                     const std::deque<Waiting> rest =
-                         error ? std::exchange(self->waiting, {}) : std::deque<Waiting>();
+                 [self = weak_from_this().lock(), completion = first.completion](const auto& error) {
+                     const std::list<Waiting> rest =
+                         error ? std::exchange(self->waiting, {}) : std::list<Waiting>();
                      self->textHasGone(completion, error);
                      self->answer(rest, error);
                  });
