@@ -260,9 +260,11 @@ void hear(QAccessibleInterface* from, int depth, std::vector<std::string>& heard
         line += " value " + quoted(from->text(QAccessible::Value));
     }
     const QAccessible::State state = from->state();
-    const std::pair<bool, const char*> states[] = {
-        {state.selected, "selected"}, {state.checked, "checked"},   {state.focused, "focused"},
-        {state.disabled, "disabled"}, {state.editable, "editable"}, {state.focusable, "focusable"}};
+    const std::pair<bool, const char*> states[] = {{state.selected, "selected"},
+                                                   {state.checked, "checked"},
+                                                   {state.focused, "focused"},
+                                                   {state.disabled, "disabled"},
+                                                   {state.editable, "editable"}};
     for (const auto& [holds, name] : states) {
         line += holds ? std::string(" ") + name : "";
     }

@@ -32,6 +32,7 @@ Rectangle {
                 font.pixelSize: Theme.title2
                 font.bold: true
                 Layout.fillWidth: true
+                Accessible.role: Accessible.Heading
             }
             PlainButton {
                 objectName: "clearHistory"
