@@ -136,7 +136,9 @@ class SilentClient(Client):
 class Factory(WebSocketClientFactory):
     def __init__(self, url, case_class, protocol, done):
         super().__init__(url)
-        self.setProtocolOptions(failByDrop=False)
+        # Long enough for a busy machine; a server that leaves the closing to the client is still noticed.
+        self.setProtocolOptions(failByDrop=False, openHandshakeTimeout=20, closeHandshakeTimeout=10,
+                                serverConnectionDropTimeout=10)
         self.noisy = False
         self.case_class = case_class
         self.protocol = protocol
