@@ -1,6 +1,6 @@
 """What the phone asks of the computer itself: an address, the lock and media keys: actions.py DESKTOP [test...]
 
-DESKTOP is sway, kwin_wayland or a window manager; with xfsettingsd there are the shortcuts of XFCE as well.
+DESKTOP is sway, kwin_wayland, gnome or a window manager; with xfsettingsd there are the shortcuts of XFCE as well.
 """
 
 import os
@@ -14,6 +14,7 @@ import dbus
 import dbus.lowlevel
 import dbus.service
 
+import gnome
 import kwin
 import window_managers
 import wlroots
@@ -154,7 +155,7 @@ class OnSway(Shortcuts, Actions, wlroots.WlrootsTest):
     more_configuration = "".join(f"bindsym {key} exec {command(method)}\n" for method, key in KEYS.items())
 
 
-class OnKwin(Actions, kwin.KwinTest):
+class WithPortal(Actions):
     def prepare(self):
         self.portal = self.offer(Portal())
 
@@ -167,6 +168,14 @@ class OnKwin(Actions, kwin.KwinTest):
             self.remote(name, "media")
         wanted = [(KEYSYMS[name], state) for name in MEDIA for state in (1, 0)]
         wait_for(lambda: self.portal.pressed == wanted, f"{wanted}, not {self.portal.pressed}")
+
+
+class OnKwin(WithPortal, kwin.KwinTest):
+    pass
+
+
+class OnGnome(WithPortal, gnome.GnomeTest):
+    pass
 
 
 class OnKwinWithoutPortal(Actions, kwin.KwinTest):
@@ -183,6 +192,8 @@ def suites(name):
         return [OnSway], wlroots.missing()
     if name == "kwin_wayland":
         return [OnKwin, OnKwinWithoutPortal], kwin.missing()
+    if name == "gnome":
+        return [OnGnome], gnome.missing()
     window_managers.DesktopTest.manager = name
     return [OnXfce if name == "xfsettingsd" else OnX11], window_managers.MANAGERS[name].missing()
 

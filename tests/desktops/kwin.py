@@ -28,12 +28,13 @@ class KwinTest(AppTest):
     """Starts the compositor, the program on it and a phone."""
 
     service_capabilities = ["body", "actions"]
+    desktop = "kwin-wayland"
     # What the user may choose by the toolkit's variable.
     platform = None
 
     def setUp(self):
         self.environment = self.start_compositor()
-        self.input = Input(self.environment["WAYLAND_DISPLAY"])
+        self.input = self.make_input()
         self.addCleanup(self.input.close)
         self.tray = TrayWatcher()
         self.addCleanup(self.tray.remove_from_connection)
@@ -45,6 +46,9 @@ class KwinTest(AppTest):
         self.app_environment = self.environment | chosen
         self.app = self.start(App(free_port(), env=self.app_environment)).wait_listening()
         self.node = self.start_node(self.app.port)
+
+    def make_input(self):
+        return Input(self.environment["WAYLAND_DISPLAY"])
 
     def prepare(self):
         """What has to be there before the program starts."""
@@ -101,7 +105,7 @@ class KwinTest(AppTest):
         flat = b"".join(row[at + 2:at + 3] + row[at + 1:at + 2] + row[at:at + 1]
                         for row in self.capture() for at in range(0, 4 * WIDTH, 4))
         SCREENSHOTS.mkdir(parents=True, exist_ok=True)
-        subprocess.run(["convert", "ppm:-", str(SCREENSHOTS / f"desktops-kwin-wayland-{name}.png")], check=True,
+        subprocess.run(["convert", "ppm:-", str(SCREENSHOTS / f"desktops-{self.desktop}-{name}.png")], check=True,
                        input=b"P6 %d %d 255\n" % (WIDTH, HEIGHT) + flat)
 
     def buttons(self):

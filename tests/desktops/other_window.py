@@ -8,9 +8,8 @@ import sys
 
 import gi
 
-gi.require_version("Gdk", "3.0")
 gi.require_version("Gtk", "3.0")
-from gi.repository import Gdk, Gio, GLib, Gtk
+from gi.repository import Gio, GLib, Gtk
 
 
 def say(*words):

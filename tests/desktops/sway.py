@@ -163,18 +163,6 @@ class Raising(SwayTest):
         self.assertEqual(second.wait_end(), 0)
         wait_for(lambda: [each[1:] for each in self.windows()] == [(True, True)], "the window comes to the user")
 
-    def test_a_second_start_by_a_launcher_with_its_token_shows_the_covered_window(self):
-        self.tray.choose("Info…")
-        wait_for(lambda: [each[1:] for each in self.windows()] == [(True, True)], "the main window")
-        launcher = self.start(Process("/usr/bin/python3", str(pathlib.Path(__file__).parent / "other_window.py"),
-                                      env=self.environment | {"GDK_BACKEND": "wayland"}))
-        wait_for(lambda: [each[1] for each in self.windows()] == [False], "the launcher has the keyboard")
-        launcher.write("")
-        token = launcher.wait_line("^token ").removeprefix("token ")
-        second = self.start(Process(APP, env=self.environment | {"XDG_ACTIVATION_TOKEN": token}))
-        self.assertEqual(second.wait_end(), 0)
-        wait_for(lambda: [each[1:] for each in self.windows()] == [(True, True)], "the window comes to the user")
-
 
 if __name__ == "__main__":
     if missing := [each for each in ("sway", "swaymsg", "wl-copy", "wl-paste") if not shutil.which(each)]:

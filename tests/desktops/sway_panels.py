@@ -6,6 +6,7 @@ import unittest
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
+from support import APP, Process
 from wlroots import BLUE, GREEN, WlrootsTest, missing, wait_for
 
 
@@ -49,6 +50,28 @@ class Panels(WlrootsTest):
         wait_for(lambda: self.focused("foot"), "the terminal has the keyboard")
         self.type("back")
         self.wait_typed(typed, "back")
+
+
+class Starts(WlrootsTest):
+    def test_a_second_start_marks_the_main_window_beside_another_one(self):
+        """A user who wants the keyboard to follow tells the compositor so."""
+        self.tray.choose("Info…")
+        wait_for(lambda: self.focused("velloway"), "the main window")
+        launcher = self.start(Process("/usr/bin/python3", str(pathlib.Path(__file__).parent / "other_window.py"),
+                                      "maximized", env=self.environment | {"GDK_BACKEND": "wayland"}))
+        launcher.wait_line("^focus in$")
+        launcher.write("")
+        token = launcher.wait_line("^token ").removeprefix("token ")
+        self.assertFalse(self.is_marked())
+        second = self.start(Process(APP, env=self.environment | {"XDG_ACTIVATION_TOKEN": token}))
+        self.assertEqual(second.wait_end(), 0)
+        wait_for(self.is_marked, "the mark")
+        self.command("focus_on_window_activation", "focus")
+        self.assertEqual(self.start(Process(APP, env=self.environment)).wait_end(), 0)
+        wait_for(lambda: self.focused("velloway"), "the main window has the keyboard")
+
+    def is_marked(self):
+        return '"urgent": true' in self.command("-t", "get_tree", "--raw")
 
 
 class Banners(WlrootsTest):
