@@ -24,8 +24,8 @@ namespace velloway {
 
 namespace {
 
-/// How long the end of the program waits for the running jobs of the queues for reading and for messages, and after
-/// them for what has come for files.
+/// How long the end of the program waits for the running jobs of the queues for reading and for messages, and
+/// after them for what has come for files.
 constexpr std::chrono::milliseconds longestLastJob{250};
 constexpr std::chrono::milliseconds longestLastFiles{500};
 
