@@ -88,6 +88,7 @@ protected:
             server = WebSocketServer::make({.main = main,
                                             .queue = queue,
                                             .fileQueue = fileQueue,
+                                            .readingQueue = fileQueue,
                                             .network = network,
                                             .userDefaults = on.userDefaults,
                                             .pasteboard = on.pasteboard,
