@@ -255,8 +255,9 @@ TEST(PortalText, CharactersThatTheLayoutLacksAreMentionedOnceForEachText) {
 
     input.typeText("all on the keyboard\n");
     input.typeText("gr\u00fc\u00dfe \u65e5 \U0001F600");
-    EXPECT_EQ(warnings, std::vector<std::string>({"The keyboard layout has no key for these characters, so that the "
-                                                  "desktop may leave them out: \u00fc\u00df\u65e5\U0001F600"}));
+    EXPECT_EQ(warnings,
+              std::vector<std::string>({"The keyboard layout has no key for these characters, so that the "
+                                        "desktop may leave them out: \u00fc\u00df\u65e5\U0001F600"}));
     ASSERT_EQ(QProcess::execute("setxkbmap", {"de"}), 0);
     input.typeText("gr\u00fc\u00dfe f\u00fcr 5 \u20ac");
     input.typeText("\u65e5");
