@@ -169,6 +169,12 @@ class WithPortal(Actions):
         wanted = [(KEYSYMS[name], state) for name in MEDIA for state in (1, 0)]
         wait_for(lambda: self.portal.pressed == wanted, f"{wanted}, not {self.portal.pressed}")
 
+    def test_a_character_that_the_layout_lacks_is_mentioned_in_the_log(self):
+        self.remote("", "keyboard_text", text="plain")
+        self.remote("", "keyboard_text", text="a日")
+        self.app.wait_line(r"^\[Input\] The keyboard layout has no key .*: 日$")
+        self.assertEqual(len([line for line in self.app.lines if "has no key" in line]), 1)
+
 
 class OnKwin(WithPortal, kwin.KwinTest):
     pass

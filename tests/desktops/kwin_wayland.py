@@ -65,6 +65,19 @@ class Banners(KwinTest):
         self.input.click(x + 5, 44)
         wait_for(lambda: set(self.pixels(WIDTH - 400, 0, 400, 180)) == {DARK}, "the banner is gone")
 
+    def test_an_answer_is_typed_into_a_banner_over_a_full_screen_window(self):
+        window = self.other_window()
+        self.node.send({"app": "Chat", "title": "Ada", "body": "See you at seven?", "key": "k1"})
+        self.wait_color(BLUE, "the banner on the screen")
+        x, y = self.button_of(BLUE)
+        self.input.click(x - 200, y)
+        wait_for(lambda: window.lines[-1] == "focus out", "the banner has the keyboard")
+        stays(lambda: window.lines[-1] == "focus out", "the banner has the keyboard", 0.5)
+        self.picture("banner-clicked")
+        self.input.type("On my way\n")
+        self.assertEqual(self.node.wait_message("reply"), {"action": "reply", "key": "k1", "message": "On my way"})
+        self.assertEqual(self.typed(window), "")
+
 
 class Windows(KwinTest):
     """The main window comes up by a second start and by the tray's menu."""

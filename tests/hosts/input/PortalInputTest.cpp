@@ -8,10 +8,13 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
 
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace velloway::test {
 
@@ -239,6 +242,29 @@ TEST(PortalPermission, IsRememberedAndHandedInAtTheNextStart) {
     QSettings settings(folder.filePath("velloway.conf"), QSettings::IniFormat);
     EXPECT_EQ(settings.value("inputPermission").toString().toStdString(), "token3");
     EXPECT_EQ(settings.value("port").toInt(), 9999);
+}
+
+TEST(PortalText, CharactersThatTheLayoutLacksAreMentionedOnceForEachText) {
+    FakePortal portal;
+    std::vector<std::string> warnings;
+    PortalInput input({.warn = [&](std::string_view warning) { warnings.emplace_back(warning); }});
+    input.isTrustedWithPrompt();
+    ASSERT_TRUE(waitFor([&] { return portal.isAsking(); }));
+    portal.answer(0);
+    ASSERT_TRUE(waitFor([&] { return input.isTrusted(); }));
+
+    input.typeText("all on the keyboard\n");
+    input.typeText("gr\u00fc\u00dfe \u65e5 \U0001F600");
+    EXPECT_EQ(warnings,
+              std::vector<std::string>({"The keyboard layout has no key for these characters, so that the "
+                                        "desktop may leave them out: \u00fc\u00df\u65e5\U0001F600"}));
+    ASSERT_EQ(QProcess::execute("setxkbmap", {"de"}), 0);
+    input.typeText("gr\u00fc\u00dfe f\u00fcr 5 \u20ac");
+    input.typeText("\u65e5");
+    ASSERT_EQ(warnings.size(), 2U);
+    EXPECT_TRUE(warnings[1].ends_with(": \u65e5"));
+    // They are handed over all the same: other desktops type them.
+    EXPECT_TRUE(waitFor([&] { return portal.input.contains("KeyboardKeysym 252 1"); }));
 }
 
 TEST_F(Portal, TextIsTypedByUnicodeKeysyms) {

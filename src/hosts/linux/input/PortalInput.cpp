@@ -1,6 +1,7 @@
 #include "hosts/linux/input/PortalInput.h"
 
 #include "hosts/linux/input/Keysyms.h"
+#include "hosts/linux/input/LayoutCharacters.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -228,6 +229,12 @@ void PortalInput::typeText(std::string_view text) {
         return;
     }
     QMetaObject::invokeMethod(this, [this, keysyms = keysymsOf(text)] {
+        // Plasma's portal reports no error for a character that it does not type.
+        if (const std::string missing = charactersWithoutKey(keysyms); !missing.empty()) {
+            needs_.warn("The keyboard layout has no key for these characters, so that the desktop may leave "
+                        "them out: " +
+                        missing);
+        }
         for (const std::uint32_t keysym : keysyms) {
             sendKeysym(keysym, true);
             sendKeysym(keysym, false);

@@ -226,6 +226,21 @@ private:
     xcb_atom_t active_;
 };
 
+/// Shows the window anew as one that the window manager looks after. Behind other Wayland compositors, no other
+/// window of the X server gets the keyboard, not even by a click.
+void giveToManager(QWindow& window) {
+    window.hide();
+    window.setFlag(Qt::BypassWindowManagerHint, false);
+    setType(window, "_NET_WM_WINDOW_TYPE_DIALOG");
+    window.show();
+    activateForUser(window);
+}
+
+bool isUnmanagedOnWayland(const QWindow& window) {
+    return connection() && (window.flags() & Qt::BypassWindowManagerHint) &&
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !isWlroots();
+}
+
 bool hasKeyboardByGrab(const QWindow& window) {
     const QObjectList& children = window.children();
     return std::any_of(children.begin(), children.end(), [](const QObject* each) {
@@ -267,7 +282,10 @@ void joinAllSpaces(QWindow& window) {
 }
 
 void requestKeyboard(QWindow& window) {
-    if (!hasKeyboardByGrab(window)) {
+    if (isUnmanagedOnWayland(window)) {
+        // Once the click is over that asked for it.
+        QTimer::singleShot(0, &window, [&window] { giveToManager(window); });
+    } else if (!hasKeyboardByGrab(window)) {
         window.requestActivate();
     }
 }
