@@ -1,7 +1,5 @@
 #include "features/ChunkMaker.h"
 
-#include "features/FileChunks.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -13,7 +11,7 @@ namespace {
 constexpr std::size_t mostLatestBytes = std::size_t{12} << 20;
 /// Enough for the text of a full chunk, unless it has far more slashes than others. All get the same: the
 /// allocator could not use memory of a slightly shorter one again.
-constexpr std::size_t usualTextSize = FileChunks::chunkSize / 3 * 4 / 32 * 33 + 1024;
+constexpr std::size_t usualTextSize = ChunkMaker::chunkSize / 3 * 4 / 32 * 33 + 1024;
 /// While the server queue takes one over, the next is read.
 constexpr int mostInProgress = 2;
 
@@ -57,12 +55,12 @@ std::string ChunkMaker::room() {
 
 char* ChunkMaker::buffer() {
     if (!buffer_) {
-        buffer_ = std::make_unique_for_overwrite<char[]>(FileChunks::chunkSize);
+        buffer_ = std::make_unique_for_overwrite<char[]>(chunkSize);
     }
     return buffer_.get();
 }
 
-void ChunkMaker::request(std::weak_ptr<FileChunks> file, std::uint64_t index) {
+void ChunkMaker::request(std::weak_ptr<RepeatableChunks> file, std::uint64_t index) {
     requests_.push_back({std::move(file), index});
     readNext();
 }

@@ -8,17 +8,33 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace velloway {
 
-class FileChunks;
+/// A file whose chunks can be made once more. Both are called by `ChunkMaker`.
+class RepeatableChunks {
+public:
+    virtual ~RepeatableChunks() = default;
+
+    struct Again {
+        std::string text;
+        std::optional<NetworkError> error;
+    };
+    /// Reads the chunk and makes its text, in the memory of `room`. Reading queue.
+    virtual Again readAgain(std::uint64_t index, std::string room) = 0;
+    /// Server queue.
+    virtual void didReadAgain(std::uint64_t index, Again read) = 0;
+};
 
 /// Makes the texts of files that are being sent, a few at a time and on a queue of their own, and keeps the
 /// latest of them: all connections share it, and so much memory is all that sending takes. Lives as long as
 /// there is a file to be sent. Server queue, where nothing else is said.
 class ChunkMaker : public std::enable_shared_from_this<ChunkMaker> {
 public:
+    static constexpr std::size_t chunkSize = 0x100000;
+
     ChunkMaker(DispatchQueue& serverQueue, DispatchQueue& readingQueue)
         : server(serverQueue), reading(readingQueue) {}
 
@@ -35,7 +51,7 @@ public:
     /// Memory for one text, if possible that of one which nobody needs any more.
     std::string room();
     /// Has the file make one text, after those that were requested before; the file gets the answer.
-    void request(std::weak_ptr<FileChunks> file, std::uint64_t index);
+    void request(std::weak_ptr<RepeatableChunks> file, std::uint64_t index);
 
     /// Room for one chunk. Reading queue.
     char* buffer();
@@ -49,7 +65,7 @@ private:
         std::shared_ptr<std::string> text;
     };
     struct Request {
-        std::weak_ptr<FileChunks> file;
+        std::weak_ptr<RepeatableChunks> file;
         std::uint64_t index = 0;
     };
 

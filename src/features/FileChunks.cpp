@@ -1,6 +1,5 @@
 #include "features/FileChunks.h"
 
-#include "features/ChunkMaker.h"
 #include "features/FileMessages.h"
 #include "features/Fingerprint.h"
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "features/ChunkMaker.h"
 #include "platform/Files.h"
 #include "platform/Network.h"
 
@@ -17,15 +18,15 @@
 
 namespace velloway {
 
-class ChunkMaker;
-
 /// The chunks of one file as messages. The file is read once from its start to its end, whether or not anybody
 /// takes the messages; a message that nobody could take then is made by reading its piece again. The bytes must
 /// then be the same as before. A piece that has changed or cannot be read is the end of the file for everybody
 /// who has not got further yet, so that no phone ever gets a file with a hole.
-class FileChunks final : public TextSeries, public std::enable_shared_from_this<FileChunks> {
+class FileChunks final : public TextSeries,
+                         public RepeatableChunks,
+                         public std::enable_shared_from_this<FileChunks> {
 public:
-    static constexpr std::size_t chunkSize = 0x100000;
+    static constexpr std::size_t chunkSize = ChunkMaker::chunkSize;
 
     /// Server queue.
     FileChunks(std::shared_ptr<ChunkMaker> maker, Files& files, std::filesystem::path path,
@@ -56,13 +57,8 @@ public:
     SharedText atHand(std::uint64_t index) override;
     void make(std::uint64_t index, Made made) override;
 
-    struct Again {
-        std::string text;
-        std::optional<NetworkError> error;
-    };
-    /// Reading queue.
-    Again readAgain(std::uint64_t index, std::string room);
-    void didReadAgain(std::uint64_t index, Again read);
+    Again readAgain(std::uint64_t index, std::string room) override;
+    void didReadAgain(std::uint64_t index, Again read) override;
 
 private:
     struct Extent {

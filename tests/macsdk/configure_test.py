@@ -50,7 +50,7 @@ class ConfigureTest(unittest.TestCase):
         folder = pathlib.Path(cls.place.name)
         cls.build = folder / "build"
         values = {**preset(), **stand_ins(folder)}
-        done = cls.configure("-S", TOP, "-G", "Ninja", *[f"-D{name}={value}" for name, value in values.items()])
+        done = cls.configure("-G", "Ninja", *[f"-D{name}={value}" for name, value in values.items()])
         cls.output = done.stdout
         if done.returncode != 0:
             raise AssertionError(f"the build can't be configured:\n{cls.output}")
@@ -60,7 +60,7 @@ class ConfigureTest(unittest.TestCase):
 
     @classmethod
     def configure(cls, *arguments):
-        return subprocess.run([CMAKE, "-B", cls.build, "-Wno-dev", *arguments],
+        return subprocess.run([CMAKE, "-S", TOP, "-B", cls.build, "-Wno-dev", *arguments],
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=250)
 
     @classmethod

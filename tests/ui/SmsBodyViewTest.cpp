@@ -67,7 +67,7 @@ TEST_F(SmsBodyTest, ABubbleIsAsWideAsItsLongestLine) {
     };
     const auto [wide, widest] = widthOf("iiiiiiiiii wwwwwwwwwwwwwwwwwww iiiiiiiiiiiiiiiiiiiiiiiiiiii");
     EXPECT_NEAR(wide, widest + 26, 1);
-    EXPECT_LT(wide, part("bubble")->width() * 0.72 - 20) << "its two lines leave room";
+    EXPECT_LT(wide, part("bubble")->width() * 0.72 - 10) << "its two lines leave room";
     const auto [narrow, narrowest] = widthOf("ok");
     EXPECT_NEAR(narrow, narrowest + 26, 1);
 }

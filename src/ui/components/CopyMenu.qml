@@ -9,28 +9,20 @@ Loader {
     property point place
     signal chosen()
 
-    function open(at: point) {
-        place = at
-        active = true
-    }
-
-    active: false
-    sourceComponent: Menu {
+    component CopyChoices: Menu {
         id: menu
 
-        x: holder.place.x
-        y: holder.place.y
+        signal chosen()
+
         width: 120
         padding: 4
-        Component.onCompleted: open()
-        onClosed: holder.active = false
 
         MenuItem {
             id: entry
 
             implicitHeight: 26
             text: "Copy"
-            onTriggered: holder.chosen()
+            onTriggered: menu.chosen()
             contentItem: Label {
                 text: entry.text
                 color: entry.highlighted ? Theme.white : Theme.primary
@@ -46,5 +38,25 @@ Loader {
             color: Theme.panelOpaque
             border.color: Theme.outline
         }
+    }
+
+    function open(at: point) {
+        place = at
+        active = true
+    }
+
+    active: false
+    sourceComponent: CopyChoices {}
+    onLoaded: {
+        const menu = item as CopyChoices
+        menu.x = place.x
+        menu.y = place.y
+        menu.open()
+    }
+
+    Connections {
+        target: holder.item
+        function onClosed() { holder.active = false }
+        function onChosen() { holder.chosen() }
     }
 }

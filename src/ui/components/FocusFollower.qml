@@ -1,5 +1,4 @@
 import QtQuick
-import Velloway
 
 /// Scrolls to the control that the keyboard has come to.
 Item {
