@@ -48,7 +48,7 @@ Loader {
     active: false
     sourceComponent: CopyChoices {}
     onLoaded: {
-        const menu = item as CopyChoices
+        const menu = item as Menu
         menu.x = place.x
         menu.y = place.y
         menu.open()
