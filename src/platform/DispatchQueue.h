@@ -9,9 +9,9 @@ namespace velloway {
 
 /// A serial queue: jobs run one at a time, in the order in which they were handed over.
 ///
-/// There are three in the program: the main queue, the server queue, and the file queue, whose jobs may wait
-/// for the storage. Every object says which one its operations belong to. All operations may be called from any
-/// thread.
+/// There are four in the program: the main queue, the server queue, and two whose jobs may wait for the
+/// storage, the file queue, which writes, and the reading queue. Every object says which one its operations
+/// belong to. All operations may be called from any thread.
 class DispatchQueue {
 public:
     using Job = std::function<void()>;
