@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace velloway {
 
@@ -21,7 +22,10 @@ public:
     virtual std::optional<std::string> string() const = 0;
     /// Calls `done` once with the same, inside the call or later on the main thread, and never waits. Answers
     /// keep the order of the calls. One that is open when the pasteboard ends is dropped.
-    virtual void readString(std::function<void(std::optional<std::string>)> done) { done(string()); }
+    virtual void readString(std::function<void(std::optional<std::string>)> done) {
+        const auto answered = std::move(done);
+        answered(string());
+    }
     /// False while the desktop keeps what lies on the pasteboard from this program.
     virtual bool isReadable() const { return true; }
 };
