@@ -219,6 +219,17 @@ TEST_F(LinuxPasteboardTest, TextOfAnotherProgramIsReadWithoutWaiting) {
     EXPECT_EQ(readWithoutWaiting(), std::nullopt);
 }
 
+TEST_F(LinuxPasteboardTest, WhatIsReadWithoutWaitingIsTextWithItsByteOrderMark) {
+    const std::pair<QByteArray, std::string> texts[] = {{"\xEF\xBB\xBFmark", "\xEF\xBB\xBFmark"},
+                                                        {"broken \xC3", "broken \xEF\xBF\xBD"}};
+    for (const auto& [bytes, text] : texts) {
+        otherOwns(bytes);
+        EXPECT_EQ(readWithoutWaiting(), text);
+        owner.kill();
+        owner.waitForFinished();
+    }
+}
+
 TEST_F(LinuxPasteboardTest, AnOwnerThatDoesNotAnswerHoldsNothingUp) {
     otherOwns("never answered");
     ::kill(static_cast<pid_t>(owner.processId()), SIGSTOP);

@@ -1,6 +1,7 @@
 #include "hosts/linux/desktop/SelectionReader.h"
 
 #include <QString>
+#include <QStringConverter>
 
 #include <algorithm>
 #include <chrono>
@@ -15,13 +16,22 @@ namespace velloway {
 namespace {
 
 constexpr std::chrono::seconds answerBound{5};
-/// A text longer than this is no text that anyone copied.
+/// Nobody copied a text longer than this.
 constexpr std::size_t longestText = std::size_t{256} * 1024 * 1024;
 
 template <class Reply> using ReplyPointer = std::unique_ptr<Reply, decltype(&std::free)>;
 
 template <class Reply> ReplyPointer<Reply> owned(Reply* reply) {
     return {reply, &std::free};
+}
+
+/// What is not text in its encoding becomes replacement characters; a byte order mark stays.
+std::string decoded(const std::string& bytes, std::uint32_t type) {
+    using Decoder = QStringDecoder;
+    Decoder decoder(type == XCB_ATOM_STRING ? Decoder::Latin1 : Decoder::Utf8,
+                    Decoder::Flag::ConvertInitialBom);
+    const QString text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
+    return text.toStdString();
 }
 
 } // namespace
@@ -186,8 +196,8 @@ void SelectionReader::finish(std::optional<std::string> text) {
     if (!done_) {
         return;
     }
-    if (text && asked_ == XCB_ATOM_STRING) {
-        text = QString::fromLatin1(text->data(), static_cast<qsizetype>(text->size())).toStdString();
+    if (text) {
+        text = decoded(*text, asked_);
     }
     silence_.stop();
     if (window_ != 0) {
