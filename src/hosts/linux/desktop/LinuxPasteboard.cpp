@@ -29,7 +29,8 @@ QString utf8Text() {
 
 /// `QString::fromUtf8` would cut a byte order mark, which here is a character of the text.
 QString decoded(QByteArrayView bytes) {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::ConvertInitialBom | QStringDecoder::Flag::Stateless);
     return decoder(bytes);
 }
 

@@ -28,8 +28,9 @@ template <class Reply> ReplyPointer<Reply> owned(Reply* reply) {
 /// What is not text in its encoding becomes replacement characters; a byte order mark stays.
 std::string decoded(const std::string& bytes, std::uint32_t type) {
     using Decoder = QStringDecoder;
+    // Without a state, so that a character that is cut off at the end is replaced as well.
     Decoder decoder(type == XCB_ATOM_STRING ? Decoder::Latin1 : Decoder::Utf8,
-                    Decoder::Flag::ConvertInitialBom);
+                    Decoder::Flag::ConvertInitialBom | Decoder::Flag::Stateless);
     const QString text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
     return text.toStdString();
 }
