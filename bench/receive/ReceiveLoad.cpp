@@ -14,6 +14,8 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 namespace velloway::bench {
@@ -107,6 +109,18 @@ void measureSmall(const std::string& name, const Command& command, const Setting
     expectLogLines(receiver, settings.messages);
 }
 
+/// A receiver may write on a thread of its own, after it has answered.
+void waitForFile(const std::filesystem::path& path, std::size_t size) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    std::error_code error;
+    while (std::filesystem::file_size(path, error) != size) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            giveUp("the received file is not complete");
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+}
+
 void measureFile(const std::string& name, const Command& command, const Settings& settings,
                  const std::string& load, std::string_view file, Figures& figures) {
     MeasuredProcess receiver(command, settings.folder);
@@ -115,6 +129,7 @@ void measureFile(const std::string& name, const Command& command, const Settings
     const auto start = Clock::now();
     client.write(load);
     client.waitUntilHandled();
+    waitForFile(settings.folder / "big.bin", file.size());
     const double seconds = secondsSince(start);
     figures.add(name + ": file in 1 MiB chunks", static_cast<double>(file.size()) / seconds / 1e6);
     figures.add(name + ": peak memory", receiver.peakMegabytes());

@@ -17,6 +17,7 @@
 
 #include <QCoreApplication>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -84,6 +85,8 @@ int main(int count, char** arguments) {
         main.async([] { QCoreApplication::quit(); });
     });
     QCoreApplication::exec();
+    queue.end(std::chrono::seconds(1));
+    fileQueue.finish(std::chrono::seconds(10));
     std::fprintf(stderr, "posted %ld\n", input.posted.load());
     // The process ends here as the program does: without a word to anybody.
     std::_Exit(0);
