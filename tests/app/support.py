@@ -13,6 +13,7 @@ import select
 import signal
 import socket
 import subprocess
+import tempfile
 import threading
 import time
 import unittest
@@ -31,7 +32,7 @@ NODE_CLIENT = os.environ["VELLOWAY_NODE_CLIENT"]
 SCREENSHOTS = pathlib.Path(os.environ["VELLOWAY_SCREENSHOTS"])
 
 # How long anything may take that is to happen at once, on a busy machine.
-PATIENCE = 20
+TIMEOUT = 20
 
 
 def turn(seconds=0.02):
@@ -42,7 +43,7 @@ def turn(seconds=0.02):
     time.sleep(seconds)
 
 
-def wait_for(condition, what, seconds=PATIENCE):
+def wait_for(condition, what, seconds=TIMEOUT):
     """Returns the first true answer of `condition`; fails the test when there is none in time."""
     end = time.monotonic() + seconds
     while True:
@@ -84,7 +85,7 @@ def free_port():
 
 
 def run(*words, **options):
-    return subprocess.run(words, check=True, capture_output=True, text=True, timeout=PATIENCE, **options).stdout
+    return subprocess.run(words, check=True, capture_output=True, text=True, timeout=TIMEOUT, **options).stdout
 
 
 def screenshot(name):
@@ -95,9 +96,9 @@ def screenshot(name):
 def colors(window):
     """How many colours a window shows: a blank one has one."""
     picture = subprocess.run(["import", "-silent", "-window", str(window), "png:-"], capture_output=True,
-                             check=True, timeout=PATIENCE).stdout
+                             check=True, timeout=TIMEOUT).stdout
     return int(subprocess.run(["identify", "-format", "%k", "png:-"], input=picture, capture_output=True,
-                              check=True, timeout=PATIENCE).stdout)
+                              check=True, timeout=TIMEOUT).stdout)
 
 
 class Process:
@@ -126,7 +127,7 @@ class Process:
         self.process.stdin.write(line + "\n")
         self.process.stdin.flush()
 
-    def wait_line(self, pattern, seconds=PATIENCE):
+    def wait_line(self, pattern, seconds=TIMEOUT):
         def find():
             return next((line for line in list(self.lines) if re.search(pattern, line)), None)
 
@@ -135,19 +136,19 @@ class Process:
         except AssertionError as error:
             raise AssertionError(f"{error}\n" + "\n".join(self.lines[-40:])) from None
 
-    def wait_end(self, seconds=PATIENCE):
+    def wait_end(self, seconds=TIMEOUT):
         try:
             wait_for(lambda: not self.is_running(), "the end of the process", seconds)
         except AssertionError as error:
             raise AssertionError(f"{error}\n" + "\n".join(self.lines[-40:])) from None
-        self.reader.join(PATIENCE)
+        self.reader.join(TIMEOUT)
         return self.process.returncode
 
     def stop(self):
         if self.is_running():
             self.process.kill()
         self.process.wait()
-        self.reader.join(PATIENCE)
+        self.reader.join(TIMEOUT)
         self.process.stdin.close()
         self.process.stdout.close()
 
@@ -195,7 +196,7 @@ class NodePhone(Process):
     def raw_messages(self):
         return [line[2:] for line in list(self.lines) if line.startswith("< ")]
 
-    def wait_message(self, action, seconds=PATIENCE):
+    def wait_message(self, action, seconds=TIMEOUT):
         def find():
             if not self.is_running():
                 raise AssertionError("the client ended:\n" + "\n".join(self.lines[-20:]))
@@ -377,6 +378,22 @@ class AppTest(unittest.TestCase):
         self.addCleanup(process.stop)
         return process
 
+    def use_tray(self):
+        """A tray to hold the program's icon, until the test is over."""
+        tray = TrayWatcher()
+        self.addCleanup(tray.remove_from_connection)
+        return tray
+
+    def use_notification_service(self, capabilities):
+        service = NotificationService(capabilities)
+        self.addCleanup(service.remove_from_connection)
+        return service
+
+    def make_folder(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        return pathlib.Path(folder.name)
+
     def start_app(self, *files, port=None, program=APP):
         return self.start(App(port or free_port(), *files, program=program))
 
@@ -397,7 +414,7 @@ class AppTest(unittest.TestCase):
 
 
 def clipboard():
-    found = subprocess.run(["xclip", "-selection", "clipboard", "-o"], capture_output=True, timeout=PATIENCE)
+    found = subprocess.run(["xclip", "-selection", "clipboard", "-o"], capture_output=True, timeout=TIMEOUT)
     return found.stdout.decode(errors="replace") if found.returncode == 0 else None
 
 

@@ -3,14 +3,12 @@
 import json
 import os
 import pathlib
-import tempfile
 import unittest
 
 os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
 
 from accessible import Tree, start_accessibility
-from support import (AppTest, NotificationService, TrayWatcher, free_port, run, screenshot, turn,
-                     visible_windows, wait_for)
+from support import AppTest, free_port, run, screenshot, turn, visible_windows, wait_for
 
 
 class Windows(AppTest):
@@ -19,13 +17,9 @@ class Windows(AppTest):
         start_accessibility(cls)
 
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions"])
-        self.addCleanup(self.service.remove_from_connection)
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions"])
+        self.folder = self.make_folder()
         self.app = self.start_app().wait_listening()
         self.phone = self.start_phone(self.app.port, "--json", "--save-to", str(self.folder))
         self.phone.wait_line("connected to")

@@ -14,7 +14,7 @@ os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
 from gi.repository import Atspi, GLib
 
 from accessible import Tree, start_accessibility
-from support import AppTest, NotificationService, TrayWatcher, run, turn, visible_windows, wait_for
+from support import AppTest, run, turn, visible_windows, wait_for
 
 TABLE = pathlib.Path(__file__).with_name("accessibility_table.txt")
 
@@ -64,10 +64,8 @@ class Table(AppTest):
         start_accessibility(cls)
 
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        service = NotificationService(["body", "actions"])
-        self.addCleanup(service.remove_from_connection)
+        self.tray = self.use_tray()
+        self.use_notification_service(["body", "actions"])
         self.app = self.start_app().wait_listening()
         self.phone = self.start_phone(self.app.port, "--json")
         self.phone.wait_line("connected to")

@@ -9,7 +9,7 @@ import unittest
 
 import dbus
 import gi
-from support import AppTest, Process, TrayWatcher, call, free_port, run, stays, visible_windows, wait_for
+from support import AppTest, Process, call, free_port, run, stays, visible_windows, wait_for
 
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio
@@ -61,11 +61,6 @@ class ActivationTest(AppTest):
         if pid := self.pid():
             os.kill(pid, signal.SIGTERM)
             wait_for(lambda: not self.pid(), "the end of the program")
-
-    def use_tray(self):
-        tray = TrayWatcher()
-        self.addCleanup(tray.remove_from_connection)
-        return tray
 
     def ask(self, method, *arguments, data={}):
         target = dbus.SessionBus().get_object(NAME, PATH, introspect=False)

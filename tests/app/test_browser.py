@@ -6,7 +6,7 @@ import shutil
 import tempfile
 import unittest
 
-from support import AppTest, NotificationService, Process, TrayWatcher
+from support import AppTest, Process
 
 CHROMIUM = shutil.which("chromium") or shutil.which("chromium-browser")
 
@@ -20,10 +20,8 @@ socket.onmessage = (event) =>
 @unittest.skipUnless(CHROMIUM, "chromium is not installed; tools/set-up installs it")
 class Browser(AppTest):
     def test_a_page_is_welcomed_and_can_speak(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        service = NotificationService(["body", "actions"])
-        self.addCleanup(service.remove_from_connection)
+        self.tray = self.use_tray()
+        service = self.use_notification_service(["body", "actions"])
         app = self.start_app().wait_listening()
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)

@@ -6,14 +6,12 @@ import os
 import pathlib
 import re
 import subprocess
-import tempfile
 import unittest
 
 os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
 
 from accessible import Tree, start_accessibility
-from support import (APP, AppTest, NotificationService, Process, TrayWatcher, clipboard, run, screenshot, terminate,
-                     visible_windows, wait_for)
+from support import APP, AppTest, Process, clipboard, run, screenshot, terminate, visible_windows, wait_for
 
 REFUSAL = '{"error": "Please grant the following permission to use this command: android.permission.READ_SMS"}'
 
@@ -100,13 +98,9 @@ class Device(AppTest):
         start_accessibility(cls)
 
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions", "inline-reply"])
-        self.addCleanup(self.service.remove_from_connection)
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions", "inline-reply"])
+        self.folder = self.make_folder()
         self.received = self.folder / "received"
         self.commands = Commands(self.folder)
         self.commands.put_all()

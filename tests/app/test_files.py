@@ -4,11 +4,10 @@ import hashlib
 import os
 import pathlib
 import socket
-import tempfile
 import unittest
 
 from receiver import Receiver, checksum_of, shake_hands
-from support import APP, AppTest, NotificationService, Process, TrayWatcher, turn, visible_windows, wait_for
+from support import APP, AppTest, Process, turn, visible_windows, wait_for
 
 MIB = 1 << 20
 # tools/checks/huge-file asks for more.
@@ -21,13 +20,9 @@ def digest(path):
 
 class Files(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions"])
-        self.addCleanup(self.service.remove_from_connection)
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions"])
+        self.folder = self.make_folder()
         self.app = self.start_app().wait_listening()
 
     def make(self, name, size):

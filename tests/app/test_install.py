@@ -12,8 +12,7 @@ import unittest
 
 import entries
 import gi
-from support import (App, AppTest, NotificationService, PATIENCE, Process, TrayWatcher, free_port, run,
-                     visible_windows, wait_for)
+from support import App, AppTest, TIMEOUT, Process, free_port, run, visible_windows, wait_for
 
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio
@@ -99,7 +98,7 @@ class Tree(unittest.TestCase):
     def test_the_man_pages_are_free_of_warnings(self):
         for name in MAN:
             answer = subprocess.run(["man", "--warnings", "--encoding=utf8", "--local-file", str(PREFIX / name)],
-                                    capture_output=True, text=True, timeout=PATIENCE, env=os.environ | {"MANWIDTH": "80"})
+                                    capture_output=True, text=True, timeout=TIMEOUT, env=os.environ | {"MANWIDTH": "80"})
             self.assertEqual((answer.returncode, answer.stderr), (0, ""), name)
             self.assertIn("SYNOPSIS", answer.stdout)
         # They know every option of what they describe.
@@ -111,7 +110,7 @@ class Tree(unittest.TestCase):
 
     def test_the_metainfo_is_valid_and_names_what_is_installed(self):
         report = subprocess.run(["appstreamcli", "validate", "--no-net", "--strict", "--explain", str(PREFIX / METAINFO)],
-                                capture_output=True, text=True, timeout=PATIENCE)
+                                capture_output=True, text=True, timeout=TIMEOUT)
         # The project has no home page yet, which is its owner's to add.
         findings = re.findall(r"^[EWIP]: \S+ ([a-z-]+)", report.stdout, re.M)
         self.assertLessEqual({*findings}, {"url-homepage-missing"}, report.stdout)
@@ -123,7 +122,7 @@ class Tree(unittest.TestCase):
 
     def test_the_unit_is_valid(self):
         answer = subprocess.run(["systemd-analyze", "verify", "--user", "--man=no", str(PREFIX / UNIT)],
-                                capture_output=True, text=True, timeout=PATIENCE)
+                                capture_output=True, text=True, timeout=TIMEOUT)
         ours = [line for line in (answer.stdout + answer.stderr).splitlines() if "velloway" in line.lower()]
         self.assertEqual(ours, [], answer.stderr)
 
@@ -215,13 +214,11 @@ class Package(AppTest):
         self.assertEqual(findings, ["no-copyright-file"], report.stdout + report.stderr)
 
 
-class Expansion(unittest.TestCase):
+class Expansion(AppTest):
     """Our reading of an Exec line against that of the library under most file managers."""
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        self.folder = self.make_folder()
         self.record = self.folder / "record"
         recorder = self.folder / "bin" / "velloway"
         recorder.parent.mkdir()
@@ -261,15 +258,12 @@ class Expansion(unittest.TestCase):
 
 class Sending(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions"])
-        self.addCleanup(self.service.remove_from_connection)
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name) / "a folder"
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions"])
+        parent = self.make_folder()
+        self.folder = parent / "a folder"
         self.folder.mkdir()
-        self.phone_folder = pathlib.Path(folder.name) / "phone"
+        self.phone_folder = parent / "phone"
         self.phone_folder.mkdir()
 
     def make(self, *names):
@@ -387,7 +381,7 @@ class NoScreen(unittest.TestCase):
                        if key not in ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")}
         for display in ({}, {"DISPLAY": ""}, {"DISPLAY": ":64999"}):
             ended = subprocess.run(["velloway"], env={**environment, **display}, capture_output=True, text=True,
-                                   timeout=PATIENCE)
+                                   timeout=TIMEOUT)
             self.assertEqual((ended.returncode, ended.stdout), (1, ""))
             self.assertRegex(ended.stderr, r"\AVelloway needs a desktop: .*\n\Z")
 

@@ -5,13 +5,12 @@ import os
 import pathlib
 import unittest
 
-from support import AppTest, NodePhone, TrayWatcher, terminate, wait_for
+from support import AppTest, NodePhone, terminate, wait_for
 
 
 class Links(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
         self.app = self.start_app().wait_listening()
 
     def test_the_first_message_is_the_welcome_with_a_name(self):

@@ -7,16 +7,14 @@ import unittest
 
 import dbus
 
-from support import (AppTest, Bystander, NotificationService, Process, TrayWatcher, clipboard, run, screenshot,
-                     turn, visible_windows, wait_for)
+from support import AppTest, Bystander, Process, clipboard, run, screenshot, turn, visible_windows, wait_for
 
 
 class WithDunst(AppTest):
     """dunst has no reply field, so the answer is typed into a panel of the program's own."""
 
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
         self.bystander = Bystander()
         self.start(Process("dunst", "-config", str(self.dunst_settings())))
         bus = dbus.SessionBus()
@@ -81,10 +79,8 @@ class WithReplyField(AppTest):
     """A service that has a reply field of its own is used, and no panel comes up."""
 
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions", "inline-reply"])
-        self.addCleanup(self.service.remove_from_connection)
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions", "inline-reply"])
         self.app = self.start_app().wait_listening()
         self.node = self.start_node(self.app.port)
 

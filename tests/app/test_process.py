@@ -11,26 +11,13 @@ import time
 import unittest
 
 from support import (
-    APP,
-    AppTest,
-    Process,
-    TrayWatcher,
-    close_window,
-    colors,
-    free_port,
-    is_full,
-    open_files,
-    run,
-    terminate,
-    visible_windows,
-    wait_for,
-)
+    APP, AppTest, Process, close_window, colors, free_port, is_full, open_files, run, terminate,
+    visible_windows, wait_for)
 
 
 class Life(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
         self.app = self.start_app().wait_listening()
         wait_for(lambda: self.tray.status(), "the menu")
 
@@ -114,8 +101,7 @@ class Life(AppTest):
 
 class ClosedWindow(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
         self.app = self.start_app().wait_listening()
         wait_for(lambda: self.tray.status(), "the menu")
 
@@ -151,11 +137,8 @@ class Views(AppTest):
     LIBRARY = "libvelloway-views.so"
 
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.prefix = pathlib.Path(folder.name)
+        self.tray = self.use_tray()
+        self.prefix = self.make_folder()
         (self.prefix / "bin").mkdir()
         self.program = shutil.copy(APP, self.prefix / "bin" / "velloway")
 

@@ -4,11 +4,9 @@ import hashlib
 import json
 import os
 import pathlib
-import tempfile
 import unittest
 
-from support import (APP, AppTest, NODE_CLIENT, NotificationService, PATIENCE, Process, TrayWatcher, clipboard,
-                     visible_windows, wait_for)
+from support import APP, AppTest, NODE_CLIENT, TIMEOUT, Process, clipboard, visible_windows, wait_for
 
 
 class PaperPhone(Process):
@@ -23,20 +21,16 @@ class PaperPhone(Process):
     def events(self, what):
         return [event for event in map(json.loads, list(self.lines)) if event["what"] == what]
 
-    def wait(self, what, count=1, seconds=PATIENCE):
+    def wait(self, what, count=1, seconds=TIMEOUT):
         wait_for(lambda: len(self.events(what)) >= count, f"{count} times {what}; so far {self.lines[-20:]}", seconds)
         return self.events(what)[-1]
 
 
 class Protocol(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions", "inline-reply"])
-        self.addCleanup(self.service.remove_from_connection)
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions", "inline-reply"])
+        self.folder = self.make_folder()
         (self.folder / "phone").mkdir()
         self.app = self.start_app().wait_listening()
         self.phone = self.start(PaperPhone(self.app.port, str(self.folder / "phone")))

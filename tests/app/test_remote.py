@@ -6,7 +6,7 @@ import pty
 import subprocess
 import unittest
 
-from support import AppTest, PATIENCE, PHONE, Process, TrayWatcher, run, visible_windows, wait_for
+from support import AppTest, TIMEOUT, PHONE, Process, run, visible_windows, wait_for
 
 
 def pointer():
@@ -16,8 +16,7 @@ def pointer():
 
 class Remote(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
         self.app = self.start_app().wait_listening()
         run("xdotool", "mousemove", "400", "300")
 
@@ -58,7 +57,7 @@ class Remote(AppTest):
         os.write(master, b"move -12 -12\nquit\n")
         wait_for(lambda: pointer() == (400, 300), "the pointer moved by a command")
         player.stdout.read()
-        self.assertEqual(player.wait(PATIENCE), 0)
+        self.assertEqual(player.wait(TIMEOUT), 0)
 
 
 if __name__ == "__main__":

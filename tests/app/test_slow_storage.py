@@ -4,20 +4,10 @@ import base64
 import os
 import pathlib
 import re
-import tempfile
 import time
 import unittest
 
-from support import (
-    App,
-    AppTest,
-    NotificationService,
-    TrayWatcher,
-    free_port,
-    run,
-    terminate,
-    wait_for,
-)
+from support import App, AppTest, free_port, run, terminate, wait_for
 
 PIECE = 600_000
 # How long storage takes for each call, and within which time the others are served.
@@ -32,13 +22,9 @@ def pointer():
 
 class SlowStorage(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions"])
-        self.addCleanup(self.service.remove_from_connection)
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.report = pathlib.Path(folder.name) / "calls"
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions"])
+        self.report = self.make_folder() / "calls"
         self.report.touch()
 
     def start_slow_app(self, seconds=SLOW):

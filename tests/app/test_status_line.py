@@ -3,13 +3,12 @@
 import socket
 import unittest
 
-from support import AppTest, TrayWatcher, stays, wait_for
+from support import AppTest, stays, wait_for
 
 
 class StatusLine(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
 
     def occupy(self):
         taken = socket.socket(socket.AF_INET6)

@@ -2,7 +2,7 @@
 
 import unittest
 
-from support import AppTest, TrayWatcher, colors, screenshot, visible_windows, wait_for
+from support import AppTest, colors, screenshot, visible_windows, wait_for
 
 ROWS = [
     "Velloway", None, "Server: listening on :{port}", None, "Call…", "Send SMS…", "File Drop…", "Notifications…",
@@ -12,8 +12,7 @@ ROWS = [
 
 class Tray(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
         self.app = self.start_app().wait_listening()
         wait_for(lambda: self.tray.status() == f"Server: listening on :{self.app.port}", "the status line")
 

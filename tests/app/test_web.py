@@ -12,8 +12,7 @@ import time
 import unittest
 
 from chromium import CHROMIUM, CONTRASTS, MISFITS, Chromium, Pointer, Relay
-from support import (APP, PATIENCE, AppTest, NotificationService, Process, TrayWatcher, clipboard, run, stays, turn,
-                     visible_windows, wait_for)
+from support import APP, TIMEOUT, AppTest, Process, clipboard, run, stays, turn, visible_windows, wait_for
 
 PAGE = pathlib.Path(__file__).parents[2] / "tools" / "phone" / "web" / "phone.html"
 MEGABYTE = 1_000_000
@@ -27,10 +26,8 @@ def digest(path):
 @unittest.skipUnless(CHROMIUM, "chromium is not installed; tools/set-up installs it")
 class Web(AppTest):
     def setUp(self):
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions"])
-        self.addCleanup(self.service.remove_from_connection)
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions"])
         folder = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
@@ -110,7 +107,7 @@ class Web(AppTest):
             number = self.page.post("Input.dispatchTouchEvent", type="touchMove",
                                     touchPoints=[{"x": x + 2 * step, "y": y, "id": 0}])
             while self.pointer.place() == before:
-                self.assertLess(time.monotonic() - begin, PATIENCE, "the pointer has not moved")
+                self.assertLess(time.monotonic() - begin, TIMEOUT, "the pointer has not moved")
             figures.append(time.monotonic() - begin)
             wait_for(lambda: self.page.replies.pop(number, None), "the answer to the touch")
             waits.append(self.page.js("sent[0][0] - first") / 1000)

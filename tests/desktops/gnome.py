@@ -13,7 +13,7 @@ sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).p
 import dbus
 
 from kwin import DARK, HEIGHT, KwinTest, WIDTH
-from support import APP, PATIENCE, Process, call, stays, wait_for
+from support import APP, TIMEOUT, Process, call, stays, wait_for
 from window_managers import BLUE
 
 MAIN = "Velloway Settings"
@@ -108,7 +108,7 @@ class GnomeTest(KwinTest):
                                                introspect=False)
         call(service, "org.gnome.Shell.Screenshot", "Screenshot", dbus.Boolean(False), dbus.Boolean(False), str(file))
         raw = subprocess.run(["convert", str(file), "-depth", "8", "bgra:-"], check=True, capture_output=True,
-                             timeout=PATIENCE).stdout
+                             timeout=TIMEOUT).stdout
         return [raw[row * 4 * WIDTH:(row + 1) * 4 * WIDTH] for row in range(HEIGHT)]
 
 

@@ -10,8 +10,7 @@ import threading
 import dbus
 
 from kwin_input import Input
-from support import App, AppTest, NotificationService, PATIENCE, Process, SCREENSHOTS, TrayWatcher, call, free_port, \
-    wait_for
+from support import App, AppTest, TIMEOUT, Process, SCREENSHOTS, call, free_port, wait_for
 from window_managers import BUTTON, GREEN, RED
 
 WIDTH, HEIGHT = 1280, 720
@@ -36,11 +35,9 @@ class KwinTest(AppTest):
         self.environment = self.start_compositor()
         self.input = self.make_input()
         self.addCleanup(self.input.close)
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
         if self.service_capabilities:
-            self.service = NotificationService(self.service_capabilities)
-            self.addCleanup(self.service.remove_from_connection)
+            self.service = self.use_notification_service(self.service_capabilities)
         self.prepare()
         chosen = {"QT_QPA_PLATFORM": self.platform} if self.platform else {}
         self.app_environment = self.environment | chosen
@@ -93,7 +90,7 @@ class KwinTest(AppTest):
                      dbus.UInt32(WIDTH), dbus.UInt32(HEIGHT), dbus.Dictionary({}, signature="sv"),
                      dbus.types.UnixFd(writer))
         os.close(writer)
-        collector.join(PATIENCE)
+        collector.join(TIMEOUT)
         stride = int(shape["stride"])
         return [raw[row * stride:row * stride + 4 * WIDTH] for row in range(HEIGHT)]
 
@@ -145,7 +142,7 @@ class KwinTest(AppTest):
         return "".join(line.removeprefix("key ") for line in list(window.lines) if line.startswith("key "))
 
     def x11_words(self, *command):
-        return subprocess.run(command, env=self.environment, capture_output=True, text=True, timeout=PATIENCE).stdout
+        return subprocess.run(command, env=self.environment, capture_output=True, text=True, timeout=TIMEOUT).stdout
 
     def active_x11_window(self):
         """The name of the window with the keyboard among those of the X server, as the compositor says."""

@@ -8,7 +8,7 @@ import unittest
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
 from kwin import DARK, KwinTest, WIDTH, missing
-from support import APP, PATIENCE, Process, stays, wait_for
+from support import APP, TIMEOUT, Process, stays, wait_for
 from window_managers import BLUE, GREEN
 
 MAIN = "Velloway Settings"
@@ -118,7 +118,7 @@ class Windows(KwinTest):
 
     def test_a_second_start_raises_a_minimised_window(self):
         subprocess.run(["xdotool", "search", "--name", MAIN, "windowminimize"], env=self.environment, check=True,
-                       timeout=PATIENCE)
+                       timeout=TIMEOUT)
         wait_for(lambda: self.active_x11_window() != MAIN, "the window is minimised")
         window = self.other_window()
         self.second_start()
@@ -151,7 +151,7 @@ class Clipboard(KwinTest):
 
     def pasted(self):
         return subprocess.run(["wl-paste", "--no-newline"], env=self.environment, capture_output=True,
-                              timeout=PATIENCE).stdout.decode()
+                              timeout=TIMEOUT).stdout.decode()
 
     def wait_pasted(self, text):
         wait_for(lambda: self.pasted() == text, f"{text[:60]!r} on the clipboard")

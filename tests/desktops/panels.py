@@ -5,7 +5,7 @@ import sys
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
-from support import NotificationService, run, wait_for
+from support import run, wait_for
 from window_managers import (BLUE, BUTTON, DesktopTest, GREEN, active_window, buttons, main, pixels, states,
                              words)
 
@@ -136,8 +136,7 @@ class Panels(DesktopTest):
         self.assertEqual(self.node.wait_message("reply"), {"action": "reply", "key": "k1", "message": "On my way"})
 
     def test_a_reply_panel_takes_the_keyboard_over_a_full_screen_window(self):
-        service = NotificationService(["body", "actions"])
-        self.addCleanup(service.remove_from_connection)
+        service = self.use_notification_service(["body", "actions"])
         self.full_screen_terminal()
         self.node.send({"app": "Chat", "title": "Ada", "body": "See you at seven?", "key": "k1"})
         shown = service.wait_shown("Chat")

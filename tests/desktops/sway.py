@@ -10,8 +10,7 @@ import unittest
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
-from support import (APP, App, AppTest, NotificationService, PATIENCE, Process, SCREENSHOTS, TrayWatcher, free_port, run,
-                     wait_for)
+from support import APP, App, AppTest, TIMEOUT, Process, SCREENSHOTS, free_port, run, wait_for
 
 CONFIG = """
 xwayland disable
@@ -39,10 +38,8 @@ class SwayTest(AppTest):
         socket_name = wait_for(wayland_sockets, "the compositor's socket")[0].name
         self.environment = plain | {"WAYLAND_DISPLAY": socket_name, "QT_QPA_PLATFORM": "wayland",
                                     "SWAYSOCK": str(wait_for(self.ipc_socket, "the compositor's command socket"))}
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions"])
-        self.addCleanup(self.service.remove_from_connection)
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions"])
         self.app = self.start(App(free_port(), env=self.environment)).wait_listening()
         self.node = self.start_node(self.app.port)
 
@@ -79,12 +76,12 @@ class SwayTest(AppTest):
 
     def pasted(self):
         found = subprocess.run(["wl-paste", "--no-newline"], env=self.environment, capture_output=True,
-                               timeout=PATIENCE)
+                               timeout=TIMEOUT)
         return found.stdout.decode() if found.returncode == 0 else None
 
     def types(self):
         return subprocess.run(["wl-paste", "--list-types"], env=self.environment, capture_output=True, text=True,
-                              timeout=PATIENCE).stdout.split()
+                              timeout=TIMEOUT).stdout.split()
 
     def wait_pasted(self, text):
         wait_for(lambda: self.pasted() == text, f"{text[:60]!r} on the clipboard")

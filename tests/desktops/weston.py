@@ -8,7 +8,7 @@ import unittest
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent), str(pathlib.Path(__file__).parents[1] / "app")]
 
-from support import App, AppTest, NotificationService, Process, TrayWatcher, free_port, wait_for
+from support import App, AppTest, Process, free_port, wait_for
 
 
 class HiddenClipboard(AppTest):
@@ -16,10 +16,8 @@ class HiddenClipboard(AppTest):
         plain = {key: text for key, text in os.environ.items() if key not in ("DISPLAY", "QT_QPA_PLATFORM")}
         self.start(Process("weston", "--backend=headless-backend.so", "--socket=wayland-test", "--no-config", env=plain))
         wait_for((pathlib.Path(os.environ["XDG_RUNTIME_DIR"]) / "wayland-test").exists, "the compositor's socket")
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
-        self.service = NotificationService(["body", "actions"])
-        self.addCleanup(self.service.remove_from_connection)
+        self.tray = self.use_tray()
+        self.service = self.use_notification_service(["body", "actions"])
         environment = plain | {"WAYLAND_DISPLAY": "wayland-test", "QT_QPA_PLATFORM": "wayland"}
         self.app = self.start(App(free_port(), env=environment)).wait_listening()
         self.node = self.start_node(self.app.port)

@@ -13,7 +13,7 @@ import unittest
 
 import dbus
 
-from support import AppTest, PATIENCE, Process, TrayWatcher, run, screenshot, stays, wait_for
+from support import AppTest, TIMEOUT, Process, run, screenshot, stays, wait_for
 
 XFCONF = "/usr/lib/x86_64-linux-gnu/xfce4/xfconf/xfconfd"
 WORKSPACES = 4
@@ -85,7 +85,7 @@ MANAGERS = {
 
 
 def words(*command):
-    found = subprocess.run(command, capture_output=True, text=True, timeout=PATIENCE)
+    found = subprocess.run(command, capture_output=True, text=True, timeout=TIMEOUT)
     return found.stdout if found.returncode == 0 else ""
 
 
@@ -113,7 +113,7 @@ def states(window):
 
 def pixels(x, y, width, height):
     raw = subprocess.run(["import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage",
-                          "-depth", "8", "rgb:-"], capture_output=True, check=True, timeout=PATIENCE).stdout
+                          "-depth", "8", "rgb:-"], capture_output=True, check=True, timeout=TIMEOUT).stdout
     return [raw[at:at + 3] for at in range(0, len(raw), 3)]
 
 
@@ -153,8 +153,7 @@ class DesktopTest(AppTest):
         if "xfce4-panel" in chosen.commands[-1]:
             wait_for(lambda: windows_in("_NET_CLIENT_LIST"), "the panel of the desktop")
         run("xdotool", "mousemove", "400", "600")
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
         self.app = self.start_app().wait_listening()
         self.node = self.start_node(self.app.port)
 
@@ -167,7 +166,7 @@ class DesktopTest(AppTest):
     def picture(self, name):
         screenshot(f"desktops-{self.manager}-{name}")
 
-    def terminal(self, *options, seconds=PATIENCE):
+    def terminal(self, *options, seconds=TIMEOUT):
         """A terminal with the keyboard, which notes the first line typed into it."""
         typed = pathlib.Path(os.environ["HOME"]) / f"typed-{time.monotonic_ns()}"
         program = self.start(Process("xterm", *options, "-u8", "-e", "sh", "-c", f"head -n 1 > '{typed}'; sleep 600"))

@@ -6,8 +6,7 @@ import shutil
 import subprocess
 import time
 
-from support import App, AppTest, NotificationService, PATIENCE, Process, SCREENSHOTS, TrayWatcher, free_port, run, \
-    stays, wait_for
+from support import App, AppTest, TIMEOUT, Process, SCREENSHOTS, free_port, run, stays, wait_for
 from window_managers import BLUE, BUTTON, GREEN, RED
 
 WIDTH, HEIGHT = 1280, 720
@@ -51,11 +50,9 @@ class WlrootsTest(AppTest):
         x11, wayland, socket = (home / "displays").read_text().split()
         self.environment = plain | {"DISPLAY": x11, "WAYLAND_DISPLAY": wayland, "SWAYSOCK": socket,
                                     "XDG_SESSION_TYPE": "wayland"}
-        self.tray = TrayWatcher()
-        self.addCleanup(self.tray.remove_from_connection)
+        self.tray = self.use_tray()
         if self.service_capabilities:
-            self.service = NotificationService(self.service_capabilities)
-            self.addCleanup(self.service.remove_from_connection)
+            self.service = self.use_notification_service(self.service_capabilities)
         self.app = self.start(App(free_port(), env=self.environment)).wait_listening()
         self.node = self.start_node(self.app.port)
 
@@ -82,7 +79,7 @@ class WlrootsTest(AppTest):
 
     def pixels(self, x, y, width, height):
         raw = subprocess.run(["grim", "-t", "ppm", "-g", f"{x},{y} {width}x{height}", "-"], env=self.environment,
-                             capture_output=True, check=True, timeout=PATIENCE).stdout
+                             capture_output=True, check=True, timeout=TIMEOUT).stdout
         raw = raw[-3 * width * height:]
         return [raw[at:at + 3] for at in range(0, len(raw), 3)]
 
