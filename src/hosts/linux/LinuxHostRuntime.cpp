@@ -2,6 +2,7 @@
 #include "hosts/linux/desktop/LinuxDesktop.h"
 #include "hosts/linux/desktop/LinuxMemory.h"
 #include "hosts/linux/desktop/LinuxScripts.h"
+#include "hosts/linux/desktop/MediaControls.h"
 #include "hosts/linux/input/InputSession.h"
 #include "hosts/linux/input/PermissionWorkspace.h"
 #include "hosts/linux/network/AsioQueue.h"
@@ -50,11 +51,17 @@ struct LinuxPorts : LinuxDesktop {
     using LinuxDesktop::LinuxDesktop;
 
     LinuxUserNotificationCenter notificationCenter{mainQueue};
+    MediaControls mediaControls{[this](const std::string& error) { logScriptError(log, error); }};
     std::unique_ptr<LinuxInput> input = makeLinuxInput({
         .settings = LinuxUserDefaults::defaultFile(),
         .warn =
             [this](std::string_view warning) {
                 log.line({"[Input] ", warning});
+            },
+        .pressUnclaimed =
+            [this](MediaKey key, InputNeeds::MediaKeyDone done) {
+                QMetaObject::invokeMethod(
+                    &mediaControls, [this, key, done = std::move(done)] { mediaControls.press(key, done); });
             },
     });
     InputEvents& inputEvents = *input;

@@ -54,32 +54,46 @@ const std::vector<VolumeControl::Tool>& VolumeControl::tools() {
         {"wpctl",
          {"get-volume", "@DEFAULT_AUDIO_SINK@"},
          {"set-volume", "@DEFAULT_AUDIO_SINK@"},
+         {"set-mute", "@DEFAULT_AUDIO_SINK@", "toggle"},
          parseFraction},
-        {"pactl", {"get-sink-volume", "@DEFAULT_SINK@"}, {"set-sink-volume", "@DEFAULT_SINK@"}, parsePercent},
+        {"pactl",
+         {"get-sink-volume", "@DEFAULT_SINK@"},
+         {"set-sink-volume", "@DEFAULT_SINK@"},
+         {"set-sink-mute", "@DEFAULT_SINK@", "toggle"},
+         parsePercent},
     };
     return all;
 }
 
 std::optional<std::string> VolumeControl::change(int points) {
+    return enqueue(points);
+}
+
+std::optional<std::string> VolumeControl::toggleMute() {
+    return enqueue(std::nullopt);
+}
+
+std::optional<std::string> VolumeControl::enqueue(Change change) {
     const bool hasTool =
         std::any_of(tools().begin(), tools().end(), [](const Tool& tool) { return findProgram(tool.name); });
     if (!hasTool) {
         return "The volume can't be changed: neither wpctl nor pactl is installed.";
     }
-    changes_.push_back(points);
+    changes_.push_back(change);
     startNext();
     return std::nullopt;
 }
 
 void VolumeControl::startNext() {
-    if (!isBusy_ && !changes_.empty()) {
-        isBusy_ = true;
-        readWith(0, "The volume can't be read.");
+    if (isBusy_ || changes_.empty()) {
+        return;
     }
+    isBusy_ = true;
+    tryTool(0, changes_.front() ? "The volume can't be read." : "The sound can't be turned off.");
 }
 
 /// A tool can be installed without its sound server; the next one is tried then.
-void VolumeControl::readWith(std::size_t toolIndex, std::string complaint) {
+void VolumeControl::tryTool(std::size_t toolIndex, std::string complaint) {
     if (toolIndex == tools().size()) {
         finish(complaint);
         return;
@@ -87,24 +101,34 @@ void VolumeControl::readWith(std::size_t toolIndex, std::string complaint) {
     const Tool& tool = tools()[toolIndex];
     const auto program = findProgram(tool.name);
     if (!program) {
-        readWith(toolIndex + 1, std::move(complaint));
+        tryTool(toolIndex + 1, std::move(complaint));
         return;
     }
     startChild(
-        *this, *program, tool.readArguments,
+        *this, *program, changes_.front() ? tool.readArguments : tool.muteArguments,
         [this, &tool, program = *program, toolIndex](const ChildResult& result) {
-            const auto present = result.succeeded() ? tool.parse(result.output) : std::nullopt;
-            if (present) {
-                write(tool, program, *present);
-            } else {
-                readWith(toolIndex + 1, result.complaint);
+            if (!result.succeeded() || !handle(tool, program, result.output)) {
+                tryTool(toolIndex + 1, result.complaint);
             }
         },
         toolTimeLimit);
 }
 
+/// What the tool's first call has answered; false when it makes no sense.
+bool VolumeControl::handle(const Tool& tool, const QString& program, const std::string& answer) {
+    if (!changes_.front()) {
+        finish("");
+        return true;
+    }
+    const auto present = tool.parse(answer);
+    if (present) {
+        write(tool, program, *present);
+    }
+    return present.has_value();
+}
+
 void VolumeControl::write(const Tool& tool, const QString& program, int present) {
-    const int change = changes_.front();
+    const int change = changes_.front().value_or(0);
     // The desktop may have raised the volume beyond 100, and then up must not lower it.
     const int highest = change < 0 ? present : std::max(present, 100);
     const int wanted = std::clamp(present + change, 0, highest);

@@ -45,7 +45,7 @@ InputSession currentInputSession() {
 std::unique_ptr<LinuxInput> makeLinuxInput(const InputNeeds& needs) {
     switch (currentInputSession()) {
     case InputSession::x11:
-        return std::make_unique<X11Input>();
+        return std::make_unique<X11Input>(needs);
     case InputSession::wayland:
         if (auto devices = VirtualDevices::connect()) {
             return devices;

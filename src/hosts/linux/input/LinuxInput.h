@@ -25,6 +25,12 @@ struct InputNeeds {
     std::filesystem::path settings = {};
     /// Receives one line about input that this session does not take. Any thread.
     std::function<void(std::string_view)> warn = [](std::string_view) {};
+    /// Does what a media key is for when no program of the desktop has claimed it, and calls `done` once with
+    /// whether anything took it; otherwise the program with the keyboard gets the key. Any thread, both.
+    using MediaKeyDone = std::function<void(bool isDone)>;
+    std::function<void(MediaKey, MediaKeyDone done)> pressUnclaimed = [](MediaKey, const MediaKeyDone& done) {
+        done(false);
+    };
 };
 
 } // namespace velloway

@@ -32,12 +32,17 @@ public:
     void fakeInput(std::uint8_t type, std::uint8_t detail, xcb_window_t window = XCB_NONE, std::int16_t x = 0,
                    std::int16_t y = 0);
     void flush() { xcb_flush(connection_); }
+    /// Whether a program has claimed this key on the whole desktop, with any modifiers or with none.
+    bool isKeyGrabbed(std::uint8_t keycode);
     /// Waits until the server has done all that was asked of it.
     void sync();
     /// Discards events that nobody reads, so that they do not pile up.
     void discardEvents();
 
 private:
+    bool isGrabbedByCoreRequest(std::uint8_t keycode);
+    bool isGrabbedByInputExtension(std::uint8_t keycode);
+
     xcb_connection_t* connection_;
     xcb_window_t root_ = XCB_NONE;
     bool hasTestExtension_ = false;

@@ -6,19 +6,27 @@ namespace velloway {
 
 void X11Input::pressKey(Key key, Modifiers modifiers) {
     if (isReady_) {
-        keyboard_.press(keysymsOf(key, modifiers));
+        keyboard_->press(keysymsOf(key, modifiers));
     }
 }
 
 void X11Input::typeText(std::string_view text) {
     if (isReady_) {
-        keyboard_.type(keysymsOf(text));
+        keyboard_->type(keysymsOf(text));
     }
 }
 
 void X11Input::pressMediaKey(MediaKey key) {
     if (isReady_) {
-        keyboard_.press({keysymOf(key)});
+        const std::uint32_t keysym = keysymOf(key);
+        keyboard_->pressIfClaimed(
+            keysym, [press = needs_.pressUnclaimed, key, keysym, keyboard = std::weak_ptr(keyboard_)] {
+                press(key, [keyboard, keysym](bool isDone) {
+                    if (const auto stillThere = isDone ? nullptr : keyboard.lock()) {
+                        stillThere->press({keysym});
+                    }
+                });
+            });
     }
 }
 

@@ -52,6 +52,23 @@ void X11Keyboard::press(std::vector<std::uint32_t> keysyms) {
     post([this, keysyms = std::move(keysyms)] { sendTogether(keysyms); });
 }
 
+void X11Keyboard::pressIfClaimed(std::uint32_t keysym, std::function<void()> otherwise) {
+    post([this, keysym, otherwise = std::move(otherwise)] {
+        if (isClaimed(keysym)) {
+            const std::uint32_t keysyms[] = {keysym};
+            sendTogether(keysyms);
+        } else {
+            otherwise();
+        }
+    });
+}
+
+/// A key that is on no keyboard can't have been claimed.
+bool X11Keyboard::isClaimed(std::uint32_t keysym) {
+    const auto press = keymap_.find(keysym);
+    return press && connection_.isKeyGrabbed(press->keycode);
+}
+
 void X11Keyboard::type(std::vector<std::uint32_t> keysyms) {
     post([this, keysyms = std::move(keysyms)] { sendInTurn(keysyms); });
 }

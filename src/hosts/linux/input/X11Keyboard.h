@@ -32,6 +32,9 @@ public:
     bool isUsable() const { return isUsable_; }
     /// Presses the keys one after the other and releases them the other way round.
     void press(std::vector<std::uint32_t> keysyms);
+    /// Presses a key if a program has claimed it for the whole desktop, whatever has the keyboard; calls
+    /// `otherwise` if none has, on a thread of this object.
+    void pressIfClaimed(std::uint32_t keysym, std::function<void()> otherwise);
     /// Types one key after the other, with whatever each of them needs.
     void type(std::vector<std::uint32_t> keysyms);
 
@@ -51,6 +54,7 @@ private:
     std::vector<std::uint32_t> missingIn(std::span<const std::uint32_t> keysyms) const;
     bool borrow(std::span<const std::uint32_t> keysyms);
     std::optional<X11KeyPress> find(std::uint32_t keysym) const;
+    bool isClaimed(std::uint32_t keysym);
     std::optional<std::uint8_t> keycodeOf(std::uint32_t keysym);
     void fake(std::uint8_t keycode, bool isDown);
     void tap(X11KeyPress key);
