@@ -25,10 +25,10 @@ MainBridge::MainBridge(std::shared_ptr<SettingsView> view)
       clipboard_(view_->clipboard),
       settings_(view_->settings),
       info_(view_->info),
-      bridges_{{tabIndex::call, &calls_},        {tabIndex::sms, &sms_},
-               {tabIndex::fileDrop, &fileDrop_}, {tabIndex::notifications, &notifications_},
-               {tabIndex::remote, &remote_},     {tabIndex::clipboard, &clipboard_},
-               {tabIndex::settings, &settings_}, {tabIndex::info, &info_}},
+      bridges_{{tabIndex::call, calls_},        {tabIndex::sms, sms_},
+               {tabIndex::fileDrop, fileDrop_}, {tabIndex::notifications, notifications_},
+               {tabIndex::remote, remote_},     {tabIndex::clipboard, clipboard_},
+               {tabIndex::settings, settings_}, {tabIndex::info, info_}},
       tabs_(this, &TabRow::index,
             {{"tabIndex", &TabRow::index}, {"title", &TabRow::title}, {"symbol", &TabRow::symbol}}),
       selectedTab_(view_->selectedTab.observe([this](std::int64_t) { selectedTabChanged(); })),
@@ -70,7 +70,7 @@ void MainBridge::showTab() {
     if (onScreen_ && std::exchange(tabThatAppeared_, selected) != selected) {
         view_->tabAppears(selected);
     }
-    TabBridge* next = bridges_.at(shownTab(selected));
+    TabBridge* next = &bridges_.at(shownTab(selected)).get();
     const bool isOther = next != tab_;
     if (tab_ && isOther) {
         tab_->setOnScreen(false);

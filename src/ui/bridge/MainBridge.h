@@ -11,6 +11,7 @@
 #include "tabs/SettingsView.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -72,7 +73,7 @@ private:
     ClipboardBridge clipboard_;
     SettingsBridge settings_;
     InfoBridge info_;
-    const std::map<int, TabBridge*> bridges_;
+    const std::map<int, std::reference_wrapper<TabBridge>> bridges_;
     RowModel<TabRow, int> tabs_;
     TabBridge* tab_ = nullptr;
     int selectedRow_ = -1;

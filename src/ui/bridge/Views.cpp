@@ -67,7 +67,7 @@ struct ContentView::Bridges {
     std::unique_ptr<CallPanelBridge> callPanel;
 };
 
-ContentView::ContentView(QQmlEngine& engine, std::shared_ptr<WindowContent> content)
+ContentView::ContentView(QQmlEngine& engine, const std::shared_ptr<WindowContent>& content)
     : QQuickView(&engine, nullptr), bridges_(std::make_unique<Bridges>()) {
     setResizeMode(SizeRootObjectToView);
     if (auto settings = std::dynamic_pointer_cast<SettingsView>(content)) {
@@ -86,7 +86,7 @@ ContentView::~ContentView() {
     setSource({});
 }
 
-void ContentView::setContent(std::shared_ptr<WindowContent> content) {
+void ContentView::setContent(const std::shared_ptr<WindowContent>& content) {
     if (auto callPanel = std::dynamic_pointer_cast<CallPanelContent>(content);
         callPanel && bridges_->callPanel) {
         bridges_->callPanel->setContent(std::move(callPanel));

@@ -1,5 +1,6 @@
 #include "hosts/linux/windows/IdleMemory.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <sstream>
@@ -14,8 +15,8 @@ namespace {
 
 /// One entry of the list of mappings that the system keeps for the process.
 struct Mapping {
-    std::uintptr_t start = 0;
-    std::uintptr_t end = 0;
+    void* start = nullptr;
+    void* end = nullptr;
     /// Of a file, not shared, and may not be written.
     bool isReadOnlyFile = false;
 };
@@ -29,9 +30,7 @@ bool readHead(const std::string& line, Mapping& mapping) {
     std::string device;
     std::uint64_t inode = 0;
     Mapping read;
-    if (!(words >> std::hex >> read.start >> dash >> read.end >> rights >> offset >> device >> std::dec >>
-          inode) ||
-        dash != '-') {
+    if (!(words >> read.start >> dash >> read.end >> rights >> offset >> device >> inode) || dash != '-') {
         return false;
     }
     read.isReadOnlyFile = inode != 0 && rights.size() == 4 && rights[1] == '-' && rights[3] == 'p';
@@ -46,7 +45,8 @@ void letGoOfLibraryPages() {
     for (std::string line; std::getline(list, line);) {
         if (!readHead(line, mapping) && mapping.isReadOnlyFile && line.starts_with("Anonymous:")) {
             if (line.find(" 0 kB") != std::string::npos) {
-                ::madvise(reinterpret_cast<void*>(mapping.start), mapping.end - mapping.start, MADV_DONTNEED);
+                const auto size = static_cast<std::byte*>(mapping.end) - static_cast<std::byte*>(mapping.start);
+                ::madvise(mapping.start, static_cast<std::size_t>(size), MADV_DONTNEED);
             }
         }
     }
