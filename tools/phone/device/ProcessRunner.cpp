@@ -233,12 +233,12 @@ void ProcessRunner::startNext() {
         auto [line, done] = std::move(waiting_.front());
         waiting_.pop_front();
         const auto place = std::make_shared<std::weak_ptr<Child>>();
-        const auto child = std::make_shared<Child>(loop_, std::move(line),
-                                                   [this, place, done = std::move(done)](CommandResult result) {
-                                                       running_.erase(place->lock());
-                                                       startNext();
-                                                       done(std::move(result));
-                                                   });
+        const auto child = std::make_shared<Child>(
+            loop_, std::move(line), [this, place, answer = std::move(done)](CommandResult result) {
+                running_.erase(place->lock());
+                startNext();
+                answer(std::move(result));
+            });
         *place = child;
         running_.insert(child);
         child->start();
