@@ -132,9 +132,13 @@ TEST_F(MacHostRuntimeTest, TheToolkitStartsInTheBackgroundAndFindsOurDelegate) {
     EXPECT_EQ(QCoreApplication::applicationName(), "Velloway");
 }
 
-TEST_F(MacHostRuntimeTest, TheServerHasAQueueOfItsOwnWithItsLabel) {
-    auto& serverQueue = dynamic_cast<MacDispatchQueue&>(host->platform().serverQueue);
-    EXPECT_EQ(fakeDispatch::factsOf(serverQueue.native()).label, "ws.server");
+TEST_F(MacHostRuntimeTest, EachQueueHasItsLabel) {
+    const Platform on = host->platform();
+    const std::pair<DispatchQueue&, const char*> queues[] = {
+        {on.serverQueue, "ws.server"}, {on.fileQueue, "ws.files"}, {on.readingQueue, "ws.reading"}};
+    for (const auto& [queue, label] : queues) {
+        EXPECT_EQ(fakeDispatch::factsOf(dynamic_cast<MacDispatchQueue&>(queue).native()).label, label);
+    }
 }
 
 TEST_F(MacHostRuntimeTest, TheLaunchInsideTheEventLoopGoesThroughItsStepsInOrder) {
