@@ -41,7 +41,8 @@ def code_of(line):
     if not bare or bare.startswith(('//', '#', '*', 'using ', 'namespace ', 'template', 'class ', 'struct ',
                                     'static_assert', 'assert(')):
         return ''
-    return re.sub(r'\s+//.*$', '', line)
+    # Room that is asked for in advance changes nothing but the speed.
+    return '' if '.reserve(' in bare else re.sub(r'\s+//.*$', '', line)
 
 
 def outside_texts(line, start):
