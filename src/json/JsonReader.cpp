@@ -143,8 +143,7 @@ simdjson::error_code JsonReader::State::parse(std::string_view json, std::size_t
         passTexts(root, text.longTexts);
         return simdjson::SUCCESS;
     }
-    // The whole text decides about the error.
-    text.longTexts.clear();
+    // The whole text decides about the error. No text that was cut out has a place by now.
     const auto failure = parseWhole(json, readableAfter);
     if (failure == simdjson::SUCCESS) {
         return failure;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <memory>
@@ -13,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace velloway::test {
 namespace {
@@ -240,6 +242,86 @@ TEST_F(PosixFilesTest, ClosingAndDestroyingGiveTheDescriptorBackOnce) {
         ::close(taken);
     }
     EXPECT_EQ(openDescriptors(), before);
+}
+
+class ManyFilesTest : public PosixFilesTest {
+protected:
+    /// More than the process may have descriptors for the files that are being written.
+    void beginOthers() {
+        for (std::size_t number = 0; number < PosixFiles::mostOpenWriters; ++number) {
+            others.push_back(files.create(folder.path() / ("other" + std::to_string(number)), error));
+            ASSERT_TRUE(others.back());
+        }
+    }
+
+    std::vector<std::unique_ptr<FileWriter>> others;
+};
+
+TEST_F(ManyFilesTest, AThousandUnfinishedFilesLeaveDescriptorsForTheRest) {
+    const int before = openDescriptors();
+    std::vector<std::unique_ptr<FileWriter>> writers;
+    const auto place = [this](std::size_t number) { return folder.path() / std::to_string(number); };
+    for (std::size_t number = 0; number < 1'000; ++number) {
+        writers.push_back(files.create(place(number), error));
+        ASSERT_TRUE(writers.back()) << number << ": " << error.message();
+    }
+    const int most = before + static_cast<int>(PosixFiles::mostOpenWriters);
+    EXPECT_EQ(openDescriptors(), most);
+    for (const char* piece : {"one", "two"}) {
+        for (const auto& writer : writers) {
+            ASSERT_TRUE(writer->append(piece, error)) << error.message();
+            ASSERT_LE(openDescriptors(), most);
+        }
+    }
+    for (std::size_t number = 0; number < writers.size(); ++number) {
+        EXPECT_FALSE(writers[number]->close());
+        EXPECT_EQ(readText(place(number)), "onetwo") << number;
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(ManyFilesTest, TheFilesThatWereWrittenLastKeepTheirDescriptors) {
+    const auto written = files.create(path, error);
+    const auto idle = files.create(folder.path() / "b", error);
+    beginOthers();
+    EXPECT_EQ(written->append("one", error), 3);
+    EXPECT_EQ(others.front()->append("one", error), 3);
+    // A file that has its descriptor is written wherever it has been moved to.
+    std::filesystem::rename(path, folder.path() / "moved");
+    std::filesystem::rename(folder.path() / "b", folder.path() / "moved too");
+    EXPECT_EQ(written->append("two", error), 6);
+    EXPECT_EQ(readText(folder.path() / "moved"), "onetwo");
+    EXPECT_FALSE(idle->append("two", error));
+    EXPECT_EQ(error, std::errc::no_such_file_or_directory);
+}
+
+TEST_F(ManyFilesTest, AFileThatCameToThePlaceOfAnUnfinishedOneIsNotWritten) {
+    const auto file = files.create(path, error);
+    EXPECT_EQ(file->append("one", error), 3);
+    beginOthers();
+    writeText(folder.path() / "new", "new");
+    std::filesystem::rename(folder.path() / "new", path);
+    EXPECT_FALSE(file->append("two", error));
+    EXPECT_EQ(error, std::error_code(ESTALE, std::system_category()));
+    EXPECT_EQ(readText(path), "new");
+    EXPECT_FALSE(file->close());
+}
+
+TEST_F(ManyFilesTest, AnUnfinishedFileThatHasGoneFailsToBeWritten) {
+    const auto file = files.create(path, error);
+    beginOthers();
+    std::filesystem::remove(path);
+    EXPECT_FALSE(file->append("one", error));
+    EXPECT_EQ(error, std::errc::no_such_file_or_directory);
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(ManyFilesTest, WritersMayOutliveTheirFiles) {
+    auto maker = std::make_unique<PosixFiles>();
+    const auto file = maker->create(path, error);
+    maker.reset();
+    EXPECT_EQ(file->append("one", error), 3);
+    EXPECT_FALSE(file->close());
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <future>
 #include <limits>
+#include <memory>
 
 namespace velloway::test {
 
@@ -106,6 +107,55 @@ protected:
 
 private:
     Subscription subscription_;
+};
+
+/// Notes whether the storage is used by jobs of the right queue alone.
+class WatchedFiles : public Files {
+public:
+    WatchedFiles(FakeFiles& files, const FakeDispatchQueue& queue) : files_(files), queue_(queue) {}
+
+    std::unique_ptr<FileWriter> create(const std::filesystem::path& path, std::error_code& error) override {
+        note();
+        return files_.create(path, error);
+    }
+    std::unique_ptr<FileReader> open(const std::filesystem::path& path, std::error_code& error) override {
+        note();
+        return std::make_unique<Reader>(*this, files_.open(path, error));
+    }
+
+    int calls = 0;
+
+private:
+    class Reader : public FileReader {
+    public:
+        Reader(WatchedFiles& files, std::unique_ptr<FileReader> file) : files_(files), file_(std::move(file)) {}
+
+        std::optional<std::int64_t> size(std::error_code& error) override {
+            files_.note();
+            return file_->size(error);
+        }
+        std::optional<std::size_t> readAt(std::int64_t offset, char* to, std::size_t room,
+                                          std::error_code& error) override {
+            files_.note();
+            return file_->readAt(offset, to, room, error);
+        }
+        std::error_code close() override {
+            files_.note();
+            return file_->close();
+        }
+
+    private:
+        WatchedFiles& files_;
+        std::unique_ptr<FileReader> file_;
+    };
+
+    void note() {
+        ++calls;
+        EXPECT_TRUE(queue_.isCurrent());
+    }
+
+    FakeFiles& files_;
+    const FakeDispatchQueue& queue_;
 };
 
 } // namespace
@@ -322,6 +372,60 @@ TEST_F(OutgoingFilesTest, LeavesRoomForOtherWorkBetweenTwoChunks) {
         EXPECT_THAT(sentBefore, testing::Contains(count));
     }
     host.server.runAll();
+}
+
+TEST_F(OutgoingFilesTest, TouchesTheStorageInJobsOfTheReadingQueueAlone) {
+    FakeDispatchQueue reading;
+    WatchedFiles watched(host.files, reading);
+    std::shared_ptr<TextSeries> series;
+    OutgoingFiles watchedFiles({.main = host.main,
+                                .server = host.server,
+                                .reading = reading,
+                                .notifications = notificationManager,
+                                .host = host.host,
+                                .files = watched,
+                                .log = host.log,
+                                .send =
+                                    [&](const std::string&) {
+                                        EXPECT_TRUE(host.server.isCurrent());
+                                        host.journal.note("start");
+                                    },
+                                .sendChunk =
+                                    [&](std::shared_ptr<TextSeries> each, std::uint64_t) {
+                                        EXPECT_TRUE(host.server.isCurrent());
+                                        host.journal.note("chunk");
+                                        series = std::move(each);
+                                    }},
+                               link);
+    watchedFiles.sendFile(write("a.bin", bytesOfLength(2 * mebibyte + 1)));
+    drain(host.main, host.server);
+    EXPECT_EQ(watched.calls, 0);
+    EXPECT_TRUE(host.journal.take().empty());
+    drain(host.server, reading);
+    EXPECT_THAT(host.journal.take(),
+                testing::ElementsAre("start", "chunk", "chunk", "chunk", testing::StartsWith("add")));
+    EXPECT_EQ(banners(), fileSent("a.bin"));
+    EXPECT_EQ(watched.calls, 7) << "opened twice, its size read, three chunks read, closed";
+    host.main.runAll();
+
+    // What phones take later is read there too.
+    SharedText text;
+    series->make(1, [&](const SharedText& made, const auto&) { text = made; });
+    host.server.runAll();
+    EXPECT_EQ(watched.calls, 7);
+    drain(host.server, reading);
+    EXPECT_EQ(watched.calls, 8);
+    EXPECT_TRUE(text);
+}
+
+TEST_F(OutgoingFilesTest, HoldsTheTextsOfAllFilesTogetherWithinOneBound) {
+    takesChunks = false;
+    send(write("a.bin", bytesOfLength(4 * mebibyte)));
+    const auto first = std::move(chunks);
+    EXPECT_TRUE(first->atHand(0));
+    takesChunks = true;
+    send(write("b.bin", bytesOfLength(12 * mebibyte)));
+    EXPECT_FALSE(first->atHand(0)) << "the texts of the second file have taken its room";
 }
 
 TEST_F(OutgoingFilesTest, StopsWhenTheServerGoesInMidFile) {

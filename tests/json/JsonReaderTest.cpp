@@ -1,6 +1,8 @@
 #include "json/JsonReader.h"
 
 #include <gtest/gtest.h>
+#include <simdjson.h>
+#include <sys/mman.h>
 
 #include <cmath>
 #include <limits>
@@ -123,6 +125,11 @@ TEST_P(JsonReaderTest, ReadsNumbersBeyondADoubleAsInfinite) {
     EXPECT_EQ(value(std::string(400, '9'))->real(), std::numeric_limits<double>::infinity());
     EXPECT_EQ(value("-" + std::string(400, '9'))->real(), -std::numeric_limits<double>::infinity());
     EXPECT_EQ(value("1.7976931348623157e308")->real(), std::numeric_limits<double>::max());
+    EXPECT_EQ(value("1.5e400")->real(), std::numeric_limits<double>::infinity());
+    EXPECT_EQ(value("-1.5E+400")->real(), -std::numeric_limits<double>::infinity());
+    for (const std::string_view fragment : {"1.e400", "01e400", "1.5e400.5", "1e4005e", "-e400", "1..5e400"}) {
+        EXPECT_TRUE(isRefused(fragment)) << fragment;
+    }
 }
 
 TEST_P(JsonReaderTest, KeepsManyOddNumbersApart) {
@@ -238,6 +245,20 @@ TEST_P(JsonReaderTest, Takes512LevelsAndNoMore) {
         EXPECT_TRUE(parse(nested(511, sibling + std::string(empty)))) << empty;
         EXPECT_FALSE(parse(nested(512, sibling + std::string(empty)))) << empty;
     }
+    const auto nestedObjects = [](std::size_t levels, const std::string& inside) {
+        std::string text;
+        for (std::size_t level = 0; level < levels; ++level) {
+            text += R"({"a":)";
+        }
+        return text + inside + std::string(levels, '}');
+    };
+    for (const std::string_view inside : {"1", "[]", "{}", "[1]", R"({"b":1})"}) {
+        const std::size_t levels = inside == "1" ? 512 : 511;
+        EXPECT_TRUE(parse(nestedObjects(levels, std::string(inside)))) << inside;
+        EXPECT_FALSE(parse(nestedObjects(levels + 1, std::string(inside)))) << inside;
+        EXPECT_TRUE(parse(nested(levels, std::string(inside)))) << inside;
+        EXPECT_FALSE(parse(nested(levels + 1, std::string(inside)))) << inside;
+    }
     // Siblings do not add up, and numbers on the tape are not taken for brackets.
     std::string siblings = "[" + innermost;
     for (int i = 0; i < 600; ++i) {
@@ -257,6 +278,61 @@ TEST(JsonReader, RefusesValuesThatAreNeitherObjectNorArray) {
     }
     EXPECT_TRUE(reader.parse("[]", 0, error));
     EXPECT_TRUE(reader.parse("{}", 0, error));
+}
+
+TEST(JsonReader, SaysWhatIsWrongInTheWordsOfTheParserWithoutItsStop) {
+    JsonReader reader;
+    std::string error;
+    EXPECT_FALSE(reader.parse("1", 0, error));
+    EXPECT_EQ(error, "The text holds no object or array at top level");
+    EXPECT_FALSE(reader.parse("[1,]", 0, error));
+    std::string_view expected = simdjson::error_message(simdjson::TAPE_ERROR);
+    while (expected.ends_with('.')) {
+        expected.remove_suffix(1);
+    }
+    EXPECT_EQ(error, expected);
+}
+
+/// Texts that end where the memory of the process ends: to read one byte more is fatal.
+class EndOfMemory {
+public:
+    EndOfMemory()
+        : pages_(static_cast<char*>(
+              ::mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
+        ::mprotect(pages_ + size, size, PROT_NONE);
+    }
+    ~EndOfMemory() { ::munmap(pages_, 2 * size); }
+    EndOfMemory(const EndOfMemory&) = delete;
+    EndOfMemory& operator=(const EndOfMemory&) = delete;
+
+    /// The text with so many bytes behind it that may be read.
+    std::string_view place(std::string_view text, std::size_t readableAfter = 0) {
+        char* const at = pages_ + size - readableAfter - text.size();
+        text.copy(at, text.size());
+        return {at, text.size()};
+    }
+
+private:
+    static constexpr std::size_t size = 65'536;
+    char* const pages_;
+};
+
+TEST(JsonReader, ReadsNothingBeyondTheEnd) {
+    EndOfMemory memory;
+    JsonReader reader(8);
+    std::string error;
+    for (const std::string_view text : {R"({"a":"xyz"})", R"({"a":1e400})", R"({"a":1e400,"b":"c\)", R"(["a)",
+                                        R"(["a\)", R"([")", "[1e400"}) {
+        reader.parse(memory.place(text), 0, error);
+    }
+    for (std::size_t length = 0; length < 300; ++length) {
+        const std::string filler(length, 'x');
+        for (const char* end : {R"("})", R"(\)", "", R"(\")"}) {
+            const std::string text = R"({"a":")" + filler + end;
+            reader.parse(memory.place(text, 64), 64, error);
+            reader.parse(memory.place(text), 0, error);
+        }
+    }
 }
 
 TEST(JsonReader, ReadsInPlaceWhenThereIsRoomBehindTheText) {

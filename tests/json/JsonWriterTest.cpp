@@ -68,6 +68,20 @@ TEST(JsonWriter, EscapesAtEveryOffsetAndInEveryLength) {
     }
 }
 
+TEST(JsonWriter, EscapesByWhatTheTextHoldsAndNotByWhatLiesAround) {
+    const std::string around(64, 'a');
+    const std::string text = "aaaaaaaaaaa\"aaaaaaaaaaaaaaaa/";
+    const std::string all = around + text + around;
+    EXPECT_EQ(written(std::string_view(all).substr(around.size(), text.size())),
+              R"({"t":"aaaaaaaaaaa\"aaaaaaaaaaaaaaaa\/"})");
+}
+
+TEST(JsonWriter, WritesBytesAsBase64WithItsSlashesEscaped) {
+    JsonWriter writer;
+    writer.addBase64("data", "\xFF\xFF\xFF!");
+    EXPECT_EQ(std::move(writer).finish(), R"({"data":"\/\/\/\/IQ=="})");
+}
+
 TEST(JsonWriter, SparesNoCharacterWhenAllMustBeEscaped) {
     EXPECT_EQ(written(std::string(100, '/')), [] {
         std::string expected = "{\"t\":\"";

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -146,6 +147,44 @@ TEST_F(LongTextsTest, HoldsNothingButPlainCharacters) {
             expectSameAsWhole(R"({"data":")" + text + R"(","name":"b"})");
         }
     }
+}
+
+TEST_F(LongTextsTest, OfAnyContentAreReadAsBySomebodyWhoParsesEverything) {
+    std::mt19937 random(1);
+    const auto below = [&](unsigned count) { return random() % count; };
+    const std::vector<std::string> pieces{"a",     "bb",    "cccccccc", std::string(70, 'd'),
+                                          R"(\/)", R"(\")", R"(\\)",    R"(\u0041)",
+                                          " ",     R"(\n)", "\xC3\xBC"};
+    const std::vector<std::string> blanks{"", "", " ", "\n", std::string(12, ' '), std::string(90, ' ')};
+    const auto text = [&] {
+        std::string made = "\"";
+        for (unsigned count = below(6); count > 0; --count) {
+            made += pieces[below(static_cast<unsigned>(pieces.size()))];
+        }
+        return made + "\"";
+    };
+    const auto blank = [&] { return blanks[below(static_cast<unsigned>(blanks.size()))]; };
+    const auto value = [&] {
+        switch (below(4)) {
+        case 0:
+            return std::string("[") + blank() + text() + "," + text() + "]";
+        case 1:
+            return std::string(R"({"data":)") + text() + blank() + "}";
+        default:
+            return text();
+        }
+    };
+    const std::string mostOfIt = "\"" + std::string(900, 'd') + R"(\/dddddddd")";
+    int found = 0;
+    for (int round = 0; round < 3'000; ++round) {
+        const std::string message = R"({"x":)" + value() + blank() + R"(,"name":)" + blank() + text() +
+                                    blank() + R"(,"y":)" + value() + R"(,"data":)" +
+                                    (below(2) == 0 ? text() : mostOfIt) + blank() + "}";
+        expectSameAsWhole(message);
+        const auto root = parse(message);
+        found += root && isInPlace(root->member("data")->slashEscapedText().value_or("")) ? 1 : 0;
+    }
+    EXPECT_GT(found, 300) << "texts that were left where they are";
 }
 
 } // namespace

@@ -346,6 +346,7 @@ TEST(CommandRouter, StopsEveryMediaMessageWithoutPermission) {
 TEST(CommandRouter, TypesTextInsideTheCallWithoutAskingForPermission) {
     Rig rig;
     rig.accessibility.trusted = false;
+    rig.log.onLine = [&](const std::string&) { EXPECT_THAT(rig.input.posted, IsEmpty()) << "logged first"; };
     rig.router.handle({.command = "anything", .type = "keyboard_text", .text = "gr\u00FC\u00DFe"});
     EXPECT_THAT(rig.input.posted, ElementsAre(Input(TypedText{"gr\u00FC\u00DFe"})));
     EXPECT_EQ(rig.accessibility.checks, 0);

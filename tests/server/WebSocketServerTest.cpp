@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <optional>
+#include <string>
+#include <tuple>
 
 namespace velloway::test {
 namespace {
@@ -303,6 +306,34 @@ TEST_F(WebSocketServerTest, ACancelledConnectionIsLogged) {
     EXPECT_THAT(on.log.lines(),
                 ElementsAre("[WebSocketServer] Connection 192.168.1.20:50000 state changed to cancelled",
                             "[WebSocketServer] Connection 192.168.1.20:50000 cancelled"));
+}
+
+TEST_F(WebSocketServerTest, EveryStateOfAConnectionIsLoggedWithItsReason) {
+    const NetworkError error{.localizedDescription = "reset", .description = "104 reset"};
+    const std::tuple<ConnectionState, std::optional<NetworkError>, std::string> cases[] = {
+        {ConnectionState::setup, std::nullopt, "setup"},
+        {ConnectionState::waiting, std::nullopt, "waiting"},
+        {ConnectionState::waiting, error, "waiting(104 reset)"},
+        {ConnectionState::preparing, std::nullopt, "preparing"},
+        {ConnectionState::ready, std::nullopt, "ready"},
+        {ConnectionState::failed, std::nullopt, "failed"},
+        {ConnectionState::failed, error, "failed(104 reset)"},
+        {ConnectionState::cancelled, std::nullopt, "cancelled"},
+    };
+    listen();
+    for (const auto& [state, reason, text] : cases) {
+        const auto phone = connectUnready();
+        on.log.take();
+        phone->report(state, reason);
+        EXPECT_EQ(on.log.take().front(), "[WebSocketServer] Connection " + phone->endpoint().description +
+                                             " state changed to " + text);
+    }
+}
+
+TEST_F(WebSocketServerTest, TheSharedServerIsTheOneThatWasSet) {
+    WebSocketServer::setShared(server);
+    EXPECT_EQ(&WebSocketServer::shared(), server.get());
+    WebSocketServer::setShared(nullptr);
 }
 
 TEST_F(WebSocketServerTest, ADroppedServerIgnoresItsConnections) {

@@ -85,6 +85,7 @@ TEST_F(AppDelegateTest, TheMenuHasItsFifteenEntries) {
         int tag;
         bool isEnabled, isSeparator;
         std::string operation;
+        MenuItem::Action action = operation.empty() ? MenuItem::Action::none : MenuItem::Action::call;
     };
     const std::vector<Expected> expected{
         {"Velloway", "", 0, false, false, ""},
@@ -101,7 +102,7 @@ TEST_F(AppDelegateTest, TheMenuHasItsFifteenEntries) {
         {"Settings…", ",", 0, true, false, "onMenuSettings"},
         {"Info…", "i", 0, true, false, "onMenuInfo"},
         {"", "", 0, true, true, ""},
-        {"Quit Velloway", "q", 0, true, false, ""},
+        {"Quit Velloway", "q", 0, true, false, "", MenuItem::Action::terminate},
     };
     ASSERT_EQ(on.statusItem.menu.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {
@@ -112,6 +113,7 @@ TEST_F(AppDelegateTest, TheMenuHasItsFifteenEntries) {
         EXPECT_EQ(item.isEnabled, expected[i].isEnabled);
         EXPECT_EQ(item.isSeparator, expected[i].isSeparator);
         EXPECT_EQ(item.operation, expected[i].operation);
+        EXPECT_EQ(item.action, expected[i].action);
     }
 }
 
@@ -510,8 +512,9 @@ TEST_F(AppDelegateTest, FilesOfTheServiceAreSentInOrderAndTheFileTabOpens) {
 
 TEST_F(AppDelegateTest, AServiceCallWithoutFilesDoesNothing) {
     launch();
-    program.delegate().handleSendToAndroidService({.hasTypes = false});
-    program.delegate().handleSendToAndroidService({.hasTypes = true, .hasFileUrls = false});
+    const std::vector<std::filesystem::path> files{"/home/me/a.txt"};
+    program.delegate().handleSendToAndroidService({.hasTypes = false, .hasFileUrls = true, .urls = files});
+    program.delegate().handleSendToAndroidService({.hasTypes = true, .hasFileUrls = false, .urls = files});
     program.delegate().handleSendToAndroidService(
         {.hasTypes = true, .hasFileUrls = true, .urls = std::nullopt});
     on.drain();

@@ -7,7 +7,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace velloway::test {
@@ -89,6 +91,19 @@ TEST_F(CallOrderTest, TheEndOfTheCallClearsTheStoreBeforeThePanelOfTheCallGoes) 
     on.drain();
     EXPECT_TRUE(wasVisible);
     EXPECT_FALSE(panel->visible);
+}
+
+TEST_F(CallOrderTest, AChangeOfTheRingingCallIsLoggedBeforeItsPanelChanges) {
+    const auto noted = [this](std::optional<IncomingCallInfo> info) {
+        on.journal.take();
+        store->incomingCallInfo.set(std::move(info));
+        on.main.runAll();
+        return on.journal.take();
+    };
+    on.log.onLine = [this](const std::string& line) { on.journal.note(line); };
+    EXPECT_EQ(noted(IncomingCallInfo{.number = "456"}).front(), "[AppDelegate] Incoming call detected: 456");
+    EXPECT_EQ(noted(std::nullopt).front(), "[AppDelegate] Incoming call cleared");
+    on.log.onLine = nullptr;
 }
 
 TEST_F(CallOrderTest, APhoneThatEndsTheCallClearsTheStoreBeforeThePost) {

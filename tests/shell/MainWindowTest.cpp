@@ -78,7 +78,11 @@ TEST_F(MainWindowTest, APhoneAddressFillsTheDialPadOrTheComposerAndSendsNothing)
     EXPECT_EQ(view().sms.chatText.get(), "On my way");
     program.delegate().applicationOpenLinks({"sms:5552"});
     EXPECT_EQ(view().sms.activeRecipient.get(), "5552");
+    on.log.take();
     program.delegate().applicationOpenLinks({"https://example.invalid/", "tel:none"});
+    EXPECT_EQ(on.log.take(),
+              (std::vector<std::string>{"[AppDelegate] Not an address of a phone: https://example.invalid/",
+                                        "[AppDelegate] Not an address of a phone: tel:none"}));
     EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
     on.drain();
     EXPECT_TRUE(phone->sent.empty()) << "nothing is dialled or sent";

@@ -28,6 +28,8 @@ TEST(PhoneLinkTest, ReadsTheNumberAndTheTextOfAnAddress) {
         {"sms:+4915155510,+4915155511?body=On%20my%20way", link(message, "+4915155510", "On my way")},
         {"smsto:5551?x=y&Body=Gr%C3%BC%C3%9Fe%0A%F0%9F%9A%B2&body=no", link(message, "5551", "Grüße\n🚲")},
         {"sms:5551?body=100%", link(message, "5551", "100%")},
+        {"sms:5551?body=%g1%1g%41", link(message, "5551", "%g1%1gA")},
+        {"sms:5551?body=%4", link(message, "5551", "%4")},
         {"sms:5551?body=%ff%00", link(message, "5551", "\xEF\xBF\xBD")},
         {"sms:5551?body=", link(message, "5551")},
         {"tel:5551?body=hi", link(call, "5551")},

@@ -43,7 +43,7 @@ TEST_F(FileDropTabTest, ARunningTransferShowsItsProgress) {
 TEST_F(FileDropTabTest, ThePercentageIsTruncated) {
     FileTransferRecord incoming = record();
     const std::vector<std::pair<double, std::string>> cases{
-        {0, "0%"}, {0.009, "0%"}, {0.5, "50%"}, {1, "100%"}, {2.5, "250%"}};
+        {0, "0%"}, {0.009, "0%"}, {0.5, "50%"}, {0.999, "99%"}, {1, "100%"}, {2.5, "250%"}, {1e13, "0%"}};
     for (const auto& [progress, text] : cases) {
         incoming.progress = progress;
         EXPECT_EQ(fileTransferRow(incoming, on.host).percentage, text);

@@ -92,6 +92,21 @@ TEST_F(NotificationsTabTest, AReplyGoesOutUnderTheRowsIdentityAndNotTheKey) {
     EXPECT_EQ(store.items.get().size(), 1u);
 }
 
+TEST_F(NotificationsTabTest, AReplyIsSentThenItsBoxClosesThenItsTextGoes) {
+    store.add({.app = "a"});
+    const Uuid id = store.items.get().at(0).id;
+    view->notifications.openReply(id);
+    view->notifications.replyText.set("on my way");
+    std::vector<std::string> steps;
+    const auto sentBefore = [this] { return on.server.pending() == 0 ? " before the message" : ""; };
+    const Subscription box = view->notifications.replyingTo.observe(
+        [&](const auto&) { steps.push_back(std::string("box") + sentBefore()); });
+    const Subscription text = view->notifications.replyText.observe(
+        [&](const auto&) { steps.push_back(std::string("text") + sentBefore()); });
+    view->notifications.sendReply(id);
+    EXPECT_THAT(steps, ElementsAre("box", "text"));
+}
+
 TEST_F(NotificationsTabTest, AnEmptyReplyIsSent) {
     store.add({.app = "a"});
     const Uuid id = store.items.get().at(0).id;

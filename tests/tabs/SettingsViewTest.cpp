@@ -64,6 +64,17 @@ TEST_F(SettingsViewTest, TheAppearanceAsksForBothHistoriesThenReadsThePermission
     EXPECT_EQ(on.accessibility.prompts, 0);
 }
 
+TEST_F(SettingsViewTest, TheHistoriesAreAskedForBeforeThePermissionsAreRead) {
+    on.accessibility.trusted = false;
+    std::vector<std::size_t> requests;
+    const Subscription seen = view->remote.isAccessibilityEnabled.observe([&](bool) {
+        requests.push_back(on.server.pending());
+        EXPECT_THAT(on.notificationCenter.statusQueries, IsEmpty());
+    });
+    view->viewAppears();
+    EXPECT_THAT(requests, ElementsAre(2u));
+}
+
 TEST_F(SettingsViewTest, TheSmsTabAsksForBothHistoriesAtEachAppearance) {
     view->tabAppears(2);
     view->tabAppears(2);

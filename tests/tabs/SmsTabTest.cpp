@@ -94,6 +94,13 @@ TEST_F(SmsTabTest, ARowShowsNameInitialsDateAndPreview) {
                                                                     .isActive = true}));
 }
 
+TEST_F(SmsTabTest, TheDateOfARowIsReadAnewOnAnotherDay) {
+    view->phone.phoneSmsLog.set({{.address = "1", .date = 1'700'000'000'000}});
+    EXPECT_EQ(view->sms.list.get().rows.at(0).date, "03:43");
+    on.host.time += std::chrono::hours(24);
+    EXPECT_EQ(view->sms.list.get().rows.at(0).date, "Yesterday");
+}
+
 TEST_F(SmsTabTest, ANameThatOnlyTheMessagesKnowIsNotInTheAvatar) {
     view->phone.phoneSmsLog.set({{.address = "+447700", .name = "Anna Bell"}});
     EXPECT_EQ(view->sms.list.get().rows.at(0).avatarInitials, "+");

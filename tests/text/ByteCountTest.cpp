@@ -33,6 +33,7 @@ TEST(ByteCount, WritesSizesInDecimalUnits) {
         {5'000'000'000'000, "5 TB"},
         {-12, "-12 bytes"},
         {-1'234'567, "-1.2 MB"},
+        {1'500'000'000'000'000, "1.5 PB"},
         {std::numeric_limits<std::int64_t>::max(), "9.22 EB"},
         {std::numeric_limits<std::int64_t>::min(), "-9.22 EB"},
     };

@@ -34,13 +34,20 @@ INSTANTIATE_TEST_SUITE_P(
                     LinkCase{"<https://a.example>", {"https://a.example"}},
                     LinkCase{"\"https://a.example\"", {"https://a.example"}},
                     LinkCase{"https://a.example\nhttp://b.example", {"https://a.example", "http://b.example"}},
-                    LinkCase{"xhttps://a.example", {}}, LinkCase{"ftp://a.example", {}},
-                    LinkCase{"javascript:alert(1)", {}}, LinkCase{"file:///etc/passwd", {}},
+                    LinkCase{"xhttps://a.example", {}}, LinkCase{"ahttps://a.example", {}},
+                    LinkCase{"zhttps://a.example", {}}, LinkCase{"Ahttps://a.example", {}},
+                    LinkCase{"Zhttps://a.example", {}}, LinkCase{"0https://a.example", {}},
+                    LinkCase{"9https://a.example", {}}, LinkCase{"_https://a.example", {"https://a.example"}},
+                    LinkCase{"ftp://a.example", {}}, LinkCase{"javascript:alert(1)", {}},
+                    LinkCase{"file:///etc/passwd", {}},
                     LinkCase{"https://a.example/ü, https://b.example",
                              {"https://a.example/ü", "https://b.example"}}));
 
 TEST(WebLinksTest, AnAddressThatNobodyWouldClickIsNone) {
     EXPECT_THAT(webLinks("https://" + std::string(3000, 'a')), IsEmpty());
+    const std::string longest = "https://" + std::string(2040, 'a');
+    EXPECT_THAT(webLinks(longest), ElementsAre(longest));
+    EXPECT_THAT(webLinks(longest + "a"), IsEmpty());
     const std::string text = std::string(10'000, 'w') + " https://a.example";
     EXPECT_THAT(webLinks(text), ElementsAre("https://a.example"));
 }

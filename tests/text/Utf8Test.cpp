@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <string>
+
 #include <utility>
 #include <vector>
 
@@ -29,6 +32,16 @@ TEST(Utf8, IsMadeOfOtherBytesAndElseLeftAsItIs) {
     for (const auto& [bytes, text] : cases) {
         EXPECT_EQ(repairedUtf8(bytes), text);
     }
+}
+
+TEST(Utf8, HasAHeadThatSplitsNoCharacter) {
+    const std::string text = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80z"; // of 1, 2, 3, 4 and 1 bytes
+    const std::size_t lengths[] = {0, 1, 1, 3, 3, 3, 6, 6, 6, 6, 10, 11, 11, 11};
+    for (std::size_t bytes = 0; bytes < std::size(lengths); ++bytes) {
+        EXPECT_EQ(head(text, bytes), text.substr(0, lengths[bytes])) << bytes;
+    }
+    EXPECT_EQ(head("", 0), "");
+    EXPECT_EQ(head("\x80\x80\x80", 2), "") << "bytes that begin no character";
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "hosts/posix/PosixFiles.h"
 
 #include <cerrno>
+#include <deque>
 #include <fcntl.h>
+#include <mutex>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -60,33 +62,66 @@ std::optional<Descriptor> openDescriptor(const std::filesystem::path& path, int 
     return Descriptor(number);
 }
 
-class PosixFileWriter : public FileWriter {
-public:
-    explicit PosixFileWriter(Descriptor file) : file_(std::move(file)) {}
-
-    std::optional<std::int64_t> append(std::string_view bytes, std::error_code& error) override {
-        error.clear();
-        const off_t end = ::lseek(file_.number(), 0, SEEK_END);
-        if (end == -1) {
-            error = lastError();
+std::optional<std::int64_t> appendTo(int file, std::string_view bytes, std::error_code& error) {
+    error.clear();
+    const off_t end = ::lseek(file, 0, SEEK_END);
+    if (end == -1) {
+        error = lastError();
+        return std::nullopt;
+    }
+    const auto length = static_cast<std::int64_t>(bytes.size());
+    while (!bytes.empty()) {
+        const ssize_t written = uninterrupted([&] { return ::write(file, bytes.data(), bytes.size()); });
+        if (written <= 0) {
+            error = written == 0 ? std::error_code(EIO, std::system_category()) : lastError();
             return std::nullopt;
         }
-        const auto length = static_cast<std::int64_t>(bytes.size());
-        while (!bytes.empty()) {
-            const ssize_t written =
-                uninterrupted([&] { return ::write(file_.number(), bytes.data(), bytes.size()); });
-            if (written <= 0) {
-                error = written == 0 ? std::error_code(EIO, std::system_category()) : lastError();
-                return std::nullopt;
-            }
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-        }
-        return end + length;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    std::error_code close() override { return file_.close(); }
+    return end + length;
+}
 
-private:
-    Descriptor file_;
+/// What tells a file from another one that has come to its place.
+struct FileIdentity {
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    static FileIdentity of(const Descriptor& file) {
+        struct stat status {};
+        ::fstat(file.number(), &status);
+        return {status.st_dev, status.st_ino};
+    }
+    bool operator==(const FileIdentity&) const = default;
+};
+
+/// A file that is being written, with a descriptor or for the time being without one.
+struct WrittenFile {
+    const std::filesystem::path path;
+    std::optional<Descriptor> descriptor;
+    FileIdentity identity = {};
+    /// Of closing the descriptor for the time being.
+    std::error_code failure = {};
+
+    void park() {
+        identity = FileIdentity::of(*descriptor);
+        failure = descriptor->close();
+        descriptor.reset();
+    }
+    std::error_code reopen() {
+        if (failure) {
+            return std::exchange(failure, {});
+        }
+        std::error_code error;
+        auto file = openDescriptor(path, O_WRONLY, error);
+        if (file && FileIdentity::of(*file) != identity) {
+            return {ESTALE, std::system_category()};
+        }
+        if (file) {
+            descriptor.emplace(*std::move(file));
+        }
+        return error;
+    }
+    std::error_code close() { return descriptor ? descriptor->close() : std::exchange(failure, {}); }
 };
 
 class PosixFileReader : public FileReader {
@@ -135,13 +170,72 @@ bool isFolder(const Descriptor& file) {
 
 } // namespace
 
+/// The files that have a descriptor and are not in use at the moment. Any thread.
+class PosixFiles::OpenWriters {
+public:
+    /// Until it is given back, nobody takes the descriptor away.
+    std::error_code take(WrittenFile& file) {
+        const std::lock_guard lock(mutex_);
+        if (file.descriptor) {
+            std::erase(idle_, &file);
+            return {};
+        }
+        return file.reopen();
+    }
+    void giveBack(WrittenFile& file) {
+        const std::lock_guard lock(mutex_);
+        idle_.push_back(&file);
+        if (idle_.size() > mostOpenWriters) {
+            idle_.front()->park();
+            idle_.pop_front();
+        }
+    }
+    std::error_code close(WrittenFile& file) {
+        const std::lock_guard lock(mutex_);
+        std::erase(idle_, &file);
+        return file.close();
+    }
+
+private:
+    std::mutex mutex_;
+    /// The one that was used last is at the end.
+    std::deque<WrittenFile*> idle_;
+};
+
+class PosixFiles::Writer : public FileWriter {
+public:
+    Writer(std::shared_ptr<OpenWriters> open, const std::filesystem::path& path, Descriptor file)
+        : open_(std::move(open)), file_{.path = path, .descriptor = std::move(file)} {
+        open_->giveBack(file_);
+    }
+    ~Writer() override { open_->close(file_); }
+
+    std::optional<std::int64_t> append(std::string_view bytes, std::error_code& error) override {
+        error = open_->take(file_);
+        if (error) {
+            return std::nullopt;
+        }
+        const auto length = appendTo(file_.descriptor->number(), bytes, error);
+        open_->giveBack(file_);
+        return length;
+    }
+    std::error_code close() override { return open_->close(file_); }
+
+private:
+    const std::shared_ptr<OpenWriters> open_;
+    WrittenFile file_;
+};
+
+PosixFiles::PosixFiles() : openWriters_(std::make_shared<OpenWriters>()) {}
+PosixFiles::~PosixFiles() = default;
+
 std::unique_ptr<FileWriter> PosixFiles::create(const std::filesystem::path& path, std::error_code& error) {
     // Two steps: a file that may be written but not made anew is opened as it is. If both fail, the second says
     // why.
     std::error_code ignored;
     openDescriptor(path, O_WRONLY | O_CREAT | O_TRUNC, ignored);
     auto file = openDescriptor(path, O_WRONLY, error);
-    return file ? std::make_unique<PosixFileWriter>(*std::move(file)) : nullptr;
+    return file ? std::make_unique<Writer>(openWriters_, path, *std::move(file)) : nullptr;
 }
 
 std::unique_ptr<FileReader> PosixFiles::open(const std::filesystem::path& path, std::error_code& error) {
