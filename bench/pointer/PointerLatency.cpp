@@ -17,6 +17,7 @@
 #include "fakes/FakeUserNotificationCenter.h"
 #include "features/NotificationManager.h"
 #include "hosts/linux/desktop/LinuxMemory.h"
+#include "hosts/linux/desktop/ThreadSchedule.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/posix/PosixFiles.h"
@@ -120,6 +121,7 @@ public:
                                          .notificationManager = notificationManager_,
                                          .notifications = notifications_});
         server_->setHistoryStore(store_);
+        takeShortTurns();
         server_->start();
     }
     ~Bridge() { server_->stop(); }
@@ -146,7 +148,7 @@ private:
     LinuxMemory memory_;
     NotificationManager notificationManager_{center_, host_, log_};
     AsioQueue readingQueue_{"ws.reading"};
-    AsioQueue fileQueue_{"ws.files"};
+    AsioQueue fileQueue_{"ws.files", {.began = letOthersGoFirst}};
     AsioQueue serverQueue_{"ws.server",
                            {.began =
                                 [] {
