@@ -1,18 +1,23 @@
 // Measures the time from just before a pointer move is written to the socket until its event is posted, at
 // 1,000 moves a second: through the sockets, the server, the dispatch, the router, the log (a file) and both
-// queues.
+// queues. Beside it stands what the machine itself takes (RawPeer.h), measured in turn with it.
 //
 // The log goes to a file and the figures to standard error. The queues are joined as in the program.
 //
-//   pointer_latency [seconds for each case, 5 by default]
+//   pointer_latency [seconds for each case, 5 by default [rounds, 1 by default]]
 
+#include "FileLoad.h"
+#include "MoveTimes.h"
 #include "PhoneSocket.h"
+#include "RawPeer.h"
+#include "SlowFiles.h"
 #include "fakes/FakeDesktop.h"
 #include "fakes/FakeInput.h"
 #include "fakes/FakeUserDefaults.h"
 #include "fakes/FakeUserNotificationCenter.h"
 #include "features/NotificationManager.h"
 #include "hosts/linux/desktop/LinuxMemory.h"
+#include "hosts/linux/desktop/ThreadSchedule.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/posix/PosixFiles.h"
@@ -28,13 +33,15 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -42,108 +49,212 @@ namespace velloway::bench {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using Clock = MoveTimes::Clock;
+using std::chrono::milliseconds;
 
 constexpr int movesPerSecond = 1'000;
-constexpr std::size_t chunkBytes = std::size_t{1} << 20;
+constexpr std::string_view move =
+    R"({"action":"remote_control","command":"move","type":"mouse_move","dx":1.5,"dy":-0.5})";
+/// A masked frame of less than 126 bytes has six bytes before its text.
+constexpr std::size_t moveBytes = move.size() + 6;
+static_assert(move.size() < 126);
 
-/// Notes when each move of the pointer arrives. Main thread, but for the counter.
 class TimingInputEvents : public test::FakeInputEvents {
 public:
-    void movePointer(double, double) override {
-        const std::size_t index = count_.load(std::memory_order_relaxed);
-        if (index < postedAt_.size()) {
-            postedAt_[index] = Clock::now();
-        }
-        count_.store(index + 1, std::memory_order_release);
-    }
-
-    /// Before the first move of a case is sent.
-    void expect(std::size_t moves) {
-        postedAt_.assign(moves, {});
-        count_.store(0, std::memory_order_release);
-    }
-    bool hasAll() const { return count_.load(std::memory_order_acquire) >= postedAt_.size(); }
-    const std::vector<Clock::time_point>& postedAt() const { return postedAt_; }
+    explicit TimingInputEvents(MoveTimes& times) : times_(times) {}
+    void movePointer(double, double) override { times_.note(); }
 
 private:
-    std::vector<Clock::time_point> postedAt_;
-    std::atomic<std::size_t> count_ = 0;
+    MoveTimes& times_;
 };
 
-/// Sends one file after the other, at so many MiB a second or as fast as they are taken, until told to stop.
-void sendFiles(std::uint16_t port, int mebibytesPerSecond, const std::atomic<bool>& isStopping) {
-    PhoneSocket phone(port);
-    const std::string chunk = R"({"action":"file_chunk","fileName":"bench.bin","fileData":")" +
-                              std::string(chunkBytes / 3 * 4, 'A') + R"(","isLast":false})";
-    constexpr int chunksPerFile = 256;
-    const auto start = Clock::now();
-    for (int sent = 0; !isStopping; ++sent) {
-        if (sent % chunksPerFile == 0) {
-            phone.send(R"({"action":"file_transfer_start","fileName":"bench.bin","fileSize":268435456})");
-        }
-        phone.send(chunk);
-        if (mebibytesPerSecond > 0) {
-            std::this_thread::sleep_until(start + std::chrono::nanoseconds(std::chrono::seconds(1)) *
-                                                      (sent + 1) / mebibytesPerSecond);
-        }
-    }
-}
+struct Case {
+    const char* name;
+    /// Of a file that arrives meanwhile; none when absent.
+    std::optional<int> mebibytesPerSecond;
+    milliseconds storageDelay{0};
+    double mostP99;
+    double aimP99;
+};
 
-void report(const char* name, const std::vector<Clock::time_point>& sentAt,
-            const std::vector<Clock::time_point>& postedAt) {
+constexpr std::array cases{
+    Case{.name = "alone", .mostP99 = 120, .aimP99 = 100},
+    Case{.name = "beside a file at 100 MiB/s", .mebibytesPerSecond = 100, .mostP99 = 2000, .aimP99 = 1000},
+    Case{.name = "beside a file at full speed",
+         .mebibytesPerSecond = FileLoad::fullSpeed,
+         .mostP99 = 2000,
+         .aimP99 = 1000},
+    Case{.name = "beside one to a disk with 300 ms a write",
+         .mebibytesPerSecond = FileLoad::fullSpeed,
+         .storageDelay = milliseconds(300),
+         .mostP99 = 2000,
+         .aimP99 = 1000},
+};
+
+/// In microseconds.
+struct Latency {
+    double median;
+    double p99;
+    double worst;
+};
+
+/// The program without its desktop. Main thread.
+class Bridge {
+public:
+    Bridge(std::uint16_t port, const std::filesystem::path& folder, MoveTimes& times) : input_(times) {
+        userDefaults_.setInteger("port", port);
+        host_.downloads = folder;
+        server_ = WebSocketServer::make({.main = main_,
+                                         .queue = serverQueue_,
+                                         .fileQueue = fileQueue_,
+                                         .readingQueue = readingQueue_,
+                                         .network = network_,
+                                         .userDefaults = userDefaults_,
+                                         .pasteboard = pasteboard_,
+                                         .input = input_,
+                                         .scripts = scripts_,
+                                         .accessibility = accessibility_,
+                                         .host = host_,
+                                         .files = files,
+                                         .memory = memory_,
+                                         .log = log_,
+                                         .notificationManager = notificationManager_,
+                                         .notifications = notifications_});
+        server_->setHistoryStore(store_);
+        takeShortTurns();
+        server_->start();
+    }
+    ~Bridge() { server_->stop(); }
+    Bridge(const Bridge&) = delete;
+    Bridge& operator=(const Bridge&) = delete;
+
+private:
+    PosixFiles fastFiles_;
+
+public:
+    SlowFiles files{fastFiles_};
+
+private:
+    QtMainQueue main_;
+    test::FakeUserDefaults userDefaults_;
+    test::FakePasteboard pasteboard_;
+    test::FakeScripts scripts_;
+    test::FakeAccessibility accessibility_;
+    test::FakeHost host_;
+    test::FakeUserNotificationCenter center_;
+    TimingInputEvents input_;
+    StandardOutputLog log_;
+    AppNotificationCenter notifications_;
+    LinuxMemory memory_;
+    NotificationManager notificationManager_{center_, host_, log_};
+    AsioQueue readingQueue_{"ws.reading"};
+    AsioQueue fileQueue_{"ws.files", {.began = letOthersGoFirst}};
+    AsioQueue serverQueue_{"ws.server",
+                           {.began =
+                                [] {
+                                    StandardOutputLog::gatherOnThisThread();
+                                    QtMainQueue::gatherOnThisThread();
+                                },
+                            .ended =
+                                [this] {
+                                    main_.flush();
+                                    log_.flush();
+                                }}};
+    LinuxNetwork network_{serverQueue_};
+    std::shared_ptr<HistoryStore> store_ = std::make_shared<HistoryStore>(host_);
+    std::shared_ptr<WebSocketServer> server_;
+};
+
+Latency latencyOf(const std::vector<Clock::time_point>& sentAt,
+                  const std::vector<Clock::time_point>& arrivedAt) {
     std::vector<double> microseconds(sentAt.size());
     for (std::size_t index = 0; index < sentAt.size(); ++index) {
         microseconds[index] =
-            std::chrono::duration<double, std::micro>(postedAt[index] - sentAt[index]).count();
+            std::chrono::duration<double, std::micro>(arrivedAt[index] - sentAt[index]).count();
     }
     std::sort(microseconds.begin(), microseconds.end());
-    std::fprintf(stderr, "%-34s %8zu moves   median %9.1f us   p99 %9.1f us   worst %9.1f us\n", name,
-                 microseconds.size(), microseconds[microseconds.size() / 2],
-                 microseconds[microseconds.size() * 99 / 100], microseconds.back());
+    return {microseconds[microseconds.size() / 2], microseconds[microseconds.size() * 99 / 100],
+            microseconds.back()};
 }
 
-/// False when not every move has arrived.
-bool measure(const char* name, std::uint16_t port, TimingInputEvents& events, int seconds) {
+Latency measureMoves(std::uint16_t port, MoveTimes& times, int seconds) {
     PhoneSocket phone(port);
     const auto moves = static_cast<std::size_t>(seconds * movesPerSecond);
     std::vector<Clock::time_point> sentAt(moves);
-    events.expect(moves);
-    const auto start = Clock::now() + std::chrono::milliseconds(100);
+    times.expect(moves);
+    const auto start = Clock::now() + milliseconds(100);
     for (std::size_t index = 0; index < moves; ++index) {
         std::this_thread::sleep_until(start + std::chrono::nanoseconds(std::chrono::seconds(1)) * index /
                                                   movesPerSecond);
         sentAt[index] = Clock::now();
-        phone.send(R"({"action":"remote_control","command":"move","type":"mouse_move","dx":1.5,"dy":-0.5})");
+        phone.send(move);
     }
     const auto deadline = Clock::now() + std::chrono::seconds(10);
-    while (!events.hasAll()) {
+    while (!times.hasAll()) {
         if (Clock::now() > deadline) {
-            std::fprintf(stderr, "%s: moves were lost\n", name);
-            return false;
+            std::fprintf(stderr, "moves were lost\n");
+            std::exit(1);
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(milliseconds(1));
     }
-    report(name, sentAt, events.postedAt());
-    return true;
+    return latencyOf(sentAt, times.arrivedAt());
 }
 
-bool measureWithFiles(const char* name, std::uint16_t port, TimingInputEvents& events, int seconds,
-                      int mebibytesPerSecond) {
-    std::atomic<bool> isStopping = false;
-    std::thread files([&] { sendFiles(port, mebibytesPerSecond, isStopping); });
-    const bool isComplete = measure(name, port, events, seconds);
-    isStopping = true;
-    files.join();
-    return isComplete;
+Latency measure(std::uint16_t port, MoveTimes& times, int seconds, std::optional<int> mebibytesPerSecond) {
+    std::optional<FileLoad> load;
+    if (mebibytesPerSecond) {
+        load.emplace(port, *mebibytesPerSecond);
+    }
+    return measureMoves(port, times, seconds);
+}
+
+/// Of each value the median of all rounds.
+void print(const char* who, const std::vector<Latency>& rounds) {
+    const auto medianOf = [&](double Latency::*value) {
+        std::vector<double> values(rounds.size());
+        std::transform(rounds.begin(), rounds.end(), values.begin(),
+                       [&](const Latency& each) { return each.*value; });
+        std::sort(values.begin(), values.end());
+        return values[values.size() / 2];
+    };
+    std::fprintf(stderr, "    %-10s median %7.0f us   p99 %7.0f us   worst %7.0f us\n", who,
+                 medianOf(&Latency::median), medianOf(&Latency::p99), medianOf(&Latency::worst));
+}
+
+void measureCases(Bridge& bridge, std::uint16_t port, const std::filesystem::path& folder, MoveTimes& times,
+                  int seconds, int rounds) {
+    std::array<std::vector<Latency>, cases.size()> ours;
+    std::array<std::vector<Latency>, cases.size()> raw;
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t index = 0; index < cases.size(); ++index) {
+            const Case& each = cases[index];
+            if (each.storageDelay.count() == 0) {
+                const std::uint16_t rawPort = freePort();
+                const RawPeer peer(rawPort, moveBytes, folder / "raw", times);
+                raw[index].push_back(measure(rawPort, times, seconds, each.mebibytesPerSecond));
+            }
+            bridge.files.delay = each.storageDelay;
+            ours[index].push_back(measure(port, times, seconds, each.mebibytesPerSecond));
+            bridge.files.delay = milliseconds(0);
+        }
+    }
+    for (std::size_t index = 0; index < cases.size(); ++index) {
+        std::fprintf(stderr, "A pointer move %s (p99 at most %.0f us, aim %.0f us)\n", cases[index].name,
+                     cases[index].mostP99, cases[index].aimP99);
+        print("Velloway", ours[index]);
+        if (!raw[index].empty()) {
+            print("machine", raw[index]);
+        }
+    }
 }
 
 int run(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     const int seconds = argc > 1 ? std::atoi(argv[1]) : 5;
+    const int rounds = argc > 2 ? std::atoi(argv[2]) : 1;
     std::string pattern = "/dev/shm/velloway-pointer-XXXXXX";
-    if (seconds <= 0 || !::mkdtemp(pattern.data())) {
-        std::fprintf(stderr, "usage: pointer_latency [seconds]\n");
+    if (seconds <= 0 || rounds <= 0 || !::mkdtemp(pattern.data())) {
+        std::fprintf(stderr, "usage: pointer_latency [seconds [rounds]]\n");
         return 2;
     }
     const std::filesystem::path folder = pattern;
@@ -152,70 +263,19 @@ int run(int argc, char** argv) {
         std::perror("log");
         return 1;
     }
-
-    bool isComplete = false;
     {
-        QtMainQueue mainQueue;
-        test::FakeUserDefaults userDefaults;
-        test::FakePasteboard pasteboard;
-        test::FakeScripts scripts;
-        test::FakeAccessibility accessibility;
-        test::FakeHost host;
-        test::FakeUserNotificationCenter center;
-        TimingInputEvents input;
-        StandardOutputLog log;
-        AppNotificationCenter notifications;
-        PosixFiles files;
-        LinuxMemory memory;
-        NotificationManager notificationManager(center, host, log);
-        AsioQueue readingQueue("ws.reading");
-        AsioQueue fileQueue("ws.files");
-        AsioQueue serverQueue("ws.server", {.began =
-                                                [] {
-                                                    StandardOutputLog::gatherOnThisThread();
-                                                    QtMainQueue::gatherOnThisThread();
-                                                },
-                                            .ended =
-                                                [&] {
-                                                    mainQueue.flush();
-                                                    log.flush();
-                                                }});
-        LinuxNetwork network(serverQueue);
-        const auto store = std::make_shared<HistoryStore>(host);
+        MoveTimes times;
         const std::uint16_t port = freePort();
-        userDefaults.setInteger("port", port);
-        host.downloads = folder;
-
-        const auto server = WebSocketServer::make({.main = mainQueue,
-                                                   .queue = serverQueue,
-                                                   .fileQueue = fileQueue,
-                                                   .readingQueue = readingQueue,
-                                                   .network = network,
-                                                   .userDefaults = userDefaults,
-                                                   .pasteboard = pasteboard,
-                                                   .input = input,
-                                                   .scripts = scripts,
-                                                   .accessibility = accessibility,
-                                                   .host = host,
-                                                   .files = files,
-                                                   .memory = memory,
-                                                   .log = log,
-                                                   .notificationManager = notificationManager,
-                                                   .notifications = notifications});
-        server->setHistoryStore(store);
-        server->start();
+        Bridge bridge(port, folder, times);
         std::thread phones([&] {
-            isComplete = measure("alone", port, input, seconds) &&
-                         measureWithFiles("with a file at 100 MiB/s", port, input, seconds, 100) &&
-                         measureWithFiles("with a file as fast as it goes", port, input, seconds, 0);
+            measureCases(bridge, port, folder, times, seconds, rounds);
             QMetaObject::invokeMethod(&application, &QCoreApplication::quit, Qt::QueuedConnection);
         });
         QCoreApplication::exec();
         phones.join();
-        server->stop();
     }
     std::filesystem::remove_all(folder);
-    return isComplete ? 0 : 1;
+    return 0;
 }
 
 } // namespace

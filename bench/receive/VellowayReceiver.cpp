@@ -6,6 +6,7 @@
 #include "QuietPorts.h"
 #include "features/NotificationManager.h"
 #include "hosts/linux/desktop/LinuxMemory.h"
+#include "hosts/linux/desktop/ThreadSchedule.h"
 #include "hosts/linux/network/AsioQueue.h"
 #include "hosts/linux/network/LinuxNetwork.h"
 #include "hosts/posix/PosixFiles.h"
@@ -46,7 +47,8 @@ int main(int count, char** arguments) {
     PosixFiles files;
     LinuxMemory memory;
     QtMainQueue main;
-    AsioQueue fileQueue("ws.files");
+    takeShortTurns();
+    AsioQueue fileQueue("ws.files", {.began = letOthersGoFirst});
     AsioQueue readingQueue("ws.reading");
     AsioQueue queue("ws.server", {.began =
                                       [] {

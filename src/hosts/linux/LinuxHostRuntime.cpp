@@ -3,6 +3,7 @@
 #include "hosts/linux/desktop/LinuxMemory.h"
 #include "hosts/linux/desktop/LinuxScripts.h"
 #include "hosts/linux/desktop/MediaControls.h"
+#include "hosts/linux/desktop/ThreadSchedule.h"
 #include "hosts/linux/input/InputSession.h"
 #include "hosts/linux/input/PermissionWorkspace.h"
 #include "hosts/linux/network/AsioQueue.h"
@@ -74,7 +75,7 @@ struct LinuxPorts : LinuxDesktop {
     QtWindows windows{[this] { return loadViewsLibrary(log); }};
     // Last, because their jobs may use everything above. What a job of the file queue leaves for others goes at
     // once: the next one may take long.
-    AsioQueue fileQueue{"ws.files"};
+    AsioQueue fileQueue{"ws.files", {.began = letOthersGoFirst}};
     AsioQueue serverQueue{"ws.server",
                           {.began =
                                [] {
@@ -92,7 +93,10 @@ struct LinuxPorts : LinuxDesktop {
 
 class LinuxHostRuntime : public HostRuntime {
 public:
-    LinuxHostRuntime(int& argc, char** argv) : ports_(argc, argv) { platform_.withdraw(); }
+    LinuxHostRuntime(int& argc, char** argv) : ports_(argc, argv) {
+        platform_.withdraw();
+        takeShortTurns();
+    }
 
     SingleInstance::Outcome claimSession() { return ports_.claimSession(); }
 

@@ -39,20 +39,32 @@ void QtMainQueue::end() {
     delayed.swap(delayed_);
 }
 
+// Others wake the main thread after they have let go of the lock: it may run at once, on the processor of the
+// one that woke it, and would have to wait for the lock.
+
 void QtMainQueue::async(Job job) {
+    if (add(std::move(job))) {
+        postWake();
+    }
+}
+
+/// Returns whether the main thread has to be woken.
+bool QtMainQueue::add(Job job) {
     const std::lock_guard lock(mutex_);
     if (isEnded_) {
-        return;
+        return false;
     }
     jobs_.push_back(std::move(job));
     if (!isGathering) {
-        wake();
-    } else if (!std::exchange(isWakeOwed_, true)) {
+        return claimWake();
+    }
+    if (!std::exchange(isWakeOwed_, true)) {
         owedSince_ = Clock::now();
     } else if (Clock::now() - owedSince_ > longestGathering) {
         isWakeOwed_ = false;
-        wake();
+        return claimWake();
     }
+    return false;
 }
 
 void QtMainQueue::gatherOnThisThread() {
@@ -60,9 +72,13 @@ void QtMainQueue::gatherOnThisThread() {
 }
 
 void QtMainQueue::flush() {
-    const std::lock_guard lock(mutex_);
-    if (std::exchange(isWakeOwed_, false) && !jobs_.empty()) {
-        wake();
+    bool isToWake = false;
+    {
+        const std::lock_guard lock(mutex_);
+        isToWake = std::exchange(isWakeOwed_, false) && !jobs_.empty() && claimWake();
+    }
+    if (isToWake) {
+        postWake();
     }
 }
 
@@ -82,10 +98,17 @@ bool QtMainQueue::isCurrent() const {
     return QThread::currentThread() == thread();
 }
 
+bool QtMainQueue::claimWake() {
+    return !std::exchange(isWakePosted_, true);
+}
+
+void QtMainQueue::postWake() {
+    QCoreApplication::postEvent(this, new QEvent(wakeType));
+}
+
 void QtMainQueue::wake() {
-    if (!isWakePosted_) {
-        isWakePosted_ = true;
-        QCoreApplication::postEvent(this, new QEvent(wakeType));
+    if (claimWake()) {
+        postWake();
     }
 }
 

@@ -59,7 +59,10 @@ private:
     };
 
     static void runAndDestroy(Job& job);
-    /// Posts the one wake-up event unless a turn is already on its way. Expects the lock.
+    bool add(Job job);
+    // There is one wake-up event at a time. Claiming and `wake`, which does both, expect the lock.
+    bool claimWake();
+    void postWake();
     void wake();
     void takeTurn();
     void runJobs();

@@ -241,6 +241,27 @@ TEST(AsioQueueTest, AJobHandedOverAfterTheEndIsDestroyedAtOnce) {
     EXPECT_FALSE(queue.isCurrent());
 }
 
+TEST(AsioQueueTest, OthersMayHandOverJobsWhileItEnds) {
+    for (int round = 0; round < 100; ++round) {
+        AsioQueue queue("ws.server");
+        std::atomic<bool> isEnded = false;
+        std::atomic<int> handedOver = 0;
+        std::thread other([&] {
+            while (!isEnded) {
+                queue.async([] {});
+                queue.asyncAfter(std::chrono::nanoseconds(0), [] {});
+                ++handedOver;
+            }
+        });
+        while (handedOver == 0) {
+            std::this_thread::yield();
+        }
+        EXPECT_TRUE(queue.end(std::chrono::seconds(10)));
+        isEnded = true;
+        other.join();
+    }
+}
+
 TEST(AsioQueueTest, WhatADroppedJobHeldMayHandOverJobsAsItGoes) {
     struct Parting {
         DispatchQueue& queue;

@@ -68,29 +68,37 @@ bool AsioLoop::finish(std::chrono::milliseconds limit) {
     return end(std::max(rest, std::chrono::milliseconds(0)));
 }
 
-// The event loop is woken under the lock, because it goes soon after `isEnded_` is set.
+// The event loop is woken when the lock is free again: its thread may run at once, on the processor of the one
+// that woke it, and would have to wait for the lock. The loop goes soon after `isEnded_` is set, but not while
+// it is being woken.
 
 void AsioLoop::add(Job job) {
-    const std::lock_guard lock(mutex_);
-    if (isEnded_) {
-        return;
+    {
+        const std::lock_guard lock(mutex_);
+        if (isEnded_) {
+            return;
+        }
+        jobs_.push_back(std::move(job));
+        if (jobs_.size() > 1) {
+            return;
+        }
+        ++waking_;
     }
-    jobs_.push_back(std::move(job));
-    if (jobs_.size() == 1) {
-        net::post(*context_, [this] { runJobs(); });
-    }
+    net::post(*context_, [this] { runJobs(); });
+    --waking_;
 }
 
 void AsioLoop::add(std::chrono::nanoseconds delay, Job job) {
     const auto due = Clock::now() + delay;
-    const std::lock_guard lock(mutex_);
-    if (isEnded_) {
-        return;
+    {
+        const std::lock_guard lock(mutex_);
+        if (isEnded_ || delayed_.emplace(due, std::move(job)) != delayed_.begin()) {
+            return;
+        }
+        ++waking_;
     }
-    const auto place = delayed_.emplace(due, std::move(job));
-    if (place == delayed_.begin()) {
-        net::post(*context_, [this] { armTimer(); });
-    }
+    net::post(*context_, [this] { armTimer(); });
+    --waking_;
 }
 
 bool AsioLoop::isCurrent() {
@@ -117,6 +125,9 @@ void AsioLoop::stop() {
 
 void AsioLoop::cleanUp() {
     thread_.join();
+    while (waking_ > 0) {
+        std::this_thread::yield();
+    }
     endResidents();
     dropJobs();
     timer_.reset();

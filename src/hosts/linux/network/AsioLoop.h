@@ -8,6 +8,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <future>
@@ -69,6 +70,8 @@ private:
     /// Equal times keep the order in which they were handed over.
     std::multimap<Clock::time_point, Job> delayed_;
     bool isEnded_ = false;
+    /// How many threads are waking the event loop. Grows under the lock, and not after the end.
+    std::atomic<int> waking_ = 0;
     std::set<AsioResident*> residents_;
 
     std::vector<Job> running_;

@@ -12,7 +12,8 @@ class AsioLoop;
 
 /// A serial queue on a thread of its own, which also runs the sockets of `LinuxNetwork`.
 ///
-/// The thread has the priority of all others: below them a pointer move would wait for every busy program.
+/// The thread has the priority of all others, as a pointer move would wait for every busy program otherwise,
+/// unless the turns say something else.
 class AsioQueue final : public DispatchQueue {
 public:
     /// `name` is what tools such as `top` show for the thread; at most 15 bytes of it are kept.
