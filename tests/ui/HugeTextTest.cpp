@@ -1,6 +1,7 @@
 // A phone sends texts of any length; none may hold up a view.
 #include "ui/ViewTest.h"
 
+#include <QClipboard>
 #include <QElapsedTimer>
 
 #include <cstdio>
@@ -96,6 +97,54 @@ TEST_P(HugeTextTest, Panel) {
     });
 }
 
+/// Typing and pasting go the same way: the clipboard is the quickest typist.
+class HugeFieldTest : public HugeTextTest {
+protected:
+    void paste(const char* into) {
+        QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+        part(into)->forceActiveFocus();
+        expectFast(into, [&] { QTest::keyClick(&openWindow(), Qt::Key_V, Qt::ControlModifier); });
+        EXPECT_GT(part(into)->property("text").toString().size(), 0);
+        expectFast("a character more", [&] { QTest::keyClick(&openWindow(), Qt::Key_W); });
+    }
+};
+
+TEST_P(HugeFieldTest, Search) {
+    open(2);
+    state().phone.phoneSmsLog.set({{"1", "Ada", "hello", 1.7e12, 1}});
+    settle();
+    paste("search");
+    expectFast("a query", [&] { state().sms.contactQuery.set(text); });
+}
+
+TEST_P(HugeFieldTest, Composer) {
+    open(2);
+    state().sms.activeRecipient.set("1");
+    settle();
+    paste("composer");
+    expectFast("a text for the composer", [&] { state().sms.chatText.set(text); });
+}
+
+TEST_P(HugeFieldTest, Reply) {
+    open(1);
+    program.historyStore().add({.app = "Chat", .title = "Ada", .body = "hello", .time = 1.7e9, .key = "k"});
+    settle();
+    click("reply");
+    paste("replyField");
+    expectFast("a text for the reply", [&] { state().notifications.replyText.set(text); });
+}
+
+TEST_P(HugeFieldTest, Port) {
+    open(0);
+    paste("port");
+}
+
+TEST_P(HugeFieldTest, Recipient) {
+    open(2);
+    expectFast("a recipient", [&] { state().sms.activeRecipient.set(text); });
+}
+
+INSTANTIATE_TEST_SUITE_P(, HugeFieldTest, testing::Values(&withoutSpaces, &combiningMarks));
 INSTANTIATE_TEST_SUITE_P(, HugeTextTest, testing::Values(&withoutSpaces, &combiningMarks));
 
 } // namespace

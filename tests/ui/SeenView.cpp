@@ -3,6 +3,7 @@
 #include "tabs/Style.h"
 
 #include <QAccessible>
+#include <QCursor>
 #include <QFont>
 #include <QGuiApplication>
 #include <QJSValue>
@@ -11,6 +12,7 @@
 #include <QQuickItem>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace velloway::test {
@@ -72,6 +74,7 @@ private:
     }
 
     void look(const QQuickItem& item) {
+        lookAtManners(item);
         if (item.inherits("QQuickText")) {
             lookAtText(item, item.property("text").toString(), item.property("color"));
         } else if (item.inherits("QQuickTextInput")) {
@@ -87,6 +90,59 @@ private:
         }
     }
 
+    /// What is noticed only as the view is used, or with other contents.
+    void lookAtManners(const QQuickItem& item) {
+        if (item.inherits("QQuickFlickable")) {
+            add(scroller(item), {});
+        } else if (item.clip()) {
+            add("clips", {});
+        }
+        if (const Qt::CursorShape shape = item.cursor().shape(); shape != Qt::ArrowCursor) {
+            add("pointer " + std::to_string(shape), {});
+        }
+        if (const QString tip = item.property("tip").toString(); !tip.isEmpty()) {
+            add("tip " + quoted(tip), {});
+        }
+    }
+
+    static std::string scroller(const QQuickItem& item) {
+        std::string words = item.clip() ? "scrolls" : "scrolls unclipped";
+        if (const int bounds = item.property("boundsBehavior").toInt(); bounds != 0) {
+            words += " beyond its bounds " + std::to_string(bounds);
+        }
+        if (!item.inherits("QQuickListView")) {
+            return words + " high " + number(item.property("contentHeight").toDouble());
+        }
+        words += " rows " + std::to_string(item.property("count").toInt());
+        words += " on " + std::to_string(item.property("currentIndex").toInt());
+        words += item.property("reuseItems").toBool() ? " reused" : "";
+        for (const char* margin : {"topMargin", "bottomMargin", "leftMargin", "rightMargin"}) {
+            words += ' ' + number(item.property(margin).toDouble());
+        }
+        return words;
+    }
+
+    /// What a text of another length would show.
+    static std::string shaping(const QQuickItem& item) {
+        std::string words;
+        const int wrapMode = item.property("wrapMode").toInt();
+        words += wrapMode == 0 ? "" : wrapMode == 4 ? " wraps" : " wraps " + std::to_string(wrapMode);
+        if (!item.inherits("QQuickText")) {
+            words += item.property("selectByMouse").toBool() ? "" : " unselectable";
+            return words + (item.property("readOnly").toBool() ? "" : " typed");
+        }
+        const std::array cuts{" cuts left", " cuts right", " cuts middle", ""};
+        words += cuts.at(item.property("elide").toUInt());
+        if (const int most = item.property("maximumLineCount").toInt(); most < 1000) {
+            words += " lines at most " + std::to_string(most);
+        }
+        if (item.property("fontSizeMode").toInt() != 0) {
+            words += " shrinks to " + std::to_string(item.property("minimumPixelSize").toInt());
+        }
+        const std::array formats{"", " rich", " auto", " styled"};
+        return words + formats.at(item.property("textFormat").toUInt());
+    }
+
     void lookAtText(const QQuickItem& item, const QString& text, const QVariant& color) {
         if (text.trimmed().isEmpty()) {
             return;
@@ -96,6 +152,7 @@ private:
         if (font.weight() != QFont::Normal) {
             words += " weight " + std::to_string(font.weight());
         }
+        words += font.underline() ? " underlined" : "";
         if (font.family() != QGuiApplication::font().family()) {
             words += " in " + font.family().toStdString();
         }
@@ -112,7 +169,7 @@ private:
         if (item.property("verticalAlignment").toInt() == Qt::AlignVCenter) {
             words += " middle";
         }
-        words += " wide " + number(item.property("contentWidth").toDouble());
+        words += shaping(item) + " wide " + number(item.property("contentWidth").toDouble());
         add(words, {color.value<QColor>()});
     }
 
@@ -136,7 +193,8 @@ private:
         if (source.host() == QLatin1String("symbol") && path.size() == 2) {
             add("symbol " + path[0].toStdString() + " %1" + size, {QColor('#' + path[1])});
         } else {
-            add("picture " + source.host().toStdString() + size, {});
+            const int fill = item.property("fillMode").toInt();
+            add("picture " + source.host().toStdString() + size + " fill " + std::to_string(fill), {});
         }
     }
 
@@ -167,7 +225,7 @@ private:
             return;
         }
         if (const double radius = item.property("radius").toDouble(); radius > 0) {
-            words += " radius " + number(radius);
+            words += " radius " + number(radius) + (item.antialiasing() ? "" : " jagged");
         }
         if (item.rotation() != 0) {
             words += " turned " + number(item.rotation());
@@ -260,11 +318,11 @@ void hear(QAccessibleInterface* from, int depth, std::vector<std::string>& heard
         line += " value " + quoted(from->text(QAccessible::Value));
     }
     const QAccessible::State state = from->state();
-    const std::pair<bool, const char*> states[] = {{state.selected, "selected"},
-                                                   {state.checked, "checked"},
-                                                   {state.focused, "focused"},
-                                                   {state.disabled, "disabled"},
-                                                   {state.editable, "editable"}};
+    const std::pair<bool, const char*> states[] = {
+        {state.selected, "selected"},     {state.checked, "checked"},     {state.focused, "focused"},
+        {state.disabled, "disabled"},     {state.editable, "editable"},   {state.focusable, "focusable"},
+        {state.selectable, "selectable"}, {state.checkable, "checkable"}, {state.readOnly, "read-only"},
+        {state.hasPopup, "opens a menu"}};
     for (const auto& [holds, name] : states) {
         line += holds ? std::string(" ") + name : "";
     }

@@ -132,6 +132,30 @@ void longChat(ViewHarness& harness) {
     harness.state().sms.activeRecipient.set("5");
 }
 
+void manyThreads(ViewHarness& harness) {
+    noMessages(harness);
+    std::vector<SmsRecord> log;
+    for (int i = 0; i < 40; ++i) {
+        log.push_back({std::to_string(500 + i), std::nullopt, "hello", now(harness) - i * minute, 1});
+    }
+    harness.state().phone.phoneSmsLog.set(log);
+}
+
+/// A chat with the menu of the first text open.
+void chatMenu(ViewHarness& harness) {
+    chat(harness);
+    harness.settle();
+    QTest::mouseClick(&ViewHarness::openWindow(), Qt::RightButton, {},
+                      ViewHarness::part("body")->mapToScene({20, 10}).toPoint());
+}
+
+void simMenu(ViewHarness& harness) {
+    chat(harness);
+    harness.settle();
+    harness.click("simPicker");
+    QTest::mouseMove(&ViewHarness::openWindow(), {2, 2});
+}
+
 void search(ViewHarness& harness, const char* query) {
     noMessages(harness);
     harness.state().phone.phoneSmsLog.set(fewMessages(harness));
@@ -302,6 +326,9 @@ std::vector<ViewState> made() {
         {"sms_chat_wide", tabIndex::sms, chat, wide},
         {"sms_typed", tabIndex::sms, typedChat, {850, 550}, true},
         {"sms_long", tabIndex::sms, longChat},
+        {"sms_many", tabIndex::sms, manyThreads},
+        {"sms_menu", tabIndex::sms, chatMenu},
+        {"sms_sims", tabIndex::sms, simMenu},
         {"sms_search", tabIndex::sms, [](H& h) { search(h, "+44 77"); }, {850, 550}, true},
         {"sms_search_in_vain", tabIndex::sms, [](H& h) { search(h, "zzz"); }},
         {"sms_new", tabIndex::sms,
@@ -341,6 +368,18 @@ std::vector<ViewState> made() {
 
 const std::vector<ViewState>& viewStates() {
     static const std::vector<ViewState> states = made();
+    return states;
+}
+
+std::vector<ViewState> scrolledStates() {
+    std::vector<ViewState> states;
+    for (const char* name : {"calls_many", "sms_long", "sms_many", "files_filled", "notifications_filled",
+                             "remote_warning", "clipboard_filled", "settings_connected", "info"}) {
+        const auto of = std::find_if(viewStates().begin(), viewStates().end(),
+                                     [&](const ViewState& state) { return state.name == name; });
+        states.push_back(*of);
+        states.back().size = {850, 320};
+    }
     return states;
 }
 

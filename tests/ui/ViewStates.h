@@ -23,6 +23,9 @@ struct ViewState {
 
 const std::vector<ViewState>& viewStates();
 
+/// States with more than fits into their window.
+std::vector<ViewState> scrolledStates();
+
 /// For the messages of failed tests.
 inline void PrintTo(const ViewState& state, std::ostream* out) {
     *out << state.name;

@@ -12,7 +12,6 @@ Item {
         anchors.fill: parent
         anchors.margins: 0.5
         radius: width / 2
-        antialiasing: true
         color: "#3a3a55"
     }
     Rectangle {
@@ -20,7 +19,6 @@ Item {
         anchors.fill: parent
         radius: width / 2
         rotation: -45
-        antialiasing: true
         gradient: Gradient {
             GradientStop { position: 0; color: Theme.faded(Theme.blue, 0.6) }
             GradientStop { position: 1; color: Theme.purple }

@@ -25,7 +25,6 @@ AbstractButton {
 
     background: Rectangle {
         radius: width / 2
-        antialiasing: true
         color: button.down ? Qt.darker(button.fill, 1.2) : button.hovered ? Qt.lighter(button.fill, 1.08) : button.fill
         FocusRing { control: button; radius: width / 2 }
     }

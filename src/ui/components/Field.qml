@@ -12,7 +12,6 @@ TextField {
     placeholderTextColor: Theme.tertiary
     selectionColor: Theme.faded(Theme.blue, 0.35)
     selectedTextColor: Theme.primary
-    selectByMouse: true
     font.pixelSize: Theme.body
     leftPadding: 8
     rightPadding: 8

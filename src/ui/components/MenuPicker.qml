@@ -31,6 +31,7 @@ ComboBox {
         text: picker.displayText
         color: Theme.primary
         font: picker.font
+        textFormat: Text.PlainText
         elide: Text.ElideRight
         verticalAlignment: Text.AlignVCenter
     }
@@ -57,6 +58,7 @@ ComboBox {
         highlighted: ListView.isCurrentItem
         contentItem: Text {
             text: entry.modelData
+            textFormat: Text.PlainText
             color: entry.highlighted ? Theme.white : Theme.primary
             font.pixelSize: Theme.callout
             elide: Text.ElideRight

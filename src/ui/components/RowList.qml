@@ -59,12 +59,14 @@ ListView {
         case Qt.Key_Down: return scrollTo(contentY + 60)
         case Qt.Key_PageUp: return scrollTo(contentY - height * 0.9)
         case Qt.Key_PageDown: return scrollTo(contentY + height * 0.9)
-        case Qt.Key_Home: positionViewAtBeginning(); break
-        case Qt.Key_End: positionViewAtEnd(); break
+        case Qt.Key_Home:
+            positionViewAtBeginning()
+            return scrollTo(originY - topMargin)
+        case Qt.Key_End:
+            positionViewAtEnd()
+            return scrollTo(originY + contentHeight + bottomMargin - height)
         default: return false
         }
-        scrolled()
-        return true
     }
 
     function scrollTo(y: real): bool {

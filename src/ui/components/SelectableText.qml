@@ -11,7 +11,6 @@ TextEdit {
     signal copyFrom(int start)
 
     readOnly: true
-    selectByMouse: true
     textFormat: TextEdit.PlainText
     wrapMode: TextEdit.Wrap
     color: Theme.primary

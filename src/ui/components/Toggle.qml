@@ -10,7 +10,6 @@ Switch {
     padding: 0
     implicitWidth: 38
     implicitHeight: 22
-    spacing: 0
     Accessible.role: Accessible.CheckBox
     Accessible.name: name
     indicator: Rectangle {

@@ -23,7 +23,6 @@ Item {
     Rectangle {
         anchors.fill: parent
         radius: 12
-        antialiasing: true
         color: root.translucent ? Theme.panel : Theme.panelOpaque
         border.width: 1
         border.color: Theme.outline
@@ -37,7 +36,6 @@ Item {
             implicitWidth: 45
             implicitHeight: 45
             radius: 22.5
-            antialiasing: true
             color: Theme.faded(root.accent, 0.2)
             Symbol {
                 anchors.centerIn: parent

@@ -33,7 +33,6 @@ Item {
         width: (bubble.runsLeft ? content.width : Math.ceil(content.contentWidth)) + 26
         height: content.contentHeight + 16
         radius: 16
-        antialiasing: true
         color: bubble.isOutgoing ? Theme.blue : Theme.controlBackground
         border.width: bubble.isOutgoing ? 0 : 1
         border.color: Theme.faded(Theme.secondary, 0.15)

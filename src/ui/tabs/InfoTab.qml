@@ -70,12 +70,9 @@ FocusScope {
             }
             FormRow {
                 last: true
-                PlainButton {
+                LinkText {
                     objectName: "profile"
-                    padding: 2
                     text: InfoTexts.profileTitle
-                    textSize: Theme.subheadline
-                    Accessible.role: Accessible.Link
                     onClicked: tab.bridge.openProfile()
                 }
             }

@@ -191,7 +191,6 @@ Item {
                 leftPadding: 3
                 placeholderText: SmsTexts.searchPlaceholder
                 placeholderTextColor: Theme.tertiary
-                selectByMouse: true
                 selectionColor: Theme.faded(Theme.blue, 0.35)
                 selectedTextColor: Theme.primary
                 text: column.bridge.contactQuery
