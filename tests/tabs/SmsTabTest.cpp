@@ -167,10 +167,12 @@ TEST_F(SmsTabTest, TheHeaderShowsTheAddressOnlyBelowAnotherName) {
 
 TEST_F(SmsTabTest, AnotherSpellingLosesHighlightAndThreadButNotTheMessages) {
     view->phone.phoneSmsLog.set({{.address = "+447700900123", .name = "Anna", .body = "hi", .date = 2}});
-    view->sms.activeRecipient.set("07700900123");
-    EXPECT_FALSE(view->sms.list.get().rows.at(0).isActive);
-    EXPECT_EQ(view->sms.chatHeader.get()->name, "07700900123");
-    EXPECT_EQ(view->sms.activeMessages.get().size(), 1u);
+    for (const char* spelling : {"07700900123", "7700900123"}) {
+        view->sms.activeRecipient.set(spelling);
+        EXPECT_FALSE(view->sms.list.get().rows.at(0).isActive);
+        EXPECT_EQ(view->sms.chatHeader.get()->name, spelling);
+        EXPECT_EQ(view->sms.activeMessages.get().size(), 1u);
+    }
 }
 
 TEST_F(SmsTabTest, TheHeaderOffersTheSims) {
