@@ -168,6 +168,11 @@ TEST_F(LinuxPasteboardTest, AByteOrderMarkOfAnotherProgramIsPartOfItsText) {
     for (const char* text : {"\xEF\xBB\xBFmark", "no mark", "\xEF\xBB\xBF"}) {
         otherOwns(text, {"-target", "text/plain;charset=utf-8"});
         EXPECT_EQ(pasteboard.string(), text);
+        EXPECT_EQ(readWithoutWaiting(), text);
+        owner.kill();
+        owner.waitForFinished();
+        otherOwns(text, {"-target", "UTF8_STRING"});
+        EXPECT_EQ(readWithoutWaiting(), text) << "the only name that the owner offers";
         owner.kill();
         owner.waitForFinished();
     }

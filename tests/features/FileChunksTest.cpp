@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace velloway::test {
@@ -157,6 +159,29 @@ TEST_F(FileChunksTest, TextsAreHeldUpToAFewMebibytes) {
         }
         ASSERT_LE(held, std::size_t{12} << 20);
     }
+}
+
+TEST_F(FileChunksTest, NoMoreThanTwelveMebibytesOfOrdinaryTextsAreHeld) {
+    put("a", fileOfChunks(20));
+    const auto chunks = readAll("a");
+    std::vector<std::weak_ptr<const std::string>> given;
+    for (std::uint64_t index = 0; index < 20; ++index) {
+        given.push_back(take(*chunks, index));
+    }
+    const auto held =
+        std::count_if(given.begin(), given.end(), [](const auto& each) { return !each.expired(); });
+    EXPECT_EQ(held, 8) << "of 1.4 MB each";
+}
+
+TEST_F(FileChunksTest, EveryTextOfManyThatAreAskedForAtOnceIsMade) {
+    put("a", fileOfChunks(20));
+    const auto chunks = readAll("a");
+    int made = 0;
+    for (std::uint64_t index = 10; index < 16; ++index) {
+        chunks->make(index, [&](const SharedText& text, const auto&) { made += text ? 1 : 0; });
+    }
+    drain(server, reading);
+    EXPECT_EQ(made, 6);
 }
 
 TEST_F(FileChunksTest, AFileThatHasChangedEndsBeforeTheChangeForEverybody) {

@@ -101,6 +101,15 @@ TEST_F(SmsTabTest, TheDateOfARowIsReadAnewOnAnotherDay) {
     EXPECT_EQ(view->sms.list.get().rows.at(0).date, "Yesterday");
 }
 
+TEST_F(SmsTabTest, ARowGoesByTheAddressAsItWasWritten) {
+    view->phone.phoneSmsLog.set({{.address = "+44 7700 900123", .body = "hi", .date = 5}});
+    EXPECT_EQ(view->sms.list.get().rows.at(0).name, "+44 7700 900123");
+    view->sms.activeRecipient.set("7700900123");
+    EXPECT_FALSE(view->sms.list.get().rows.at(0).isActive);
+    view->sms.activeRecipient.set("+44 7700 900123");
+    EXPECT_TRUE(view->sms.list.get().rows.at(0).isActive);
+}
+
 TEST_F(SmsTabTest, ANameThatOnlyTheMessagesKnowIsNotInTheAvatar) {
     view->phone.phoneSmsLog.set({{.address = "+447700", .name = "Anna Bell"}});
     EXPECT_EQ(view->sms.list.get().rows.at(0).avatarInitials, "+");
@@ -158,10 +167,12 @@ TEST_F(SmsTabTest, TheHeaderShowsTheAddressOnlyBelowAnotherName) {
 
 TEST_F(SmsTabTest, AnotherSpellingLosesHighlightAndThreadButNotTheMessages) {
     view->phone.phoneSmsLog.set({{.address = "+447700900123", .name = "Anna", .body = "hi", .date = 2}});
-    view->sms.activeRecipient.set("07700900123");
-    EXPECT_FALSE(view->sms.list.get().rows.at(0).isActive);
-    EXPECT_EQ(view->sms.chatHeader.get()->name, "07700900123");
-    EXPECT_EQ(view->sms.activeMessages.get().size(), 1u);
+    for (const char* spelling : {"07700900123", "7700900123"}) {
+        view->sms.activeRecipient.set(spelling);
+        EXPECT_FALSE(view->sms.list.get().rows.at(0).isActive);
+        EXPECT_EQ(view->sms.chatHeader.get()->name, spelling);
+        EXPECT_EQ(view->sms.activeMessages.get().size(), 1u);
+    }
 }
 
 TEST_F(SmsTabTest, TheHeaderOffersTheSims) {

@@ -25,7 +25,8 @@ TEST_P(WebLinks, AreFound) {
 INSTANTIATE_TEST_SUITE_P(
     , WebLinks,
     testing::Values(LinkCase{"", {}}, LinkCase{"no link", {}}, LinkCase{"https://", {}},
-                    LinkCase{"https:// a", {}}, LinkCase{"https://.", {}},
+                    LinkCase{"http://", {}}, LinkCase{"http://a", {"http://a"}},
+                    LinkCase{"https://a", {"https://a"}}, LinkCase{"https:// a", {}}, LinkCase{"https://.", {}},
                     LinkCase{"https://a.example", {"https://a.example"}},
                     LinkCase{"see HTTP://A.example/b now", {"HTTP://A.example/b"}},
                     LinkCase{"https://a.example/b?c=d&e=f#g.", {"https://a.example/b?c=d&e=f#g"}},

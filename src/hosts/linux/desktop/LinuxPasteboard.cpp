@@ -1,12 +1,12 @@
 #include "hosts/linux/desktop/LinuxPasteboard.h"
 
+#include "hosts/linux/desktop/ClipboardText.h"
 #include "hosts/linux/desktop/DataControl.h"
 #include "hosts/linux/desktop/SelectionReader.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
-#include <QStringConverter>
 
 #include <utility>
 
@@ -25,13 +25,6 @@ bool isToolkitInTouch() {
 /// leading byte order mark.
 QString utf8Text() {
     return QStringLiteral("text/plain;charset=utf-8");
-}
-
-/// `QString::fromUtf8` would cut a byte order mark, which here is a character of the text.
-QString decoded(QByteArrayView bytes) {
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::ConvertInitialBom | QStringDecoder::Flag::Stateless);
-    return decoder(bytes);
 }
 
 } // namespace
@@ -62,7 +55,7 @@ bool LinuxPasteboard::setString(std::string_view text) {
         return false;
     }
     QGuiApplication::clipboard()->setText(
-        decoded(QByteArrayView(text.data(), static_cast<qsizetype>(text.size()))));
+        clipboardText(QByteArrayView(text.data(), static_cast<qsizetype>(text.size()))));
     return true;
 }
 
@@ -78,7 +71,7 @@ std::optional<std::string> LinuxPasteboard::string() const {
     }
     const QMimeData* contents = clipboard.mimeData();
     if (contents != nullptr && contents->hasFormat(utf8Text())) {
-        return decoded(contents->data(utf8Text())).toStdString();
+        return clipboardText(contents->data(utf8Text())).toStdString();
     }
     // Not `hasText`, which takes a list of addresses for text as well.
     if (contents == nullptr || !contents->hasFormat(QStringLiteral("text/plain"))) {

@@ -1,12 +1,13 @@
 #include "hosts/linux/desktop/SelectionReader.h"
 
-#include <QString>
-#include <QStringConverter>
+#include "hosts/linux/desktop/ClipboardText.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 #include <utility>
 #include <vector>
 #include <xcb/xcb.h>
@@ -25,15 +26,20 @@ template <class Reply> ReplyPointer<Reply> owned(Reply* reply) {
     return {reply, &std::free};
 }
 
-/// What is not text in its encoding becomes replacement characters; a byte order mark stays.
-std::string decoded(const std::string& bytes, std::uint32_t type) {
-    using Decoder = QStringDecoder;
-    // Without a state, so that a character that is cut off at the end is replaced as well.
-    Decoder decoder(type == XCB_ATOM_STRING ? Decoder::Latin1 : Decoder::Utf8,
-                    Decoder::Flag::ConvertInitialBom | Decoder::Flag::Stateless);
-    const QString text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
-    return text.toStdString();
-}
+enum AtomName : std::size_t {
+    targets,
+    clipboard,
+    answer,
+    inPieces,
+    utf8String,
+    utf8Text,
+    plainText,
+    latin1String
+};
+
+constexpr std::array<std::string_view, SelectionReader::atomCount> atomNames{
+    "TARGETS",    "CLIPBOARD", "VELLOWAY_CLIPBOARD", "INCR", "UTF8_STRING", "text/plain;charset=utf-8",
+    "text/plain", "STRING"};
 
 } // namespace
 
@@ -50,6 +56,7 @@ SelectionReader::SelectionReader(xcb_connection_t* connection)
     : connection_(connection),
       notifier_(std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection), QSocketNotifier::Read)) {
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, this, [this] { handleEvents(); });
+    readAtoms();
     silence_.setSingleShot(true);
     silence_.setInterval(answerBound);
     QObject::connect(&silence_, &QTimer::timeout, this, [this] {
@@ -65,11 +72,15 @@ SelectionReader::~SelectionReader() {
     xcb_disconnect(connection_);
 }
 
-std::uint32_t SelectionReader::atom(const char* name) {
-    const auto reply = owned(xcb_intern_atom_reply(
-        connection_, xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
-        nullptr));
-    return reply ? reply->atom : static_cast<std::uint32_t>(XCB_ATOM_NONE);
+void SelectionReader::readAtoms() {
+    std::array<xcb_intern_atom_cookie_t, atomCount> asked{};
+    std::transform(atomNames.begin(), atomNames.end(), asked.begin(), [this](std::string_view name) {
+        return xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
+    });
+    std::transform(asked.begin(), asked.end(), atoms_.begin(), [this](xcb_intern_atom_cookie_t each) {
+        const auto reply = owned(xcb_intern_atom_reply(connection_, each, nullptr));
+        return reply ? reply->atom : static_cast<std::uint32_t>(XCB_ATOM_NONE);
+    });
 }
 
 void SelectionReader::read(Done done) {
@@ -84,16 +95,15 @@ void SelectionReader::read(Done done) {
     window_ = xcb_generate_id(connection_);
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, screen->root, 0, 0, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
-    convert(atom("TARGETS"));
-    // What came while the atoms were asked for does not wake the event loop.
+    convert(atoms_[targets]);
+    // What came while the request was being written does not wake the event loop.
     QMetaObject::invokeMethod(
         this, [this] { handleEvents(); }, Qt::QueuedConnection);
 }
 
 void SelectionReader::convert(std::uint32_t type) {
     asked_ = type;
-    xcb_convert_selection(connection_, window_, atom("CLIPBOARD"), type, atom("VELLOWAY_CLIPBOARD"),
-                          XCB_CURRENT_TIME);
+    xcb_convert_selection(connection_, window_, atoms_[clipboard], type, atoms_[answer], XCB_CURRENT_TIME);
     xcb_flush(connection_);
 }
 
@@ -122,7 +132,7 @@ void SelectionReader::handle(const xcb_selection_notify_event_t& event) {
     }
     if (event.property == XCB_ATOM_NONE) {
         finish(std::nullopt);
-    } else if (asked_ == atom("TARGETS")) {
+    } else if (asked_ == atoms_[targets]) {
         chooseType();
     } else {
         takeText();
@@ -153,8 +163,8 @@ void SelectionReader::chooseType() {
         offered.resize(bytes.size() / sizeof(xcb_atom_t));
         std::memcpy(offered.data(), bytes.data(), offered.size() * sizeof(xcb_atom_t));
     }
-    for (const char* name : {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "STRING"}) {
-        const std::uint32_t wanted = atom(name);
+    for (const AtomName name : {utf8String, utf8Text, plainText, latin1String}) {
+        const std::uint32_t wanted = atoms_[name];
         if (std::find(offered.begin(), offered.end(), wanted) != offered.end()) {
             silence_.start();
             convert(wanted);
@@ -169,7 +179,7 @@ void SelectionReader::takeText() {
     std::string text;
     if (!takePiece(type, text)) {
         finish(std::nullopt);
-    } else if (type == atom("INCR")) {
+    } else if (type == atoms_[inPieces]) {
         // The owner sends it in pieces, each after the last one was taken away.
         isInPieces_ = true;
         silence_.start();
@@ -181,7 +191,7 @@ void SelectionReader::takeText() {
 bool SelectionReader::takePiece(std::uint32_t& type, std::string& piece) {
     const auto reply = owned(xcb_get_property_reply(
         connection_,
-        xcb_get_property(connection_, 1, window_, atom("VELLOWAY_CLIPBOARD"), XCB_GET_PROPERTY_TYPE_ANY, 0,
+        xcb_get_property(connection_, 1, window_, atoms_[answer], XCB_GET_PROPERTY_TYPE_ANY, 0,
                          static_cast<std::uint32_t>(longestText / 4)),
         nullptr));
     if (!reply) {
@@ -198,7 +208,9 @@ void SelectionReader::finish(std::optional<std::string> text) {
         return;
     }
     if (text) {
-        text = decoded(*text, asked_);
+        const QByteArrayView bytes(text->data(), static_cast<qsizetype>(text->size()));
+        const bool isLatin1 = asked_ == atoms_[latin1String];
+        text = clipboardText(bytes, isLatin1 ? QStringConverter::Latin1 : QStringConverter::Utf8).toStdString();
     }
     silence_.stop();
     if (window_ != 0) {

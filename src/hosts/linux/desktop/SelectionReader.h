@@ -4,6 +4,7 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -23,6 +24,9 @@ class SelectionReader : public QObject {
 public:
     using Done = std::function<void(std::optional<std::string> text)>;
 
+    /// How many names the server is asked about, once for the life of the connection.
+    static constexpr std::size_t atomCount = 8;
+
     /// Null where there is no X server.
     static std::unique_ptr<SelectionReader> connect();
     ~SelectionReader() override;
@@ -33,7 +37,7 @@ public:
 
 private:
     explicit SelectionReader(xcb_connection_t* connection);
-    std::uint32_t atom(const char* name);
+    void readAtoms();
     void convert(std::uint32_t type);
     void handleEvents();
     void handle(const xcb_selection_notify_event_t& event);
@@ -44,6 +48,7 @@ private:
     void finish(std::optional<std::string> text);
 
     xcb_connection_t* connection_;
+    std::array<std::uint32_t, atomCount> atoms_{};
     std::unique_ptr<QSocketNotifier> notifier_;
     QTimer silence_;
     Done done_;
