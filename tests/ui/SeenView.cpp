@@ -318,10 +318,13 @@ void hear(QAccessibleInterface* from, int depth, std::vector<std::string>& heard
         line += " value " + quoted(from->text(QAccessible::Value));
     }
     const QAccessible::State state = from->state();
+    // What a text says about itself depends on the order in which the engine sets its properties.
+    const bool isText = from->role() == QAccessible::StaticText || from->role() == QAccessible::Heading;
     const std::pair<bool, const char*> states[] = {
-        {state.selected, "selected"},     {state.checked, "checked"},     {state.focused, "focused"},
-        {state.disabled, "disabled"},     {state.editable, "editable"},   {state.focusable, "focusable"},
-        {state.selectable, "selectable"}, {state.checkable, "checkable"}, {state.readOnly, "read-only"},
+        {state.selected, "selected"},     {state.checked, "checked"},
+        {state.focused, "focused"},       {state.disabled, "disabled"},
+        {state.editable, "editable"},     {state.focusable && !isText, "focusable"},
+        {state.selectable, "selectable"}, {state.checkable, "checkable"},
         {state.hasPopup, "opens a menu"}};
     for (const auto& [holds, name] : states) {
         line += holds ? std::string(" ") + name : "";

@@ -37,6 +37,25 @@ TEST_F(SmsBodyTest, AClickOnALinkOpensItAndAClickBesideItDoesNot) {
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "see <b> & https://a.example/x?y=1&z=2, please");
 }
 
+TEST_F(SmsBodyTest, ALinkStandsOutFromItsGround) {
+    for (const int type : {1, 2}) {
+        state().phone.phoneSmsLog.set({{"1", std::nullopt, "https://a.example/", 1.7e12, type}});
+        state().sms.activeRecipient.set("1");
+        settle();
+        const bool isOutgoing = type == 2;
+        const QString markup = part("body")->property("text").toString();
+        EXPECT_EQ(markup.contains("color:#ffffff"), isOutgoing) << markup.toStdString();
+    }
+}
+
+TEST_F(SmsBodyTest, OfALongMessageWhatIsSelectedIsCopiedAndNoMore) {
+    QQuickItem* body = show(std::string(100'000, 'w').c_str());
+    QMetaObject::invokeMethod(body, "select", Q_ARG(int, 0), Q_ARG(int, 10));
+    body->forceActiveFocus();
+    key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "wwwwwwwwww");
+}
+
 TEST_F(SmsBodyTest, TextThatLooksLikeMarkupIsShownAsItIs) {
     QQuickItem* body = show("<a href=\"https://evil.example\">https://good.example</a> a  b\nc");
     body->forceActiveFocus();
