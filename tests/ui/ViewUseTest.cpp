@@ -77,6 +77,15 @@ protected:
             }
         };
         visit(QAccessible::queryAccessibleInterface(&openWindow()));
+        // A list keeps its rows in the order in which it made them, which changes with their reuse.
+        const auto isRow = [](const Control& control) { return control.role == QAccessible::ListItem; };
+        for (auto first = std::find_if(found.begin(), found.end(), isRow); first != found.end();) {
+            const auto last = std::find_if_not(first, found.end(), isRow);
+            std::stable_sort(first, last, [](const Control& a, const Control& b) {
+                return a.item->mapToScene({}).y() < b.item->mapToScene({}).y();
+            });
+            first = std::find_if(last, found.end(), isRow);
+        }
         return found;
     }
 
