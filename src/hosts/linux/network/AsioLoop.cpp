@@ -92,7 +92,11 @@ void AsioLoop::add(std::chrono::nanoseconds delay, Job job) {
     const auto due = Clock::now() + delay;
     {
         const std::lock_guard lock(mutex_);
-        if (isEnded_ || delayed_.emplace(due, std::move(job)) != delayed_.begin()) {
+        if (isEnded_) {
+            return;
+        }
+        const auto place = delayed_.emplace(due, std::move(job));
+        if (place != delayed_.begin()) {
             return;
         }
         ++waking_;
