@@ -8,6 +8,7 @@
 #include <QQuickItem>
 #include <QQuickStyle>
 
+#include <bit>
 #include <utility>
 
 namespace velloway {
@@ -53,7 +54,7 @@ public:
         view_.release()->deleteLater();
     }
 
-    void* nativeView() override { return reinterpret_cast<void*>(view_->winId()); }
+    void* nativeView() override { return std::bit_cast<void*>(view_->winId()); }
     void setContent(std::shared_ptr<WindowContent> content) override { view_->setContent(std::move(content)); }
     void setShown(bool isShown) override { view_->setVisible(isShown); }
     void setBackgroundPressed(std::function<void()> pressed) override {

@@ -67,14 +67,14 @@ struct ContentView::Bridges {
     std::unique_ptr<CallPanelBridge> callPanel;
 };
 
-ContentView::ContentView(QQmlEngine& engine, const std::shared_ptr<WindowContent>& content)
+ContentView::ContentView(QQmlEngine& engine, std::shared_ptr<WindowContent> content)
     : QQuickView(&engine, nullptr), bridges_(std::make_unique<Bridges>()) {
     setResizeMode(SizeRootObjectToView);
     if (auto settings = std::dynamic_pointer_cast<SettingsView>(content)) {
         bridges_->main = std::make_unique<MainBridge>(std::move(settings));
         setInitialProperties({{"bridge", QVariant::fromValue(bridges_->main.get())}});
         setSource(viewFile("MainView"));
-    } else if (auto callPanel = std::dynamic_pointer_cast<CallPanelContent>(content)) {
+    } else if (auto callPanel = std::dynamic_pointer_cast<CallPanelContent>(std::move(content))) {
         bridges_->callPanel = std::make_unique<CallPanelBridge>(std::move(callPanel));
         setInitialProperties({{"bridge", QVariant::fromValue(bridges_->callPanel.get())}});
         setSource(viewFile("panels/CallPanel"));
@@ -86,8 +86,8 @@ ContentView::~ContentView() {
     setSource({});
 }
 
-void ContentView::setContent(const std::shared_ptr<WindowContent>& content) {
-    if (auto callPanel = std::dynamic_pointer_cast<CallPanelContent>(content);
+void ContentView::setContent(std::shared_ptr<WindowContent> content) {
+    if (auto callPanel = std::dynamic_pointer_cast<CallPanelContent>(std::move(content));
         callPanel && bridges_->callPanel) {
         bridges_->callPanel->setContent(std::move(callPanel));
     }

@@ -23,10 +23,10 @@ class ContentView : public QQuickView {
     Q_OBJECT
 
 public:
-    ContentView(QQmlEngine& engine, const std::shared_ptr<WindowContent>& content);
+    ContentView(QQmlEngine& engine, std::shared_ptr<WindowContent> content);
     ~ContentView() override;
 
-    void setContent(const std::shared_ptr<WindowContent>& content);
+    void setContent(std::shared_ptr<WindowContent> content);
 
 protected:
     void exposeEvent(QExposeEvent* event) override;
