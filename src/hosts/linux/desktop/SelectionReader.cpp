@@ -208,9 +208,9 @@ void SelectionReader::finish(std::optional<std::string> text) {
         return;
     }
     if (text) {
-        const QByteArrayView bytes(text->data(), static_cast<qsizetype>(text->size()));
-        const bool isLatin1 = asked_ == atoms_[latin1String];
-        text = clipboardText(bytes, isLatin1 ? QStringConverter::Latin1 : QStringConverter::Utf8).toStdString();
+        const auto encoding =
+            asked_ == atoms_[latin1String] ? QStringConverter::Latin1 : QStringConverter::Utf8;
+        text = clipboardText(*text, encoding).toStdString();
     }
     silence_.stop();
     if (window_ != 0) {
