@@ -274,7 +274,9 @@ TEST(AsioQueueTest, WhatADroppedJobHeldMayHandOverJobsAsItGoes) {
     const std::weak_ptr<int> watch = held;
     {
         AsioQueue queue("ws.server");
-        queue.asyncAfter(1h, [parting = std::make_shared<Parting>(Parting{queue, std::move(held)})] {});
+        // Made in place: a copy would hand over its job while the queue still runs.
+        const std::shared_ptr<Parting> parting(new Parting{queue, std::move(held)});
+        queue.asyncAfter(1h, [parting] {});
     }
     EXPECT_TRUE(watch.expired());
 }
