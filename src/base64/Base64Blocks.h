@@ -34,11 +34,9 @@ inline std::uint8_t* packGroup(const std::uint8_t* values, std::uint8_t* out) {
     return out + 3;
 }
 
-/// Copies a block without its unknown bytes, and returns how many there are. Reads and writes up to a block and
-/// a byte beyond.
-///
-/// Mostly there is one such byte or none, and nobody can predict which: both take the same steps.
-template <class Vector> std::size_t copyKnown(const std::uint8_t* in, std::uint8_t* to) {
+/// For vectors that cannot do it in one step. Mostly there is one unknown byte or none, and nobody can predict
+/// which: both take the same steps.
+template <class Vector> std::size_t copyKnownOfFew(const std::uint8_t* in, std::uint8_t* to) {
     const auto chars = Vector::load(in);
     const unsigned unknown = Vector::unknownMask(chars);
     if ((unknown & (unknown - 1)) != 0) {
@@ -48,6 +46,16 @@ template <class Vector> std::size_t copyKnown(const std::uint8_t* in, std::uint8
     const int first = __builtin_ctzll(unknown | 1ULL << Vector::width);
     Vector::store(Vector::load(in + first + 1), to + first);
     return Vector::width - (unknown != 0);
+}
+
+/// Copies a block without its unknown bytes, and returns how many there are. Reads and writes up to a block and
+/// a byte beyond.
+template <class Vector> std::size_t copyKnown(const std::uint8_t* in, std::uint8_t* to) {
+    if constexpr (requires { Vector::copyKnown(in, to); }) {
+        return Vector::copyKnown(in, to);
+    } else {
+        return copyKnownOfFew<Vector>(in, to);
+    }
 }
 
 /// Packs the text of known bytes alone; what makes no whole group is held back.

@@ -1,12 +1,16 @@
 #include "hosts/linux/network/FrameReader.h"
+#include "hosts/linux/network/ReturnedBlocks.h"
+#include "hosts/network/HostileFixture.h"
 #include "hosts/network/RawPhone.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -294,6 +298,90 @@ TEST(FrameReaderTest, AMessageThatIsKeptStaysWhereItIsWhateverComesAfterIt) {
     EXPECT_EQ(frames.next().kind, FrameReader::Kind::incomplete);
     frames.clear();
     EXPECT_EQ(event.bytes, first);
+}
+
+/// Reads large messages of one size that are kept for a while, as pieces of a file are.
+class KeptMessages {
+public:
+    static constexpr std::size_t size = 3'000'000;
+
+    std::string_view read(std::size_t bytes) {
+        const std::string all = frame(std::string(bytes, 'k'));
+        for (std::size_t written = 0; written < all.size();) {
+            const auto place = frames.prepare();
+            const std::size_t count = std::min(place.size(), all.size() - written);
+            std::memcpy(place.data(), all.data() + written, count);
+            frames.commit(count);
+            written += count;
+            if (const auto event = frames.next(); event.kind == FrameReader::Kind::message) {
+                return event.bytes;
+            }
+        }
+        return {};
+    }
+    std::shared_ptr<const void> keep() {
+        read(size);
+        return frames.keepMessage();
+    }
+
+    FrameReader frames{std::size_t{64} << 20};
+};
+
+TEST(FrameReaderTest, TheMemoryOfAKeptMessageServesAgainOnceItHasComeBack) {
+    KeptMessages messages;
+    auto first = messages.keep();
+    const void* const place = first.get();
+    first.reset();
+    // Would be given that memory if it were free.
+    const std::vector<char> other(KeptMessages::size);
+    const auto second = messages.keep();
+    const auto third = messages.keep();
+    EXPECT_NE(second.get(), place);
+    EXPECT_EQ(third.get(), place);
+}
+
+TEST(FrameReaderTest, TheMemoryThatHasComeBackIsFreedWhenOnlySmallMessagesCome) {
+    if (VELLOWAY_MEMORY_IS_INSTRUMENTED) {
+        GTEST_SKIP() << "what is free is not counted here";
+    }
+    const auto used = [] {
+        const auto memory = mallinfo2();
+        return memory.uordblks + memory.hblkhd;
+    };
+    KeptMessages messages;
+    messages.keep();
+    messages.read(10);
+    const std::size_t before = used();
+    for (int count = 0; count < 62; ++count) {
+        messages.read(10);
+    }
+    EXPECT_GT(used() + 1'000'000, before) << "a phone may send pieces and other messages in turn";
+    messages.read(10);
+    messages.read(10);
+    EXPECT_LT(used() + KeptMessages::size, before);
+}
+
+TEST(ReturnedBlocksTest, GivesOutWhatIsLargeEnoughAndKeepsTwo) {
+    const auto block = [](std::size_t capacity) {
+        return ReturnedBlocks::Block{static_cast<char*>(std::malloc(capacity)), capacity};
+    };
+    ReturnedBlocks blocks;
+    EXPECT_EQ(blocks.take(0).memory, nullptr);
+    const auto small = block(10);
+    const auto large = block(20);
+    blocks.put(small);
+    blocks.put(large);
+    // Freed at once, which the address sanitizer checks.
+    blocks.put(block(30));
+    EXPECT_EQ(blocks.take(21).memory, nullptr);
+    const auto taken = blocks.take(11);
+    EXPECT_EQ(taken.memory, large.memory);
+    EXPECT_EQ(taken.capacity, 20u);
+    blocks.put(taken);
+    EXPECT_EQ(blocks.take(10).memory, small.memory);
+    std::free(small.memory);
+    blocks.freeAll();
+    EXPECT_EQ(blocks.take(0).memory, nullptr);
 }
 
 TEST(FrameReaderTest, TakesALargeFrameInPiecesOfBoundedSize) {

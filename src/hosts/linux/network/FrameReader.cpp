@@ -15,6 +15,8 @@ constexpr std::size_t readBytes = std::size_t{64} << 10;
 constexpr std::size_t mostReadBytes = std::size_t{256} << 10;
 /// Enough for a file chunk with its escapes; more is given back after the message.
 constexpr std::size_t keptBytes = std::size_t{4} << 20;
+/// So many after a large one, and the next large one is not expected soon.
+constexpr std::uint64_t fewSmallMessages = 64;
 /// Unmasked and checked in pieces that stay in the processor's cache.
 constexpr std::size_t pieceBytes = std::size_t{16} << 10;
 constexpr std::size_t maxControlBytes = 125;
@@ -31,16 +33,18 @@ std::uint64_t bigEndian(const char* bytes, std::size_t count) {
     return value;
 }
 
+/// Compilers make vector instructions of it on every processor that has them.
+using Block __attribute__((vector_size(64))) = std::uint32_t;
+
 void unmask(char* bytes, std::size_t count, const std::array<char, 4>& mask) {
-    std::uint64_t wide = 0;
-    std::memcpy(&wide, mask.data(), 4);
-    std::memcpy(reinterpret_cast<char*>(&wide) + 4, mask.data(), 4);
+    std::uint32_t word = 0;
+    std::memcpy(&word, mask.data(), mask.size());
     std::size_t index = 0;
-    for (; index + 8 <= count; index += 8) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, bytes + index, 8);
-        word ^= wide;
-        std::memcpy(bytes + index, &word, 8);
+    for (; index + sizeof(Block) <= count; index += sizeof(Block)) {
+        Block block;
+        std::memcpy(&block, bytes + index, sizeof block);
+        block ^= word;
+        std::memcpy(bytes + index, &block, sizeof block);
     }
     for (; index < count; ++index) {
         bytes[index] = static_cast<char>(bytes[index] ^ mask[index % 4]);
@@ -134,6 +138,7 @@ void FrameReader::commit(std::size_t count) {
 void FrameReader::clear() {
     hasEnded_ = true;
     buffer_.clear(0);
+    buffer_.freeReturned();
     position_ = 0;
 }
 
@@ -170,6 +175,7 @@ std::shared_ptr<const void> FrameReader::keepMessage() {
     auto kept = buffer_.detach(position_, std::min(buffer_.capacity(), keptBytes));
     if (kept) {
         isDelivered_ = false;
+        countSmall(messageEnd_ - messageStart_);
         position_ = messageStart_ = messageEnd_ = checkedEnd_ = 0;
     }
     return kept;
@@ -178,7 +184,16 @@ std::shared_ptr<const void> FrameReader::keepMessage() {
 void FrameReader::dropMessage() {
     if (isDelivered_) {
         isDelivered_ = false;
+        countSmall(messageEnd_ - messageStart_);
         messageStart_ = messageEnd_ = checkedEnd_ = position_;
+    }
+}
+
+/// The memory of large messages goes once only small ones come.
+void FrameReader::countSmall(std::size_t messageBytes) {
+    smallInARow_ = messageBytes >= readBytes ? 0 : smallInARow_ + 1;
+    if (smallInARow_ == fewSmallMessages) {
+        buffer_.freeReturned();
     }
 }
 

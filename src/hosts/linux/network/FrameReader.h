@@ -80,6 +80,7 @@ private:
     enum class Found { incomplete, header, breach };
 
     void dropMessage();
+    void countSmall(std::size_t messageBytes);
     void closeGap();
     Found parseHeader(Header& header) const;
     Event startFrame();
@@ -97,6 +98,7 @@ private:
     /// The message so far, unmasked.
     std::size_t messageStart_ = 0;
     std::size_t messageEnd_ = 0;
+    std::uint64_t smallInARow_ = 0;
     /// How far it is known to be text.
     std::size_t checkedEnd_ = 0;
     bool isInMessage_ = false;

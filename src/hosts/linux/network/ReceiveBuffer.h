@@ -1,5 +1,7 @@
 #pragma once
 
+#include "hosts/linux/network/ReturnedBlocks.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
@@ -45,22 +47,36 @@ public:
     }
 
     /// Hands the memory over with all bytes in it; those from `from` on are copied and are this buffer's only
-    /// ones afterwards. Null when there is no memory for that; nothing has changed then.
+    /// ones afterwards. No more than `capacity` is kept when it comes back. Null when there is no memory for
+    /// that; nothing has changed then.
     std::shared_ptr<const void> detach(std::size_t from, std::size_t capacity) {
         const std::size_t rest = size_ - from;
         capacity = std::max(capacity, rest);
-        void* const memory = std::malloc(capacity + readableAfter);
-        if (!memory) {
+        ReturnedBlocks::Block next = returned_->take(capacity);
+        if (!next.memory) {
+            next = {static_cast<char*>(std::malloc(capacity + readableAfter)), capacity};
+        }
+        if (!next.memory) {
             return nullptr;
         }
-        std::copy(memory_ + from, memory_ + size_, static_cast<char*>(memory));
-        const auto release = [](void* kept) { std::free(kept); };
-        std::shared_ptr<const void> kept(static_cast<void*>(memory_), release);
-        memory_ = static_cast<char*>(memory);
+        std::copy(memory_ + from, memory_ + size_, next.memory);
+        const auto giveBack = [returned = capacity_ > capacity ? nullptr : returned_,
+                               held = capacity_](void* kept) {
+            if (returned) {
+                returned->put({static_cast<char*>(kept), held});
+            } else {
+                std::free(kept);
+            }
+        };
+        std::shared_ptr<const void> kept(static_cast<void*>(memory_), giveBack);
+        memory_ = next.memory;
         size_ = rest;
-        capacity_ = capacity;
+        capacity_ = next.capacity;
         return kept;
     }
+
+    /// Frees what was handed over by `detach` and has come back for the next time.
+    void freeReturned() { returned_->freeAll(); }
 
     /// Forgets the bytes, and gives the memory back when it is more than `kept`.
     void clear(std::size_t kept) {
@@ -86,6 +102,7 @@ private:
     char* memory_ = nullptr;
     std::size_t size_ = 0;
     std::size_t capacity_ = 0;
+    std::shared_ptr<ReturnedBlocks> returned_ = std::make_shared<ReturnedBlocks>();
 };
 
 } // namespace velloway
