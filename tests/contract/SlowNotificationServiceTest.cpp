@@ -180,6 +180,24 @@ TEST_F(SlowNotificationServiceTest, WhatOurBannerShowsOutlivesTheServiceAndGoesT
     EXPECT_EQ(service_->calls.size(), 1u);
 }
 
+TEST_F(SlowNotificationServiceTest, AfterOneTooManyNothingIsSentForASecond) {
+    service_->holdsAnswers = false;
+    service_->errorName = "org.freedesktop.Notifications.Error.ExcessNotificationGeneration";
+    service_->errorsLeft = 1;
+    addSlowly("key");
+    ASSERT_TRUE(waitFor([&] { return service_->errorsLeft == 0; }));
+    settle();
+    addSlowly("next");
+    settle();
+    time_.pass(std::chrono::milliseconds(999));
+    settle();
+    EXPECT_EQ(timesShown().count("File Received"), 1u);
+    time_.pass(std::chrono::milliseconds(1));
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 5; }));
+    EXPECT_EQ(timesShown().at("File Received"), 5);
+    EXPECT_EQ(banners(), 0u);
+}
+
 TEST_F(SlowNotificationServiceTest, WhatIsRemovedMeanwhileIsShownNowhere) {
     addSlowly("key");
     ASSERT_TRUE(isHeld(1));
