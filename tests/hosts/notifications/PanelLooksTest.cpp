@@ -142,9 +142,7 @@ protected:
         button_ = row_->findChild<QAbstractButton*>();
     }
     QLineEdit& input() { return *row_->input(); }
-    QImage look(QWidget& part) {
-        return imageOf(*row_).copy(part.geometry());
-    }
+    QImage look(QWidget& part) { return imageOf(*row_).copy(part.geometry()); }
 
     QStringList sent_;
     std::unique_ptr<ReplyRow> row_;
