@@ -318,6 +318,18 @@ TEST_F(NotificationsOnTheirWay, AMoveEndsWithItsBanner) {
     EXPECT_EQ(service_->calls.size(), 1u);
 }
 
+TEST_F(NotificationsOnTheirWay, ABannerThatTheServiceDoesNotTakeStaysAsItIs) {
+    show(message("key"));
+    auto* const banner = visible<NotificationBanner>().at(0);
+    start({"body", "actions"});
+    service_->errorName = unknownMethod;
+    service_->errorsLeft = 1;
+    ASSERT_TRUE(waitFor([&] { return service_->errorsLeft == 0; }));
+    settle();
+    ASSERT_EQ(visible<NotificationBanner>().size(), 1u);
+    EXPECT_EQ(visible<NotificationBanner>().at(0), banner);
+}
+
 TEST_F(NotificationsOnTheirWay, ADestroyedCentreSendsNothingThatTheDelegateDecidesAfterwards) {
     start({"body", "actions"});
     delegate_.answersAtOnce = false;

@@ -299,10 +299,10 @@ TEST_F(LinuxNetworkLimitsTest, AnEndedConnectionRefusesTextsSeriesAndReceivesInT
     latest->cancel();
     EXPECT_EQ(phone.readFrame()->closeCode(), 1001);
     std::vector<std::string> errors;
+    const auto note = [&](const auto& error) {
+        errors.push_back(error ? error->localizedDescription : "sent");
+    };
     host->perform([&] {
-        const auto note = [&](const auto& error) {
-            errors.push_back(error ? error->localizedDescription : "sent");
-        };
         latest->send(std::make_shared<const std::string>("late"), "send", note);
         latest->send(std::make_shared<const std::string>("late"), "send", {});
         latest->send(series, 0, "send", note);

@@ -186,6 +186,15 @@ TEST_F(DeliveryQueueTest, AMoveNeverTakesTheRoomOfAnotherAndGivesItsOwn) {
     EXPECT_FALSE(queue_.hasReady());
 }
 
+TEST_F(DeliveryQueueTest, AMoveThatHasEndedGivesNoRoom) {
+    ASSERT_TRUE(queue_.addMove(request("moved"), 0));
+    queue_.markSent(*queue_.takeReady());
+    finish("moved");
+    addNumbered(most);
+    add("one more");
+    EXPECT_EQ(events_, (Events{std::string("end 0: ") + tooMany, "start one more"}));
+}
+
 TEST_F(DeliveryQueueTest, WhatIsPendingIsCompletedWhenItIsRemoved) {
     add("a", "1");
     add("a", "2");
