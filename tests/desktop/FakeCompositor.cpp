@@ -147,6 +147,13 @@ wl_resource* FakeCompositor::latest(const std::string& interface) const {
     return found == resources_.rend() ? nullptr : found->second;
 }
 
+wl_resource* FakeCompositor::make(wl_resource* resource, const wl_interface& interface) {
+    wl_resource* const made =
+        wl_resource_create(wl_resource_get_client(resource), &interface, wl_resource_get_version(resource), 0);
+    Hooks::adopt(*this, made);
+    return made;
+}
+
 void FakeCompositor::disconnectAll() {
     wl_display_destroy_clients(display_);
 }
@@ -154,15 +161,24 @@ void FakeCompositor::disconnectAll() {
 int FakeCompositor::handle(wl_resource* resource, const wl_message& message, wl_argument* arguments) {
     std::string line = std::string(wl_resource_get_class(resource)) + '.' + message.name;
     std::size_t index = 0;
+    int file = -1;
     for (const char* kind = message.signature; *kind; ++kind) {
         if (std::isalpha(static_cast<unsigned char>(*kind)) != 0) {
             line += ' ' + take(message, resource, *kind, index, arguments);
             ++index;
+            if (*kind == 'h' && message.name != std::string("keymap")) {
+                file = arguments[index - 1].h;
+            }
         }
     }
     {
         const std::lock_guard lock(mutex_);
         requests_.push_back(std::move(line));
+    }
+    if (file >= 0 && receivedFile) {
+        receivedFile(arguments[index - 2].s, file);
+    } else if (file >= 0) {
+        close(file);
     }
     if (refusedRequest == message.name) {
         wl_resource_post_error(resource, 0, "refused by the test");
@@ -195,11 +211,8 @@ std::string FakeCompositor::take(const wl_message& message, wl_resource* resourc
         if (message.name == std::string("keymap")) {
             const std::lock_guard lock(mutex_);
             keymap_ = contentOf(argument.h);
-        } else if (receivedFile) {
-            receivedFile(arguments[index - 1].s, argument.h);
-            return "file";
+            close(argument.h);
         }
-        close(argument.h);
         return "file";
     default:
         return "?";

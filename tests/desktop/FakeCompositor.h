@@ -38,6 +38,8 @@ public:
     void perform(const std::function<void()>& act);
     /// The object of this interface that a client made last; null when there is none. Within `perform`.
     wl_resource* latest(const std::string& interface) const;
+    /// A new object for the client of `resource`. Within `perform`.
+    wl_resource* make(wl_resource* resource, const wl_interface& interface);
     /// Ends the connections of all clients. Within `perform`.
     void disconnectAll();
     /// A request of this name ends the connection of its client with an error.
