@@ -46,19 +46,6 @@ QColor named(const PaletteColor& color, bool isDark) {
     return QColor::fromRgba(isDark ? color.dark : color.light);
 }
 
-/// A compositing manager is there for as long as this is.
-class Compositor {
-public:
-    Compositor() {
-        const xcb_window_t owner = client_.makeWindow(0, 0, 1, 1);
-        xcb_set_selection_owner(client_.get(), owner, client_.atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
-        client_.sync();
-    }
-
-private:
-    XClient client_;
-};
-
 TEST(FloatingPanelLooks, WithoutACompositorItIsAsLargeAsItLooks) {
     Panel panel;
     EXPECT_EQ(panel.size(), QSize(350, 14 + 40 + 14));
@@ -91,7 +78,7 @@ TEST(FloatingPanelLooks, WithoutACompositorAMaskRoundsTheCornersOfAnOpaqueCard) 
 }
 
 TEST(FloatingPanelLooks, WithACompositorItHasAShadowAround) {
-    const Compositor compositor;
+    const CompositingManager manager;
     Panel panel;
     EXPECT_EQ(panel.size(), QSize(350 + 28, 68 + 28));
     EXPECT_EQ(panel.content()->contentsMargins(), QMargins(28, 28, 28, 28));

@@ -146,4 +146,21 @@ private:
     xcb_window_t root_ = XCB_NONE;
 };
 
+/// A compositing manager is there for as long as this is.
+class CompositingManager {
+public:
+    CompositingManager() { own(client_.makeWindow(0, 0, 1, 1)); }
+    ~CompositingManager() { own(XCB_NONE); }
+    CompositingManager(const CompositingManager&) = delete;
+    CompositingManager& operator=(const CompositingManager&) = delete;
+
+private:
+    void own(xcb_window_t window) {
+        xcb_set_selection_owner(client_.get(), window, client_.atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
+        client_.sync();
+    }
+
+    XClient client_;
+};
+
 } // namespace velloway::test
