@@ -44,16 +44,20 @@ QStringList FakeNotificationService::GetCapabilities() {
     return capabilities;
 }
 
-uint FakeNotificationService::Notify(const QString& appName, uint replacesId, const QString&,
+uint FakeNotificationService::Notify(const QString& appName, uint replacesId, const QString& icon,
                                      const QString& summary, const QString& body, const QStringList& actions,
-                                     const QVariantMap& hints, int) {
+                                     const QVariantMap& hints, int timeout) {
     if (errorsLeft > 0) {
         --errorsLeft;
-        sendErrorReply(errorName, QStringLiteral("as the test wants it"));
+        setDelayedReply(true);
+        held.push_back(message().createErrorReply(errorName, QStringLiteral("as the test wants it")));
+        if (!holdsAnswers) {
+            answerHeld();
+        }
         return 0;
     }
     const uint id = onScreen.contains(replacesId) ? replacesId : nextId_++;
-    calls.push_back({id, replacesId, appName, summary, body, actions, hints});
+    calls.push_back({id, replacesId, appName, summary, body, actions, hints, icon, timeout});
     onScreen.insert_or_assign(id, calls.back());
     if (closesBeforeAnswering) {
         close(id, 2);
@@ -62,7 +66,7 @@ uint FakeNotificationService::Notify(const QString& appName, uint replacesId, co
         setDelayedReply(true);
         held.push_back(message().createReply(id));
     }
-    return id;
+    return givesNoId ? 0 : id;
 }
 
 void FakeNotificationService::CloseNotification(uint id) {
@@ -75,6 +79,12 @@ void FakeNotificationService::CloseNotification(uint id) {
 void FakeNotificationService::close(uint id, uint reason) {
     onScreen.erase(id);
     emit NotificationClosed(id, reason);
+}
+
+void FakeNotificationService::send(const QString& signal, const QVariantList& arguments) {
+    QDBusMessage message = QDBusMessage::createSignal(servicePath, serviceName, signal);
+    message.setArguments(arguments);
+    bus_.send(message);
 }
 
 void FakeNotificationService::answerHeld(std::size_t most) {

@@ -29,6 +29,8 @@ public:
         QString body;
         QStringList actions;
         QVariantMap hints;
+        QString icon;
+        int timeout;
     };
 
     explicit FakeNotificationService(QStringList offered = {"body", "actions"});
@@ -38,6 +40,8 @@ public:
     void reply(uint id, const QString& text) { emit NotificationReplied(id, text); }
     void invoke(uint id, const QString& key) { emit ActionInvoked(id, key); }
     void close(uint id, uint reason);
+    /// A signal with other arguments than it ought to have.
+    void send(const QString& signal, const QVariantList& arguments);
 
     /// Answers the calls that were held back, or the oldest so many of them.
     void answerHeld(std::size_t most = std::numeric_limits<std::size_t>::max());
@@ -46,8 +50,10 @@ public:
     int capabilityQuestions = 0;
     bool holdsCapabilities = false;
     bool holdsAnswers = false;
-    /// Reports each notification as closed by the user before it tells its id.
+    /// Reports each notification as closed by the user before it answers with its id.
     bool closesBeforeAnswering = false;
+    /// Answers with 0 in place of an id.
+    bool givesNoId = false;
     /// As many calls of Notify fail with this error.
     QString errorName;
     int errorsLeft = 0;

@@ -71,7 +71,7 @@ protected:
 TEST_F(NotificationsWithoutDisplay, WithNeitherServiceNorDisplayTheCompletionGetsAnError) {
     add("one");
     ASSERT_TRUE(isAnswered(1));
-    EXPECT_TRUE(errors_[0].has_value());
+    EXPECT_EQ(errors_[0], "There is no notification service and no display to show the notification on.");
 }
 
 TEST_F(NotificationsWithoutDisplay, AServiceWithoutActionsShowsWhatNobodyCouldAnswerAnyway) {

@@ -44,6 +44,14 @@ protected:
     bool isHeld(std::size_t count) {
         return waitFor([=, this] { return service_->held.size() == count; });
     }
+    /// As `settle`, while what the other centre sends is held.
+    void settleHeld() {
+        service_->holdsAnswers = false;
+        const int left = std::exchange(service_->errorsLeft, 0);
+        settle();
+        service_->errorsLeft = left;
+        service_->holdsAnswers = true;
+    }
     bool isAnswered(std::size_t count) {
         return waitFor([=, this] { return errors_.size() == count; });
     }
@@ -178,6 +186,47 @@ TEST_F(SlowNotificationServiceTest, WhatOurBannerShowsOutlivesTheServiceAndGoesT
     ASSERT_TRUE(waitFor([&] { return service_->onScreen.size() == 1; }));
     ASSERT_TRUE(waitFor([] { return banners() == 0; }));
     EXPECT_EQ(service_->calls.size(), 1u);
+}
+
+TEST_F(SlowNotificationServiceTest, AfterOneTooManyNothingIsSentForASecond) {
+    service_->holdsAnswers = false;
+    service_->errorName = "org.freedesktop.Notifications.Error.ExcessNotificationGeneration";
+    service_->errorsLeft = 1;
+    addSlowly("key");
+    ASSERT_TRUE(waitFor([&] { return service_->errorsLeft == 0; }));
+    settle();
+    addSlowly("next");
+    settle();
+    time_.pass(std::chrono::milliseconds(999));
+    settle();
+    EXPECT_EQ(timesShown().count("File Received"), 1u);
+    time_.pass(std::chrono::milliseconds(1));
+    ASSERT_TRUE(waitFor([&] { return errors_.size() == 5; }));
+    EXPECT_EQ(timesShown().at("File Received"), 5);
+    EXPECT_EQ(banners(), 0u);
+}
+
+TEST_F(SlowNotificationServiceTest, APauseIsNotCutShortByTheOneBefore) {
+    service_->errorName = "org.freedesktop.Notifications.Error.ExcessNotificationGeneration";
+    service_->errorsLeft = 2;
+    addSlowly("one");
+    addSlowly("two");
+    ASSERT_TRUE(isHeld(2));
+    service_->answerHeld(1);
+    settleHeld();
+    time_.pass(std::chrono::milliseconds(500));
+    service_->answerHeld(1);
+    settleHeld();
+    service_->errorsLeft = 2;
+    time_.pass(std::chrono::milliseconds(500));
+    ASSERT_TRUE(isHeld(2));
+    service_->answerHeld();
+    settleHeld();
+    time_.pass(std::chrono::milliseconds(500));
+    settleHeld();
+    EXPECT_TRUE(service_->held.empty());
+    time_.pass(std::chrono::milliseconds(500));
+    EXPECT_TRUE(isHeld(2));
 }
 
 TEST_F(SlowNotificationServiceTest, WhatIsRemovedMeanwhileIsShownNowhere) {

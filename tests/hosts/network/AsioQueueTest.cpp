@@ -281,5 +281,65 @@ TEST(AsioQueueTest, WhatADroppedJobHeldMayHandOverJobsAsItGoes) {
     EXPECT_TRUE(watch.expired());
 }
 
+TEST(AsioQueueTest, OfALongNameTheThreadHasTheBeginning) {
+    AsioQueue queue("a name of twenty-five ch.");
+    EXPECT_EQ(on(queue,
+                 [] {
+                     char name[16] = {};
+                     pthread_getname_np(pthread_self(), name, sizeof name);
+                     return std::string(name);
+                 }),
+              "a name of twent");
+}
+
+TEST(AsioQueueTest, DelayedJobsThatFallDueTogetherAllRunInOneGo) {
+    AsioQueue queue("ws.server");
+    std::vector<int> order;
+    std::promise<void> done;
+    queue.async([&] {
+        for (const int number : {3, 1, 2}) {
+            queue.asyncAfter(std::chrono::milliseconds(number), [&order, number] { order.push_back(number); });
+        }
+        queue.asyncAfter(20ms, [&] { done.set_value(); });
+        std::this_thread::sleep_for(10ms);
+    });
+    ASSERT_EQ(done.get_future().wait_for(10s), std::future_status::ready);
+    EXPECT_THAT(order, ElementsAre(1, 2, 3));
+}
+
+TEST(AsioQueueTest, FinishWaitsNoLongerThanItsLimitAltogether) {
+    AsioQueue queue("ws.files");
+    std::promise<void> started;
+    std::promise<void> goOn;
+    queue.async([&] {
+        started.set_value();
+        goOn.get_future().wait();
+    });
+    started.get_future().wait();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(queue.finish(100ms));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 100ms);
+    goOn.set_value();
+    EXPECT_TRUE(queue.end(10s));
+}
+
+TEST(AsioQueueTest, AJobThatEndsTheQueueFromAnotherThreadIsTheLastOfItsTurn) {
+    AsioQueue queue("ws.server");
+    std::promise<void> started;
+    std::promise<void> goOn;
+    queue.async([&] {
+        queue.async([&] {
+            started.set_value();
+            goOn.get_future().wait();
+        });
+        queue.async([] { FAIL() << "ran after the end"; });
+        queue.asyncAfter(0ms, [] { FAIL() << "ran after the end"; });
+    });
+    started.get_future().wait();
+    EXPECT_FALSE(queue.end(0ms));
+    goOn.set_value();
+    EXPECT_TRUE(queue.end(10s));
+}
+
 } // namespace
 } // namespace velloway::test

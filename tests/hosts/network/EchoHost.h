@@ -80,6 +80,12 @@ public:
         });
     }
 
+    /// The connection that became ready last; null when it has gone. Not for the queue.
+    std::shared_ptr<NetworkConnection> latest() {
+        std::shared_ptr<NetworkConnection> found;
+        perform([&] { found = latest_.lock(); });
+        return found;
+    }
     void cancelLatest() {
         perform([&] { latest_.lock()->cancel(); });
     }

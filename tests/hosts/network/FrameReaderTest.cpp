@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include <malloc.h>
+
 namespace velloway::test {
 namespace {
 
@@ -30,6 +32,10 @@ public:
     Reading& take(std::string_view bytes, std::size_t piece = std::string_view::npos) {
         while (!bytes.empty() && !hasEnded_) {
             const auto place = frames_.prepare();
+            if (place.empty()) {
+                events.emplace_back("no place");
+                return *this;
+            }
             const std::size_t count = std::min({place.size(), bytes.size(), piece});
             std::memcpy(place.data(), bytes.data(), count);
             frames_.commit(count);
@@ -401,6 +407,113 @@ TEST(FrameReaderTest, TakesALargeFrameInPiecesOfBoundedSize) {
         EXPECT_EQ(event.bytes.size(), written < bytes.size() ? 0 : std::size_t{8} << 20);
     }
     EXPECT_LT(pieces, 100u);
+}
+
+TEST(FrameReaderTest, AStreamThatNeverPausesBetweenFramesAlwaysHasAPlace) {
+    // Each read ends inside a frame.
+    const std::string text(333, 't');
+    std::string bytes;
+    for (int index = 0; index < 10'000; ++index) {
+        bytes += frame(text);
+    }
+    const auto events = Reading(1000).take(bytes).events;
+    ASSERT_EQ(events.size(), 10'000u);
+    EXPECT_EQ(std::count(events.begin(), events.end(), "message " + text), 10'000);
+    // And where the frames are joined to messages.
+    std::string fragments;
+    for (int index = 0; index < 5'000; ++index) {
+        fragments += frame(text, {.isFinal = false}) + frame(text, {.opcode = 0});
+    }
+    const auto joined = Reading(1000).take(fragments).events;
+    ASSERT_EQ(joined.size(), 5'000u);
+    EXPECT_EQ(std::count(joined.begin(), joined.end(), "message " + text + text), 5'000);
+}
+
+TEST(FrameReaderTest, TheNextFrameOfALargeOneBeginsAtTheStartOfTheBuffer) {
+    FrameReader frames(std::size_t{64} << 20);
+    EXPECT_EQ(frames.prepare().size(), std::size_t{64} << 10);
+    constexpr std::size_t length = 200'000;
+    const std::string bytes = frame(std::string(length, 'x'));
+    std::size_t written = 0;
+    std::vector<std::size_t> places;
+    while (written < bytes.size()) {
+        const auto place = frames.prepare();
+        places.push_back(place.size());
+        const std::size_t count = std::min(place.size(), bytes.size() - written);
+        std::memcpy(place.data(), bytes.data() + written, count);
+        frames.commit(count);
+        written += count;
+        frames.next();
+    }
+    // A first read, then what may double the buffer, then all of the rest or what one read takes at least.
+    EXPECT_THAT(places, ElementsAre(65'536, 65'536, bytes.size() - 2 * 65'536));
+    frames.prepare();
+}
+
+/// What the process has asked the allocator for.
+std::size_t bytesInUse() {
+    const auto statistics = mallinfo2();
+    return statistics.uordblks + statistics.hblkhd;
+}
+
+TEST(FrameReaderTest, MemoryBeyondThatOfAFileChunkIsGivenBackAfterTheMessage) {
+    struct Case {
+        std::size_t length;
+        bool isKept;
+    };
+    // Growing doubles the buffer.
+    for (const auto& [length, isKept] : {Case{3'900'000, true}, {4'300'000, false}, {20'000'000, false}}) {
+        const std::string bytes = frame(std::string(length, 'x'), {.opcode = 2});
+        const std::size_t before = bytesInUse();
+        FrameReader frames(std::size_t{64} << 20);
+        std::size_t written = 0;
+        while (written < bytes.size()) {
+            const auto place = frames.prepare();
+            const std::size_t count = std::min(place.size(), bytes.size() - written);
+            std::memcpy(place.data(), bytes.data() + written, count);
+            frames.commit(count);
+            written += count;
+            if (frames.next().kind == FrameReader::Kind::message) {
+                EXPECT_GT(bytesInUse(), before + length);
+            }
+        }
+        frames.prepare();
+        EXPECT_EQ(bytesInUse() > before + 1'000'000, isKept) << length;
+        frames.clear();
+        EXPECT_LT(bytesInUse(), before + 10'000);
+    }
+}
+
+TEST(FrameReaderTest, NothingIsReadOnceItIsCleared) {
+    FrameReader frames(bound);
+    const std::string bytes = frame("one") + frame("two");
+    std::memcpy(frames.prepare().data(), bytes.data(), bytes.size());
+    frames.commit(bytes.size());
+    EXPECT_EQ(frames.next().bytes, "one");
+    EXPECT_TRUE(frames.hasBytes());
+    frames.clear();
+    EXPECT_FALSE(frames.hasBytes());
+    EXPECT_EQ(frames.next().kind, FrameReader::Kind::incomplete);
+    std::memcpy(frames.prepare().data(), bytes.data(), bytes.size());
+    frames.commit(bytes.size());
+    EXPECT_EQ(frames.next().kind, FrameReader::Kind::incomplete);
+}
+
+TEST(FrameReaderTest, AKeptMessageMayBeFollowedByFragmentsOfTheNext) {
+    FrameReader frames(bound);
+    const std::string bytes = frame("one") + frame("tw", {.isFinal = false}) + frame("o", {.opcode = 0});
+    for (const bool isKept : {false, true}) {
+        std::memcpy(frames.prepare().data(), bytes.data(), bytes.size());
+        frames.commit(bytes.size());
+        const auto one = frames.next();
+        ASSERT_EQ(one.bytes, "one");
+        const auto kept = isKept ? frames.keepMessage() : nullptr;
+        EXPECT_EQ(frames.next().bytes, "two");
+        EXPECT_EQ(frames.next().kind, FrameReader::Kind::incomplete);
+        if (isKept) {
+            EXPECT_EQ(one.bytes, "one");
+        }
+    }
 }
 
 } // namespace

@@ -35,9 +35,7 @@ ElidedLabel::ElidedLabel(const QString& text, int maxLines, QWidget* parent)
     : QLabel(parent), maxLines_(maxLines) {
     setTextFormat(Qt::PlainText);
     setText(text);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    policy.setHeightForWidth(true);
-    setSizePolicy(policy);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 QStringList ElidedLabel::linesAt(int width) const {

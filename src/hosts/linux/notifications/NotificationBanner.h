@@ -50,7 +50,7 @@ private:
     void timeOut();
 
     ReplyRow* row_ = nullptr;
-    QTimer life_;
+    QTimer life_{this};
 };
 
 } // namespace velloway

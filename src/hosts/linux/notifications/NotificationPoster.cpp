@@ -367,10 +367,7 @@ void NotificationPoster::replied(uint id, const QString& text) {
 
 void NotificationPoster::takeReply(const std::string& identifier, const std::string& action,
                                    const QString& text) {
-    if (auto* shown = shown_.find(identifier)) {
-        shown->wasAnswered = true;
-        closeAtService(identifier);
-    }
+    closeAtService(identifier);
     respond(identifier, action, text.toStdString());
 }
 

@@ -118,7 +118,11 @@ public:
         // A manager may tell of a change before it makes it.
         later_.setSingleShot(true);
         later_.setInterval(100);
-        connect(&later_, &QTimer::timeout, &window, &QWindow::raise);
+        connect(&later_, &QTimer::timeout, this, [this] {
+            window_.raise();
+            // The toolkit would keep the request until the next event of the X server.
+            xcb_flush(connection());
+        });
         qApp->installNativeEventFilter(this);
     }
 
