@@ -100,6 +100,16 @@ TEST_F(ReceiveLoopTest, APhoneIsNotReadWhileTooMuchOfItsFilesWaits) {
     EXPECT_TRUE(phone->isReceiving());
 }
 
+TEST_F(ReceiveLoopTest, APhoneThatIsBeingReadIsNotAskedTwiceOnceItsFilesAreWritten) {
+    const int armed = phone->receivesArmed;
+    deliver(*phone, start("a"));
+    deliver(*phone, chunk("a", "YWJj", true));
+    EXPECT_EQ(phone->receivesArmed, armed + 2);
+    on.drain();
+    EXPECT_EQ(content("a"), "abc");
+    EXPECT_EQ(phone->receivesArmed, armed + 2);
+}
+
 TEST_F(ReceiveLoopTest, OneMessageMayBeLargerThanAllThatMayWait) {
     deliver(*phone, start("a"));
     const std::string large(2 * FileBacklog::mostBytes, 'A');
@@ -183,6 +193,18 @@ TEST_F(ReceiveLoopTest, AMessageThatWaitsTakesEffectBeforeTheEndOfItsConnection)
     on.drain();
     EXPECT_THAT(names, ElementsAre("Home", std::nullopt));
     EXPECT_EQ(store->connectedDeviceName.get(), std::nullopt);
+}
+
+TEST_F(ReceiveLoopTest, AMessageThatWaitsIsHandledBeforeTheEndOfItsConnectionIsLogged) {
+    deliver(*phone, start("a"));
+    deliver(*phone, R"({"action":"call_update"})");
+    on.log.take();
+    phone->report(ConnectionState::cancelled);
+    EXPECT_THAT(on.log.take(),
+                ElementsAre("[WebSocketServer] Call Event: call_update",
+                            "[WebSocketServer] Connection 10.0.0.1:50000 state changed to cancelled",
+                            "[WebSocketServer] Connection 10.0.0.1:50000 cancelled"));
+    on.drain();
 }
 
 TEST_F(ReceiveLoopTest, NothingMoreIsAskedOfAConnectionThatEndedMeanwhile) {
