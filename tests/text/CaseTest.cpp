@@ -20,6 +20,15 @@ TEST(Case, MayChangeTheLengthOfAText) {
     EXPECT_EQ(lowerCased("İ"), "i̇");
 }
 
+TEST(Case, KnowsAsciiByItsHighestBit) {
+    for (const std::string_view text : {"", "plain", "\x01\x7F"}) {
+        EXPECT_TRUE(isAscii(text)) << text;
+    }
+    for (const std::string_view text : {"\x80", "a\x80", "\u00E9", "\xFF"}) {
+        EXPECT_FALSE(isAscii(text));
+    }
+}
+
 TEST(Case, KnowsTheFinalSigma) {
     EXPECT_EQ(lowerCased("ΟΔΟΣ"), "οδος");
 }
