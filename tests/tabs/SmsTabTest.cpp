@@ -227,6 +227,24 @@ TEST_F(SmsTabTest, AMessageIsSentThenEchoedThenItsTextGoes) {
     EXPECT_THAT(steps, ElementsAre("echo", "text"));
 }
 
+TEST_F(SmsTabTest, AMessageIsDatedByTheMillisecond) {
+    on.host.time += std::chrono::milliseconds(123);
+    chat("5", "x");
+    view->sms.sendChatMessage();
+    EXPECT_DOUBLE_EQ(view->phone.phoneSmsLog.get().at(0).date, 1'700'000'000'123);
+}
+
+TEST_F(SmsTabTest, ClearingTheSearchOrOpeningAChatLeavesTheRestAlone) {
+    chat("5", "draft");
+    view->sms.contactQuery.set("abc");
+    view->sms.clearSearch();
+    EXPECT_EQ(view->sms.contactQuery.get(), "");
+    EXPECT_EQ(view->sms.activeRecipient.get(), "5");
+    view->sms.openConversation("6");
+    EXPECT_EQ(view->sms.activeRecipient.get(), "6");
+    EXPECT_EQ(view->sms.chatText.get(), "draft");
+}
+
 TEST_F(SmsTabTest, ANewChatIsOpenedBeforeTheSearchIsCleared) {
     view->sms.contactQuery.set("123");
     std::vector<std::string> steps;
