@@ -161,6 +161,17 @@ TEST_F(FileChunksTest, TextsAreHeldUpToAFewMebibytes) {
     }
 }
 
+TEST_F(FileChunksTest, ANameThatIsNotUtf8GivesNoText) {
+    put("a", "bytes");
+    FileChunks chunks(maker, files, "/a", "\xFF");
+    std::error_code error;
+    ASSERT_EQ(chunks.open(error), 5);
+    std::string room;
+    const auto piece = chunks.readNext(true, room);
+    EXPECT_EQ(piece.end, 5);
+    EXPECT_EQ(piece.text, "");
+}
+
 TEST_F(FileChunksTest, ATextThatAConnectionStillSendsStaysAsItIsWhileOthersAreMade) {
     put("a", fileOfChunks(40));
     const auto chunks = readAll("a");

@@ -178,11 +178,11 @@ TEST_F(SettingsViewTest, ClearingOneListLeavesTheOthersAndThePasteboard) {
     EXPECT_EQ(sizes(), (Sizes{0, 1, 1}));
     fill();
     view->clipboard.clearClipboard();
+    EXPECT_EQ(on.pasteboard.content, "text");
     EXPECT_EQ(sizes(), (Sizes{1, 0, 2}));
     fill();
     view->fileDrop.clearFileTransfers();
     EXPECT_EQ(sizes(), (Sizes{2, 1, 0}));
-    EXPECT_EQ(on.pasteboard.content, "text");
 }
 
 TEST_F(SettingsViewTest, AFreshViewStartsWithEmptyLogsAndKeepsOnlyWhatIsStored) {
