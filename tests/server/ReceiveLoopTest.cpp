@@ -257,7 +257,9 @@ TEST_F(ReceiveLoopTest, AFullDiskHoldsNobodyUp) {
 }
 
 TEST_F(ReceiveLoopTest, ALongTextOfAFileIsKeptWhereItLiesAndAShortOneIsCopied) {
-    for (const std::size_t size : {std::size_t{8}, std::size_t{1} << 20}) {
+    constexpr std::size_t bound = std::size_t{64} << 10;
+    for (const std::size_t size : {std::size_t{8}, bound - 4, bound, 16 * bound}) {
+        const bool isKept = size >= bound;
         auto message = std::make_shared<std::string>(chunk("a", std::string(size, 'A'), true));
         message->append(64, ' ');
         const std::weak_ptr<std::string> watch = message;
@@ -272,8 +274,8 @@ TEST_F(ReceiveLoopTest, ALongTextOfAFileIsKeptWhereItLiesAndAShortOneIsCopied) {
                             return message;
                         }});
         message.reset();
-        EXPECT_EQ(watch.expired(), size < 1000);
-        EXPECT_EQ(timesKept, size < 1000 ? 0 : 1);
+        EXPECT_EQ(watch.expired(), !isKept) << size;
+        EXPECT_EQ(timesKept, isKept ? 1 : 0) << size;
         on.drain();
         EXPECT_TRUE(watch.expired());
         EXPECT_EQ(content("a"), std::string(size / 4 * 3, '\0'));

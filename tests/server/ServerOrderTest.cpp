@@ -128,6 +128,27 @@ TEST_F(ServerOrderTest, AConnectionThatComesWhileTheServerStopsIsEndedByThisStop
     }
 }
 
+TEST_F(ServerOrderTest, AServerThatIsStoppedAgainHasNothingToCancel) {
+    listen();
+    connect("10.0.0.1");
+    on.journal.take();
+    server->stop();
+    EXPECT_THAT(on.journal.take(), ElementsAre("listener cancel", "10.0.0.1:50000 cancel"));
+    server->stop();
+    EXPECT_THAT(on.journal.take(), SizeIs(0));
+}
+
+TEST_F(ServerOrderTest, AConnectionIsReadOnInStatesThatAreNotItsEnd) {
+    listen();
+    const auto phone = connect();
+    for (const auto state : {ConnectionState::waiting, ConnectionState::preparing, ConnectionState::setup}) {
+        const int armed = phone->receivesArmed;
+        phone->report(state);
+        receive(*phone, R"({"action":"call_update"})");
+        EXPECT_EQ(phone->receivesArmed, armed + 1);
+    }
+}
+
 TEST_F(ServerOrderTest, AFailedListenerIsCancelledByTheRetry) {
     server->start();
     on.network.listener().report(ListenerState::failed, goodbye);
