@@ -29,7 +29,7 @@ bool isPlainBlock(const char* block) {
         const Bytes bytes = load(block + at);
         bad |= (bytes < ' ') | (bytes == '"') | ((bytes == '\\') & (load(block + at + 1) != '/'));
     }
-    std::uint64_t halves[2];
+    std::uint64_t halves[2]{};
     std::memcpy(halves, &bad, sizeof halves);
     return (halves[0] | halves[1]) == 0;
 }

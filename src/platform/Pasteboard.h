@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace velloway {
 
@@ -17,15 +16,10 @@ public:
     virtual void clearContents() = 0;
     /// UTF-8. False when the desktop did not take the text.
     virtual bool setString(std::string_view text) = 0;
-    /// Absent when what lies on the pasteboard has no plain-text form, or cannot be read. May wait for another
-    /// program.
-    virtual std::optional<std::string> string() const = 0;
-    /// Calls `done` once with the same, inside the call or later on the main thread, and never waits. Answers
-    /// keep the order of the calls. One that is open when the pasteboard ends is dropped.
-    virtual void readString(std::function<void(std::optional<std::string>)> done) {
-        const auto answered = std::move(done);
-        answered(string());
-    }
+    /// Calls `done` once with the text, inside the call or later on the main thread; absent when what lies on
+    /// the pasteboard has no plain-text form, or cannot be read. Answers keep the order of the calls. One that
+    /// is open when the pasteboard ends is dropped.
+    virtual void readString(std::function<void(std::optional<std::string>)> done) = 0;
     /// False while the desktop keeps what lies on the pasteboard from this program.
     virtual bool isReadable() const { return true; }
 };

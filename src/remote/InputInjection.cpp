@@ -7,12 +7,12 @@ namespace velloway {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, bool Modifiers::*>, 4> modifierNames{{
+constexpr auto modifierNames = std::to_array<std::pair<std::string_view, bool Modifiers::*>>({
     {"cmd", &Modifiers::command},
     {"ctrl", &Modifiers::control},
     {"option", &Modifiers::option},
     {"shift", &Modifiers::shift},
-}};
+});
 
 Modifiers modifiersOf(std::span<const std::string_view> names) {
     Modifiers modifiers;

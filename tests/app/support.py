@@ -4,6 +4,7 @@ Everything runs on the desktop that tests/desktop/with-desktop gives, on one thr
 calls are offered from here, so waiting always keeps the message loop turning.
 """
 
+import contextlib
 import ctypes
 import json
 import os
@@ -419,8 +420,12 @@ def clipboard():
 
 
 def open_files(pid):
-    files = pathlib.Path(f"/proc/{pid}/fd")
-    return {os.readlink(each) for each in files.iterdir() if each.is_symlink()}
+    names = set()
+    for each in pathlib.Path(f"/proc/{pid}/fd").iterdir():
+        # It may be closed by now.
+        with contextlib.suppress(FileNotFoundError):
+            names.add(os.readlink(each))
+    return names
 
 
 def is_full(pipe):

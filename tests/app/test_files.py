@@ -1,5 +1,6 @@
 """Files in both directions between the program and the simulated phone."""
 
+import base64
 import hashlib
 import os
 import pathlib
@@ -7,9 +8,11 @@ import socket
 import unittest
 
 from receiver import Receiver, checksum_of, shake_hands
-from support import APP, AppTest, Process, turn, visible_windows, wait_for
+from support import APP, AppTest, Process, open_files, turn, visible_windows, wait_for
 
 MIB = 1 << 20
+# How many files that are being received the program keeps open.
+MOST_OPEN = 64
 # tools/checks/huge-file asks for more.
 SPARSE_MIB = int(os.environ.get("VELLOWAY_SPARSE_MIB", "768"))
 
@@ -148,6 +151,45 @@ class Files(AppTest):
         self.assertEqual(second.wait_end(), 0)
         self.service.wait_shown("File Received")
         self.assertTrue(self.received("again.bin", path))
+
+    def test_300_files_at_the_same_time_arrive_whole_and_few_of_them_are_open(self):
+        contents = {f"part{number}.bin": os.urandom(3000) for number in range(300)}
+        sender = self.start_node(self.app.port)
+        downloads = self.app.downloads
+        highest = 0
+
+        def send_pieces(names, index):
+            for name in names:
+                piece = contents[name][1000 * index:1000 * (index + 1)]
+                sender.send({"action": "file_chunk", "fileName": name, "isLast": index == 2,
+                             "fileData": base64.b64encode(piece).decode()})
+
+        def open_downloads():
+            nonlocal highest
+            count = sum(os.path.dirname(file) == str(downloads) for file in open_files(self.app.pid))
+            highest = max(highest, count)
+            return count
+
+        def have_come(size):
+            open_downloads()
+            return all((downloads / name).exists() and (downloads / name).stat().st_size == size
+                       for name in contents)
+
+        for name, content in contents.items():
+            sender.send({"action": "file_transfer_start", "fileName": name, "fileSize": len(content)})
+        send_pieces(contents, 0)
+        wait_for(lambda: have_come(1000), "the first piece of every file")
+        send_pieces(reversed(contents), 1)
+        wait_for(lambda: have_come(2000), "the second piece of every file")
+        self.assertGreater(open_downloads(), 0, "the files that came last")
+        send_pieces(contents, 2)
+        wait_for(lambda: have_come(3000), "the last piece of every file")
+        closed = {f"[WebSocketServer] File handle closed for {name}" for name in contents}
+        wait_for(lambda: closed <= set(self.app.lines), "the end of every file")
+        self.assertEqual(open_downloads(), 0)
+        self.assertLessEqual(highest, MOST_OPEN + 6)
+        for name, content in contents.items():
+            self.assertEqual((downloads / name).read_bytes(), content, name)
 
     def test_a_whole_file_in_one_message_and_a_file_of_no_bytes_arrive(self):
         path = self.make("whole.bin", 3 * MIB + 1)

@@ -11,6 +11,7 @@
 #include "platform/Windows.h"
 #include "platform/Workspace.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -55,7 +56,9 @@ public:
         content = std::string(text);
         return true;
     }
-    std::optional<std::string> string() const override { return isLocked ? std::nullopt : content; }
+    void readString(std::function<void(std::optional<std::string>)> done) override {
+        done(isLocked ? std::nullopt : content);
+    }
     bool isReadable() const override { return !isLocked; }
 
     std::optional<std::string> content;

@@ -20,7 +20,10 @@ public:
         : endpoint_(std::move(endpoint)), journal_(journal) {}
 
     void setStateHandler(StateHandler handler) override { stateHandler_ = std::move(handler); }
-    void start(DispatchQueue& queue) override { queue_ = &queue; }
+    void start(DispatchQueue& queue) override {
+        queue_ = &queue;
+        wasWatchedAtStart = hasStateHandler();
+    }
     void cancel() override {
         note("cancel");
         isCancelled = true;
@@ -91,6 +94,8 @@ public:
     }
 
     bool isStarted() const { return queue_ != nullptr; }
+    /// A state that comes before there is a handler is lost.
+    bool wasWatchedAtStart = false;
     DispatchQueue* queue() const { return queue_; }
     bool hasStateHandler() const { return static_cast<bool>(stateHandler_); }
     bool isReceiving() const { return static_cast<bool>(completion_); }
@@ -148,6 +153,7 @@ public:
     void setNewConnectionHandler(NewConnectionHandler handler) override { newConnection_ = std::move(handler); }
     void start(DispatchQueue& queue) override {
         queue_ = &queue;
+        wasWatchedAtStart = stateHandler_ && newConnection_;
         note("listener start");
     }
     void cancel() override {
@@ -162,6 +168,8 @@ public:
     void connect(std::shared_ptr<NetworkConnection> connection) { newConnection_(std::move(connection)); }
 
     bool isStarted() const { return queue_ != nullptr; }
+    /// What comes before there are both handlers is lost.
+    bool wasWatchedAtStart = false;
     DispatchQueue* queue() const { return queue_; }
 
     ListenerParameters parameters;

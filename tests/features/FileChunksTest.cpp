@@ -161,6 +161,27 @@ TEST_F(FileChunksTest, TextsAreHeldUpToAFewMebibytes) {
     }
 }
 
+TEST_F(FileChunksTest, ANameThatIsNotUtf8GivesNoText) {
+    put("a", "bytes");
+    FileChunks chunks(maker, files, "/a", "\xFF");
+    std::error_code error;
+    ASSERT_EQ(chunks.open(error), 5);
+    std::string room;
+    const auto piece = chunks.readNext(true, room);
+    EXPECT_EQ(piece.end, 5);
+    EXPECT_EQ(piece.text, "");
+}
+
+TEST_F(FileChunksTest, ATextThatAConnectionStillSendsStaysAsItIsWhileOthersAreMade) {
+    put("a", fileOfChunks(40));
+    const auto chunks = readAll("a");
+    const SharedText held = take(*chunks, 0);
+    for (std::uint64_t index = 1; index < 40; ++index) {
+        ASSERT_TRUE(take(*chunks, index));
+    }
+    EXPECT_TRUE(*held == expected("a", 0));
+}
+
 TEST_F(FileChunksTest, NoMoreThanTwelveMebibytesOfOrdinaryTextsAreHeld) {
     put("a", fileOfChunks(20));
     const auto chunks = readAll("a");

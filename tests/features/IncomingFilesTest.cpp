@@ -273,7 +273,7 @@ TEST_F(IncomingFilesTest, GoesOnWithTheOldFileWhenANewStartFails) {
 
 TEST_F(IncomingFilesDeathTest, StopsTheProcessWhenThereIsNoDownloadsFolder) {
     host.host.downloads.reset();
-    EXPECT_DEATH(start("a.txt", 1), "Downloads");
+    EXPECT_DEATH(start("a.txt", 1), "Fatal error: The system names no Downloads folder\n");
 }
 
 TEST_F(IncomingFilesTest, KeepsTheTransferOpenWhenTheDiskIsFull) {

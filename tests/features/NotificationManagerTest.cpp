@@ -240,7 +240,7 @@ TEST_F(NotificationManagerDeathTest, StopsTheProcessOverAProgressThatIsNoWholeNu
     for (const double progress :
          {std::nan(""), std::numeric_limits<double>::infinity(), 1e17, -1e18, 92233720368547760.0}) {
         EXPECT_DEATH(notificationManager.postFileProgress("a", progress, "id"),
-                     "not a whole number of percent");
+                     "Fatal error: The progress of a file is not a whole number of percent\n");
     }
     notificationManager.postFileProgress("a", 9e16, "id");
     EXPECT_EQ(content().body, "a (9000000000000000000%)");

@@ -1,4 +1,5 @@
 #include "json/JsonWriter.h"
+#include "json/EndOfMemory.h"
 #include "json/JsonReader.h"
 
 #include <gtest/gtest.h>
@@ -74,6 +75,14 @@ TEST(JsonWriter, EscapesByWhatTheTextHoldsAndNotByWhatLiesAround) {
     const std::string all = around + text + around;
     EXPECT_EQ(written(std::string_view(all).substr(around.size(), text.size())),
               R"({"t":"aaaaaaaaaaa\"aaaaaaaaaaaaaaaa\/"})");
+}
+
+TEST(JsonWriter, ReadsNothingBeyondTheEndOfAText) {
+    EndOfMemory memory;
+    for (std::size_t length = 0; length <= 40; ++length) {
+        const std::string text(length, 'a');
+        EXPECT_EQ(written(memory.place(text)), R"({"t":")" + text + R"("})");
+    }
 }
 
 TEST(JsonWriter, WritesBytesAsBase64WithItsSlashesEscaped) {

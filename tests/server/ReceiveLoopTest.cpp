@@ -100,6 +100,16 @@ TEST_F(ReceiveLoopTest, APhoneIsNotReadWhileTooMuchOfItsFilesWaits) {
     EXPECT_TRUE(phone->isReceiving());
 }
 
+TEST_F(ReceiveLoopTest, APhoneThatIsBeingReadIsNotAskedTwiceOnceItsFilesAreWritten) {
+    const int armed = phone->receivesArmed;
+    deliver(*phone, start("a"));
+    deliver(*phone, chunk("a", "YWJj", true));
+    EXPECT_EQ(phone->receivesArmed, armed + 2);
+    on.drain();
+    EXPECT_EQ(content("a"), "abc");
+    EXPECT_EQ(phone->receivesArmed, armed + 2);
+}
+
 TEST_F(ReceiveLoopTest, OneMessageMayBeLargerThanAllThatMayWait) {
     deliver(*phone, start("a"));
     const std::string large(2 * FileBacklog::mostBytes, 'A');
@@ -185,6 +195,18 @@ TEST_F(ReceiveLoopTest, AMessageThatWaitsTakesEffectBeforeTheEndOfItsConnection)
     EXPECT_EQ(store->connectedDeviceName.get(), std::nullopt);
 }
 
+TEST_F(ReceiveLoopTest, AMessageThatWaitsIsHandledBeforeTheEndOfItsConnectionIsLogged) {
+    deliver(*phone, start("a"));
+    deliver(*phone, R"({"action":"call_update"})");
+    on.log.take();
+    phone->report(ConnectionState::cancelled);
+    EXPECT_THAT(on.log.take(),
+                ElementsAre("[WebSocketServer] Call Event: call_update",
+                            "[WebSocketServer] Connection 10.0.0.1:50000 state changed to cancelled",
+                            "[WebSocketServer] Connection 10.0.0.1:50000 cancelled"));
+    on.drain();
+}
+
 TEST_F(ReceiveLoopTest, NothingMoreIsAskedOfAConnectionThatEndedMeanwhile) {
     deliver(*phone, start("a"));
     while (phone->isReceiving()) {
@@ -235,7 +257,9 @@ TEST_F(ReceiveLoopTest, AFullDiskHoldsNobodyUp) {
 }
 
 TEST_F(ReceiveLoopTest, ALongTextOfAFileIsKeptWhereItLiesAndAShortOneIsCopied) {
-    for (const std::size_t size : {std::size_t{8}, std::size_t{1} << 20}) {
+    constexpr std::size_t bound = std::size_t{64} << 10;
+    for (const std::size_t size : {std::size_t{8}, bound - 4, bound, 16 * bound}) {
+        const bool isKept = size >= bound;
         auto message = std::make_shared<std::string>(chunk("a", std::string(size, 'A'), true));
         message->append(64, ' ');
         const std::weak_ptr<std::string> watch = message;
@@ -250,8 +274,8 @@ TEST_F(ReceiveLoopTest, ALongTextOfAFileIsKeptWhereItLiesAndAShortOneIsCopied) {
                             return message;
                         }});
         message.reset();
-        EXPECT_EQ(watch.expired(), size < 1000);
-        EXPECT_EQ(timesKept, size < 1000 ? 0 : 1);
+        EXPECT_EQ(watch.expired(), !isKept) << size;
+        EXPECT_EQ(timesKept, isKept ? 1 : 0) << size;
         on.drain();
         EXPECT_TRUE(watch.expired());
         EXPECT_EQ(content("a"), std::string(size / 4 * 3, '\0'));

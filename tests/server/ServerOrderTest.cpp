@@ -5,8 +5,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace velloway::test {
@@ -76,6 +80,75 @@ TEST_F(ServerOrderTest, TheFirstMessageIsAskedForBeforeTheWelcomeLeaves) {
     EXPECT_EQ(armedAtWelcome, 1);
 }
 
+TEST_F(ServerOrderTest, TheListenerIsWatchedBeforeItStarts) {
+    server->start();
+    EXPECT_TRUE(on.network.listener().isStarted());
+    EXPECT_TRUE(on.network.listener().wasWatchedAtStart);
+}
+
+TEST_F(ServerOrderTest, AConnectionIsLoggedAndWatchedBeforeItStarts) {
+    listen();
+    const auto phone = std::make_shared<FakeConnection>(Endpoint{.host = "10.0.0.1", .description = "there"});
+    phones.push_back(phone);
+    std::vector<bool> startedAtLine;
+    on.log.onLine = [&](const std::string&) { startedAtLine.push_back(phone->isStarted()); };
+    on.network.listener().connect(phone);
+    on.log.onLine = nullptr;
+    EXPECT_THAT(startedAtLine, ElementsAre(false));
+    EXPECT_TRUE(phone->isStarted());
+    EXPECT_TRUE(phone->wasWatchedAtStart);
+}
+
+TEST_F(ServerOrderTest, AConnectionThatComesWhileTheServerStopsIsEndedByThisStopOrTheNext) {
+    listen();
+    FakeListener& listener = on.network.listener();
+    std::vector<std::shared_ptr<FakeConnection>> accepted;
+    for (int number = 0; number < 5000; ++number) {
+        accepted.push_back(std::make_shared<FakeConnection>(Endpoint{.description = "a phone"}));
+    }
+    std::atomic<bool> isAccepting = true;
+    std::thread serverThread([&] {
+        for (const auto& connection : accepted) {
+            listener.connect(connection);
+        }
+        isAccepting = false;
+    });
+    while (isAccepting) {
+        server->stop();
+        on.main.runAll();
+    }
+    serverThread.join();
+    server->stop();
+    const auto left = std::count_if(accepted.begin(), accepted.end(),
+                                    [](const auto& connection) { return !connection->isCancelled; });
+    EXPECT_EQ(left, 0);
+    on.drain();
+    for (const auto& connection : accepted) {
+        connection->report(ConnectionState::cancelled);
+    }
+}
+
+TEST_F(ServerOrderTest, AServerThatIsStoppedAgainHasNothingToCancel) {
+    listen();
+    connect("10.0.0.1");
+    on.journal.take();
+    server->stop();
+    EXPECT_THAT(on.journal.take(), ElementsAre("listener cancel", "10.0.0.1:50000 cancel"));
+    server->stop();
+    EXPECT_THAT(on.journal.take(), SizeIs(0));
+}
+
+TEST_F(ServerOrderTest, AConnectionIsReadOnInStatesThatAreNotItsEnd) {
+    listen();
+    const auto phone = connect();
+    for (const auto state : {ConnectionState::waiting, ConnectionState::preparing, ConnectionState::setup}) {
+        const int armed = phone->receivesArmed;
+        phone->report(state);
+        receive(*phone, R"({"action":"call_update"})");
+        EXPECT_EQ(phone->receivesArmed, armed + 1);
+    }
+}
+
 TEST_F(ServerOrderTest, AFailedListenerIsCancelledByTheRetry) {
     server->start();
     on.network.listener().report(ListenerState::failed, goodbye);
@@ -97,6 +170,29 @@ TEST_F(ServerOrderTest, ASecondPhoneOfTheSameHostStandsBesideTheFirst) {
     first->report(ConnectionState::cancelled);
     on.drain();
     EXPECT_EQ(store->connectedRemoteIP.get(), "10.0.0.1");
+}
+
+TEST_F(ServerOrderTest, PhonesGetATextInTheOrderInWhichTheyCame) {
+    listen();
+    connect("10.0.0.2");
+    connect("10.0.0.1");
+    connect("10.0.0.3");
+    on.journal.take();
+    server->findDevice();
+    on.drain();
+    EXPECT_THAT(on.journal.take(),
+                ElementsAre("10.0.0.2:50000 send", "10.0.0.1:50000 send", "10.0.0.3:50000 send"));
+}
+
+TEST_F(ServerOrderTest, ATextReachesThePhonesThatAreThereWhenItLeaves) {
+    listen();
+    const auto first = connect("10.0.0.1");
+    server->findDevice();
+    first->report(ConnectionState::cancelled);
+    const auto second = connectUnready("10.0.0.2");
+    on.drain();
+    EXPECT_THAT(first->sent, SizeIs(0));
+    EXPECT_THAT(second->sent, SizeIs(1));
 }
 
 TEST_F(ServerOrderTest, AFileGoesOnOverARestartAndAnotherConnection) {

@@ -48,7 +48,7 @@ INSTANTIATE_TEST_SUITE_P(Ports, WebSocketServerPortTest,
 TEST(WebSocketServerDeathTest, AStoredPortAbove65535EndsTheProcess) {
     ServerHarness harness;
     harness.on.userDefaults.setInteger("port", 65536);
-    EXPECT_DEATH(harness.server->start(), "Not enough bits to represent the passed value");
+    EXPECT_DEATH(harness.server->start(), "Fatal error: Not enough bits to represent the passed value\n");
 }
 
 // Start, stop and retry

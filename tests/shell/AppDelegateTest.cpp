@@ -239,7 +239,12 @@ TEST_F(AppDelegateTest, SendClipboardSaysSoWhenTheClipboardCannotBeRead) {
     on.drain();
     EXPECT_THAT(phone->sent, IsEmpty());
     ASSERT_EQ(on.notificationCenter.requests.size(), 1u);
-    EXPECT_EQ(on.notificationCenter.requests[0].content.title, "Clipboard Not Sent");
+    const NotificationContent& content = on.notificationCenter.requests[0].content;
+    EXPECT_EQ(content.title, "Clipboard Not Sent");
+    EXPECT_EQ(content.body.string(),
+              "This desktop lets Velloway read the clipboard only while one of its windows "
+              "is in front. Use the Clipboard tab.");
+    EXPECT_TRUE(content.hasDefaultSound);
 }
 
 // Reopening and the main window
@@ -251,6 +256,7 @@ TEST_F(AppDelegateTest, ReopeningOpensTheStoredTabWhileNoWindowShows) {
     EXPECT_EQ(on.userDefaults.integer("selectedSettingsTab"), 0) << "nothing stored means the first tab";
 
     on.windows.closeMainWindow();
+    on.drain();
     on.userDefaults.setInteger("selectedSettingsTab", 6);
     on.journal.take();
     EXPECT_TRUE(program.delegate().applicationShouldHandleReopen(false));
@@ -396,13 +402,16 @@ TEST_F(AppDelegateTest, OpeningTheSettingsFromTheAlertGivesTheAccessoryFaceBackS
     EXPECT_EQ(on.application.policy, ActivationPolicy::accessory);
 }
 
-TEST_F(AppDelegateTest, TheOtherButtonOpensNothing) {
-    launch();
-    on.notificationCenter.answerStatus(AuthorizationStatus::denied);
-    on.drain();
-    EXPECT_THAT(on.workspace.panes, IsEmpty());
-    on.main.advance(100ms);
-    EXPECT_EQ(on.application.policy, ActivationPolicy::accessory);
+TEST_F(AppDelegateTest, TheOtherButtonOrNoneOpensNothing) {
+    for (const int answer : {1, 2, -1}) {
+        launch();
+        on.application.alertAnswer = answer;
+        on.notificationCenter.answerStatus(AuthorizationStatus::denied);
+        on.drain();
+        EXPECT_THAT(on.workspace.panes, IsEmpty()) << answer;
+        on.main.advance(100ms);
+        EXPECT_EQ(on.application.policy, ActivationPolicy::accessory);
+    }
 }
 
 TEST_F(AppDelegateTest, WithTheMainWindowOpenTheApplicationStaysRegularAfterTheAlert) {

@@ -34,6 +34,16 @@ INSTANTIATE_TEST_SUITE_P(
                     RingingCase{"Bob", "Unknown", "Bob", {}},
                     RingingCase{"Unknown person", "1", "Unknown person", "1"}));
 
+TEST(IncomingCallBannerTest, TheLeftButtonDeclinesAndTheRightOneAccepts) {
+    std::string pressed;
+    IncomingCallBanner banner(
+        {.number = "1"}, [&] { pressed += "answer "; }, [&] { pressed += "hangup "; });
+    CallPanelContent& content = banner;
+    content.pressLeft();
+    content.pressRight();
+    EXPECT_EQ(pressed, "hangup answer ");
+}
+
 class ActiveCallBannerTest : public testing::Test, protected ServerHarness {
 protected:
     void post(AppNotificationObject object) {
@@ -46,6 +56,27 @@ TEST_F(ActiveCallBannerTest, ShowsTheNameAboveANumberThatDiffers) {
     EXPECT_EQ(banner.text(), (BannerText{"Bob", "123", "00:00"}));
     EXPECT_EQ(ActiveCallBanner("", "123", *server, notifications).text(), (BannerText{"123", {}, "00:00"}));
     EXPECT_EQ(ActiveCallBanner("123", "123", *server, notifications).text(), (BannerText{"123", {}, "00:00"}));
+}
+
+TEST_F(ActiveCallBannerTest, TakesEveryNameAsItIs) {
+    for (const char* name : {"Unknown", " ", " Bob "}) {
+        EXPECT_EQ(ActiveCallBanner(name, "123", *server, notifications).text(),
+                  (BannerText{name, "123", "00:00"}));
+    }
+}
+
+TEST_F(ActiveCallBannerTest, TheLeftButtonMutesAndTheRightOneHangsUp) {
+    listen();
+    const auto phone = connect();
+    CallPanelContent& content = banner;
+    content.pressLeft();
+    on.drain();
+    EXPECT_TRUE(banner.isMuted.get());
+    content.pressRight();
+    on.drain();
+    ASSERT_EQ(phone->sent.size(), 2u);
+    EXPECT_EQ(phone->sent[0].text, R"({"action":"toggle_mute","enabled":true})");
+    EXPECT_EQ(phone->sent[1].text, R"({"action":"hangup_call"})");
 }
 
 TEST_F(ActiveCallBannerTest, FollowsTheTimeThatThePhoneTells) {

@@ -207,6 +207,11 @@ TEST_F(CallWindowsTest, WithoutANumberNothingOpens) {
     EXPECT_THAT(on.windows.panels, IsEmpty());
 }
 
+TEST_F(CallWindowsTest, ANumberOfBlanksIsANumber) {
+    prepare(std::string(" "));
+    EXPECT_EQ(active(0).text().firstLine, " ");
+}
+
 TEST_F(CallWindowsTest, ASecondPreparedCallChangesNothing) {
     prepare(TextMap{{"number", "123"}, {"name", "Bob"}});
     duration(std::int64_t{61});
@@ -245,6 +250,22 @@ TEST_F(CallWindowsTest, HangingUpWaitsForThePhoneToCloseThePanel) {
     EXPECT_TRUE(panel(0).visible);
     duration(std::int64_t{-1});
     EXPECT_FALSE(panel(0).visible);
+}
+
+TEST_F(CallWindowsTest, TheEndOfACallClearsTheStoreAlsoWhenNothingRings) {
+    duration(std::int64_t{-1});
+    EXPECT_THAT(on.log.take(), ElementsAre("[AppDelegate] Incoming call cleared"));
+}
+
+TEST_F(CallWindowsTest, AButtonStillWorksWhenNobodyElseHoldsTheWindows) {
+    const IncomingCallInfo info{.number = "1"};
+    store->incomingCallInfo.set(info);
+    const auto banner = windows->createBannerView(info);
+    windows.reset();
+    banner->onHangup();
+    EXPECT_EQ(store->incomingCallInfo.get(), std::nullopt);
+    banner->onAnswer();
+    EXPECT_THAT(sent(), ElementsAre(R"({"action":"hangup_call"})", R"({"action":"answer_call"})"));
 }
 
 TEST_F(CallWindowsTest, AStepThatComesAfterTheWindowsHaveGoneIsSkipped) {

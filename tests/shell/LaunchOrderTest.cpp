@@ -52,6 +52,13 @@ TEST_F(LaunchOrderTest, TheCallObserversAreSetAfterTheServicesProvider) {
     EXPECT_THAT(on.windows.panels, IsEmpty());
 }
 
+TEST_F(LaunchOrderTest, TheRingingCallIsObservedOnlyAfterTheServicesProvider) {
+    at("services provider",
+       [&] { program.historyStore().incomingCallInfo.set(IncomingCallInfo{.number = "123"}); });
+    launch();
+    EXPECT_THAT(on.log.take(), ElementsAre("[AppDelegate] Incoming call detected: 123"));
+}
+
 TEST_F(LaunchOrderTest, ACallThatComesWhileTheServerStartsIsNotLost) {
     at("listener start",
        [&] { program.historyStore().incomingCallInfo.set(IncomingCallInfo{.number = "123"}); });
@@ -74,6 +81,23 @@ TEST_F(LaunchOrderTest, AFileOfTheServiceIsLoggedBeforeItIsSent) {
         {.hasTypes = true, .hasFileUrls = true, .urls = {{"/tmp/no such/a.txt", "/tmp/no such/b.txt"}}});
     on.log.onLine = nullptr;
     EXPECT_THAT(jobsAtLine, ElementsAre(0u, 1u));
+}
+
+TEST_F(LaunchOrderTest, TheAnswersAboutThePermissionTakeEffectOnTheMainQueue) {
+    launch();
+    launch();
+    on.notificationCenter.answerStatus(AuthorizationStatus::denied);
+    EXPECT_THAT(on.application.alerts, IsEmpty());
+    on.drain();
+    EXPECT_THAT(on.application.alerts, SizeIs(1));
+
+    on.notificationCenter.answerStatus(AuthorizationStatus::notDetermined);
+    EXPECT_THAT(on.notificationCenter.authorizationQueries, IsEmpty());
+    on.drain();
+    on.notificationCenter.answerAuthorization(false, "not now");
+    EXPECT_THAT(on.application.alerts, SizeIs(1));
+    on.drain();
+    EXPECT_THAT(on.application.alerts, SizeIs(2));
 }
 
 TEST_F(LaunchOrderTest, NothingButTheLaunchPromptsForAccessibility) {

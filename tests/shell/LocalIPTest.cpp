@@ -73,7 +73,7 @@ TEST(LocalIPDeathTest, AnyEntryWithoutAnAddressEndsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(
         found({{interface("utun0", "", 0, NetworkInterface::noAddress), interface("en0", "10.0.0.1")}}),
-        "without an address");
+        "Fatal error: Unexpectedly found a network interface without an address\n");
 }
 
 TEST(LocalIPTest, EachReadingSearchesAnew) {

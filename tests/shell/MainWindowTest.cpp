@@ -78,6 +78,7 @@ TEST_F(MainWindowTest, APhoneAddressFillsTheDialPadOrTheComposerAndSendsNothing)
     EXPECT_EQ(view().sms.chatText.get(), "On my way");
     program.delegate().applicationOpenLinks({"sms:5552"});
     EXPECT_EQ(view().sms.activeRecipient.get(), "5552");
+    EXPECT_EQ(view().sms.chatText.get(), "On my way") << "an address without a text leaves what is there";
     on.log.take();
     program.delegate().applicationOpenLinks({"https://example.invalid/", "tel:none"});
     EXPECT_EQ(on.log.take(),
@@ -88,6 +89,13 @@ TEST_F(MainWindowTest, APhoneAddressFillsTheDialPadOrTheComposerAndSendsNothing)
     EXPECT_TRUE(phone->sent.empty()) << "nothing is dialled or sent";
     phone->report(ConnectionState::cancelled);
     on.drain();
+}
+
+TEST_F(MainWindowTest, EachOfSeveralAddressesIsOpened) {
+    program.delegate().applicationOpenLinks({"tel:1", "sms:5"});
+    EXPECT_EQ(view().calls.dialpadNumber.get(), "1");
+    EXPECT_EQ(view().sms.activeRecipient.get(), "5");
+    EXPECT_EQ(shownTab(view().selectedTab.get()), tabIndex::sms);
 }
 
 TEST_F(MainWindowTest, TheLoginSwitchReachesTheSystem) {

@@ -178,6 +178,9 @@ TEST(Records, TellSimsOfOneSlotApartByTheirCarrier) {
 TEST(Records, ShareAnIdentityWithinOneMillisecond) {
     EXPECT_EQ((SmsRecord{.body = "a", .date = 5}).id(), (SmsRecord{.body = "b", .date = 5}).id());
     EXPECT_EQ((CallRecord{.number = "a", .date = 5}).id(), (CallRecord{.number = "b", .date = 5}).id());
+    EXPECT_EQ((SmsRecord{.date = 5, .type = 2}).id(), 5);
+    EXPECT_EQ((CallRecord{.date = 6, .duration = 3, .type = 2}).id(), 6);
+    EXPECT_EQ((SimInfo{.slot = 1, .carrier = "One"}).id(), 1);
 }
 
 TEST(Records, ShowTheTimeOfTodayAndTheDateOfAnyOtherDay) {

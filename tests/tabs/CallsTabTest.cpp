@@ -80,6 +80,16 @@ TEST_F(CallsTabTest, CallingTellsThePhoneAndPreparesTheCall) {
     EXPECT_EQ(view->calls.dialpadNumber.get(), "07700900123");
 }
 
+TEST_F(CallsTabTest, ThePhoneIsAskedToCallBeforeTheCallIsPrepared) {
+    on.drain();
+    std::vector<std::size_t> messagesBefore;
+    const auto later = link.notifications.observe(AppNotification::prepareActiveCall, [&](const auto&) {
+        messagesBefore.push_back(on.server.pending());
+    });
+    view->calls.callBack("5");
+    EXPECT_THAT(messagesBefore, ElementsAre(1u));
+}
+
 TEST_F(CallsTabTest, AnUnknownNumberIsItsOwnName) {
     view->calls.dialpadNumber.set("*#06#");
     view->calls.startCall();
@@ -111,6 +121,19 @@ TEST_F(CallsTabTest, EndingACallHangsUpAndClears) {
     EXPECT_EQ(store.incomingCallInfo.get(), std::nullopt);
     EXPECT_FALSE(view->calls.isSpeakerOn.get());
     EXPECT_FALSE(view->calls.isMuted.get());
+}
+
+TEST_F(CallsTabTest, EndingACallHangsUpBeforeAnythingIsCleared) {
+    on.drain();
+    std::vector<std::string> steps;
+    const auto note = [&](const std::string& what) {
+        steps.push_back(what + (on.server.pending() == 0 ? " before the message" : ""));
+    };
+    const auto call = store.incomingCallInfo.observe([&](const auto&) { note("call"); });
+    const auto speaker = view->calls.isSpeakerOn.observe([&](bool) { note("speaker"); });
+    const auto mute = view->calls.isMuted.observe([&](bool) { note("mute"); });
+    view->calls.endCall();
+    EXPECT_THAT(steps, ElementsAre("call", "speaker", "mute"));
 }
 
 // The keyboard

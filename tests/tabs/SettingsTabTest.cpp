@@ -138,7 +138,11 @@ TEST_F(SettingsTabTest, RestartListensOnTheNewPortAndHidesTheButtonAtOnce) {
     view->settings.commitPort("9000");
     on.journal.take();
     on.network.makeError = NetworkError{.localizedDescription = "in use"};
+    std::size_t stepsBefore = 0;
+    const auto flag =
+        view->settings.serverRestartNeeded.observe([&](bool) { stepsBefore = on.journal.entries().size(); });
     view->settings.restartServer();
+    EXPECT_EQ(stepsBefore, on.journal.entries().size()) << "the server comes first";
     EXPECT_FALSE(view->settings.serverRestartNeeded.get()) << "whether or not the listener comes up";
     EXPECT_THAT(on.journal.entries(), testing::Contains("listener make 9000"));
 }

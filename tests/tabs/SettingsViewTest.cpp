@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace velloway::test {
 namespace {
 
@@ -155,6 +157,32 @@ TEST_F(SettingsViewTest, ComingToTheFrontReadsTheAccessibilityAgainWithoutAPromp
     view->applicationDidBecomeActive();
     EXPECT_TRUE(view->remote.isAccessibilityEnabled.get());
     EXPECT_EQ(on.accessibility.prompts, 0);
+    EXPECT_THAT(on.notificationCenter.statusQueries, IsEmpty()) << "the permission of the notifications is not";
+    EXPECT_THAT(takeSent(), IsEmpty());
+}
+
+TEST_F(SettingsViewTest, ClearingOneListLeavesTheOthersAndThePasteboard) {
+    const auto fill = [&] {
+        store.add({.app = "a"});
+        store.addClipboard("text");
+        store.addFileTransfer({.fileName = "f"});
+        on.pasteboard.content = "text";
+    };
+    using Sizes = std::array<std::size_t, 3>;
+    const auto sizes = [&] {
+        return Sizes{store.items.get().size(), store.clipboardHistory.get().size(),
+                     store.fileTransfers.get().size()};
+    };
+    fill();
+    view->notifications.clearNotifications();
+    EXPECT_EQ(sizes(), (Sizes{0, 1, 1}));
+    fill();
+    view->clipboard.clearClipboard();
+    EXPECT_EQ(on.pasteboard.content, "text");
+    EXPECT_EQ(sizes(), (Sizes{1, 0, 2}));
+    fill();
+    view->fileDrop.clearFileTransfers();
+    EXPECT_EQ(sizes(), (Sizes{2, 1, 0}));
 }
 
 TEST_F(SettingsViewTest, AFreshViewStartsWithEmptyLogsAndKeepsOnlyWhatIsStored) {

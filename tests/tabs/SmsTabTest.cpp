@@ -214,6 +214,48 @@ TEST_F(SmsTabTest, SendingReachesThePhoneAndEchoesAtOnce) {
     EXPECT_TRUE(view->sms.list.get().rows.at(0).isActive);
 }
 
+TEST_F(SmsTabTest, AMessageIsSentThenEchoedThenItsTextGoes) {
+    chat("5", "x");
+    on.drain();
+    std::vector<std::string> steps;
+    const auto sentBefore = [this] { return on.server.pending() == 0 ? " before the message" : ""; };
+    const auto log = view->phone.phoneSmsLog.observe(
+        [&](const auto&) { steps.push_back(std::string("echo") + sentBefore()); });
+    const auto text =
+        view->sms.chatText.observe([&](const auto&) { steps.push_back(std::string("text") + sentBefore()); });
+    view->sms.sendChatMessage();
+    EXPECT_THAT(steps, ElementsAre("echo", "text"));
+}
+
+TEST_F(SmsTabTest, AMessageIsDatedByTheMillisecond) {
+    on.host.time += std::chrono::milliseconds(123);
+    chat("5", "x");
+    view->sms.sendChatMessage();
+    EXPECT_DOUBLE_EQ(view->phone.phoneSmsLog.get().at(0).date, 1'700'000'000'123);
+}
+
+TEST_F(SmsTabTest, ClearingTheSearchOrOpeningAChatLeavesTheRestAlone) {
+    chat("5", "draft");
+    view->sms.contactQuery.set("abc");
+    view->sms.clearSearch();
+    EXPECT_EQ(view->sms.contactQuery.get(), "");
+    EXPECT_EQ(view->sms.activeRecipient.get(), "5");
+    view->sms.openConversation("6");
+    EXPECT_EQ(view->sms.activeRecipient.get(), "6");
+    EXPECT_EQ(view->sms.chatText.get(), "draft");
+}
+
+TEST_F(SmsTabTest, ANewChatIsOpenedBeforeTheSearchIsCleared) {
+    view->sms.contactQuery.set("123");
+    std::vector<std::string> steps;
+    const auto recipient = view->sms.activeRecipient.observe(
+        [&](const auto& address) { steps.push_back("chat with " + address.value_or("")); });
+    const auto query =
+        view->sms.contactQuery.observe([&](const std::string& text) { steps.push_back("query " + text); });
+    view->sms.startNewMessage();
+    EXPECT_THAT(steps, ElementsAre("chat with 123", "query "));
+}
+
 TEST_F(SmsTabTest, TheThreadTakesTheSpellingOfTheSentMessageAndMovesUp) {
     view->phone.phoneSmsLog.set({{.address = "9", .date = 20}, {.address = "5550101234", .date = 10}});
     chat("+1 (555) 010-1234", "x");

@@ -14,10 +14,33 @@ TEST(Case, MapsWholeTexts) {
     EXPECT_EQ(upperCased(""), "");
 }
 
+TEST(Case, MapsEveryAsciiLetterAndNothingElseOfAscii) {
+    for (int value = 0; value < 0x80; ++value) {
+        const char c = static_cast<char>(value);
+        const bool isSmall = c >= 'a' && c < 'a' + 26;
+        const bool isCapital = c >= 'A' && c < 'A' + 26;
+        EXPECT_EQ(upperAscii(c), isSmall ? c - 32 : c) << value;
+        EXPECT_EQ(lowerAscii(c), isCapital ? c + 32 : c) << value;
+    }
+    EXPECT_EQ(upperAscii('\xE9'), '\xE9');
+    EXPECT_EQ(lowerAscii('\xC9'), '\xC9');
+    EXPECT_EQ(upperCased("abcdefghijklmnopqrstuvwxyz"), "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+    EXPECT_EQ(lowerCased("ABCDEFGHIJKLMNOPQRSTUVWXYZ"), "abcdefghijklmnopqrstuvwxyz");
+}
+
 TEST(Case, MayChangeTheLengthOfAText) {
     EXPECT_EQ(upperCased("ß"), "SS");
     EXPECT_EQ(upperCased("ﬁ"), "FI");
     EXPECT_EQ(lowerCased("İ"), "i̇");
+}
+
+TEST(Case, KnowsAsciiByItsHighestBit) {
+    for (const std::string_view text : {"", "plain", "\x01\x7F"}) {
+        EXPECT_TRUE(isAscii(text)) << text;
+    }
+    for (const std::string_view text : {"\x80", "a\x80", "\u00E9", "\xFF"}) {
+        EXPECT_FALSE(isAscii(text));
+    }
 }
 
 TEST(Case, KnowsTheFinalSigma) {

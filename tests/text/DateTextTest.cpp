@@ -88,6 +88,16 @@ TEST(DateText, TellsTheDaysApartAsTheWrittenDatesDo) {
     }
 }
 
+TEST(DateText, AgreesWithAnyMomentOfTheSameDayInTheSamePlace) {
+    const RecentDays days(instant, london);
+    EXPECT_TRUE(days.agreesWith(RecentDays(instant, london)));
+    EXPECT_TRUE(days.agreesWith(RecentDays(instant + hour, london)));
+    EXPECT_FALSE(days.agreesWith(RecentDays(instant + 2 * hour, london))) << "after midnight";
+    EXPECT_FALSE(days.agreesWith(RecentDays(instant - day, london)));
+    EXPECT_FALSE(days.agreesWith(RecentDays(instant, {"en_GB", "Europe/Lisbon"}))) << "by the same clock";
+    EXPECT_FALSE(days.agreesWith(RecentDays(instant, {"en_US", "Europe/London"})));
+}
+
 TEST(DateText, SurvivesInstantsThatNoCalendarKnows) {
     for (const double wild : {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
                               std::numeric_limits<double>::quiet_NaN(), 1e300, -1e300, 1.7e12, -1.0}) {

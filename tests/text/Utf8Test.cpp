@@ -42,6 +42,8 @@ TEST(Utf8, HasAHeadThatSplitsNoCharacter) {
     }
     EXPECT_EQ(head("", 0), "");
     EXPECT_EQ(head("\x80\x80\x80", 2), "") << "bytes that begin no character";
+    EXPECT_EQ(head(std::string_view("ab\x80").substr(0, 2), 2), "ab")
+        << "what lies behind a text is not looked at";
 }
 
 } // namespace

@@ -93,7 +93,8 @@ def holds_of(line, members):
         if outside_texts(line, match.start()) and len(others) > 1:
             yield 'swapped member', replaced(line, match, 2, others[(others.index(match[2]) + 1) % len(others)])
     if match := WEAK_HOLD.search(line):
-        yield 'strong hold', line[:match.start()] + 'shared_from_this()' + line[match.end():]
+        # Held for ever: a strong pointer has no lock(), and would not compile in its place.
+        yield 'strong hold', f'{line[:match.start()]}std::weak_ptr(*new auto(shared_from_this())){line[match.end():]}'
 
 
 def changes_of(line, members):

@@ -8,7 +8,8 @@ class MacPasteboard final : public Pasteboard {
 public:
     void clearContents() override;
     bool setString(std::string_view text) override;
-    std::optional<std::string> string() const override;
+    /// Answers inside the call.
+    void readString(std::function<void(std::optional<std::string>)> done) override;
 };
 
 } // namespace velloway

@@ -16,9 +16,9 @@ bool MacPasteboard::setString(std::string_view text) {
     return true;
 }
 
-std::optional<std::string> MacPasteboard::string() const {
+void MacPasteboard::readString(std::function<void(std::optional<std::string>)> done) {
     NSString* text = [NSPasteboard.generalPasteboard stringForType:NSPasteboardTypeString];
-    return text != nil ? std::optional(stdString(text)) : std::nullopt;
+    done(text != nil ? std::optional(stdString(text)) : std::nullopt);
 }
 
 } // namespace velloway

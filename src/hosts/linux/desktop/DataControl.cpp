@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <poll.h>
 #include <unistd.h>
 #include <utility>
 
@@ -106,31 +105,6 @@ private:
     std::function<void(std::optional<std::string>)> done_;
     std::string text_;
 };
-
-/// Everything up to the end of `file`; absent when the other end stops in the middle.
-std::optional<std::string> readAll(int file) {
-    std::string text;
-    std::array<char, 65536> piece{};
-    while (text.size() <= longestText) {
-        pollfd waiting{.fd = file, .events = POLLIN, .revents = 0};
-        const int ready = ::poll(&waiting, 1, answerBound);
-        if (ready < 0 && errno == EINTR) {
-            continue;
-        }
-        const ssize_t count = ready > 0 ? ::read(file, piece.data(), piece.size()) : -1;
-        if (count < 0 && ready > 0 && (errno == EAGAIN || errno == EINTR)) {
-            continue;
-        }
-        if (count < 0) {
-            return std::nullopt;
-        }
-        if (count == 0) {
-            return text;
-        }
-        text.append(piece.data(), static_cast<std::size_t>(count));
-    }
-    return std::nullopt;
-}
 
 /// The later protocol differs from the earlier one in nothing but the names.
 const wl_interface& extManager() {
@@ -331,23 +305,6 @@ const char* DataControl::textType() const {
         }
     }
     return nullptr;
-}
-
-std::optional<std::string> DataControl::text() {
-    if (!isUsable() || !answered()) {
-        return std::nullopt;
-    }
-    if (source_ != nullptr) {
-        return *ownText_; // Nobody else could hand it over while this thread waits.
-    }
-    const char* type = textType();
-    const int file = type ? receive(*selected_, type) : -1;
-    if (file < 0) {
-        return std::nullopt;
-    }
-    auto text = readAll(file);
-    ::close(file);
-    return text;
 }
 
 void DataControl::read(std::function<void(std::optional<std::string>)> done) {

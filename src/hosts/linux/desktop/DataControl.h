@@ -34,11 +34,9 @@ public:
     bool clear();
     /// False when the compositor did not make it the text on the clipboard.
     bool setText(std::string_view text);
-    /// Asks the program that owns the clipboard and waits up to 5 seconds for each piece. Absent when there is
-    /// no plain text or the owner does not hand it over in full.
-    std::optional<std::string> text();
-    /// The same without the waiting: calls `done` once, inside the call or when the owner has answered. One
-    /// that is open when this ends is dropped.
+    /// Asks the program that owns the clipboard, which has 5 seconds for each piece, and calls `done` once,
+    /// inside the call or when the owner has answered; absent when there is no plain text or the owner does not
+    /// hand it over in full. One that is open when this ends is dropped.
     void read(std::function<void(std::optional<std::string>)> done);
 
 private:

@@ -59,17 +59,19 @@ bool LinuxPasteboard::setString(std::string_view text) {
     return true;
 }
 
-std::optional<std::string> LinuxPasteboard::string() const {
-    QClipboard& clipboard = *QGuiApplication::clipboard();
-    DataControl* control = dataControl();
-    // What was copied in a window of this process is handed over by this thread, which must not wait for it.
-    if (control != nullptr && !clipboard.ownsClipboard()) {
-        return control->text();
+void LinuxPasteboard::readString(Done done) {
+    waiting_.push_back(std::move(done));
+    if (waiting_.size() == 1) {
+        answerNext();
     }
-    if (control == nullptr && !isToolkitInTouch()) {
+}
+
+/// The text as the toolkit reads it: of this process, or where nothing else can read it.
+std::optional<std::string> LinuxPasteboard::toolkitText() const {
+    if (dataControl() == nullptr && !isToolkitInTouch()) {
         return std::nullopt;
     }
-    const QMimeData* contents = clipboard.mimeData();
+    const QMimeData* contents = QGuiApplication::clipboard()->mimeData();
     if (contents != nullptr && contents->hasFormat(utf8Text())) {
         return clipboardText(contents->data(utf8Text())).toStdString();
     }
@@ -80,14 +82,8 @@ std::optional<std::string> LinuxPasteboard::string() const {
     return contents->text().toStdString();
 }
 
-void LinuxPasteboard::readString(Done done) {
-    waiting_.push_back(std::move(done));
-    if (waiting_.size() == 1) {
-        answerNext();
-    }
-}
-
 void LinuxPasteboard::answerNext() {
+    // What was copied in a window of this process is handed over by this thread, which must not wait for it.
     const bool isOwn = QGuiApplication::clipboard()->ownsClipboard();
     if (DataControl* control = isOwn ? nullptr : dataControl()) {
         control->read([this](std::optional<std::string> text) { answer(std::move(text)); });
@@ -102,7 +98,7 @@ void LinuxPasteboard::answerNext() {
             return;
         }
     }
-    answer(string());
+    answer(toolkitText());
 }
 
 void LinuxPasteboard::answer(std::optional<std::string> text) {

@@ -17,8 +17,8 @@ class SelectionReader;
 /// while no window of the program has the keyboard.
 ///
 /// A read asks the program that owns the clipboard. One that is stopped but not gone does not answer for up to
-/// 5 seconds per question, twice at most; then the clipboard counts as empty of text. `string` waits that long,
-/// and so does `readString` on a Wayland compositor without a protocol for clipboard programs.
+/// 5 seconds per question, twice at most; then the clipboard counts as empty of text. On a Wayland compositor
+/// without a protocol for clipboard programs the call itself waits that long.
 class LinuxPasteboard : public Pasteboard {
 public:
     LinuxPasteboard();
@@ -26,13 +26,13 @@ public:
 
     void clearContents() override;
     bool setString(std::string_view text) override;
-    std::optional<std::string> string() const override;
     void readString(std::function<void(std::optional<std::string>)> done) override;
     bool isReadable() const override;
 
 private:
     using Done = std::function<void(std::optional<std::string>)>;
 
+    std::optional<std::string> toolkitText() const;
     void answerNext();
     void answer(std::optional<std::string> text);
     DataControl* dataControl() const;
