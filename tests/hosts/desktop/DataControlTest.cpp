@@ -140,7 +140,7 @@ protected:
         close(ends[0]);
         return isWhole ? std::optional(text) : std::nullopt;
     }
-    std::optional<std::string> readWithoutWaiting() {
+    std::optional<std::string> readText() {
         std::optional<std::optional<std::string>> answer;
         control_->read([&](auto text) { answer = std::move(text); });
         EXPECT_TRUE(waitFor([&] { return answer.has_value(); }));
@@ -160,8 +160,7 @@ TEST_F(DataControlTest, WatchesTheClipboardOfTheSeat) {
     ASSERT_TRUE(control_);
     EXPECT_TRUE(control_->isUsable());
     EXPECT_THAT(compositor_.take(), ElementsAre("zwlr_data_control_manager_v1.get_data_device new object"));
-    EXPECT_EQ(control_->text(), std::nullopt);
-    EXPECT_EQ(readWithoutWaiting(), std::nullopt);
+    EXPECT_EQ(readText(), std::nullopt);
 }
 
 TEST_F(DataControlTest, OffersATextInEveryTypeThatProgramsAskFor) {
@@ -174,8 +173,7 @@ TEST_F(DataControlTest, OffersATextInEveryTypeThatProgramsAskFor) {
                             device + ".set_selection object"));
     EXPECT_EQ(pasted(), "hello");
     EXPECT_EQ(pasted("STRING"), "hello");
-    EXPECT_EQ(control_->text(), "hello");
-    EXPECT_EQ(readWithoutWaiting(), "hello");
+    EXPECT_EQ(readText(), "hello");
     // The next one takes the place of the first, which goes.
     EXPECT_TRUE(control_->setText("again"));
     EXPECT_THAT(compositor_.take(), Contains(source + ".destroy"));
@@ -196,7 +194,7 @@ TEST_F(DataControlTest, ALongTextArrivesWholeHoweverSlowlyItIsTaken) {
     }));
     EXPECT_TRUE(control_->setText(""));
     EXPECT_EQ(pasted(), "");
-    EXPECT_EQ(control_->text(), "");
+    EXPECT_EQ(readText(), "");
 }
 
 TEST_F(DataControlTest, AProgramThatStopsReadingCostsNothingMore) {
@@ -222,7 +220,7 @@ TEST_F(DataControlTest, ClearingLeavesNothing) {
     compositor_.take();
     EXPECT_TRUE(control_->clear());
     EXPECT_THAT(compositor_.take(), ElementsAre(device + ".set_selection none", source + ".destroy"));
-    EXPECT_EQ(control_->text(), std::nullopt);
+    EXPECT_EQ(readText(), std::nullopt);
     EXPECT_TRUE(control_->clear());
 }
 
@@ -232,7 +230,7 @@ TEST_F(DataControlTest, AnotherProgramTakesTheClipboard) {
     post(source, sourceCancelled);
     text_ = "theirs";
     offer({"text/plain"});
-    EXPECT_EQ(control_->text(), "theirs");
+    EXPECT_EQ(readText(), "theirs");
     EXPECT_THAT(compositor_.take(), Contains(source + ".destroy"));
     EXPECT_EQ(pasted(), std::nullopt);
 }
@@ -251,8 +249,7 @@ TEST_F(DataControlTest, TheBestTypeOfTextIsAskedFor) {
         asked_.clear();
         offer(types);
         const auto expected = asked.empty() ? std::nullopt : text_;
-        EXPECT_EQ(control_->text(), expected);
-        EXPECT_EQ(readWithoutWaiting(), expected);
+        EXPECT_EQ(readText(), expected);
         EXPECT_EQ(asked_, asked);
     }
 }
@@ -260,19 +257,19 @@ TEST_F(DataControlTest, TheBestTypeOfTextIsAskedFor) {
 TEST_F(DataControlTest, AnOfferGoesWhenTheNextComesOrNone) {
     text_ = "text";
     offer({"text/plain"});
-    EXPECT_EQ(control_->text(), "text");
+    EXPECT_EQ(readText(), "text");
     compositor_.take();
     offer({"image/png"});
     // What is sent in answer to an event leaves with the next request.
-    EXPECT_EQ(control_->text(), std::nullopt);
-    EXPECT_EQ(control_->text(), std::nullopt);
+    EXPECT_EQ(readText(), std::nullopt);
+    EXPECT_EQ(readText(), std::nullopt);
     EXPECT_THAT(compositor_.take(), ElementsAre("zwlr_data_control_offer_v1.destroy"));
     compositor_.perform([&] {
         wl_resource_post_event(compositor_.latest(device), selection, static_cast<wl_resource*>(nullptr));
     });
     // What is sent in answer to an event leaves with the next request.
-    EXPECT_EQ(control_->text(), std::nullopt);
-    EXPECT_EQ(control_->text(), std::nullopt);
+    EXPECT_EQ(readText(), std::nullopt);
+    EXPECT_EQ(readText(), std::nullopt);
     EXPECT_THAT(compositor_.take(), ElementsAre("zwlr_data_control_offer_v1.destroy"));
 }
 
@@ -285,23 +282,21 @@ TEST_F(DataControlTest, SelectedTextIsNotTheClipboard) {
                                static_cast<wl_resource*>(nullptr));
     });
     compositor_.take();
-    EXPECT_EQ(control_->text(), "clipboard");
+    EXPECT_EQ(readText(), "clipboard");
     const auto requests = compositor_.take();
     EXPECT_THAT(requests, Contains("zwlr_data_control_offer_v1.destroy").Times(1))
         << "that of the selected text";
     offer({"text/html"}, primarySelection);
-    EXPECT_EQ(control_->text(), "clipboard");
+    EXPECT_EQ(readText(), "clipboard");
 }
 
 TEST_F(DataControlTest, ALongTextOfAnotherProgramComesWhole) {
     text_ = std::string(5'000'000, 'y') + "end";
     offer({"text/plain"});
     const int before = openDescriptors();
-    EXPECT_TRUE(control_->text() == text_);
-    EXPECT_TRUE(readWithoutWaiting() == text_);
+    EXPECT_TRUE(readText() == text_);
     text_ = "";
-    EXPECT_EQ(control_->text(), "");
-    EXPECT_EQ(readWithoutWaiting(), "");
+    EXPECT_EQ(readText(), "");
     EXPECT_TRUE(waitFor([&] {
         processPending();
         return openDescriptors() == before;
@@ -327,15 +322,6 @@ TEST_F(DataControlTest, AProgramThatHandsNothingOverIsWaitedForFiveSeconds) {
     EXPECT_TRUE(control_->isUsable());
 }
 
-TEST_F(DataControlTest, SomebodyWhoWaitsIsNotKeptLongerThanThat) {
-    offer({"text/plain"});
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(control_->text(), std::nullopt);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, 4900ms);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 9s);
-    compositor_.perform([&] { close(silent_); });
-}
-
 TEST_F(DataControlTest, WhatComesInPiecesWithinFiveSecondsEachIsRead) {
     offer({"text/plain"});
     std::optional<std::optional<std::string>> answer;
@@ -359,12 +345,11 @@ TEST_F(DataControlTest, WhatComesInPiecesWithinFiveSecondsEachIsRead) {
 TEST_F(DataControlTest, WhenTheSeatGoesTheClipboardDoesToo) {
     text_ = "text";
     offer({"text/plain"});
-    EXPECT_EQ(control_->text(), "text");
+    EXPECT_EQ(readText(), "text");
     compositor_.take();
     post(device, finished);
     EXPECT_TRUE(waitFor([&] { return !control_->isUsable(); }));
-    EXPECT_EQ(control_->text(), std::nullopt);
-    EXPECT_EQ(readWithoutWaiting(), std::nullopt);
+    EXPECT_EQ(readText(), std::nullopt);
     EXPECT_FALSE(control_->setText("x"));
     EXPECT_FALSE(control_->clear());
     EXPECT_TRUE(waitFor([&] { return compositor_.count() == 2; }));
@@ -378,14 +363,13 @@ TEST_F(DataControlTest, WhenTheCompositorGoesNothingHangs) {
     EXPECT_TRUE(waitFor([&] { return !control_->isUsable(); }));
     EXPECT_FALSE(control_->setText("x"));
     EXPECT_FALSE(control_->clear());
-    EXPECT_EQ(control_->text(), std::nullopt);
-    EXPECT_EQ(readWithoutWaiting(), std::nullopt);
+    EXPECT_EQ(readText(), std::nullopt);
 }
 
 TEST_F(DataControlTest, TheEndGivesEverythingBack) {
     text_ = "text";
     offer({"text/plain"});
-    EXPECT_EQ(control_->text(), "text");
+    EXPECT_EQ(readText(), "text");
     EXPECT_TRUE(control_->setText("ours"));
     compositor_.take();
     control_.reset();
