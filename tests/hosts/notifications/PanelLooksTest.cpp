@@ -3,6 +3,7 @@
 #include "hosts/linux/notifications/ElidedLabel.h"
 #include "hosts/linux/notifications/NotificationBanner.h"
 #include "hosts/linux/notifications/ReplyPanel.h"
+#include "hosts/windows/XClient.h"
 
 #include <gtest/gtest.h>
 
@@ -367,6 +368,16 @@ TEST(ReplyPanelLooks, TitleTextAndFieldStandBelowEachOther) {
     EXPECT_TRUE(panel.testAttribute(Qt::WA_X11NetWmWindowTypeDialog));
     EXPECT_FALSE(panel.windowHandle()->flags() & Qt::BypassWindowManagerHint);
     EXPECT_EQ(labelsOf(*std::make_unique<ReplyPanel>(ReplyPanel::Prompt{"title", "", field})).size(), 1);
+}
+
+TEST(ReplyPanelLooks, ItIsOnEveryDesktop) {
+    ReplyPanel panel({"title", "text", field});
+    panel.show();
+    const XClient client;
+    EXPECT_TRUE(waitFor([&] {
+        return client.property(XClient::idOf(*panel.windowHandle()), "_NET_WM_DESKTOP") ==
+               std::vector<std::uint32_t>{0xffffffff};
+    }));
 }
 
 TEST(ReplyPanelUse, TheKeyboardComesToTheFieldAndThePanelToTheFront) {
