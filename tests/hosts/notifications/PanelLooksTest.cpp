@@ -358,6 +358,8 @@ TEST(ReplyPanelLooks, TitleTextAndFieldStandBelowEachOther) {
     const int line = labels[1]->fontMetrics().lineSpacing();
     EXPECT_EQ(labels[1]->geometry(), QRect(14, 14 + 20 + 4, 350 - 2 * 14, 2 * line));
     EXPECT_EQ(panel.height(), 14 + 20 + 4 + 2 * line + 4 + 36 + 14);
+    EXPECT_EQ(panel.minimumHeight(), panel.height());
+    EXPECT_EQ(panel.maximumHeight(), panel.height());
     const auto* close = panel.findChildren<QAbstractButton*>().front();
     EXPECT_EQ(close->accessibleName(), "Cancel");
     EXPECT_EQ(close->geometry(), QRect(350 - 14 - 20, 14, 20, 20));
