@@ -3,6 +3,7 @@
 #include "hosts/linux/notifications/ElidedLabel.h"
 #include "hosts/linux/notifications/NotificationBanner.h"
 #include "hosts/linux/notifications/ReplyPanel.h"
+#include "hosts/windows/XClient.h"
 
 #include <gtest/gtest.h>
 
@@ -357,6 +358,8 @@ TEST(ReplyPanelLooks, TitleTextAndFieldStandBelowEachOther) {
     const int line = labels[1]->fontMetrics().lineSpacing();
     EXPECT_EQ(labels[1]->geometry(), QRect(14, 14 + 20 + 4, 350 - 2 * 14, 2 * line));
     EXPECT_EQ(panel.height(), 14 + 20 + 4 + 2 * line + 4 + 36 + 14);
+    EXPECT_EQ(panel.minimumHeight(), panel.height());
+    EXPECT_EQ(panel.maximumHeight(), panel.height());
     const auto* close = panel.findChildren<QAbstractButton*>().front();
     EXPECT_EQ(close->accessibleName(), "Cancel");
     EXPECT_EQ(close->geometry(), QRect(350 - 14 - 20, 14, 20, 20));
@@ -367,6 +370,16 @@ TEST(ReplyPanelLooks, TitleTextAndFieldStandBelowEachOther) {
     EXPECT_TRUE(panel.testAttribute(Qt::WA_X11NetWmWindowTypeDialog));
     EXPECT_FALSE(panel.windowHandle()->flags() & Qt::BypassWindowManagerHint);
     EXPECT_EQ(labelsOf(*std::make_unique<ReplyPanel>(ReplyPanel::Prompt{"title", "", field})).size(), 1);
+}
+
+TEST(ReplyPanelLooks, ItIsOnEveryDesktop) {
+    ReplyPanel panel({"title", "text", field});
+    panel.show();
+    const XClient client;
+    EXPECT_TRUE(waitFor([&] {
+        return client.property(XClient::idOf(*panel.windowHandle()), "_NET_WM_DESKTOP") ==
+               std::vector<std::uint32_t>{0xffffffff};
+    }));
 }
 
 TEST(ReplyPanelUse, TheKeyboardComesToTheFieldAndThePanelToTheFront) {

@@ -104,6 +104,20 @@ TEST(FloatingPanelLooks, WithACompositorItHasAShadowAround) {
     EXPECT_GT(alphaAt(189, 84), alphaAt(189, 88));
     EXPECT_LT(alphaAt(189, 84), 80);
     EXPECT_EQ(image.pixelColor(189, 84).red(), 0);
+    QImage expected(panel.size(), QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::transparent);
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    // From 14 pixels away to 1, each a little darker, three pixels lower on the upper side.
+    for (int reach = 14; reach > 0; --reach) {
+        const double nearness = 1.0 - reach / 15.0;
+        painter.setBrush(QColor(0, 0, 0, int(9 * nearness * nearness)));
+        painter.drawRoundedRect(QRect(14 - reach, 17 - reach, 350 + 2 * reach, 65 + 2 * reach), 14 + reach,
+                                14 + reach);
+    }
+    EXPECT_EQ(image.copy(0, 0, 378, 14), expected.copy(0, 0, 378, 14));
+    EXPECT_EQ(image.copy(0, 82, 378, 14), expected.copy(0, 82, 378, 14));
     // The corner of the card is round.
     EXPECT_LT(alphaAt(15, 15), 100);
     EXPECT_GT(alphaAt(20, 20), 200);
