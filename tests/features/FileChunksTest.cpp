@@ -161,6 +161,15 @@ TEST_F(FileChunksTest, TextsAreHeldUpToAFewMebibytes) {
     }
 }
 
+TEST_F(FileChunksTest, AnEmptyFileIsNotKeptOpenForLater) {
+    put("a", "");
+    put("b", "x");
+    const auto empty = open("a");
+    const auto other = open("b");
+    EXPECT_EQ(files.openCount("/a"), 1);
+    EXPECT_EQ(files.openCount("/b"), 2);
+}
+
 TEST_F(FileChunksTest, ANameThatIsNotUtf8GivesNoText) {
     put("a", "bytes");
     FileChunks chunks(maker, files, "/a", "\xFF");

@@ -127,6 +127,13 @@ TEST_F(IncomingFilesTest, StaysAtZeroWithoutASizeAndJumpsToTheEnd) {
     }
 }
 
+TEST_F(IncomingFilesTest, KnowsTheProgressOfAFileOfOneByte) {
+    start("a.txt", 1);
+    chunk("a.txt", "YQ==");
+    EXPECT_EQ(row().progress, 1.0);
+    EXPECT_FALSE(row().isCompleted);
+}
+
 TEST_F(IncomingFilesTest, DropsAChunkOfAnUnknownFileWithoutAWord) {
     chunk("a.txt", one, true);
     EXPECT_FALSE(host.files.exists(folder / "a.txt"));

@@ -80,8 +80,10 @@ TEST(JsonWriter, EscapesByWhatTheTextHoldsAndNotByWhatLiesAround) {
 TEST(JsonWriter, ReadsNothingBeyondTheEndOfAText) {
     EndOfMemory memory;
     for (std::size_t length = 0; length <= 40; ++length) {
-        const std::string text(length, 'a');
-        EXPECT_EQ(written(memory.place(text)), R"({"t":")" + text + R"("})");
+        const std::string rest(length, 'a');
+        EXPECT_EQ(written(memory.place(rest)), R"({"t":")" + rest + R"("})");
+        // Behind an escape the search goes on from there.
+        EXPECT_EQ(written(memory.place("aaaaaaaaaaa/" + rest)), R"({"t":"aaaaaaaaaaa\/)" + rest + R"("})");
     }
 }
 

@@ -16,6 +16,14 @@ TEST(FatalDeathTest, EndsTheProcessWithItsMessageAsOneLine) {
     EXPECT_EXIT(fatal("no folder"), KilledBySignal(SIGABRT), Eq("Fatal error: no folder\n"));
 }
 
+TEST(FatalDeathTest, LosesNothingThatStandardErrorHoldsBack) {
+    const auto dieBuffered = [] {
+        std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
+        fatal("no folder");
+    };
+    EXPECT_EXIT(dieBuffered(), KilledBySignal(SIGABRT), Eq("Fatal error: no folder\n"));
+}
+
 TEST(FatalDeathTest, RunsTheLastActionBeforeTheMessage) {
     const auto dieAfter = [](auto... actions) {
         (setBeforeFatal(actions), ...);
