@@ -106,5 +106,20 @@ TEST_F(SmsBodyTest, ABubbleIsAsWideAsItsLongestLine) {
     EXPECT_NEAR(narrow, narrowest + 26, 1);
 }
 
+TEST_F(SmsBodyTest, ANameOfManyLinesTakesOneLine) {
+    show("Hello");
+    state().phone.phoneSmsLog.set({{"1", "Ada", "Hello", 1.7e12, 1}});
+    settle();
+    const auto heights = [&] { return std::pair(part("chatName")->height(), part("messages")->height()); };
+    const auto before = heights();
+    std::string name;
+    for (int i = 0; i < 100; ++i) {
+        name += "line\n";
+    }
+    state().phone.phoneSmsLog.set({{"1", name, "Hello", 1.7e12, 1}});
+    settle();
+    EXPECT_EQ(heights(), before);
+}
+
 } // namespace
 } // namespace velloway::test

@@ -372,20 +372,6 @@ TEST_F(SmsViewTest, TheComposerShowsThatItsTextHasLineBreaks) {
     EXPECT_TRUE(shows("lineBreaks"));
 }
 
-TEST_F(SmsViewTest, ANameOfManyLinesTakesOneLine) {
-    fill();
-    openThread(0);
-    const auto heights = [&] { return std::pair(part("chatName")->height(), part("messages")->height()); };
-    const auto before = heights();
-    std::string name;
-    for (int i = 0; i < 100; ++i) {
-        name += "line\n";
-    }
-    state().phone.phoneSmsLog.set({{"+44 7700 900123", name, "Hello", 1.7e12, 1}});
-    settle();
-    EXPECT_EQ(heights(), before);
-}
-
 TEST_F(SmsViewTest, CopyingALongMessageCopiesAllOfIt) {
     const std::string body(100'000, 'w');
     state().phone.phoneSmsLog.set({{"1", std::nullopt, body, 1.7e12, 1}});
