@@ -218,6 +218,14 @@ TEST_F(LongFieldTest, ALongTextIsPastedTypedOnAndSentWhole) {
     EXPECT_EQ(ViewHarness::text("composer"), "");
 }
 
+TEST_F(LongFieldTest, ALongTextIsPastedAtTheCursor) {
+    type("ab");
+    key(Qt::Key_Left);
+    on.pasteboard.content = longText();
+    control(Qt::Key_V);
+    EXPECT_EQ(typed(), "a" + longText() + "b");
+}
+
 TEST_F(LongFieldTest, ItIsCopiedCutAndBroughtBack) {
     const std::string text = longText();
     state().sms.chatText.set(text);
