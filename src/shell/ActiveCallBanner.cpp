@@ -1,6 +1,8 @@
 #include "shell/ActiveCallBanner.h"
 
+#include "tabs/Style.h"
 #include "tabs/calls/CallsModel.h"
+#include "text/Utf8.h"
 
 #include <array>
 #include <memory>
@@ -22,10 +24,10 @@ ActiveCallBanner::ActiveCallBanner(std::string callName, std::string callNumber,
       })) {}
 
 BannerText ActiveCallBanner::text() const {
-    BannerText text{.firstLine = name.empty() ? number : name,
+    BannerText text{.firstLine = std::string(head(name.empty() ? number : name, rowBytes)),
                     .lastLine = duration.get() >= 0 ? formatDuration(duration.get()) : "Connecting..."};
     if (!name.empty() && name != number) {
-        text.secondLine = number;
+        text.secondLine = head(number, rowBytes);
     }
     return text;
 }

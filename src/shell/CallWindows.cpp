@@ -32,7 +32,11 @@ std::shared_ptr<CallWindows> CallWindows::make(const Dependencies& dependencies)
 void CallWindows::setupIncomingCallObservation() {
     cancellables_.push_back(on_.historyStore->incomingCallInfo.observeWithCurrent(
         [&main = on_.main, weak = weak_from_this()](const std::optional<IncomingCallInfo>& info) {
-            hop(main, weak, [info](CallWindows& self) { self.incomingCallChanged(info); });
+            // The texts of a caller may be long, and the step is copied on its way.
+            hop(main, weak,
+                [shared = std::make_shared<const std::optional<IncomingCallInfo>>(info)](CallWindows& self) {
+                    self.incomingCallChanged(*shared);
+                });
         }));
 }
 
@@ -112,10 +116,11 @@ std::shared_ptr<IncomingCallBanner> CallWindows::createBannerView(const Incoming
     const auto self = shared_from_this();
     return std::make_shared<IncomingCallBanner>(
         info,
-        [self, info] {
+        [self, shared = std::make_shared<const IncomingCallInfo>(info)] {
             self->on_.server.answerCall();
-            self->on_.notifications.post(AppNotification::prepareActiveCall,
-                                         TextMap{{"number", info.number}, {"name", info.name.value_or("")}});
+            self->on_.notifications.post(
+                AppNotification::prepareActiveCall,
+                TextMap{{"number", shared->number}, {"name", shared->name.value_or("")}});
             self->on_.historyStore->incomingCallInfo.set(std::nullopt);
         },
         [self] {

@@ -1,29 +1,32 @@
 #include "shell/IncomingCallBanner.h"
 
+#include "tabs/Style.h"
 #include "text/Case.h"
 #include "text/Trim.h"
+#include "text/Utf8.h"
 
 namespace velloway {
 
 namespace {
 
 bool isKnown(std::string_view text) {
-    return !text.empty() && lowerCased(text) != "unknown";
+    constexpr std::string_view unknown = "unknown";
+    return !text.empty() && (text.size() > 2 * unknown.size() || lowerCased(text) != unknown);
 }
 
 } // namespace
 
 BannerText IncomingCallBanner::text() const {
-    const std::string name(
-        trimBlanksAndLineEnds(info.name ? std::string_view(*info.name) : std::string_view()));
-    const std::string number(trimBlanksAndLineEnds(info.number));
+    const std::string_view name =
+        trimBlanksAndLineEnds(info.name ? std::string_view(*info.name) : std::string_view());
+    const std::string_view number = trimBlanksAndLineEnds(info.number);
     const bool hasName = isKnown(name);
     const bool hasNumber = isKnown(number);
 
     BannerText text{.lastLine = "Incoming Call"};
-    text.firstLine = hasName ? name : hasNumber ? number : "Unknown Caller";
+    text.firstLine = head(hasName ? name : hasNumber ? number : "Unknown Caller", rowBytes);
     if (hasName && hasNumber && name != number) {
-        text.secondLine = number;
+        text.secondLine = head(number, rowBytes);
     }
     return text;
 }

@@ -20,14 +20,14 @@ std::string normalizeAddress(std::string_view address);
 
 /// One thread.
 ///
-/// `messages` points into the log that the thread was made from and is valid as long as that log lives
+/// All but `id` points into the log that the thread was made from and is valid as long as that log lives
 /// unchanged: a history can be large, and a copy of every text at each reading is what would make it slow.
 struct Conversation {
     std::string id;
     /// As the newest message spells it.
-    std::string displayAddress;
+    std::string_view displayAddress;
     /// From the first record in the order of the log that has a name, even an empty one.
-    std::optional<std::string> contactName;
+    std::optional<std::string_view> contactName;
     /// Oldest first.
     std::vector<const SmsRecord*> messages;
 
@@ -43,7 +43,12 @@ public:
     /// The provided name unless it is empty; else the name of the first call with that number, if it has one;
     /// else the address.
     std::string contactName(std::string_view address,
-                            const std::optional<std::string>& providedName = std::nullopt) const;
+                            std::optional<std::string_view> providedName = std::nullopt) const {
+        return std::string(shownName(address, providedName));
+    }
+    /// The same without a copy; valid as long as the arguments and this.
+    std::string_view shownName(std::string_view address,
+                               std::optional<std::string_view> providedName = std::nullopt) const;
 
 private:
     /// By key. The first call with a number decides, also when it has no name; that is kept as an empty text.

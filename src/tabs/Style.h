@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -8,6 +9,10 @@ namespace velloway {
 
 /// The colours that the rules of the tabs and panels speak of; `palette` has the value of each under its name.
 enum class ColorRole { primary, secondary, tint, white, red, green, blue, orange };
+
+/// More bytes than any row shows of a name or a text. A copy of all of a large text for each row and each
+/// reading would hold the window up.
+inline constexpr std::size_t rowBytes = 4096;
 
 /// 0xAARRGGBB, not multiplied by the alpha.
 using Argb = std::uint32_t;

@@ -5,7 +5,9 @@
 #include <unicode/stringpiece.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 namespace velloway {
@@ -15,10 +17,41 @@ namespace {
 using Mapping = void (*)(const char* locale, std::uint32_t options, icu::StringPiece source,
                          icu::ByteSink& sink, icu::Edits* edits, UErrorCode& error);
 
+constexpr std::uint64_t everyByte = 0x0101010101010101;
+constexpr std::uint64_t highBits = 0x80 * everyByte;
+
+std::uint64_t eightBytes(const char* from) {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, from, sizeof bytes);
+    return bytes;
+}
+
+/// Turns the letters of one case, whose first is `first`, into those of the other, eight at a time.
+void flipCase(std::string& asciiText, char first) {
+    const auto from = static_cast<std::uint64_t>(first);
+    const std::uint64_t toFirst = (0x80 - from) * everyByte;
+    const std::uint64_t toEnd = (0x80 - from - 26) * everyByte;
+    std::size_t at = 0;
+    for (; at + 8 <= asciiText.size(); at += 8) {
+        std::uint64_t bytes = eightBytes(asciiText.data() + at);
+        bytes ^= ((bytes + toFirst) & ~(bytes + toEnd) & highBits) >> 2U;
+        std::memcpy(asciiText.data() + at, &bytes, sizeof bytes);
+    }
+    for (; at < asciiText.size(); ++at) {
+        const char c = asciiText[at];
+        asciiText[at] = c >= first && c < first + 26 ? static_cast<char>(c ^ 0x20) : c;
+    }
+}
+
 std::string mapped(std::string_view text, char (*ascii)(char), Mapping map) {
     constexpr auto longest = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
     std::string out;
-    if (isAscii(text) || text.size() > longest) {
+    if (isAscii(text)) {
+        out = text;
+        flipCase(out, ascii('z') == 'Z' ? 'a' : 'A');
+        return out;
+    }
+    if (text.size() > longest) {
         out.resize(text.size());
         std::transform(text.begin(), text.end(), out.begin(), ascii);
         return out;
@@ -33,11 +66,14 @@ std::string mapped(std::string_view text, char (*ascii)(char), Mapping map) {
 } // namespace
 
 bool isAscii(std::string_view text) {
-    unsigned char seen = 0;
-    for (const char c : text) {
-        seen = static_cast<unsigned char>(seen | static_cast<unsigned char>(c));
+    std::size_t at = 0;
+    for (; at + 8 <= text.size(); at += 8) {
+        if ((eightBytes(text.data() + at) & highBits) != 0) {
+            return false;
+        }
     }
-    return seen < 0x80;
+    return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 std::string upperCased(std::string_view text) {

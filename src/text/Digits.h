@@ -9,6 +9,9 @@ namespace velloway {
 /// are.
 std::string digitsOnly(std::string_view text);
 
+/// Of any script.
+bool isDecimalDigit(char32_t codePoint);
+
 /// Whether a user-perceived character is a number of any kind: a digit of any script, a fraction, a Roman or
 /// circled number. Its first code point decides.
 bool isNumberCharacter(std::string_view grapheme);

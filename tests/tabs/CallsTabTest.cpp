@@ -214,6 +214,21 @@ TEST_F(CallsTabTest, PressingARowReplacesTheNumberAndCallsBack) {
     EXPECT_THAT(takeSent(), ElementsAre(R"({"action":"make_call","number":"+44 77","simSlot":0})"));
 }
 
+TEST_F(CallsTabTest, ARowOfALongNumberCallsAllOfIt) {
+    const std::string number(10'000, '7');
+    view->phone.phoneCallLog.set({{"1", std::nullopt, 5, 0, 1}, {number, std::nullopt, 5, 0, 1}});
+    const std::vector<RecentCallRow> rows = view->calls.recentCalls.get();
+    EXPECT_LT(rows.at(1).number.size(), 5000u);
+    view->calls.callBack(rows.at(1));
+    EXPECT_EQ(view->calls.dialpadNumber.get(), number);
+    view->calls.callBack(rows.at(0));
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "1");
+    view->phone.phoneCallLog.set({});
+    view->calls.dialpadNumber.set("");
+    view->calls.callBack(rows.at(0));
+    EXPECT_EQ(view->calls.dialpadNumber.get(), "1") << "also when it has gone from the log";
+}
+
 TEST(FormatDurationTest, GivesMinutesAndSecondsWithoutHours) {
     EXPECT_EQ(formatDuration(0), "00:00");
     EXPECT_EQ(formatDuration(59), "00:59");

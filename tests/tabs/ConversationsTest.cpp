@@ -361,6 +361,32 @@ void expectSame(const std::vector<Conversation>& quick, const std::map<std::stri
     }));
 }
 
+TEST(ConversationsRandomTest, TheKeyOfALongAddressIsThatOfAShortOne) {
+    Dice dice(7);
+    const std::string characters = "0189/:;@P`p\x7f -+";
+    for (int round = 0; round < 5000; ++round) {
+        std::string address(dice.below(40), '-');
+        for (char& c : address) {
+            c = characters[dice.below(dice.below(2) == 0 ? 4 : characters.size())];
+        }
+        EXPECT_EQ(normalizeAddress(address), plainKey(address)) << address;
+    }
+}
+
+TEST(ConversationSearchTest, AQueryLongerThanEveryTextFindsNothingAndAnotherMay) {
+    const std::string body(30'000, 'K');
+    const std::vector<SmsRecord> log{sms("1", 1, body)};
+    const auto threads = conversations(log);
+    EXPECT_EQ(filteredConversations(threads, std::string(30'000, 'k'), {}).size(), 1u);
+    EXPECT_EQ(filteredConversations(threads, std::string(30'001, 'k'), {}).size(), 0u);
+    EXPECT_EQ(filteredConversations(threads, std::string(1'000'000, 'k'), {}).size(), 0u);
+    std::string kelvins;
+    while (kelvins.size() < 90'000) {
+        kelvins += "\u212A";
+    }
+    EXPECT_EQ(filteredConversations(threads, kelvins, {}).size(), 1u) << "three bytes for a k";
+}
+
 TEST(ConversationsRandomTest, TheQuickWaysGiveWhatThePlainOnesGive) {
     for (unsigned seed = 1; seed <= 300; ++seed) {
         SCOPED_TRACE(seed);

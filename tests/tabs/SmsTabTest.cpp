@@ -409,6 +409,22 @@ TEST_F(SmsTabTest, ListAndChatAskForTheConversationsOnceBetweenTwoChanges) {
               &view->phone.conversations().at(1));
 }
 
+TEST_F(SmsTabTest, AThreadOfALongAddressOpensUnderAllOfIt) {
+    const std::string one = std::string(10'000, 'w') + "one";
+    const std::string other = std::string(10'000, 'w') + "other";
+    view->phone.phoneSmsLog.set({{one, std::nullopt, "a", 2, 1}, {"5", std::nullopt, "b", 1, 1}});
+    const std::vector<SmsThreadRow> rows = view->sms.list.get().rows;
+    EXPECT_LT(rows.at(0).displayAddress.size(), 5000u);
+    view->sms.openThread(rows.at(0));
+    EXPECT_EQ(view->sms.activeRecipient.get(), one);
+    EXPECT_TRUE(view->sms.list.get().rows.at(0).isActive);
+    view->sms.openThread(rows.at(1));
+    EXPECT_EQ(view->sms.activeRecipient.get(), "5");
+    view->phone.phoneSmsLog.set({{other, std::nullopt, "a", 2, 1}});
+    view->sms.openThread(rows.at(1));
+    EXPECT_EQ(view->sms.activeRecipient.get(), "5") << "also when it has gone";
+}
+
 TEST(SmsTextsTest, AreExact) {
     EXPECT_EQ(textOf(smsTexts, "searchPlaceholder"), "To: Search or type number…");
     EXPECT_EQ(textOf(smsTexts, "noChat"), "Select a conversation or search for a contact to begin.");

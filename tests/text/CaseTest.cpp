@@ -62,6 +62,32 @@ TEST(Case, SurvivesBytesThatAreNoUtf8) {
               'a');
 }
 
+TEST(Case, MapsEveryAsciiCharacterAtEveryPlace) {
+    for (std::size_t before = 0; before < 9; ++before) {
+        for (int c = 0; c < 128; ++c) {
+            const char character = static_cast<char>(c);
+            const std::string text = std::string(before, '-') + character + "----------";
+            std::string upper = text;
+            std::string lower = text;
+            upper[before] = upperAscii(character);
+            lower[before] = lowerAscii(character);
+            EXPECT_EQ(upperCased(text), upper) << c << " at " << before;
+            EXPECT_EQ(lowerCased(text), lower) << c << " at " << before;
+        }
+    }
+}
+
+TEST(Case, FindsAByteBeyondAsciiAnywhere) {
+    for (std::size_t length = 0; length < 20; ++length) {
+        EXPECT_TRUE(isAscii(std::string(length, '\x7f')));
+        for (std::size_t at = 0; at < length; ++at) {
+            std::string text(length, 'a');
+            text[at] = '\x80';
+            EXPECT_FALSE(isAscii(text)) << at << " of " << length;
+        }
+    }
+}
+
 } // namespace
 
 } // namespace velloway::test

@@ -39,6 +39,15 @@ TEST(Digits, LetsTheFirstCodePointOfACharacterDecide) {
     EXPECT_TRUE(isNumberCharacter("1\xEF\xB8\x8F\xE2\x83\xA3"));
 }
 
+TEST(Digits, KnowsADecimalDigitByItsCodePoint) {
+    for (const char32_t digit : {U'0', U'9', U'\u0660', U'\u0669', U'\u06f0', U'\u0966', U'\uff19'}) {
+        EXPECT_TRUE(isDecimalDigit(digit)) << static_cast<unsigned>(digit);
+    }
+    for (const char32_t other : {U'/', U':', U'a', U'\u00b2', U'\u00bd', U'\u0301', U'\u2167', U'\u066a'}) {
+        EXPECT_FALSE(isDecimalDigit(other)) << static_cast<unsigned>(other);
+    }
+}
+
 } // namespace
 
 } // namespace velloway::test

@@ -46,6 +46,18 @@ TEST(Utf8, HasAHeadThatSplitsNoCharacter) {
         << "what lies behind a text is not looked at";
 }
 
+TEST(Utf8, HasATailThatSplitsNoCharacter) {
+    EXPECT_EQ(tail("abc", 5), "abc");
+    EXPECT_EQ(tail("abc", 3), "abc");
+    EXPECT_EQ(tail("abc", 2), "bc");
+    EXPECT_EQ(tail("abc", 0), "");
+    EXPECT_EQ(tail("", 2), "");
+    EXPECT_EQ(tail("a\u00e9", 2), "\u00e9");
+    EXPECT_EQ(tail("a\u00e9", 1), "");
+    EXPECT_EQ(tail("x\U0001F6B2y", 4), "y");
+    EXPECT_EQ(tail("x\U0001F6B2y", 5), "\U0001F6B2y");
+}
+
 } // namespace
 
 } // namespace velloway::test

@@ -2,6 +2,7 @@
 #include "ui/ViewTest.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QFileDialog>
 #include <QLineEdit>
 
@@ -176,6 +177,29 @@ TEST_F(ClipboardViewTest, ALongTextShowsTenLinesAndIsSelectedWhole) {
     click(content->parentItem());
     key(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(content->property("selectedText").toString().toStdString(), lines);
+}
+
+TEST_F(ClipboardViewTest, CopyingToTheEndOfALongTextCopiesTheRestToo) {
+    std::string text;
+    while (text.size() < 100'000) {
+        text += std::to_string(text.size()) + ' ';
+    }
+    program.historyStore().addClipboard("another");
+    program.historyStore().addClipboard(text);
+    settle();
+    QQuickItem* content = part("clipboardText");
+    EXPECT_LT(content->property("length").toInt(), 10'000) << "only the head is laid out";
+    content->forceActiveFocus();
+    const auto copied = [&](const char* what) {
+        QMetaObject::invokeMethod(content, what);
+        key(Qt::Key_C, Qt::ControlModifier);
+        return QGuiApplication::clipboard()->text().toStdString();
+    };
+    EXPECT_EQ(copied("selectAll"), text);
+    QMetaObject::invokeMethod(content, "select", Q_ARG(int, 10),
+                              Q_ARG(int, content->property("length").toInt()));
+    key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), text.substr(10));
 }
 
 } // namespace

@@ -14,13 +14,15 @@ protected:
         settle();
         return part("body");
     }
-    /// Clicks on the character at a position in the text.
-    void clickOn(QQuickItem* body, int position, Qt::MouseButton button = Qt::LeftButton) {
+    /// Of the character at a position in the text.
+    static QPoint placeOf(QQuickItem* body, int position) {
         QRectF place;
         QMetaObject::invokeMethod(body, "positionToRectangle", Q_RETURN_ARG(QRectF, place),
                                   Q_ARG(int, position));
-        QTest::mouseClick(body->window(), button, {},
-                          body->mapToScene(place.center() + QPointF(2, 0)).toPoint());
+        return body->mapToScene(place.center() + QPointF(2, 0)).toPoint();
+    }
+    void clickOn(QQuickItem* body, int position, Qt::MouseButton button = Qt::LeftButton) {
+        QTest::mouseClick(body->window(), button, {}, placeOf(body, position));
         settle();
     }
 };
@@ -35,6 +37,19 @@ TEST_F(SmsBodyTest, AClickOnALinkOpensItAndAClickBesideItDoesNot) {
     key(Qt::Key_A, Qt::ControlModifier);
     key(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "see <b> & https://a.example/x?y=1&z=2, please");
+}
+
+TEST_F(SmsBodyTest, ThePointerIsAHandOnALinkAndAnywhereElseNot) {
+    QQuickItem* body = show("see https://a.example/ and on");
+    const auto pointerOn = [&](int position, Qt::CursorShape expected) {
+        QTest::mouseMove(body->window(), placeOf(body, position));
+        return wait([&] { return body->window()->cursor().shape() == expected; });
+    };
+    EXPECT_TRUE(pointerOn(8, Qt::PointingHandCursor));
+    EXPECT_TRUE(pointerOn(1, Qt::IBeamCursor));
+    EXPECT_TRUE(pointerOn(12, Qt::PointingHandCursor));
+    QTest::mouseMove(body->window(), {2, 2});
+    EXPECT_TRUE(wait([&] { return body->window()->cursor().shape() == Qt::ArrowCursor; }));
 }
 
 TEST_F(SmsBodyTest, ALinkStandsOutFromItsGround) {
@@ -89,6 +104,21 @@ TEST_F(SmsBodyTest, ABubbleIsAsWideAsItsLongestLine) {
     EXPECT_LT(wide, part("bubble")->width() * 0.72 - 10) << "its two lines leave room";
     const auto [narrow, narrowest] = widthOf("ok");
     EXPECT_NEAR(narrow, narrowest + 26, 1);
+}
+
+TEST_F(SmsBodyTest, ANameOfManyLinesTakesOneLine) {
+    show("Hello");
+    state().phone.phoneSmsLog.set({{"1", "Ada", "Hello", 1.7e12, 1}});
+    settle();
+    const auto heights = [&] { return std::pair(part("chatName")->height(), part("messages")->height()); };
+    const auto before = heights();
+    std::string name;
+    for (int i = 0; i < 100; ++i) {
+        name += "line\n";
+    }
+    state().phone.phoneSmsLog.set({{"1", name, "Hello", 1.7e12, 1}});
+    settle();
+    EXPECT_EQ(heights(), before);
 }
 
 } // namespace

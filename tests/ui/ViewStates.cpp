@@ -380,6 +380,12 @@ std::vector<ViewState> scrolledStates() {
         states.push_back(*of);
         states.back().size = {850, 320};
     }
+    // So low that a page key does not reach the end at once.
+    for (std::size_t form = states.size() - 2, last = states.size(); form < last; ++form) {
+        states.push_back(states[form]);
+        states.back().name += "_low";
+        states.back().size = {850, 150};
+    }
     return states;
 }
 

@@ -1,7 +1,9 @@
 #include "tabs/calls/CallsModel.h"
 
 #include "text/Graphemes.h"
+#include "text/Utf8.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <utility>
@@ -27,7 +29,7 @@ std::string twoDigits(std::int64_t number) {
 
 DialPad dialPadOf(const std::string& dialpadNumber, std::size_t simCount) {
     const bool hasNumber = !dialpadNumber.empty();
-    return {.numberText = hasNumber ? dialpadNumber : " ",
+    return {.numberText = hasNumber ? std::string(tail(dialpadNumber, rowBytes)) : " ",
             .canCall = hasNumber,
             .showsDelete = hasNumber,
             .showsSimPicker = simCount >= simSegments.size()};
@@ -54,12 +56,13 @@ std::vector<RecentCallRow> CallsModel::recentCallRows() const {
     rows.reserve(callLog.size());
     const RelativeDates dates(with_.host);
     for (const CallRecord& call : callLog) {
-        rows.push_back({.id = call.id(),
-                        .number = call.number,
-                        .name = phone_.callNames().contactName(call.number, call.name),
-                        .date = dates.text(call.date),
-                        .symbol = directionSymbol(call.type),
-                        .color = call.type == missedType ? ColorRole::red : ColorRole::primary});
+        rows.push_back(
+            {.id = call.id(),
+             .number = std::string(head(call.number, rowBytes)),
+             .name = std::string(head(phone_.callNames().shownName(call.number, call.name), rowBytes)),
+             .date = dates.text(call.date),
+             .symbol = directionSymbol(call.type),
+             .color = call.type == missedType ? ColorRole::red : ColorRole::primary});
     }
     return rows;
 }
@@ -75,6 +78,15 @@ void CallsModel::deleteLastDigit() {
 void CallsModel::callBack(const std::string& number) {
     dialpadNumber.set(number);
     startCall();
+}
+
+void CallsModel::callBack(const RecentCallRow& row) {
+    const std::vector<CallRecord>& log = phone_.phoneCallLog.get();
+    const auto call = std::find_if(log.begin(), log.end(), [&](const CallRecord& record) {
+        return record.id() == row.id && head(record.number, rowBytes) == row.number;
+    });
+    // The log may have changed since.
+    callBack(call == log.end() ? row.number : std::string(call->number));
 }
 
 void CallsModel::startCall() {

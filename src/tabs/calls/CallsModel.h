@@ -124,6 +124,7 @@ public:
     void deleteLastDigit();
     /// A row of the recent calls was pressed.
     void callBack(const std::string& number);
+    void callBack(const RecentCallRow& row);
     void startCall();
     void endCall();
     KeyPressResult pressKey(const KeyPress& press);

@@ -1,7 +1,9 @@
 #include "tabs/notifications/NotificationsModel.h"
 
+#include "tabs/Style.h"
 #include "text/Case.h"
 #include "text/Graphemes.h"
+#include "text/Utf8.h"
 
 #include <cstddef>
 
@@ -11,9 +13,9 @@ namespace {
 
 std::string rowLetter(const NotifPayload& payload) {
     if (!payload.app.empty()) {
-        return upperCased(firstGrapheme(payload.app));
+        return upperCased(firstGrapheme(head(payload.app, rowBytes)));
     }
-    return payload.title.empty() ? "?" : upperCased(firstGrapheme(payload.title));
+    return payload.title.empty() ? "?" : upperCased(firstGrapheme(head(payload.title, rowBytes)));
 }
 
 } // namespace
@@ -22,14 +24,14 @@ NotificationRow notifRow(const NotifPayload& payload, const std::optional<Uuid>&
                          const CallNames& names, const Host& host) {
     NotificationRow row{.id = payload.id,
                         .letter = rowLetter(payload),
-                        .app = payload.app.empty() ? "Notification" : payload.app,
+                        .app = payload.app.empty() ? "Notification" : std::string(head(payload.app, rowBytes)),
                         .time = payload.formattedTime(host),
                         .isReplying = replyingTo == payload.id};
     if (!payload.title.empty()) {
-        row.title = names.contactName(payload.title);
+        row.title = head(names.shownName(payload.title), rowBytes);
     }
     if (!payload.body.empty()) {
-        row.body = payload.body;
+        row.body = head(payload.body, rowBytes);
     }
     return row;
 }

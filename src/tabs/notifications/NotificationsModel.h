@@ -9,7 +9,7 @@
 
 namespace velloway {
 
-/// One mirrored notification, identified by `id`.
+/// One mirrored notification, identified by `id`; its texts as far as a row could show them.
 struct NotificationRow {
     Uuid id;
     /// In place of the application's icon.
@@ -49,6 +49,7 @@ public:
     const Computed<std::vector<NotificationRow>> rows;
     NotificationsFooter footer() const;
 
+    Pasteboard& pasteboard() const { return with_.pasteboard; }
     void openReply(const Uuid& id) { replyingTo.set(id); }
     void sendReply(const Uuid& id);
     void cancelReply() { replyingTo.set(std::nullopt); }

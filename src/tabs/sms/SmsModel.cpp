@@ -2,6 +2,7 @@
 
 #include "tabs/ContactsManager.h"
 #include "text/Links.h"
+#include "text/Utf8.h"
 
 #include <utility>
 
@@ -74,6 +75,18 @@ void SmsModel::openLink(const std::string& address) {
 void SmsModel::startNewMessage() {
     activeRecipient.set(contactQuery.get());
     contactQuery.set("");
+}
+
+void SmsModel::openThread(const SmsThreadRow& row) {
+    for (const Conversation& thread : phone_.conversations()) {
+        if (head(thread.id, rowBytes) == row.id &&
+            head(thread.displayAddress, rowBytes) == row.displayAddress) {
+            openConversation(std::string(thread.displayAddress));
+            return;
+        }
+    }
+    // The log has changed since.
+    openConversation(row.displayAddress);
 }
 
 void SmsModel::sendChatMessage() {

@@ -37,6 +37,7 @@ public:
     const Computed<std::vector<const SmsRecord*>> activeMessages;
     const Computed<bool> canSend;
 
+    Pasteboard& pasteboard() const { return with_.pasteboard; }
     /// The time below a bubble.
     std::string formatDate(double milliseconds) const { return velloway::formatDate(milliseconds, with_.host); }
 
@@ -48,7 +49,8 @@ public:
     void clearSearch() { contactQuery.set(""); }
     /// The row "New message to".
     void startNewMessage();
-    /// A thread row was pressed.
+    /// The thread of a row was pressed.
+    void openThread(const SmsThreadRow& row);
     void openConversation(const std::string& displayAddress) { activeRecipient.set(displayAddress); }
     void sendChatMessage();
 

@@ -1,7 +1,8 @@
 #include "tabs/sms/SmsRules.h"
 
+#include "tabs/Style.h"
+#include "text/CodePoints.h"
 #include "text/Digits.h"
-#include "text/Graphemes.h"
 #include "text/Trim.h"
 #include "text/Utf8.h"
 
@@ -13,17 +14,14 @@ namespace velloway {
 namespace {
 
 constexpr std::size_t suggestionDigits = 3;
-/// More than any row shows of a name or a text. A copy of all of a large text for each row and each reading
-/// would hold the window up.
-constexpr std::size_t rowBytes = 4096;
 
 SmsThreadRow threadRow(const Conversation& conversation, const CallNames& names, const RelativeDates& dates) {
     SmsThreadRow row{
-        .id = conversation.id,
-        .displayAddress = conversation.displayAddress,
+        .id = std::string(head(conversation.id, rowBytes)),
+        .displayAddress = std::string(head(conversation.displayAddress, rowBytes)),
         .avatarInitials = avatarInitials(conversation.displayAddress, names),
-        .name = std::string(
-            head(names.contactName(conversation.displayAddress, conversation.contactName), rowBytes)),
+        .name =
+            std::string(head(names.shownName(conversation.displayAddress, conversation.contactName), rowBytes)),
     };
     if (const SmsRecord* last = conversation.lastMessage()) {
         row.date = dates.text(last->date);
@@ -35,11 +33,20 @@ SmsThreadRow threadRow(const Conversation& conversation, const CallNames& names,
 } // namespace
 
 SearchTextTraits searchTextTraits(std::string_view contactQuery) {
-    const std::string_view trimmed = trimBlanks(contactQuery);
-    const std::string digits = digitsOnly(trimmed);
-    const bool looksNumeric = !digits.empty() && (trimmed == digits || trimmed.starts_with('+'));
-    return {.looksNumeric = looksNumeric,
-            .showSuggestions = looksNumeric && graphemeCount(digits) >= suggestionDigits};
+    std::string_view rest = trimBlanks(contactQuery);
+    const bool hasPlus = rest.starts_with('+');
+    const auto asciiDigits = std::find_if(rest.begin(), rest.end(), [](char c) { return c < '0' || c > '9'; });
+    auto digits = static_cast<std::size_t>(asciiDigits - rest.begin());
+    rest.remove_prefix(digits);
+    // No further than needed: the text may be long.
+    while (!rest.empty() && !(hasPlus && digits >= suggestionDigits)) {
+        if (isDecimalDigit(takeCodePoint(rest))) {
+            ++digits;
+        } else if (!hasPlus) {
+            return {};
+        }
+    }
+    return {.looksNumeric = digits > 0, .showSuggestions = digits >= suggestionDigits};
 }
 
 std::vector<SmsThreadRow> smsThreadRows(const std::vector<Conversation>& all, const CallNames& names,
@@ -58,7 +65,7 @@ SmsList smsList(const std::vector<Conversation>& all, const std::vector<SmsThrea
     SmsList list{.showsEmptyState = all.empty() && contactQuery.empty(),
                  .showsClearButton = !contactQuery.empty()};
     if (!contactQuery.empty() && looksNumeric) {
-        list.newMessageTo = std::string(contactQuery);
+        list.newMessageTo = std::string(head(contactQuery, rowBytes));
     }
     const std::vector<const Conversation*> found = filteredConversations(all, contactQuery, names);
     list.rows.reserve(found.size());
@@ -74,13 +81,14 @@ ChatHeader chatHeader(const std::vector<Conversation>& all, const std::string& a
     const auto thread = std::find_if(all.begin(), all.end(), [&](const Conversation& conversation) {
         return conversation.displayAddress == activeRecipient;
     });
-    ChatHeader header{
-        .name = names.contactName(activeRecipient, thread == all.end() ? std::nullopt : thread->contactName)};
-    if (header.name != activeRecipient) {
-        header.address = activeRecipient;
+    const std::string_view name =
+        names.shownName(activeRecipient, thread == all.end() ? std::nullopt : thread->contactName);
+    ChatHeader header{.name = std::string(head(name, rowBytes))};
+    if (name != activeRecipient) {
+        header.address = head(activeRecipient, rowBytes);
     }
     for (const SimInfo& sim : availableSIMs) {
-        header.sims.push_back({.carrier = sim.carrier, .slot = sim.slot});
+        header.sims.push_back({.carrier = std::string(head(sim.carrier, rowBytes)), .slot = sim.slot});
     }
     return header;
 }

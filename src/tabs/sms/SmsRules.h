@@ -20,7 +20,8 @@ struct SearchTextTraits {
 
 SearchTextTraits searchTextTraits(std::string_view contactQuery);
 
-/// One thread in the list; identified by `id`. Pressing it opens `displayAddress`.
+/// One thread in the list; identified by `id`. Pressing it opens `displayAddress`. Texts are given as far as a
+/// row could show them, these two as well.
 struct SmsThreadRow {
     std::string id;
     std::string displayAddress;

@@ -4,6 +4,9 @@ namespace velloway {
 
 namespace {
 
+/// In the smallest letters, the pad has room for fewer digits.
+constexpr std::size_t numberBytes = 64;
+
 /// What the symbol and its colour say, in words.
 QString directionOf(const RecentCallRow& row) {
     return row.color == ColorRole::red            ? QStringLiteral("Missed call")
@@ -39,7 +42,7 @@ CallsBridge::CallsBridge(CallsModel& model, PhoneState& phone)
 void CallsBridge::readPad() {
     const DialPad pad = model_.dialPad.get();
     show(pad_,
-         {.numberText = cutHead(pad.numberText, lineBytes),
+         {.numberText = cutHead(pad.numberText, numberBytes),
           .canCall = pad.canCall,
           .showsDelete = pad.showsDelete,
           .showsSimPicker = pad.showsSimPicker},
@@ -49,8 +52,8 @@ void CallsBridge::readPad() {
 void CallsBridge::callBack(int row) {
     if (row >= 0 && row < recentCalls_.rowCount()) {
         // The list can change meanwhile.
-        const std::string number = recentCalls_.rows()[static_cast<std::size_t>(row)].number;
-        model_.callBack(number);
+        const RecentCallRow pressed = recentCalls_.rows()[static_cast<std::size_t>(row)];
+        model_.callBack(pressed);
     }
 }
 

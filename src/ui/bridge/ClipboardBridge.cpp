@@ -5,13 +5,21 @@
 
 namespace velloway {
 
+namespace {
+
+bool isCut(const ClipboardRow& row) {
+    return shownPart(row.text).size() < row.text.size();
+}
+
+} // namespace
+
 ClipboardBridge::ClipboardBridge(ClipboardModel& model)
     : TabBridge(QStringLiteral("ClipboardTab.qml")),
       model_(model),
       rows_(this, [](const ClipboardRow& row) { return row.id.text(); },
             {{"rowId", [](const ClipboardRow& row) { return row.id.text(); }},
-             {"text", cutTo(messageBytes, &ClipboardRow::text)},
-             {"isCut", [](const ClipboardRow& row) { return row.text.size() > messageBytes; }},
+             {"text", [](const ClipboardRow& row) { return withEllipsis(shownPart(row.text), isCut(row)); }},
+             {"isCut", &isCut},
              {"date", &ClipboardRow::date}}) {
     follow(model.rows, [this] {
         rows_.assign(model_.rows.get());

@@ -2,6 +2,7 @@
 
 #include "platform/SystemImages.h"
 #include "tabs/Style.h"
+#include "text/Utf8.h"
 
 #include <QImage>
 #include <QString>
@@ -30,26 +31,38 @@ inline QImage toQt(const Bitmap& bitmap) {
         .convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-/// How many bytes of a text can show at most: on one line, in a few lines, and in a message. Laying out a text
-/// takes time in step with its length, and a phone sends texts of any length.
+/// How many bytes of a text can show at most: on one line, in a few lines, and in a message, which has so many
+/// lines of its own at most. Laying out a text takes time in step with its length and its lines, and a phone
+/// sends texts of any length.
 inline constexpr std::size_t lineBytes = 1024;
 inline constexpr std::size_t paragraphBytes = 4096;
-inline constexpr std::size_t messageBytes = 8192;
-
-inline bool continuesCharacter(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
+inline constexpr std::size_t messageBytes = 4096;
+inline constexpr int messageLines = 100;
 
 /// The head of a text that is longer than `bytes`, with an ellipsis; no character is split.
 inline QString cut(std::string_view text, std::size_t bytes) {
     if (text.size() <= bytes) {
         return toQt(text);
     }
-    std::size_t end = bytes;
-    while (end > 0 && continuesCharacter(text[end])) {
-        --end;
+    return toQt(head(text, bytes)) + QChar(0x2026);
+}
+
+/// As much of a message as can show.
+inline std::string_view shownPart(std::string_view text) {
+    const std::string_view start = head(text, messageBytes);
+    std::size_t end = 0;
+    for (int line = 0; line < messageLines; ++line) {
+        end = start.find('\n', end);
+        if (end == std::string_view::npos) {
+            return start;
+        }
+        ++end;
     }
-    return toQt(text.substr(0, end)) + QChar(0x2026);
+    return start.substr(0, end);
+}
+
+inline QString withEllipsis(std::string_view text, bool isCut) {
+    return isCut ? toQt(text) + QChar(0x2026) : toQt(text);
 }
 
 /// The same for the tail.
@@ -57,11 +70,7 @@ inline QString cutHead(std::string_view text, std::size_t bytes) {
     if (text.size() <= bytes) {
         return toQt(text);
     }
-    std::size_t start = text.size() - bytes;
-    while (start < text.size() && continuesCharacter(text[start])) {
-        ++start;
-    }
-    return QChar(0x2026) + toQt(text.substr(start));
+    return QChar(0x2026) + toQt(tail(text, bytes));
 }
 
 /// The same for the middle, as file names are known by both ends.

@@ -5,6 +5,7 @@ namespace velloway {
 NotificationsBridge::NotificationsBridge(NotificationsModel& model)
     : TabBridge(QStringLiteral("NotificationsTab.qml")),
       model_(model),
+      replyText_(model.replyText, model.pasteboard()),
       rows_(this, [](const NotificationRow& row) { return row.id.text(); },
             {{"rowId", [](const NotificationRow& row) { return row.id.text(); }},
              {"letter", cutTo(64, &NotificationRow::letter)},
@@ -13,7 +14,6 @@ NotificationsBridge::NotificationsBridge(NotificationsModel& model)
              {"title", cutTo(lineBytes, &NotificationRow::title)},
              {"body", cutTo(paragraphBytes, &NotificationRow::body)},
              {"isReplying", &NotificationRow::isReplying}}) {
-    follow(model.replyText, &NotificationsBridge::replyTextChanged);
     follow(model.rows, [this] {
         rows_.assign(model_.rows.get());
         show(footer_, model_.footer(), &NotificationsBridge::footerChanged);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bridge/FieldText.h"
 #include "bridge/RowModel.h"
 #include "bridge/TabBridge.h"
 #include "tabs/notifications/NotificationsModel.h"
@@ -12,7 +13,7 @@ class NotificationsBridge : public TabBridge {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The window has it.")
-    Q_PROPERTY(QString replyText READ replyText WRITE setReplyText NOTIFY replyTextChanged)
+    Q_PROPERTY(velloway::FieldText* replyText READ replyText CONSTANT)
     Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT)
     Q_PROPERTY(QString count READ count NOTIFY footerChanged)
     Q_PROPERTY(bool canClear READ canClear NOTIFY footerChanged)
@@ -20,8 +21,7 @@ class NotificationsBridge : public TabBridge {
 public:
     explicit NotificationsBridge(NotificationsModel& model);
 
-    QString replyText() const { return toQt(model_.replyText.get()); }
-    void setReplyText(const QString& text) { model_.replyText.set(fromQt(text)); }
+    FieldText* replyText() { return &replyText_; }
     QAbstractItemModel* rows() { return &rows_; }
     QString count() const { return toQt(footer_.count); }
     bool canClear() const { return footer_.canClear; }
@@ -32,11 +32,11 @@ public:
     Q_INVOKABLE void clearNotifications() { model_.clearNotifications(); }
 
 signals:
-    void replyTextChanged();
     void footerChanged();
 
 private:
     NotificationsModel& model_;
+    FieldText replyText_;
     NotificationsFooter footer_;
     RowModel<NotificationRow, std::string> rows_;
 };

@@ -9,9 +9,13 @@ namespace velloway {
 
 namespace {
 
+/// As much as ten parts of a text message hold, in any script. A longer text without a blank would take more
+/// than a frame to be wrapped and drawn.
+constexpr std::size_t bubbleBytes = 2048;
+
 /// A message with its addresses as links, in the toolkit's rich text; empty for a message without any.
-QString withLinks(std::string_view body) {
-    const std::string head = fromQt(cut(body, messageBytes));
+QString withLinks(const QString& body) {
+    const std::string head = fromQt(body);
     QString markup;
     const char* at = head.data();
     const auto addUpTo = [&](const char* end) {
@@ -42,6 +46,8 @@ SmsBridge::SmsBridge(SmsModel& model, PhoneState& phone)
     : TabBridge(QStringLiteral("SmsTab.qml")),
       model_(model),
       phone_(phone),
+      contactQuery_(model.contactQuery, model.pasteboard()),
+      chatText_(model.chatText, model.pasteboard()),
       threads_(this, &SmsThreadRow::id,
                {{"initials", cutTo(64, &SmsThreadRow::avatarInitials)},
                 {"name", cutTo(lineBytes, &SmsThreadRow::name)},
@@ -49,13 +55,11 @@ SmsBridge::SmsBridge(SmsModel& model, PhoneState& phone)
                 {"preview", &previewOf},
                 {"isActive", &SmsThreadRow::isActive}}),
       bubbles_(this, &Bubble::date,
-               {{"body", cutTo(messageBytes, &Bubble::body)},
-                {"markup", [](const Bubble& row) { return withLinks(row.body); }},
-                {"isCut", [](const Bubble& row) { return row.body.size() > messageBytes; }},
+               {{"body", [](const Bubble& row) { return withEllipsis(row.body, row.isCut); }},
+                {"markup", [](const Bubble& row) { return withLinks(withEllipsis(row.body, row.isCut)); }},
+                {"isCut", &Bubble::isCut},
                 {"time", [this](const Bubble& row) { return model_.formatDate(row.date); }},
                 {"isOutgoing", &Bubble::isOutgoing}}) {
-    follow(model.contactQuery, &SmsBridge::contactQueryChanged);
-    follow(model.chatText, &SmsBridge::chatTextChanged);
     follow(phone.selectedSimSlot, &SmsBridge::selectedSimSlotChanged);
     follow(model.list, [this] { readList(); });
     follow(model.chatHeader, [this] { readChat(); });
@@ -89,15 +93,15 @@ void SmsBridge::readChat() {
 void SmsBridge::openThread(int row) {
     if (row >= 0 && row < threads_.rowCount()) {
         // The list can change meanwhile.
-        const std::string address = threads_.rows()[static_cast<std::size_t>(row)].displayAddress;
-        model_.openConversation(address);
+        const SmsThreadRow pressed = threads_.rows()[static_cast<std::size_t>(row)];
+        model_.openThread(pressed);
     }
 }
 
 void SmsBridge::copyMessage(int row, int start) {
-    if (row >= 0 && row < bubbles_.rowCount()) {
-        QGuiApplication::clipboard()->setText(
-            toQt(bubbles_.rows()[static_cast<std::size_t>(row)].body).mid(start));
+    const std::vector<const SmsRecord*> messages = model_.activeMessages.get();
+    if (row >= 0 && static_cast<std::size_t>(row) < messages.size()) {
+        QGuiApplication::clipboard()->setText(toQt(messages[static_cast<std::size_t>(row)]->body).mid(start));
     }
 }
 
@@ -106,9 +110,13 @@ void SmsBridge::readBubbles() {
     std::vector<Bubble> rows;
     rows.reserve(messages.size());
     for (const SmsRecord* message : messages) {
-        rows.push_back({.date = message->date, .body = message->body, .isOutgoing = isOutgoing(*message)});
+        const std::string_view shown = head(shownPart(message->body), bubbleBytes);
+        rows.push_back({.date = message->date,
+                        .body = std::string(shown),
+                        .isCut = shown.size() < message->body.size(),
+                        .isOutgoing = isOutgoing(*message)});
     }
-    const std::optional<std::string> recipient = model_.activeRecipient.get();
+    const std::optional<std::string>& recipient = model_.activeRecipient.get();
     if (shownRecipient_ != recipient) {
         shownRecipient_ = recipient;
         bubbles_.assign({});

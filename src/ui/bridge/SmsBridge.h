@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bridge/FieldText.h"
 #include "bridge/RowModel.h"
 #include "bridge/TabBridge.h"
 #include "tabs/PhoneState.h"
@@ -55,8 +56,8 @@ class SmsBridge : public TabBridge {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The window has it.")
-    Q_PROPERTY(QString contactQuery READ contactQuery WRITE setContactQuery NOTIFY contactQueryChanged)
-    Q_PROPERTY(QString chatText READ chatText WRITE setChatText NOTIFY chatTextChanged)
+    Q_PROPERTY(velloway::FieldText* contactQuery READ contactQuery CONSTANT)
+    Q_PROPERTY(velloway::FieldText* chatText READ chatText CONSTANT)
     Q_PROPERTY(
         double selectedSimSlot READ selectedSimSlot WRITE setSelectedSimSlot NOTIFY selectedSimSlotChanged)
     Q_PROPERTY(velloway::ThreadListState list READ list NOTIFY listChanged)
@@ -70,10 +71,8 @@ class SmsBridge : public TabBridge {
 public:
     SmsBridge(SmsModel& model, PhoneState& phone);
 
-    QString contactQuery() const { return toQt(model_.contactQuery.get()); }
-    void setContactQuery(const QString& text) { model_.contactQuery.set(fromQt(text)); }
-    QString chatText() const { return toQt(model_.chatText.get()); }
-    void setChatText(const QString& text) { model_.chatText.set(fromQt(text)); }
+    FieldText* contactQuery() { return &contactQuery_; }
+    FieldText* chatText() { return &chatText_; }
     double selectedSimSlot() const { return static_cast<double>(phone_.selectedSimSlot.get()); }
     void setSelectedSimSlot(double slot) { phone_.selectedSimSlot.set(static_cast<std::int64_t>(slot)); }
     ThreadListState list() const { return list_; }
@@ -94,8 +93,6 @@ public:
     Q_INVOKABLE void sendChatMessage() { model_.sendChatMessage(); }
 
 signals:
-    void contactQueryChanged();
-    void chatTextChanged();
     void selectedSimSlotChanged();
     void shownChatChanged();
     void listChanged();
@@ -103,10 +100,12 @@ signals:
     void canSendChanged();
 
 private:
-    /// A bubble whose time is put into words only when it comes in sight: a chat can be thousands of them long.
+    /// A bubble with as much of its text as it shows. Its time is put into words only when it comes in sight: a
+    /// chat can be thousands of them long.
     struct Bubble {
         double date = 0;
         std::string body;
+        bool isCut = false;
         bool isOutgoing = false;
 
         bool operator==(const Bubble&) const = default;
@@ -118,6 +117,8 @@ private:
 
     SmsModel& model_;
     PhoneState& phone_;
+    FieldText contactQuery_;
+    FieldText chatText_;
     ThreadListState list_;
     ChatState chat_;
     std::optional<std::string> shownRecipient_;

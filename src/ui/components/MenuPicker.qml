@@ -29,6 +29,7 @@ ComboBox {
 
     contentItem: Text {
         text: picker.displayText
+        maximumLineCount: 1
         color: Theme.primary
         font: picker.font
         textFormat: Text.PlainText
@@ -58,6 +59,7 @@ ComboBox {
         highlighted: ListView.isCurrentItem
         contentItem: Text {
             text: entry.modelData
+            maximumLineCount: 1
             textFormat: Text.PlainText
             color: entry.highlighted ? Theme.white : Theme.primary
             font.pixelSize: Theme.callout

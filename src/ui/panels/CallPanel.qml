@@ -61,6 +61,7 @@ Item {
                 visible: root.bridge.panel.secondLine !== ""
                 width: parent.width
                 text: root.bridge.panel.secondLine
+                maximumLineCount: 1
                 color: Theme.secondary
                 font.pixelSize: 11
                 elide: Text.ElideRight

@@ -42,7 +42,8 @@ Item {
             objectName: "body"
             x: 12
             y: 8
-            width: Math.min(content.implicitWidth + 2, bubble.room)
+            // Laying a long text out on one line, to see how wide it is, takes as long as showing it.
+            width: bubble.body.length > 400 ? bubble.room : Math.min(content.implicitWidth + 2, bubble.room)
             text: bubble.markup ? "<style>a { color: " + (bubble.isOutgoing ? Theme.white : Theme.blueText) + " }</style>" + bubble.markup : bubble.body
             textFormat: bubble.markup ? TextEdit.RichText : TextEdit.PlainText
             Accessible.name: bubble.body

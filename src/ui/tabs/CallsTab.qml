@@ -53,12 +53,14 @@ FocusScope {
             Label {
                 width: parent.width
                 text: row.name
+                maximumLineCount: 1
                 font.weight: Font.Medium
                 elide: Text.ElideRight
             }
             Label {
                 width: parent.width
                 text: row.number
+                maximumLineCount: 1
                 color: Theme.secondary
                 font.pixelSize: 11
                 elide: Text.ElideRight
@@ -108,6 +110,7 @@ FocusScope {
                         anchors.leftMargin: 20
                         anchors.rightMargin: 20
                         text: tab.bridge.pad.numberText
+                        maximumLineCount: 1
                         font.pixelSize: 38
                         font.weight: Font.Light
                         fontSizeMode: Text.HorizontalFit

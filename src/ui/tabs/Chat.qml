@@ -25,6 +25,7 @@ ColumnLayout {
                 objectName: "chatName"
                 width: parent.width
                 text: chat.bridge.chat.name
+                maximumLineCount: 1
                 font.pixelSize: Theme.headline
                 font.weight: Font.DemiBold
                 elide: Text.ElideRight
@@ -34,6 +35,7 @@ ColumnLayout {
                 visible: chat.bridge.chat.address !== ""
                 width: parent.width
                 text: chat.bridge.chat.address
+                maximumLineCount: 1
                 color: Theme.secondary
                 font.pixelSize: Theme.caption
                 elide: Text.ElideRight
@@ -170,15 +172,14 @@ ColumnLayout {
             rightPadding: lineBreaks.visible ? 34 : 14
             focus: true
             placeholderText: SmsTexts.composerPlaceholder
-            text: chat.bridge.chatText
-            onTextEdited: chat.bridge.chatText = text
+            whole: chat.bridge.chatText
             onAccepted: chat.bridge.sendChatMessage()
             // The field draws a line break as a blank.
             Symbol {
                 id: lineBreaks
 
                 objectName: "lineBreaks"
-                visible: /[\n\r\u2028\u2029]/.test(composer.text)
+                visible: chat.bridge.chatText.hasLineBreaks
                 anchors { right: parent.right; rightMargin: 14; verticalCenter: parent.verticalCenter }
                 name: "return"
                 size: 13

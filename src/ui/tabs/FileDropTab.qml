@@ -81,6 +81,7 @@ FocusScope {
                     Label {
                         width: parent.width
                         text: row.fileName
+                        maximumLineCount: 1
                         font.weight: Font.Medium
                         elide: Text.ElideMiddle
                     }

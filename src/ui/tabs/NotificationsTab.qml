@@ -91,6 +91,7 @@ FocusScope {
                             Label {
                                 anchors { left: parent.left; right: when.left; rightMargin: 8 }
                                 text: row.app
+                                maximumLineCount: 1
                                 color: Theme.secondary
                                 font.pixelSize: Theme.caption
                                 font.weight: Font.DemiBold
@@ -175,7 +176,7 @@ FocusScope {
         RowLayout {
             Layout.leftMargin: 16
             Layout.rightMargin: 12
-            Layout.minimumHeight: 34
+            // A layout becomes as high as it may.
             Layout.maximumHeight: 34
             Label {
                 objectName: "count"

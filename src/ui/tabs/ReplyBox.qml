@@ -15,8 +15,7 @@ RowLayout {
         Layout.fillWidth: true
         implicitHeight: 24
         placeholderText: NotificationsTexts.replyPlaceholder
-        text: box.bridge.replyText
-        onTextEdited: box.bridge.replyText = text
+        whole: box.bridge.replyText
         onAccepted: box.bridge.sendReply(box.rowId)
         Keys.onEscapePressed: box.bridge.cancelReply()
         Component.onCompleted: forceActiveFocus()

@@ -39,6 +39,7 @@ FocusScope {
                             width: parent.width
                             elide: Text.ElideRight
                             text: tab.bridge.status.headline
+                            maximumLineCount: 1
                             font.weight: Font.DemiBold
                         }
                         Label {
@@ -46,6 +47,7 @@ FocusScope {
                             width: parent.width
                             elide: Text.ElideRight
                             text: tab.bridge.status.detail
+                            maximumLineCount: 1
                             color: Theme.secondary
                             font.pixelSize: Theme.caption
                         }
@@ -123,6 +125,8 @@ FocusScope {
                     implicitWidth: 80
                     placeholderText: SettingsTexts.portPrompt
                     horizontalAlignment: TextInput.AlignRight
+                    // More than a number can have.
+                    maximumLength: 100
                     text: tab.bridge.portText
                     Accessible.name: SettingsTexts.port
                     property bool isEdited: false

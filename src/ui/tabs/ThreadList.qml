@@ -62,6 +62,7 @@ Item {
                 Label {
                     width: parent.width
                     text: fresh.recipient
+                    maximumLineCount: 1
                     font.weight: Font.Medium
                     elide: Text.ElideRight
                 }
@@ -179,25 +180,20 @@ Item {
                 size: 14
                 tint: Theme.secondary
             }
-            TextField {
+            Field {
                 id: search
 
                 objectName: "search"
                 anchors { fill: parent; leftMargin: 25; rightMargin: clear.visible ? 26 : 2 }
                 background: null
-                padding: 4
-                color: Theme.primary
-                font.pixelSize: Theme.body
                 leftPadding: 3
+                rightPadding: 4
+                topPadding: 4
+                bottomPadding: 4
                 placeholderText: SmsTexts.searchPlaceholder
-                placeholderTextColor: Theme.tertiary
-                selectionColor: Theme.faded(Theme.blue, 0.35)
-                selectedTextColor: Theme.primary
-                text: column.bridge.contactQuery
-                onTextEdited: column.bridge.contactQuery = text
+                whole: column.bridge.contactQuery
                 Keys.onDownPressed: column.enterRows()
                 Keys.onEscapePressed: column.enterRows()
-                Accessible.name: placeholderText
             }
             PlainButton {
                 id: clear
