@@ -48,7 +48,7 @@ class QuietPasteboard : public Pasteboard {
 public:
     void clearContents() override {}
     bool setString(std::string_view) override { return true; }
-    std::optional<std::string> string() const override { return {}; }
+    void readString(std::function<void(std::optional<std::string>)> done) override { done({}); }
 };
 
 class QuietAccessibility : public Accessibility {
