@@ -28,7 +28,7 @@ std::uint64_t eightBytes(const char* from) {
 
 /// Turns the letters of one case, whose first is `first`, into those of the other, eight at a time.
 void flipCase(std::string& asciiText, char first) {
-    const auto from = static_cast<std::uint64_t>(first);
+    const std::uint64_t from = static_cast<unsigned char>(first);
     const std::uint64_t toFirst = (0x80 - from) * everyByte;
     const std::uint64_t toEnd = (0x80 - from - 26) * everyByte;
     std::size_t at = 0;
