@@ -12,12 +12,6 @@ namespace velloway {
 
 namespace {
 
-/// A pair of these two is the only ASCII text in which characters and bytes differ.
-bool isOneByteEach(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80 && c != '\r'; });
-}
-
 icu::BreakIterator& characterBreaks() {
     thread_local const std::unique_ptr<icu::BreakIterator> breaks = [] {
         UErrorCode error = U_ZERO_ERROR;
@@ -55,18 +49,6 @@ std::string_view firstGrapheme(std::string_view text) {
     }
     Breaks breaks(text);
     return text.substr(0, static_cast<std::size_t>(breaks->next()));
-}
-
-std::size_t graphemeCount(std::string_view text) {
-    if (isOneByteEach(text)) {
-        return text.size();
-    }
-    Breaks breaks(text);
-    std::size_t count = 0;
-    while (breaks->next() != icu::BreakIterator::DONE) {
-        ++count;
-    }
-    return count;
 }
 
 std::vector<std::string_view> graphemes(std::string_view text) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -10,7 +9,6 @@ namespace velloway {
 
 /// Empty when the text is.
 std::string_view firstGrapheme(std::string_view text);
-std::size_t graphemeCount(std::string_view text);
 std::vector<std::string_view> graphemes(std::string_view text);
 std::string_view withoutLastGrapheme(std::string_view text);
 

@@ -13,12 +13,12 @@ constexpr std::string_view accented = "e\xCC\x81";
 constexpr std::string_view flag = "🇬🇧";
 
 TEST(Graphemes, CountsWhatUsersSeeAsOneCharacter) {
-    EXPECT_EQ(graphemeCount(""), 0U);
-    EXPECT_EQ(graphemeCount("abc"), 3U);
-    EXPECT_EQ(graphemeCount("a\nb"), 3U);
-    EXPECT_EQ(graphemeCount("a\r\nb"), 3U);
-    EXPECT_EQ(graphemeCount(family), 1U);
-    EXPECT_EQ(graphemeCount(std::string(accented) + std::string(flag) + "x"), 3U);
+    EXPECT_EQ(graphemes("").size(), 0U);
+    EXPECT_EQ(graphemes("abc").size(), 3U);
+    EXPECT_EQ(graphemes("a\nb").size(), 3U);
+    EXPECT_EQ(graphemes("a\r\nb").size(), 3U);
+    EXPECT_EQ(graphemes(family).size(), 1U);
+    EXPECT_EQ(graphemes(std::string(accented) + std::string(flag) + "x").size(), 3U);
 }
 
 TEST(Graphemes, GivesTheFirstOne) {
@@ -47,7 +47,6 @@ TEST(Graphemes, SurvivesBytesThatAreNoUtf8) {
     for (const std::string_view broken :
          {"\xFF", "a\xE2\x82", "\x80\x80\x80", "\xF0\x9F\x98", "\xED\xA0\x80z"}) {
         const auto pieces = graphemes(broken);
-        EXPECT_EQ(pieces.size(), graphemeCount(broken));
         std::string joined;
         for (const auto piece : pieces) {
             joined += piece;
