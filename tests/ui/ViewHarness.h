@@ -42,14 +42,19 @@ inline bool isOnShow(const QWindow& window) {
     return window.isVisible() && !(window.windowStates() & Qt::WindowMinimized);
 }
 
-/// Waits with `wait` until a window is exposed and has then drawn a frame. Only an exposed window gives its
-/// view a size, and lists make their rows for a frame. Throws when that takes too long; a window that is
-/// hidden, minimised or destroyed meanwhile has nothing to wait for.
+/// A window reports a size that it was given at once; its view has it when the X server has answered.
+inline bool viewHasSizeOf(const QQuickWindow& window) {
+    return window.contentItem()->size().toSize() == window.size();
+}
+
+/// Waits with `wait` until a window is exposed, its view has its size and a frame was drawn after that. Only an
+/// exposed window gives its view a size, and lists make their rows for a frame. Throws when that takes too long;
+/// a window that is hidden, minimised or destroyed meanwhile has nothing to wait for.
 template <class Wait> void waitForFrame(ContentView& of, Wait wait) {
     const QPointer<ContentView> window(&of);
     const auto isGone = [&] { return !window || !isOnShow(*window); };
-    if (!wait([&] { return isGone() || window->isExposed(); })) {
-        throw std::runtime_error("a window was not exposed");
+    if (!wait([&] { return isGone() || (window->isExposed() && viewHasSizeOf(*window)); })) {
+        throw std::runtime_error("a window was not exposed in its size");
     }
     if (isGone()) {
         return;
