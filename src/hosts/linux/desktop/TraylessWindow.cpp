@@ -24,8 +24,8 @@ constexpr int windowWidth = 300;
 constexpr int iconSize = 28;
 
 /// With a style sheet, widgets inherit no palette. %1 is the colour of the text, %2 the softer one of rows that
-/// only inform, %3 that of a row under the pointer, %4 that of the lines between, %5 that of the keyboard and of
-/// a pressed row, %6 that of its text, %7 that of the ground.
+/// only inform, %3 that of a row under the pointer, %4 that of the lines between, %5 that of the keyboard and
+/// of a pressed row, %6 that of its text, %7 that of the ground.
 const char* const sheet = R"(
     QWidget#traylessWindow { background: %7; }
     QLabel#header { color: %1; font-size: 17px; font-weight: 600; }
