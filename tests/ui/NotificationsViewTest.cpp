@@ -114,6 +114,18 @@ TEST_F(NotificationsViewTest, TheTitleIsACalloutAndTheBodyACaption) {
     EXPECT_EQ(fontSize("body"), 11);
 }
 
+TEST_F(NotificationsViewTest, InAWideWindowTheFooterStandsBelowTheRows) {
+    add("Chat", "Ada", "Hello");
+    openWindow().resize(1270, 550);
+    require("a wide window", [] { return openWindow().width() == 1270; });
+    settle();
+    const QQuickItem* row = all("notification").at(0);
+    const auto end = [](const QQuickItem* item) { return item->mapToScene({item->width(), 0}).x(); };
+    EXPECT_GT(row->x(), 100);
+    EXPECT_NEAR(part("count")->mapToScene({}).x(), row->mapToScene({}).x() + 16, 1);
+    EXPECT_NEAR(end(part("clearAll")), end(row) - 12, 1);
+}
+
 TEST_F(NotificationsViewTest, AfterCancelTheKeyboardIsBackOnTheButton) {
     add("Chat", "Ada", "Hello");
     click("reply");
