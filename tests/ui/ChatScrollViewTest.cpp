@@ -120,6 +120,17 @@ TEST_F(ChatScrollViewTest, TheKeysLeaveTheEndAndComeBackToIt) {
     EXPECT_FALSE(followsEnd());
 }
 
+TEST_F(ChatScrollViewTest, ANewMessageBringsBackToTheEndWhoHadLeftIt) {
+    list_->forceActiveFocus();
+    key(Qt::Key_Home);
+    ASSERT_FALSE(followsEnd());
+    QSignalSpy starts(animation(), SIGNAL(started()));
+    show(81);
+    require("the animation", [&] { return !starts.isEmpty(); });
+    EXPECT_TRUE(wait([&] { return !moves() && isAtEnd(); }));
+    EXPECT_TRUE(followsEnd());
+}
+
 TEST_F(ChatScrollViewTest, HomeReachesTheFirstMessageAboveLongOnes) {
     std::vector<SmsRecord> log;
     for (int i = 0; i < 80; ++i) {

@@ -87,6 +87,16 @@ TEST_F(NotificationsViewTest, CancelClosesTheBoxAndKeepsTheText) {
     EXPECT_EQ(text("replyField"), "half");
 }
 
+TEST_F(NotificationsViewTest, AnOpenBoxIsThereAgainWhenTheTabIsComeBackTo) {
+    add("Chat", "Ada", "Hello");
+    click("reply");
+    type("half");
+    open(3);
+    open(1);
+    EXPECT_EQ(text("replyField"), "half");
+    EXPECT_FALSE(shows("reply"));
+}
+
 TEST_F(NotificationsViewTest, ClearAllTakesTheRowWithTheOpenBoxAway) {
     add("Chat", "Ada", "Hello");
     click("reply");
