@@ -1,7 +1,7 @@
 // A phone sends texts of any length, and the clipboard holds any: none is to cost a view a frame more than a
-// short text does. Prints what it measured. Machines that run tests differ and are shared, so it fails beyond two
-// frames or, where that is more, what copying and converting such a text takes there at that moment a few times
-// over.
+// short text does. Prints what it measured. Machines that run tests differ and are shared, so it fails beyond
+// two frames or, where that is more, what copying and converting such a text takes there at that moment a few
+// times over.
 #include "ui/ViewTest.h"
 
 #include <QClipboard>

@@ -48,8 +48,8 @@ inline bool viewHasSizeOf(const QQuickWindow& window) {
 }
 
 /// Waits with `wait` until a window is exposed, its view has its size and a frame was drawn after that. Only an
-/// exposed window gives its view a size, and lists make their rows for a frame. Throws when that takes too long;
-/// a window that is hidden, minimised or destroyed meanwhile has nothing to wait for.
+/// exposed window gives its view a size, and lists make their rows for a frame. Throws when that takes too
+/// long; a window that is hidden, minimised or destroyed meanwhile has nothing to wait for.
 template <class Wait> void waitForFrame(ContentView& of, Wait wait) {
     const QPointer<ContentView> window(&of);
     const auto isGone = [&] { return !window || !isOnShow(*window); };

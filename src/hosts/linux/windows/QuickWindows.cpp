@@ -37,8 +37,9 @@ QSize pixels(const Size& size) {
     return {static_cast<int>(size.width), static_cast<int>(size.height)};
 }
 
-/// The main window: closing it only hides it. When it has been open for a while, what only its opening needed is
-/// given back; when it has been closed for a while, everything that it does not need for coming back at once.
+/// The main window: closing it only hides it. When it has been open for a while, what only its opening needed
+/// is given back; when it has been closed for a while, everything that it does not need for coming back at
+/// once.
 class MainView : public ContentView {
 public:
     MainView(QQmlEngine& engine, std::shared_ptr<WindowContent> content, std::function<void()> onClose)
