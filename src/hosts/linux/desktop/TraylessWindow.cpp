@@ -21,17 +21,20 @@ namespace {
 constexpr int windowWidth = 300;
 constexpr int iconSize = 28;
 
-/// Written on the colours of the palette, so that it follows light and dark desktops. %1 is the softer colour
-/// of rows that only inform, %2 that of a row under the pointer, %3 that of the lines between.
+/// All colours come by it: a style sheet puts the palette of its widget back whenever it changes, and does not
+/// hand it on. %1 is the softer one of rows that only inform, %2 that of a row under the pointer, %3 that of
+/// the lines between, %4 that of texts, %5 that of the window; %6 and %7 are the ground of a pressed row and
+/// what stands on it.
 const char* const sheet = R"(
-    QLabel#header { font-size: 17px; font-weight: 600; }
+    QWidget#traylessWindow { background: %5; }
+    QLabel#header { font-size: 17px; font-weight: 600; color: %4; }
     QLabel#line, QLabel#key, QPushButton:disabled { color: %1; }
     QFrame#separator { background: %3; border: none; }
     QPushButton { text-align: left; padding: 7px 10px; border: 1px solid transparent; border-radius: 6px;
-                  background: transparent; color: palette(window-text); }
+                  background: transparent; color: %4; }
     QPushButton:hover { background: %2; }
-    QPushButton:focus { border-color: palette(highlight); }
-    QPushButton:pressed { background: palette(highlight); color: palette(highlighted-text); }
+    QPushButton:focus { border-color: %6; }
+    QPushButton:pressed { background: %6; color: %7; }
 )";
 
 /// `share` of the text's colour on the window's.
@@ -66,12 +69,14 @@ QString buttonText(const MenuItem& item) {
 TraylessWindow::TraylessWindow(LinuxStatusItem& statusItem) : statusItem_(statusItem) {
     setWindowTitle(QGuiApplication::applicationDisplayName());
     setObjectName(QStringLiteral("traylessWindow"));
+    setAttribute(Qt::WA_StyledBackground);
     applyPalette();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     connect(&statusItem_, &LinuxStatusItem::menuChanged, this, &TraylessWindow::rebuild);
     connect(&statusItem_, &LinuxStatusItem::itemTitleChanged, this, &TraylessWindow::updateTitle);
+    qGuiApp->installEventFilter(this);
     rebuild();
 }
 
@@ -82,24 +87,20 @@ void TraylessWindow::bringForward() {
     bringToUser(*windowHandle());
 }
 
-void TraylessWindow::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && content_ != nullptr) {
+bool TraylessWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) {
         applyPalette();
         rebuild();
     }
+    return false;
 }
 
 void TraylessWindow::applyPalette() {
     const QPalette colours = themed(QGuiApplication::palette());
-    if (colours != palette()) {
-        setPalette(colours);
-    }
-    const QString wanted =
-        QString::fromLatin1(sheet).arg(mixed(colours, 0.6F), mixed(colours, 0.08F), mixed(colours, 0.15F));
-    if (wanted != styleSheet()) {
-        setStyleSheet(wanted);
-    }
+    const auto named = [&](QPalette::ColorRole role) { return colours.color(role).name(); };
+    setStyleSheet(QString::fromLatin1(sheet).arg(
+        mixed(colours, 0.6F), mixed(colours, 0.08F), mixed(colours, 0.15F), named(QPalette::WindowText),
+        named(QPalette::Window), named(QPalette::Highlight), named(QPalette::HighlightedText)));
 }
 
 void TraylessWindow::rebuild() {
@@ -140,7 +141,8 @@ void TraylessWindow::addHeader(QVBoxLayout& layout, const MenuItem& item) {
     row->setSpacing(10);
     auto* icon = new QLabel(content_);
     const StatusImage image{.kind = StatusImage::Kind::asset, .name = "StatusIcon"};
-    icon->setPixmap(statusIcon(image, palette().color(QPalette::Highlight)).pixmap(iconSize, iconSize));
+    icon->setPixmap(statusIcon(image, themed(QGuiApplication::palette()).color(QPalette::Highlight))
+                        .pixmap(iconSize, iconSize));
     auto* title = new QLabel(QString::fromStdString(item.title), content_);
     title->setObjectName(QStringLiteral("header"));
     title->setTextFormat(Qt::PlainText);

@@ -22,7 +22,7 @@ public:
     void bringForward();
 
 protected:
-    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void applyPalette();
