@@ -27,8 +27,9 @@ using testing::ElementsAre;
 const QPalette lightDesktop(QColor(0xef, 0xef, 0xef), QColor(0xef, 0xef, 0xef));
 const QPalette darkDesktop(QColor(0x35, 0x35, 0x35), QColor(0x2a, 0x2a, 0x2a));
 
-/// This share of one colour, and the rest of the other.
-QColor mixed(const QColor& one, const QColor& other, double share) {
+/// What shows where a colour lies over another.
+QColor over(const QColor& one, const QColor& other) {
+    const double share = one.alphaF();
     const auto mix = [share](int a, int b) { return qRound(share * a + (1 - share) * b); };
     return {mix(one.red(), other.red()), mix(one.green(), other.green()), mix(one.blue(), other.blue())};
 }
@@ -45,9 +46,9 @@ struct Colors {
           text(of(paletteColor("primary"), isDark)),
           blue(of(paletteColor("blue"), isDark)),
           white(of(paletteColor("white"), isDark)),
-          information(mixed(text, window, 0.6)),
-          underPointer(mixed(text, window, 0.08)),
-          separator(mixed(text, window, 0.15)) {}
+          information(of(paletteColor("secondary"), isDark)),
+          underPointer(over(of(paletteColor("hover"), isDark), window)),
+          separator(over(of(paletteColor("separator"), isDark), window)) {}
 
     static QColor of(const PaletteColor& color, bool isDark) {
         return QColor::fromRgba(isDark ? color.dark : color.light);

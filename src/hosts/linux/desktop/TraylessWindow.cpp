@@ -14,6 +14,8 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include <algorithm>
+
 namespace velloway {
 
 namespace {
@@ -21,43 +23,25 @@ namespace {
 constexpr int windowWidth = 300;
 constexpr int iconSize = 28;
 
-/// All colours come by it: a style sheet puts the palette of its widget back whenever it changes, and does not
-/// hand it on. %1 is the softer one of rows that only inform, %2 that of a row under the pointer, %3 that of
-/// the lines between, %4 that of texts, %5 that of the window; %6 and %7 are the ground of a pressed row and
-/// what stands on it.
+/// With a style sheet, widgets inherit no palette. %1 is the colour of the text, %2 the softer one of rows that
+/// only inform, %3 that of a row under the pointer, %4 that of the lines between, %5 that of the keyboard and
+/// of a pressed row, %6 that of its text, %7 that of the ground.
 const char* const sheet = R"(
-    QWidget#traylessWindow { background: %5; }
-    QLabel#header { font-size: 17px; font-weight: 600; color: %4; }
-    QLabel#line, QLabel#key, QPushButton:disabled { color: %1; }
-    QFrame#separator { background: %3; border: none; }
+    QWidget#traylessWindow { background: %7; }
+    QLabel#header { color: %1; font-size: 17px; font-weight: 600; }
+    QLabel#line, QLabel#key { color: %2; }
+    QFrame#separator { background: %4; border: none; }
     QPushButton { text-align: left; padding: 7px 10px; border: 1px solid transparent; border-radius: 6px;
-                  background: transparent; color: %4; }
-    QPushButton:hover { background: %2; }
-    QPushButton:focus { border-color: %6; }
-    QPushButton:pressed { background: %6; color: %7; }
+                  background: transparent; color: %1; }
+    QPushButton:hover { background: %3; }
+    QPushButton:focus { border-color: %5; }
+    QPushButton:pressed { background: %5; color: %6; }
 )";
 
-/// `share` of the text's colour on the window's.
-QString mixed(const QPalette& palette, float share) {
-    const QColor text = palette.color(QPalette::WindowText);
-    const QColor window = palette.color(QPalette::Window);
-    const auto mix = [share](float one, float other) { return share * one + (1 - share) * other; };
-    return QColor::fromRgbF(mix(text.redF(), window.redF()), mix(text.greenF(), window.greenF()),
-                            mix(text.blueF(), window.blueF()))
-        .name();
-}
-
-/// The colours of the views, as light or dark as the desktop.
-QPalette themed(QPalette palette) {
-    const bool isDark = palette.color(QPalette::Window).lightness() < 128;
-    const auto set = [&](QPalette::ColorRole role, const PaletteColor& color) {
-        palette.setColor(role, QColor::fromRgba(isDark ? color.dark : color.light));
-    };
-    set(QPalette::Window, paletteColor("window"));
-    set(QPalette::WindowText, paletteColor("primary"));
-    set(QPalette::Highlight, paletteColor("blue"));
-    set(QPalette::HighlightedText, paletteColor("white"));
-    return palette;
+/// The colour of the views, as light or dark as the desktop.
+QColor present(const PaletteColor& color) {
+    const bool isDark = QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+    return QColor::fromRgba(isDark ? color.dark : color.light);
 }
 
 QString buttonText(const MenuItem& item) {
@@ -70,13 +54,12 @@ TraylessWindow::TraylessWindow(LinuxStatusItem& statusItem) : statusItem_(status
     setWindowTitle(QGuiApplication::applicationDisplayName());
     setObjectName(QStringLiteral("traylessWindow"));
     setAttribute(Qt::WA_StyledBackground);
-    applyPalette();
+    applyColors();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     connect(&statusItem_, &LinuxStatusItem::menuChanged, this, &TraylessWindow::rebuild);
     connect(&statusItem_, &LinuxStatusItem::itemTitleChanged, this, &TraylessWindow::updateTitle);
-    qGuiApp->installEventFilter(this);
     rebuild();
 }
 
@@ -87,23 +70,28 @@ void TraylessWindow::bringForward() {
     bringToUser(*windowHandle());
 }
 
-bool TraylessWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) {
-        applyPalette();
+bool TraylessWindow::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        applyColors();
         rebuild();
     }
-    return false;
+    return QWidget::event(event);
 }
 
-void TraylessWindow::applyPalette() {
-    const QPalette colours = themed(QGuiApplication::palette());
-    const auto named = [&](QPalette::ColorRole role) { return colours.color(role).name(); };
-    setStyleSheet(QString::fromLatin1(sheet).arg(
-        mixed(colours, 0.6F), mixed(colours, 0.08F), mixed(colours, 0.15F), named(QPalette::WindowText),
-        named(QPalette::Window), named(QPalette::Highlight), named(QPalette::HighlightedText)));
+void TraylessWindow::applyColors() {
+    QString colored = QString::fromLatin1(sheet);
+    for (const PaletteColor& color :
+         {paletteColor("primary"), paletteColor("secondary"), paletteColor("hover"), paletteColor("separator"),
+          paletteColor("blue"), paletteColor("white"), paletteColor("window")}) {
+        colored = colored.arg(present(color).name(QColor::HexArgb));
+    }
+    setStyleSheet(colored);
 }
 
 void TraylessWindow::rebuild() {
+    const auto focused = std::find_if(titles_.begin(), titles_.end(),
+                                      [](const QWidget* shown) { return shown && shown->hasFocus(); });
+    const auto focusedIndex = static_cast<std::size_t>(focused - titles_.begin());
     if (content_ != nullptr) {
         // Later: one of its buttons may be what called for this.
         content_->hide();
@@ -133,6 +121,11 @@ void TraylessWindow::rebuild() {
         }
     }
     layout()->addWidget(content_);
+    // Not only once control is back with the event loop: what is not there takes no focus.
+    content_->show();
+    if (focusedIndex < titles_.size() && titles_[focusedIndex] != nullptr) {
+        titles_[focusedIndex]->setFocus();
+    }
 }
 
 void TraylessWindow::addHeader(QVBoxLayout& layout, const MenuItem& item) {
@@ -141,8 +134,7 @@ void TraylessWindow::addHeader(QVBoxLayout& layout, const MenuItem& item) {
     row->setSpacing(10);
     auto* icon = new QLabel(content_);
     const StatusImage image{.kind = StatusImage::Kind::asset, .name = "StatusIcon"};
-    icon->setPixmap(statusIcon(image, themed(QGuiApplication::palette()).color(QPalette::Highlight))
-                        .pixmap(iconSize, iconSize));
+    icon->setPixmap(statusIcon(image, present(paletteColor("blue"))).pixmap(iconSize, iconSize));
     auto* title = new QLabel(QString::fromStdString(item.title), content_);
     title->setObjectName(QStringLiteral("header"));
     title->setTextFormat(Qt::PlainText);
@@ -166,6 +158,8 @@ QLabel* TraylessWindow::addLine(QVBoxLayout& layout, const MenuItem& item) {
 QPushButton* TraylessWindow::addButton(QVBoxLayout& layout, const MenuItem& item) {
     auto* button = new QPushButton(buttonText(item), content_);
     button->setCursor(Qt::PointingHandCursor);
+    // Return chooses as well as the space bar.
+    button->setAutoDefault(true);
     connect(button, &QPushButton::clicked, this, [item] { LinuxStatusItem::choose(item); });
     if (!item.keyEquivalent.empty()) {
         const QKeySequence keys(QLatin1String("Ctrl+") + QString::fromStdString(item.keyEquivalent));

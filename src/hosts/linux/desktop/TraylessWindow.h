@@ -22,10 +22,10 @@ public:
     void bringForward();
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
-    void applyPalette();
+    void applyColors();
     void rebuild();
     void addHeader(QVBoxLayout& layout, const MenuItem& item);
     QLabel* addLine(QVBoxLayout& layout, const MenuItem& item);
