@@ -160,6 +160,8 @@ class Bench:
 
     def outcome(self, mistake, programs):
         source = self.top / mistake.path
+        if str(source) not in self.compilers:
+            return 'not of this machine'
         lines = source.read_text().split('\n')
         before = '\n'.join(lines)
         lines[mistake.line:mistake.line + len(mistake.before)] = mistake.after
