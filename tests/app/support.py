@@ -155,8 +155,15 @@ class Process:
 
     def memory(self):
         """Resident bytes."""
+        return self._bytes("VmRSS")
+
+    def most_memory(self):
+        """The most resident bytes that it ever had."""
+        return self._bytes("VmHWM")
+
+    def _bytes(self, name):
         status = pathlib.Path(f"/proc/{self.pid}/status").read_text()
-        return int(re.search(r"VmRSS:\s+(\d+) kB", status)[1]) * 1024
+        return int(re.search(name + r":\s+(\d+) kB", status)[1]) * 1024
 
 
 class App(Process):

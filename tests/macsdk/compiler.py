@@ -23,7 +23,7 @@ STANDARD = ["algorithm", "array", "atomic", "chrono", "cstdint", "cstdlib", "fil
 
 def run(command):
     done = subprocess.run([str(part) for part in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                          text=True, errors="replace", timeout=120)
+                          text=True, errors="replace", timeout=300)
     return done.returncode == 0, done.stdout
 
 

@@ -1,4 +1,5 @@
 """Builds a changed source of src/ beside a build tree and runs test programs with it; changes nothing in either."""
+import collections
 import json
 import os
 import pathlib
@@ -29,14 +30,18 @@ def limited():
 
 
 class Bench:
-    def __init__(self, top, build, on_a_desktop):
-        self.top, self.build, self.on_a_desktop = top, build, on_a_desktop
+    """`started` has the program that a test program starts as another process, and the variable that names it."""
+
+    def __init__(self, top, build, on_a_desktop, started):
+        self.top, self.build, self.on_a_desktop, self.started = top, build, on_a_desktop, started
         self.room = pathlib.Path(tempfile.mkdtemp(prefix='velloway-mutants.'))
         self.seconds = {}
         self.links = {}
+        self.objects = {}
         self.compilers = {}
         self.prefixes = {}
         self.lock = threading.Lock()
+        self.first_runs = collections.defaultdict(threading.Lock)
 
     def remove(self):
         shutil.rmtree(self.room, ignore_errors=True)
@@ -50,11 +55,34 @@ class Bench:
         for entry in json.loads((self.build / 'compile_commands.json').read_text()):
             self.compilers[entry['file']] = shlex.split(entry['command'])
         for program in programs:
-            self.links[program] = self.link_command(f'tests/{program}')
-            start = time.monotonic()
-            if not self.passes(self.build / 'tests' / program, program, 300):
-                sys.exit(f'{program} fails on the unchanged sources.')
-            self.seconds[program] = time.monotonic() - start
+            for each in self.parts(program):
+                self.links[each] = self.link_command(f'tests/{each}')
+                self.objects[each] = self.objects_in(each)
+
+    def parts(self, program):
+        """The program, and the one that it starts."""
+        return [program, self.started[program][0]] if program in self.started else [program]
+
+    def objects_in(self, program):
+        """The names of the objects that the program is linked of, and not of all that it might have been."""
+        words = list(self.links[program])
+        words[words.index('-o') + 1] = os.devnull
+        listed = subprocess.run([*words, '-fuse-ld=lld', '-Wl,--trace'], cwd=self.build, text=True,
+                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+        return set(re.findall(r'[\w.]+\.o\b', listed))
+
+    def sees(self, program, source):
+        return any(f'{source.name}.o' in self.objects[each] for each in self.parts(program))
+
+    def time_of(self, program):
+        """How long the program takes on the unchanged sources, where it has to pass."""
+        with self.first_runs[program]:
+            if program not in self.seconds:
+                start = time.monotonic()
+                if not self.passes(self.build / 'tests' / program, program, 300, os.environ):
+                    sys.exit(f'{program} fails on the unchanged sources.')
+                self.seconds[program] = time.monotonic() - start
+        return self.seconds[program]
 
     def link_command(self, target):
         lines = subprocess.run(['ninja', '-C', self.build, '-t', 'commands', target], check=True, text=True,
@@ -62,12 +90,13 @@ class Bench:
         words = shlex.split(lines[-1])
         return words[words.index('&&') + 1:words.index('&&', words.index('&&') + 1)]
 
-    def passes(self, path, program, seconds):
+    def passes(self, path, program, seconds, environment):
         command = [path, '--gtest_brief=1', '--gtest_fail_fast']
         if self.on_a_desktop(program):
             command.insert(0, self.top / 'tests/desktop/with-desktop')
         process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL, cwd=self.build, preexec_fn=limited)
+                                   stderr=subprocess.DEVNULL, cwd=self.build, env=environment,
+                                   preexec_fn=limited)
         try:
             return process.wait(seconds) == 0
         except subprocess.TimeoutExpired:
@@ -111,7 +140,7 @@ class Bench:
 
     def linked(self, program, source, changed, folder):
         words = list(self.links[program])
-        out = folder / 'program'
+        out = folder / pathlib.Path(program).name
         words[words.index('-o') + 1] = str(out)
         own = [word for word in words if word.endswith(f'/{source.name}.o')]
         if own:
@@ -131,6 +160,8 @@ class Bench:
 
     def outcome(self, mistake, programs):
         source = self.top / mistake.path
+        if str(source) not in self.compilers:
+            return 'not of this machine'
         lines = source.read_text().split('\n')
         before = '\n'.join(lines)
         lines[mistake.line:mistake.line + len(mistake.before)] = mistake.after
@@ -140,11 +171,14 @@ class Bench:
             changed = self.compiled(source, after, folder)
             if not changed:
                 return 'does not compile'
-            for program in programs:
-                path = self.linked(program, source, changed, folder)
-                if not path:
+            for program in [each for each in programs if self.sees(each, source)]:
+                paths = [self.linked(each, source, changed, folder) for each in self.parts(program)]
+                if None in paths:
                     return 'does not compile'
-                if not self.passes(path, program, 10 + 8 * self.seconds[program]):
+                environment = dict(os.environ)
+                if len(paths) > 1:
+                    environment[self.started[program][1]] = str(paths[1])
+                if not self.passes(paths[0], program, 10 + 8 * self.time_of(program), environment):
                     return 'killed'
             return 'equivalent' if self.is_same_code(source, before, after) else 'survived'
         finally:

@@ -2,10 +2,12 @@
 
 #include <QPalette>
 #include <QSocketNotifier>
+#include <QWindow>
 
 #include <iostream>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace velloway::test {
 namespace {
@@ -23,15 +25,15 @@ public:
             {.isSeparator = true},
             {.title = "Server: starting…", .tag = 1, .isEnabled = false},
             {.isSeparator = true},
-            entry("Call…", "c"),
-            entry("Send SMS…", "s"),
-            entry("File Drop…", "f"),
-            entry("Notifications…", "y"),
-            entry("Remote Control…", "r"),
-            entry("Send Clipboard", "v"),
-            entry("Clipboard History…", "h"),
-            entry("Settings…", ","),
-            entry("Info…", "i"),
+            entry("Call…", "c", "onMenuCall"),
+            entry("Send SMS…", "s", "onMenuSms"),
+            entry("File Drop…", "f", "onMenuFileDrop"),
+            entry("Notifications…", "y", "onMenuHistory"),
+            entry("Remote Control…", "r", "onMenuRemote"),
+            entry("Send Clipboard", "v", "onMenuSendClipboard"),
+            entry("Clipboard History…", "h", "onMenuClipboardHistory"),
+            entry("Settings…", ",", "onMenuSettings"),
+            entry("Info…", "i", "onMenuInfo"),
             {.isSeparator = true},
             {.title = "Quit Velloway", .keyEquivalent = "q", .action = MenuItem::Action::terminate},
         });
@@ -43,6 +45,13 @@ public:
         desktop_.log.line({"reopen ", hasVisibleWindows ? "with windows" : "without windows"});
         return true;
     }
+    void applicationOpenLinks(const std::vector<std::string>& addresses) override {
+        std::string line = "links";
+        for (const std::string& address : addresses) {
+            line += " [" + address + "]";
+        }
+        desktop_.log.line({line});
+    }
     void applicationDidBecomeActive() override { desktop_.log.line({"active"}); }
     void handleSendToAndroidService(const ServicePasteboard& pasteboard) override {
         std::string line = pasteboard.hasFileUrls ? "files" : "no files";
@@ -53,11 +62,14 @@ public:
     }
 
 private:
-    MenuItem entry(const char* title, const char* key) {
-        return {
-            .title = title, .keyEquivalent = key, .action = MenuItem::Action::call, .onChosen = [this, title] {
-                desktop_.log.line({"chosen ", title});
-            }};
+    MenuItem entry(const char* title, const char* key, const char* operation) {
+        return {.title = title,
+                .keyEquivalent = key,
+                .action = MenuItem::Action::call,
+                .operation = operation,
+                .onChosen = [this, title] {
+                    desktop_.log.line({"chosen ", title});
+                }};
     }
 
     LinuxDesktop& desktop_;
@@ -70,6 +82,11 @@ void obey(LinuxDesktop& desktop) {
         desktop.terminate();
     } else if (line == "close") {
         QApplication::closeAllWindows();
+    } else if (line == "window") {
+        auto* window = new QWindow;
+        window->setTitle(QStringLiteral("Probe"));
+        window->setGeometry(100, 100, 200, 100);
+        window->show();
     } else if (line == "dark") {
         QPalette dark(QColor(0x35, 0x35, 0x35), QColor(0x2a, 0x2a, 0x2a));
         dark.setColor(QPalette::Highlight, QColor(0x3d, 0xae, 0xe9));

@@ -1,245 +1,188 @@
-#include "desktop/TemporaryFolder.h"
+#include "Probe.h"
 #include "desktop/TrayHost.h"
 #include "desktop/WaitFor.h"
+#include "hosts/windows/XClient.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QProcess>
-#include <QProcessEnvironment>
+#include <QDBusConnection>
+#include <QDBusMessage>
 
-#include <csignal>
+#include <chrono>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace velloway::test {
 namespace {
 
-/// The desktop side in a process of its own.
-class Probe {
-public:
-    Probe(const QProcessEnvironment& environment, const QStringList& arguments, const QString& folder = {}) {
-        process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process_.setProcessEnvironment(environment);
-        process_.setWorkingDirectory(folder);
-        process_.start(QStringLiteral(DESKTOP_PROBE), arguments);
-    }
-    ~Probe() {
-        ::kill(static_cast<pid_t>(process_.processId()), SIGCONT);
-        process_.closeWriteChannel();
-        if (!process_.waitForFinished(5000)) {
-            process_.kill();
-            process_.waitForFinished();
-        }
-    }
+/// Longer than the program gives the tray of a desktop that is just starting.
+constexpr std::chrono::milliseconds settled(2500);
 
-    bool says(const QByteArray& line) {
-        return waitFor([&] {
-            while (process_.canReadLine()) {
-                lines_.push_back(process_.readLine().trimmed().toStdString());
-            }
-            return std::find(lines_.begin(), lines_.end(), line.toStdString()) != lines_.end();
-        });
-    }
-    bool ends() {
-        return waitFor([&] { return process_.state() == QProcess::NotRunning; });
-    }
-    bool isRunning() const { return process_.state() != QProcess::NotRunning; }
-    int answer() const { return process_.exitCode(); }
-    void tell(const QByteArray& command) { process_.write(command + '\n'); }
-    void stop() { ::kill(static_cast<pid_t>(process_.processId()), SIGSTOP); }
-    void crash() { process_.kill(); }
-
-private:
-    QProcess process_;
-    std::vector<std::string> lines_;
-};
-
-bool isWindowShown() {
-    QProcess search;
-    search.start("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$"});
-    search.waitForFinished();
-    return search.exitCode() == 0;
-}
-
-/// With a session bus and without.
-class OneInstance : public testing::TestWithParam<bool> {
-protected:
-    OneInstance() {
-        if (!GetParam()) {
-            environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-        }
-    }
-
-    std::unique_ptr<Probe> start(const QStringList& arguments = {}, const QString& workingDirectory = {}) {
-        return std::make_unique<Probe>(environment, arguments, workingDirectory);
-    }
-
-    TemporaryFolder folder;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-};
-
-TEST_P(OneInstance, ASecondStartBringsTheFirstOneForwardAndEndsWell) {
-    const auto first = start();
-    ASSERT_TRUE(first->says("launched"));
-    const auto second = start();
-    EXPECT_TRUE(second->says("handed over"));
-    EXPECT_TRUE(second->ends());
-    EXPECT_EQ(second->answer(), 0);
-    EXPECT_TRUE(first->says("reopen without windows"));
-}
-
-TEST_P(OneInstance, FilesGivenToASecondStartReachTheFirstOneAsWholePaths) {
-    const auto first = start();
-    ASSERT_TRUE(first->says("launched"));
-    const QString place = QString::fromStdString(folder.path().string());
-    const auto second =
-        start({"some file.txt", "../up", "/abs/ä;$(x)%20", "file:///tmp/a%20b", "--option"}, place);
-    EXPECT_TRUE(second->says("handed over"));
-    const std::string parent = folder.path().parent_path().string();
-    const std::string expected =
-        "files [" + folder.path().string() + "/some file.txt] [" + parent + "/up] [/abs/ä;$(x)%20] [/tmp/a b]";
-    EXPECT_TRUE(first->says(QByteArray::fromStdString(expected)));
-}
-
-TEST_P(OneInstance, FilesGivenToTheFirstStartReachItAfterItsLaunch) {
-    const auto first = start({"/tmp/one", "/tmp/two"});
-    EXPECT_TRUE(first->says("launched"));
-    EXPECT_TRUE(first->says("files [/tmp/one] [/tmp/two]"));
-}
-
-TEST_P(OneInstance, ManyStartsAtOnceLeaveOne) {
-    std::vector<std::unique_ptr<Probe>> probes;
-    for (int number = 0; number < 5; ++number) {
-        probes.push_back(start());
-    }
-    const auto isSettled = [&] {
-        return std::count_if(probes.begin(), probes.end(),
-                             [](const auto& probe) { return probe->isRunning(); }) <= 1;
-    };
-    EXPECT_TRUE(waitFor(isSettled));
-    int launched = 0;
-    for (const auto& probe : probes) {
-        if (probe->isRunning()) {
-            EXPECT_TRUE(probe->says("launched"));
-            ++launched;
-        } else {
-            EXPECT_EQ(probe->answer(), 0);
-        }
-    }
-    EXPECT_EQ(launched, 1);
-}
-
-TEST_P(OneInstance, OneThatCrashedIsNotInTheWay) {
-    const auto first = start();
-    ASSERT_TRUE(first->says("launched"));
-    first->crash();
-    ASSERT_TRUE(first->ends());
-    const auto second = start();
-    EXPECT_TRUE(second->says("launched"));
-    const auto third = start();
-    EXPECT_TRUE(third->says("handed over"));
-}
-
-TEST_P(OneInstance, OneThatHangsMakesTheSecondStartFailAfterABoundedTime) {
-    const auto first = start();
-    ASSERT_TRUE(first->says("launched"));
-    first->stop();
-    const auto second = start();
-    EXPECT_TRUE(second->says("not answered"));
-    EXPECT_TRUE(second->ends());
-    EXPECT_NE(second->answer(), 0);
-}
-
-INSTANTIATE_TEST_SUITE_P(, OneInstance, testing::Bool(),
-                         [](const auto& it) { return std::string(it.param ? "WithBus" : "WithoutBus"); });
-
-/// A session bus that the test can end.
-class MortalBus {
-public:
-    MortalBus() {
-        daemon_.start("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--print-address"});
-        if (waitFor([this] { return daemon_.canReadLine(); })) {
-            address_ = QString::fromUtf8(daemon_.readLine().trimmed());
-        }
-    }
-    ~MortalBus() { end(); }
-
-    QString address() const { return address_; }
-    void end() {
-        daemon_.kill();
-        daemon_.waitForFinished();
-    }
-
-private:
-    QProcess daemon_;
-    QString address_;
-};
-
-TEST(DyingBus, EndsNeitherTheProgramNorItsBeingTheOnlyOne) {
-    MortalBus bus;
-    ASSERT_FALSE(bus.address().isEmpty());
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
-    Probe first(environment, {});
-    ASSERT_TRUE(first.says("launched"));
-    bus.end();
-    EXPECT_TRUE(Probe(environment, {"/tmp/file"}).says("handed over"));
-    EXPECT_TRUE(first.says("files [/tmp/file]"));
-    first.tell("quit");
-    EXPECT_TRUE(first.ends());
-    EXPECT_EQ(first.answer(), 0);
+bool isMenuShown() {
+    return isWindowShown(QStringLiteral("Velloway"));
 }
 
 class Trayless : public testing::Test {
 protected:
+    /// Asks the running program as a launcher on the bus does.
+    static void ask(const QString& method, const QVariantList& arguments) {
+        QDBusMessage message = QDBusMessage::createMethodCall("org.velloway.Velloway", "/org/velloway/Velloway",
+                                                              "org.freedesktop.Application", method);
+        message.setArguments(arguments);
+        QDBusConnection::sessionBus().call(message);
+    }
+    static void act(const QString& action) { ask("ActivateAction", {action, QVariantList(), QVariantMap()}); }
+
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
 };
 
 TEST_F(Trayless, WithoutATrayAWindowWithTheMenuShowsUpAndGoesWhenATrayComes) {
-    Probe probe(environment, {});
+    Probe probe(environment);
     ASSERT_TRUE(probe.says("launched"));
-    EXPECT_TRUE(waitFor(isWindowShown));
+    EXPECT_TRUE(waitFor(isMenuShown));
     TrayHost tray(QStringLiteral(TRAY_HOST));
     ASSERT_TRUE(tray.isReady());
     EXPECT_TRUE(waitFor([&] { return tray.itemCount() == 1; }));
-    EXPECT_TRUE(waitFor([] { return !isWindowShown(); }));
+    EXPECT_TRUE(waitFor([] { return !isMenuShown(); }));
 }
 
 TEST_F(Trayless, WithATrayNoWindowShowsUpAndItsMenuWorks) {
     TrayHost tray(QStringLiteral(TRAY_HOST));
     ASSERT_TRUE(tray.isReady());
-    Probe probe(environment, {});
+    Probe probe(environment);
     ASSERT_TRUE(probe.says("launched"));
     ASSERT_TRUE(waitFor([&] { return tray.itemCount() == 1; }));
-    EXPECT_FALSE(waitFor(isWindowShown, std::chrono::milliseconds(2500)));
+    EXPECT_FALSE(waitFor(isMenuShown, settled));
     tray.ask("click Send Clipboard");
     EXPECT_TRUE(probe.says("chosen Send Clipboard"));
     tray.ask("click Quit Velloway");
     EXPECT_TRUE(probe.ends());
-    EXPECT_EQ(probe.answer(), 0);
+    EXPECT_EQ(probe.exitCode(), 0);
 }
 
 TEST_F(Trayless, KeysOfTheMenuWorkInTheWindowAndClosingItEndsNothing) {
-    Probe probe(environment, {});
-    ASSERT_TRUE(waitFor(isWindowShown));
+    Probe probe(environment);
+    ASSERT_TRUE(waitFor(isMenuShown));
     QProcess::execute("xdotool", {"search", "--onlyvisible", "--name", "^Velloway$", "windowfocus", "--sync",
                                   "key", "ctrl+s"});
     EXPECT_TRUE(probe.says("chosen Send SMS…"));
-    probe.tell("close");
-    EXPECT_TRUE(waitFor([] { return !isWindowShown(); }));
-    EXPECT_TRUE(Probe(environment, {}).says("handed over"));
+    probe.command("close");
+    EXPECT_TRUE(waitFor([] { return !isMenuShown(); }));
+    EXPECT_TRUE(Probe(environment).says("handed over"));
 }
 
 TEST_F(Trayless, ASecondStartBringsTheWindowBack) {
-    Probe probe(environment, {});
-    ASSERT_TRUE(waitFor(isWindowShown));
-    probe.tell("close");
-    ASSERT_TRUE(waitFor([] { return !isWindowShown(); }));
-    EXPECT_TRUE(Probe(environment, {}).says("handed over"));
-    EXPECT_TRUE(waitFor(isWindowShown));
+    Probe probe(environment);
+    ASSERT_TRUE(waitFor(isMenuShown));
+    probe.command("close");
+    ASSERT_TRUE(waitFor([] { return !isMenuShown(); }));
+    EXPECT_TRUE(Probe(environment).says("handed over"));
+    EXPECT_TRUE(waitFor(isMenuShown));
     EXPECT_TRUE(probe.says("reopen without windows"));
+}
+
+TEST_F(Trayless, ActionsOfTheDesktopEntryChooseTheirItemOfTheMenu) {
+    TrayHost tray(QStringLiteral(TRAY_HOST));
+    Probe probe(environment);
+    ASSERT_TRUE(probe.says("launched"));
+    act("no such action");
+    for (const auto& [action, title] :
+         {std::pair("send-clipboard", "Send Clipboard"), std::pair("call", "Call…"),
+          std::pair("sms", "Send SMS…"), std::pair("file-drop", "File Drop…"),
+          std::pair("notifications", "Notifications…"), std::pair("remote", "Remote Control…"),
+          std::pair("clipboard", "Clipboard History…"), std::pair("settings", "Settings…"),
+          std::pair("info", "Info…")}) {
+        EXPECT_FALSE(probe.hasSaid(QByteArray("chosen ") + title));
+        act(action);
+        EXPECT_TRUE(probe.says(QByteArray("chosen ") + title)) << action;
+    }
+    EXPECT_FALSE(probe.hasSaid("reopen without windows"));
+}
+
+TEST_F(Trayless, FilesAndAddressesOfAPhoneGoTheirOwnWays) {
+    TrayHost tray(QStringLiteral(TRAY_HOST));
+    Probe probe(environment, {"tel:1"});
+    EXPECT_TRUE(probe.says("links [tel:1]"));
+    ask("Open", {QStringList{"file:///tmp/a", "sms:2", "file:///tmp/b"}, QVariantMap()});
+    EXPECT_TRUE(probe.says("links [sms:2]"));
+    EXPECT_TRUE(probe.says("files [/tmp/a] [/tmp/b]"));
+    ask("Open", {QStringList{"file:///tmp/c"}, QVariantMap()});
+    EXPECT_TRUE(probe.says("files [/tmp/c]"));
+    EXPECT_FALSE(probe.hasSaid("no files"));
+    EXPECT_FALSE(probe.hasSaid("links"));
+}
+
+TEST_F(Trayless, AStartForNobodyShowsNothingUntilTheUserComes) {
+    for (const char* name : {"DESKTOP_AUTOSTART_ID", "DBUS_STARTER_ADDRESS"}) {
+        QProcessEnvironment unattended = environment;
+        unattended.insert(name, "10a");
+        Probe probe(unattended);
+        ASSERT_TRUE(probe.says("launched"));
+        EXPECT_FALSE(waitFor(isMenuShown, settled)) << name;
+        EXPECT_TRUE(Probe(environment).says("handed over"));
+        EXPECT_TRUE(waitFor(isMenuShown)) << name;
+        EXPECT_TRUE(probe.says("reopen without windows"));
+    }
+}
+
+TEST_F(Trayless, AStartByTheBusForTheUserShowsWhatEveryStartShows) {
+    environment.insert("DBUS_STARTER_ADDRESS", "10a");
+    Probe probe(environment);
+    ASSERT_TRUE(probe.says("launched"));
+    ask("Activate", {QVariantMap()});
+    EXPECT_TRUE(waitFor(isMenuShown));
+    EXPECT_FALSE(probe.hasSaid("reopen without windows"));
+}
+
+TEST_F(Trayless, AFileForAStartByTheBusBringsNoMenu) {
+    environment.insert("DBUS_STARTER_ADDRESS", "10a");
+    Probe probe(environment);
+    ASSERT_TRUE(probe.says("launched"));
+    ask("Open", {QStringList{"file:///tmp/a"}, QVariantMap()});
+    EXPECT_TRUE(probe.says("files [/tmp/a]"));
+    EXPECT_FALSE(waitFor(isMenuShown, settled));
+}
+
+TEST_F(Trayless, ASecondStartBringsAWindowForwardThatIsThereAlready) {
+    TrayHost tray(QStringLiteral(TRAY_HOST));
+    Probe probe(environment);
+    ASSERT_TRUE(probe.says("launched"));
+    probe.command("window");
+    ASSERT_TRUE(waitFor([] { return isWindowShown(QStringLiteral("Probe")); }));
+    ASSERT_TRUE(waitFor([&] { return tray.itemCount() == 1; }));
+    XClient client;
+    const xcb_window_t above = client.makeWindow(0, 0, 1280, 800);
+    client.show(above);
+    ASSERT_EQ(client.topWindow(), above);
+    EXPECT_TRUE(Probe(environment).says("handed over"));
+    EXPECT_TRUE(probe.says("reopen with windows"));
+    EXPECT_TRUE(waitFor([&] { return client.topWindow() != above; }));
+    EXPECT_FALSE(isMenuShown());
+}
+
+TEST_F(Trayless, TheEndOfAStartIsReportedToTheDesktop) {
+    TrayHost tray(QStringLiteral(TRAY_HOST));
+    const auto removal = [](const XClient::Message& message) {
+        return message.type.starts_with("_NET_STARTUP_INFO");
+    };
+    XClient client;
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(client.get(), client.root(), XCB_CW_EVENT_MASK, &mask);
+    client.sync();
+    const auto isReported = [&] {
+        const auto messages = client.takeMessages();
+        return std::any_of(messages.begin(), messages.end(), removal);
+    };
+    QProcessEnvironment user = environment;
+    user.insert("DESKTOP_STARTUP_ID", "of the first start");
+    Probe probe(user);
+    ASSERT_TRUE(probe.says("launched"));
+    EXPECT_TRUE(waitFor(isReported));
+    while (isReported()) {
+    }
+    ask("Activate", {QVariantMap{{"desktop-startup-id", "of another"}}});
+    EXPECT_TRUE(probe.says("reopen without windows"));
+    EXPECT_TRUE(waitFor(isReported));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "desktop/WaitFor.h"
 #include "hosts/linux/notifications/ElidedLabel.h"
 #include "hosts/linux/windows/WindowSpaces.h"
+#include "hosts/windows/XClient.h"
 
 #include <gtest/gtest.h>
 
@@ -87,6 +88,13 @@ TEST_F(NotificationPanelsTest, TheReplyPanelTakesTheKeyboardAndReturnSends) {
     QTest::keyClick(input, Qt::Key_Return);
     EXPECT_EQ(events_, (Events{"Ada replied On my way"}));
     EXPECT_TRUE(visible<ReplyPanel>().empty());
+}
+
+TEST_F(NotificationPanelsTest, TheReplyPanelIsFirstOfAllADialogForTheWindowManager) {
+    openReply("Ada");
+    const XClient client;
+    EXPECT_EQ(client.nameIn(*titled<ReplyPanel>("Ada")->windowHandle(), "_NET_WM_WINDOW_TYPE"),
+              "_NET_WM_WINDOW_TYPE_DIALOG");
 }
 
 TEST_F(NotificationPanelsTest, TheSendButtonSendsAlsoAnEmptyReply) {

@@ -3,12 +3,14 @@
 #include "hosts/linux/desktop/FileUris.h"
 #include "hosts/linux/desktop/StatusIcons.h"
 #include "hosts/linux/desktop/TraylessWindow.h"
+#include "hosts/linux/windows/IdleMemory.h"
 
 #include <QIcon>
 #include <QTimer>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <utility>
 
@@ -28,6 +30,10 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 9> actions{{
     {"settings", "onMenuSettings"},
     {"info", "onMenuInfo"},
 }};
+
+/// How long after the launch what only the start needed is given back: most of the code of the toolkit that has
+/// run until then does not run again.
+constexpr std::chrono::seconds startRest{3};
 
 } // namespace
 
@@ -86,6 +92,7 @@ void LinuxDesktop::launch() {
     if (!ownRequest_.isReopen()) {
         open(ownRequest_.uris);
     }
+    QTimer::singleShot(startRest, &qtApplication, [] { giveBackIdleMemory(); });
 }
 
 void LinuxDesktop::handle(const SingleInstance::Request& request) {

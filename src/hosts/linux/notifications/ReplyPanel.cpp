@@ -34,9 +34,11 @@ ReplyPanel::ReplyPanel(const Prompt& prompt) {
     content()->addWidget(row_);
     setFocusProxy(row_);
     fitHeight();
-    // Tools vanish while their program is not the active one on some desktops.
+    QWindow& window = nativeWindow();
+    // Tools vanish while their program is not the active one on some desktops. The toolkit looks at this only
+    // when the window is there.
     setAttribute(Qt::WA_X11NetWmWindowTypeDialog);
-    joinAllSpaces(nativeWindow());
+    joinAllSpaces(window);
 }
 
 void ReplyPanel::takeKeyboard() {

@@ -21,20 +21,21 @@ struct Mapping {
     bool isReadOnlyFile = false;
 };
 
-/// Absent when the line is not the first one of an entry.
+/// False when the line is not the first one of an entry: the others begin with a capital letter.
 bool readHead(const std::string& line, Mapping& mapping) {
+    if (line.empty() || (line.front() >= 'A' && line.front() <= 'Z')) {
+        return false;
+    }
     std::istringstream words(line);
     char dash = 0;
     std::string rights;
     std::string offset;
     std::string device;
     std::uint64_t inode = 0;
-    Mapping read;
-    if (!(words >> read.start >> dash >> read.end >> rights >> offset >> device >> inode) || dash != '-') {
-        return false;
+    mapping = {};
+    if (words >> mapping.start >> dash >> mapping.end >> rights >> offset >> device >> inode) {
+        mapping.isReadOnlyFile = inode != 0 && rights.size() == 4 && rights[1] == '-' && rights[3] == 'p';
     }
-    read.isReadOnlyFile = inode != 0 && rights.size() == 4 && rights[1] == '-' && rights[3] == 'p';
-    mapping = read;
     return true;
 }
 

@@ -28,22 +28,24 @@ namespace {
 constexpr int cornerRadius = 12;
 /// How far two clicks on one button of a panel can be apart.
 constexpr double sameButton = 32;
-/// How long the main window stays closed until what it can do without is given back.
+/// How long the main window stays open until what only its opening needed is given back, and closed until all
+/// is that it can do without.
+constexpr std::chrono::seconds openRest{5};
 constexpr std::chrono::seconds closedRest{30};
 
 QSize pixels(const Size& size) {
     return {static_cast<int>(size.width), static_cast<int>(size.height)};
 }
 
-/// The main window: closing it only hides it. When it has been closed for a while, everything that it does not
-/// need for coming back at once is given back.
+/// The main window: closing it only hides it. When it has been open for a while, what only its opening needed
+/// is given back; when it has been closed for a while, everything that it does not need for coming back at
+/// once.
 class MainView : public ContentView {
 public:
     MainView(QQmlEngine& engine, std::shared_ptr<WindowContent> content, std::function<void()> onClose)
         : ContentView(engine, std::move(content)), onClose_(std::move(onClose)) {
         setPersistentSceneGraph(false);
         rest_.setSingleShot(true);
-        rest_.setInterval(closedRest);
         connect(&rest_, &QTimer::timeout, this, [this] { giveBack(); });
     }
 
@@ -52,21 +54,23 @@ protected:
         if (event->type() == QEvent::Close) {
             event->ignore();
             hide();
-            rest_.start();
+            rest_.start(closedRest);
             onClose_();
             return true;
+        }
+        if (event->type() == QEvent::Show) {
+            rest_.start(openRest);
         }
         return ContentView::event(event);
     }
 
 private:
     void giveBack() {
-        if (isVisible()) {
-            return;
+        if (!isVisible()) {
+            releaseResources();
+            engine()->collectGarbage();
+            QPixmapCache::clear();
         }
-        releaseResources();
-        engine()->collectGarbage();
-        QPixmapCache::clear();
         giveBackIdleMemory();
     }
 
