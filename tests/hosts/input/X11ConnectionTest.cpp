@@ -14,8 +14,8 @@ namespace {
 class ManyScreens {
 public:
     ManyScreens() {
-        server_.start("Xvfb", {"-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "600x400x24", "-screen",
-                               "1", "700x400x24", "-screen", "2", "800x400x24"});
+        server_.start("Xvfb", {"-displayfd", "1", "-noreset", "-nolisten", "tcp", "-screen", "0", "600x400x24",
+                               "-screen", "1", "700x400x24", "-screen", "2", "800x400x24"});
         if (waitFor([this] { return server_.canReadLine(); })) {
             display_ = ':' + server_.readLine().trimmed();
         }
