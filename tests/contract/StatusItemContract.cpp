@@ -85,7 +85,7 @@ TEST_F(LinuxStatusItemTest, ComesBackOnceWhenTheTrayRestarts) {
     }
 }
 
-TEST_F(LinuxStatusItemTest, TellsOfEachChangeOfItsReachability) {
+TEST_F(LinuxStatusItemTest, ReportsEachChangeOfItsReachability) {
     std::vector<bool> heard;
     QObject::connect(item.get(), &LinuxStatusItem::reachabilityChanged,
                      [&] { heard.push_back(item->isReachable()); });

@@ -55,7 +55,7 @@ public:
 };
 
 // The first of the cases: it needs a process that is not in front yet.
-TEST_F(LinuxApplicationTest, TellsItsDelegateWhenItComesToTheFront) {
+TEST_F(LinuxApplicationTest, ReportsThatItHasComeToTheFront) {
     CountingDelegate delegate;
     application.setDelegate(&delegate);
     QWidget window;
