@@ -409,11 +409,12 @@ class AppTest(unittest.TestCase):
         return self.start(phone(port, *words, **options))
 
     def copy(self, text):
-        """Another program owns the clipboard, until the test is over."""
+        """Another program owns the clipboard, until the test is over; returns its process."""
         owner = self.start(Process("xclip", "-selection", "clipboard", "-i", "-quiet"))
         owner.process.stdin.write(text)
         owner.process.stdin.close()
         wait_for(lambda: clipboard() == text, "the text on the clipboard")
+        return owner
 
     def start_node(self, port):
         node = self.start(NodePhone(port))

@@ -120,6 +120,35 @@ TEST_F(ChatScrollViewTest, TheKeysLeaveTheEndAndComeBackToIt) {
     EXPECT_FALSE(followsEnd());
 }
 
+TEST_F(ChatScrollViewTest, ANewMessageBringsBackToTheEndWhoHadLeftIt) {
+    list_->forceActiveFocus();
+    key(Qt::Key_Home);
+    ASSERT_FALSE(followsEnd());
+    QSignalSpy starts(animation(), SIGNAL(started()));
+    show(81);
+    require("the animation", [&] { return !starts.isEmpty(); });
+    EXPECT_TRUE(wait([&] { return !moves() && isAtEnd(); }));
+    EXPECT_TRUE(followsEnd());
+}
+
+TEST_F(ChatScrollViewTest, HomeReachesTheFirstMessageAboveLongOnes) {
+    std::vector<SmsRecord> log;
+    for (int i = 0; i < 80; ++i) {
+        std::string body = "message " + std::to_string(i);
+        for (int line = i; line < 40; ++line) {
+            body += "\nand another line";
+        }
+        log.push_back({"1", std::nullopt, body, 1.6999e12 + i * 60'000.0, 1 + i % 2});
+    }
+    state().phone.phoneSmsLog.set(log);
+    settle();
+    require("the end", [&] { return !moves() && isAtEnd(); });
+    list_->forceActiveFocus();
+    key(Qt::Key_Home);
+    EXPECT_TRUE(wait([&] { return list_->property("atYBeginning").toBool(); }));
+    EXPECT_THAT(ViewHarness::text("body").toStdString(), testing::StartsWith("message 0\n"));
+}
+
 TEST_F(ChatScrollViewTest, TheEndStaysInSightInANarrowerWindow) {
     resizeTo(1400);
     EXPECT_TRUE(wait([&] { return isAtEnd(); }));

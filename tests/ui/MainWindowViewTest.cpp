@@ -94,6 +94,14 @@ TEST_F(MainWindowViewTest, LabelsGoAtAWidthOf250) {
     ASSERT_TRUE(wait([&] { return window.width() == 250; }));
     settle();
     EXPECT_FALSE(shows("label"));
+    const QQuickItem* row = part("tab0");
+    for (const QQuickItem* child : row->childItems()) {
+        if (child->property("tint").isValid()) {
+            EXPECT_EQ(child->x() + child->width() / 2, row->width() / 2) << "the symbol stands in the middle";
+            return;
+        }
+    }
+    ADD_FAILURE() << "no symbol";
 }
 
 TEST_F(MainWindowViewTest, ClosingHidesTheWindowAndReopeningBringsItBackWhereItWas) {

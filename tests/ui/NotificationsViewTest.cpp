@@ -87,6 +87,16 @@ TEST_F(NotificationsViewTest, CancelClosesTheBoxAndKeepsTheText) {
     EXPECT_EQ(text("replyField"), "half");
 }
 
+TEST_F(NotificationsViewTest, AnOpenBoxIsThereAgainWhenTheTabIsComeBackTo) {
+    add("Chat", "Ada", "Hello");
+    click("reply");
+    type("half");
+    open(3);
+    open(1);
+    EXPECT_EQ(text("replyField"), "half");
+    EXPECT_FALSE(shows("reply"));
+}
+
 TEST_F(NotificationsViewTest, ClearAllTakesTheRowWithTheOpenBoxAway) {
     add("Chat", "Ada", "Hello");
     click("reply");
@@ -112,6 +122,18 @@ TEST_F(NotificationsViewTest, TheTitleIsACalloutAndTheBodyACaption) {
     add("Chat", "Ada", "Hello");
     EXPECT_EQ(fontSize("title"), 12);
     EXPECT_EQ(fontSize("body"), 11);
+}
+
+TEST_F(NotificationsViewTest, InAWideWindowTheFooterStandsBelowTheRows) {
+    add("Chat", "Ada", "Hello");
+    openWindow().resize(1270, 550);
+    require("a wide window", [] { return openWindow().width() == 1270; });
+    settle();
+    const QQuickItem* row = all("notification").at(0);
+    const auto end = [](const QQuickItem* item) { return item->mapToScene({item->width(), 0}).x(); };
+    EXPECT_GT(row->x(), 100);
+    EXPECT_NEAR(part("count")->mapToScene({}).x(), row->mapToScene({}).x() + 16, 1);
+    EXPECT_NEAR(end(part("clearAll")), end(row) - 12, 1);
 }
 
 TEST_F(NotificationsViewTest, AfterCancelTheKeyboardIsBackOnTheButton) {

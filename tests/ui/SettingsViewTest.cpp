@@ -154,6 +154,15 @@ TEST_F(SettingsTabViewTest, ATabThatIsLeftWithoutEditingLeavesThePortAlone) {
     EXPECT_FALSE(on.userDefaults.has("port"));
 }
 
+TEST_F(SettingsTabViewTest, ATabThatIsLeftAfterTheRestartDoesNotOfferItAgain) {
+    edit("9000");
+    click("restart");
+    ASSERT_FALSE(shows("restart"));
+    open(3);
+    open(0);
+    EXPECT_FALSE(shows("restart"));
+}
+
 TEST_F(SettingsTabViewTest, TheRestartStandsAfterThePort) {
     edit("9000");
     EXPECT_GE(part("restart")->mapToScene({}).x(), part("port")->mapToScene({part("port")->width(), 0}).x());

@@ -223,8 +223,6 @@ FocusScope {
         Separator { vertical: true; Layout.fillHeight: true }
 
         ColumnLayout {
-            Layout.fillWidth: true
-            Layout.fillHeight: true
             spacing: 0
             Label {
                 objectName: "recentCallsTitle"

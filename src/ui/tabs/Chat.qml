@@ -107,7 +107,7 @@ ColumnLayout {
 
             onMovementStarted: followsEnd = false
             onMovementEnded: followsEnd = atYEnd
-            onContentHeightChanged: if (followsEnd && !scroll.running) later(positionViewAtEnd)
+            onContentHeightChanged: if (followsEnd && !scroll.running) later(keepEnd)
             onScrolled: {
                 scroll.stop()
                 followsEnd = atYEnd
@@ -124,6 +124,12 @@ ColumnLayout {
                 // qmllint disable type
                 Qt.callLater(step) // The linter takes it for a value.
                 // qmllint enable type
+            }
+
+            /// Unless the user has left it since.
+            function keepEnd() {
+                if (followsEnd)
+                    positionViewAtEnd()
             }
 
             /// At once for another chat, animated when messages came or went.

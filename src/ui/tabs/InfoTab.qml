@@ -15,7 +15,6 @@ FocusScope {
         Accessible.name: "Info"
 
         FormSection {
-            Layout.fillWidth: true
             Item {
                 width: parent.width
                 height: 92
@@ -44,7 +43,6 @@ FocusScope {
         }
 
         FormSection {
-            Layout.fillWidth: true
             title: InfoTexts.descriptionSection
             Item {
                 width: parent.width
@@ -62,7 +60,6 @@ FocusScope {
         }
 
         FormSection {
-            Layout.fillWidth: true
             title: InfoTexts.developerSection
             FormRow {
                 title: InfoTexts.developerLabel
@@ -79,7 +76,6 @@ FocusScope {
         }
 
         FormSection {
-            Layout.fillWidth: true
             title: InfoTexts.supportSection
             FormRow {
                 title: InfoTexts.walletName

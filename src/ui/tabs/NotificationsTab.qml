@@ -174,8 +174,11 @@ FocusScope {
 
         Separator { Layout.fillWidth: true }
         RowLayout {
-            Layout.leftMargin: 16
-            Layout.rightMargin: 12
+            /// The rows above stand in the middle of a wide window.
+            readonly property real beside: Math.max(0, (tab.width - Theme.pageWidth) / 2)
+
+            Layout.leftMargin: beside + 16
+            Layout.rightMargin: beside + 12
             // A layout becomes as high as it may.
             Layout.maximumHeight: 34
             Label {

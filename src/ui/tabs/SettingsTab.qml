@@ -15,7 +15,6 @@ FocusScope {
         Accessible.name: "Settings"
 
         FormSection {
-            Layout.fillWidth: true
             title: SettingsTexts.serverSection
             footer: SettingsTexts.serverFooter
 
@@ -152,7 +151,6 @@ FocusScope {
         }
 
         FormSection {
-            Layout.fillWidth: true
             title: SettingsTexts.notificationsSection
             FormRow {
                 visible: tab.bridge.permission !== SettingsBridge.NoPermissionRow
@@ -180,7 +178,6 @@ FocusScope {
         }
 
         FormSection {
-            Layout.fillWidth: true
             title: SettingsTexts.generalSection
             FormRow {
                 title: SettingsTexts.launchAtLogin

@@ -203,13 +203,19 @@ TEST_F(TraylessMenuTest, TheEntryOfTheKeyboardHasARingThatIsSeen) {
     show();
     for (const bool isDark : {false, true}) {
         useDark(isDark);
-        const auto edge = [&](std::size_t row) {
+        const auto pixel = [&](std::size_t row, int y) {
             QPushButton* button = buttons().at(row);
-            return window.grab().toImage().pixelColor(button->mapTo(&window, QPoint(button->width() / 2, 0)));
+            return window.grab().toImage().pixelColor(button->mapTo(&window, QPoint(button->width() / 2, y)));
         };
-        buttons().at(1)->setFocus();
+        const auto edge = [&](std::size_t row) { return pixel(row, 0); };
+        // By the key: the toolkit's own mark shows only then.
+        buttons().at(0)->setFocus();
+        press(Qt::Key_Tab);
         const QColor ground = present(paletteColor("window"), isDark);
         EXPECT_EQ(edge(0), ground);
+        for (int y = 1; y < buttons().at(1)->height() - 1; ++y) {
+            EXPECT_EQ(pixel(1, y), ground) << "nothing else, in line " << y;
+        }
         EXPECT_GE(contrast(edge(1), ground), 3) << (isDark ? "dark" : "light");
     }
 }

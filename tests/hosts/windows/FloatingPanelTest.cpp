@@ -1,5 +1,6 @@
 #include "hosts/linux/windows/FloatingPanel.h"
 #include "desktop/WaitFor.h"
+#include "hosts/linux/windows/RoundedRegion.h"
 #include "hosts/windows/XClient.h"
 #include "tabs/Style.h"
 
@@ -10,7 +11,6 @@
 #include <QFontInfo>
 #include <QLabel>
 #include <QPainter>
-#include <QPainterPath>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -64,9 +64,7 @@ TEST(FloatingPanelLooks, WithoutACompositorItIsAsLargeAsItLooks) {
 TEST(FloatingPanelLooks, WithoutACompositorAMaskRoundsTheCornersOfAnOpaqueCard) {
     Panel panel;
     panel.show();
-    QPainterPath outline;
-    outline.addRoundedRect(panel.rect(), 14, 14);
-    EXPECT_EQ(panel.mask(), QRegion(outline.toFillPolygon().toPolygon()));
+    EXPECT_EQ(panel.mask(), roundedRegion(panel.size(), 14));
     const QImage image = panel.grab().toImage();
     QColor ground = named(paletteColor("panel"), false);
     ground.setAlpha(255);

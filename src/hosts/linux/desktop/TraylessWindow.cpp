@@ -32,7 +32,7 @@ const char* const sheet = R"(
     QLabel#line, QLabel#key { color: %2; }
     QFrame#separator { background: %4; border: none; }
     QPushButton { text-align: left; padding: 7px 10px; border: 1px solid transparent; border-radius: 6px;
-                  background: transparent; color: %1; }
+                  background: transparent; color: %1; outline: none; }
     QPushButton:hover { background: %3; }
     QPushButton:focus { border-color: %5; }
     QPushButton:pressed { background: %5; color: %6; }

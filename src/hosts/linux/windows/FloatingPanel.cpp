@@ -1,6 +1,7 @@
 #include "hosts/linux/windows/FloatingPanel.h"
 
 #include "hosts/linux/windows/Compositing.h"
+#include "hosts/linux/windows/RoundedRegion.h"
 #include "hosts/linux/windows/WindowSpaces.h"
 #include "tabs/Style.h"
 
@@ -10,7 +11,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QStyle>
 #include <QVBoxLayout>
 #include <QWindow>
@@ -205,9 +205,7 @@ void FloatingPanel::paintEvent(QPaintEvent*) {
 void FloatingPanel::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     if (shadow_ == 0) {
-        QPainterPath outline;
-        outline.addRoundedRect(rect(), cornerRadius, cornerRadius);
-        setMask(QRegion(outline.toFillPolygon().toPolygon()));
+        setMask(roundedRegion(size(), cornerRadius));
     }
 }
 

@@ -3,12 +3,12 @@
 #include "bridge/Views.h"
 #include "hosts/linux/windows/Compositing.h"
 #include "hosts/linux/windows/IdleMemory.h"
+#include "hosts/linux/windows/RoundedRegion.h"
 #include "hosts/linux/windows/ScreenHeight.h"
 #include "hosts/linux/windows/WindowSpaces.h"
 
 #include <QEvent>
 #include <QGuiApplication>
-#include <QPainterPath>
 #include <QPixmapCache>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -25,7 +25,7 @@ namespace velloway {
 
 namespace {
 
-constexpr double cornerRadius = 12;
+constexpr int cornerRadius = 12;
 /// How far two clicks on one button of a panel can be apart.
 constexpr double sameButton = 32;
 /// How long the main window stays open until what only its opening needed is given back, and closed until all
@@ -229,9 +229,7 @@ void roundCorners(ContentView& view) {
         view.setColor(Qt::transparent);
         return;
     }
-    QPainterPath outline;
-    outline.addRoundedRect(QRectF(QPointF(), QSizeF(view.size())), cornerRadius, cornerRadius);
-    view.setMask(QRegion(outline.toFillPolygon().toPolygon()));
+    view.setMask(roundedRegion(view.size(), cornerRadius));
 }
 
 /// Makes windows over one engine, which comes with the first of them.
