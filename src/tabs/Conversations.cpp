@@ -140,14 +140,19 @@ private:
     bool isAsciiQuery_;
 };
 
-/// The key of an address as far as it can be one of those with at most `longest` bytes, which saves lowering
-/// the case of an address of megabytes. Lower case makes at most one byte of three.
-std::optional<std::string> keyAmong(std::string_view address, std::size_t longest) {
+/// The key of an address, unless it is longer than all of `keys`, which saves lowering the case of an address
+/// of megabytes. Lower case makes at most one byte of three.
+template <class Keys, class KeyOf>
+std::optional<std::string> keyAmong(const Keys& keys, KeyOf keyOf, std::string_view address) {
     std::string digits = lastDigits(address, keyDigits);
-    if (digits.empty() && address.size() / 3 > longest) {
+    if (!digits.empty()) {
+        return digits;
+    }
+    const auto mayBeEqual = [&](const auto& each) { return keyOf(each).size() >= address.size() / 3; };
+    if (address.size() > longestName && std::none_of(keys.begin(), keys.end(), mayBeEqual)) {
         return std::nullopt;
     }
-    return digits.empty() ? lowerCased(address) : digits;
+    return lowerCased(address);
 }
 
 std::string_view firstCharacter(std::string_view text) {
@@ -209,14 +214,13 @@ DateContext dateContext(const Host& host) {
 } // namespace
 
 std::string normalizeAddress(std::string_view address) {
-    return *keyAmong(address, std::string_view::npos);
+    std::string digits = lastDigits(address, keyDigits);
+    return digits.empty() ? lowerCased(address) : digits;
 }
 
 CallNames::CallNames(const std::vector<CallRecord>& callLog) {
     for (const CallRecord& call : callLog) {
-        const auto [entry, isNew] =
-            names_.try_emplace(normalizeAddress(call.number), call.name ? std::string_view(*call.name) : "");
-        longestKey_ = std::max(longestKey_, entry->first.size());
+        names_.try_emplace(normalizeAddress(call.number), call.name ? std::string_view(*call.name) : "");
     }
 }
 
@@ -226,7 +230,8 @@ std::string_view CallNames::shownName(std::string_view address,
         return *providedName;
     }
     if (!names_.empty()) {
-        const auto key = keyAmong(address, longestKey_);
+        const auto key = keyAmong(
+            names_, [](const auto& name) { return std::string_view(name.first); }, address);
         const auto found = key ? names_.find(*key) : names_.end();
         if (found != names_.end() && !found->second.empty()) {
             return found->second;
@@ -271,11 +276,8 @@ std::vector<const SmsRecord*> activeMessages(const std::vector<Conversation>& al
     if (!activeRecipient) {
         return {};
     }
-    std::size_t longestKey = 0;
-    for (const Conversation& conversation : all) {
-        longestKey = std::max(longestKey, conversation.id.size());
-    }
-    const auto key = keyAmong(*activeRecipient, longestKey);
+    const auto key = keyAmong(
+        all, [](const Conversation& each) { return std::string_view(each.id); }, *activeRecipient);
     const auto thread = std::find_if(all.begin(), all.end(),
                                      [&](const Conversation& conversation) { return conversation.id == key; });
     return thread == all.end() ? std::vector<const SmsRecord*>() : thread->messages;

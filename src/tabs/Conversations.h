@@ -54,7 +54,6 @@ public:
 private:
     /// By key. The first call with a number decides, also when it has no name; that is kept as an empty text.
     std::unordered_map<std::string, std::string_view> names_;
-    std::size_t longestKey_ = 0;
 };
 
 /// Newest thread first.
