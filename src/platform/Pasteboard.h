@@ -20,6 +20,9 @@ public:
     /// the pasteboard has no plain-text form, or cannot be read. Answers keep the order of the calls. One that
     /// is open when the pasteboard ends is dropped.
     virtual void readString(std::function<void(std::optional<std::string>)> done) = 0;
+    /// The same for the text that is selected in any window, on desktops where the middle button of the mouse
+    /// pastes it; elsewhere there is none.
+    virtual void readSelection(std::function<void(std::optional<std::string>)> done) { done(std::nullopt); }
     /// False while the desktop keeps what lies on the pasteboard from this program.
     virtual bool isReadable() const { return true; }
 };

@@ -32,10 +32,9 @@ std::shared_ptr<CallWindows> CallWindows::make(const Dependencies& dependencies)
 void CallWindows::setupIncomingCallObservation() {
     cancellables_.push_back(on_.historyStore->incomingCallInfo.observeWithCurrent(
         [&main = on_.main, weak = weak_from_this()](const std::optional<IncomingCallInfo>& info) {
-            // The texts of a caller may be long, and the step is copied on its way.
             hop(main, weak,
-                [shared = std::make_shared<const std::optional<IncomingCallInfo>>(info)](CallWindows& self) {
-                    self.incomingCallChanged(*shared);
+                [caller = info ? std::make_shared<const IncomingCallInfo>(*info) : nullptr](CallWindows& self) {
+                    self.incomingCallChanged(caller);
                 });
         }));
 }
@@ -55,10 +54,10 @@ template <class Step> void CallWindows::followLater(AppNotification notification
         }));
 }
 
-void CallWindows::incomingCallChanged(const std::optional<IncomingCallInfo>& info) {
+void CallWindows::incomingCallChanged(const Caller& info) {
     if (info) {
         on_.log.line({area, "Incoming call detected: ", info->number});
-        showIncomingCallBanner(*info);
+        showIncomingCallBanner(info);
     } else {
         on_.log.line({area, "Incoming call cleared"});
         closeIncomingCallBanner();
@@ -96,7 +95,7 @@ void CallWindows::place(Window& panel) {
     }
 }
 
-void CallWindows::showIncomingCallBanner(const IncomingCallInfo& info) {
+void CallWindows::showIncomingCallBanner(const Caller& info) {
     if (incomingCallWindow_) {
         incomingCallWindow_->setContent(createBannerView(info));
         incomingCallWindow_->setIsVisible(true);
@@ -112,15 +111,14 @@ void CallWindows::showIncomingCallBanner(const IncomingCallInfo& info) {
     incomingCallWindow_ = panel;
 }
 
-std::shared_ptr<IncomingCallBanner> CallWindows::createBannerView(const IncomingCallInfo& info) {
+std::shared_ptr<IncomingCallBanner> CallWindows::createBannerView(const Caller& info) {
     const auto self = shared_from_this();
     return std::make_shared<IncomingCallBanner>(
         info,
-        [self, shared = std::make_shared<const IncomingCallInfo>(info)] {
+        [self, info] {
             self->on_.server.answerCall();
-            self->on_.notifications.post(
-                AppNotification::prepareActiveCall,
-                TextMap{{"number", shared->number}, {"name", shared->name.value_or("")}});
+            self->on_.notifications.post(AppNotification::prepareActiveCall,
+                                         TextMap{{"number", info->number}, {"name", info->name.value_or("")}});
             self->on_.historyStore->incomingCallInfo.set(std::nullopt);
         },
         [self] {

@@ -32,6 +32,8 @@ public:
         Log& log;
     };
 
+    using Caller = std::shared_ptr<const IncomingCallInfo>;
+
     static std::shared_ptr<CallWindows> make(const Dependencies& dependencies);
     CallWindows(const CallWindows&) = delete;
     CallWindows& operator=(const CallWindows&) = delete;
@@ -42,10 +44,10 @@ public:
     void setupCallEndObservation();
 
     /// Updates the open panel in place, or opens one.
-    void showIncomingCallBanner(const IncomingCallInfo& info);
+    void showIncomingCallBanner(const Caller& info);
     void closeIncomingCallBanner();
     /// The callbacks keep these windows alive.
-    std::shared_ptr<IncomingCallBanner> createBannerView(const IncomingCallInfo& info);
+    std::shared_ptr<IncomingCallBanner> createBannerView(const Caller& info);
 
     /// An open panel stays as it is.
     void showActiveCallWindow(const std::string& name, const std::string& number);
@@ -55,7 +57,8 @@ private:
     explicit CallWindows(const Dependencies& dependencies) : on_(dependencies) {}
 
     template <class Step> void followLater(AppNotification notification, Step step);
-    void incomingCallChanged(const std::optional<IncomingCallInfo>& info);
+    /// Null: no call rings.
+    void incomingCallChanged(const Caller& info);
     void prepareActiveCall(const AppNotificationObject& object);
     void durationUpdated(const AppNotificationObject& object);
     void place(Window& panel);

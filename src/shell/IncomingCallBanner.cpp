@@ -18,8 +18,8 @@ bool isKnown(std::string_view text) {
 
 BannerText IncomingCallBanner::text() const {
     const std::string_view name =
-        trimBlanksAndLineEnds(info.name ? std::string_view(*info.name) : std::string_view());
-    const std::string_view number = trimBlanksAndLineEnds(info.number);
+        trimBlanksAndLineEnds(info->name ? std::string_view(*info->name) : std::string_view());
+    const std::string_view number = trimBlanksAndLineEnds(info->number);
     const bool hasName = isKnown(name);
     const bool hasNumber = isKnown(number);
 

@@ -4,6 +4,7 @@
 #include "state/Records.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,10 +13,12 @@ namespace velloway {
 
 /// What the panel of a ringing call shows and does. A value: another caller is another banner. Main thread.
 struct IncomingCallBanner : CallPanelContent {
-    IncomingCallBanner(IncomingCallInfo shownInfo, std::function<void()> answer, std::function<void()> hangup)
+    IncomingCallBanner(std::shared_ptr<const IncomingCallInfo> shownInfo, std::function<void()> answer,
+                       std::function<void()> hangup)
         : info(std::move(shownInfo)), onAnswer(std::move(answer)), onHangup(std::move(hangup)) {}
 
-    const IncomingCallInfo info;
+    /// Shared with whatever else needs it: the texts of a caller may be large.
+    const std::shared_ptr<const IncomingCallInfo> info;
     const std::function<void()> onAnswer;
     const std::function<void()> onHangup;
 

@@ -15,7 +15,8 @@ namespace velloway {
 /// the property; one may leave, or others join, while they run.
 template <class... Args> class ObserverList {
 public:
-    using Observer = std::function<void(Args...)>;
+    /// By reference: a copy of a long history for each observer would hold the window up.
+    using Observer = std::function<void(const Args&...)>;
 
     [[nodiscard]] Subscription add(Observer observer) {
         const std::uint64_t id = ++state_->lastId;

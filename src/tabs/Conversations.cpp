@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <utility>
 
 namespace velloway {
@@ -22,47 +20,14 @@ constexpr double millisecondsPerSecond = 1000;
 /// In bytes. What follows makes no difference to initials that anyone could see.
 constexpr std::size_t longestName = 4096;
 
-/// Whether none of eight ASCII characters is a digit.
-bool hasNoDigit(const char* from) {
-    constexpr std::uint64_t everyByte = 0x0101010101010101;
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, from, sizeof bytes);
-    // What is no digit is ten or more with the bits of '0' turned over, and reaches the highest bit then.
-    return (((bytes ^ '0' * everyByte) + (0x80 - 10) * everyByte) & 0x80 * everyByte) == 0x80 * everyByte;
-}
-
-/// The last ten digits, in reading order; empty when there are none.
-std::string lastAsciiDigits(std::string_view address) {
-    std::array<char, keyDigits> digits{};
-    std::size_t count = 0;
-    for (std::size_t at = address.size(); at > 0 && count < keyDigits; --at) {
-        while (at >= 8 && hasNoDigit(address.data() + at - 8)) {
-            at -= 8;
-        }
-        if (at == 0) {
-            break;
-        }
-        const char c = address[at - 1];
-        if (c >= '0' && c <= '9') {
-            digits[keyDigits - ++count] = c;
-        }
-    }
-    return {digits.data() + keyDigits - count, count};
-}
-
-std::string lastCharacters(std::string text, std::size_t count) {
-    const auto characters = graphemes(text);
-    if (characters.size() <= count) {
-        return text;
-    }
-    return text.substr(static_cast<std::size_t>(characters[characters.size() - count].data() - text.data()));
-}
-
 /// Brings records in the order of a log into the order of their dates; those of one date keep their order.
 void sortByDate(std::vector<const SmsRecord*>& records) {
     const auto isEarlier = [](const SmsRecord* a, const SmsRecord* b) { return a->date < b->date; };
     const auto isNotLater = [](const SmsRecord* a, const SmsRecord* b) { return a->date <= b->date; };
-    // Phones send the newest message first.
+    // Phones send the newest message first; what the user sends comes at the end.
+    if (std::is_sorted(records.begin(), records.end(), isEarlier)) {
+        return;
+    }
     if (std::adjacent_find(records.begin(), records.end(), isNotLater) == records.end()) {
         std::reverse(records.begin(), records.end());
     } else {
@@ -85,6 +50,10 @@ public:
     }
 
     std::vector<Conversation> finish() && {
+        while (!indices_.empty()) {
+            auto entry = indices_.extract(indices_.begin());
+            threads_[entry.mapped()].conversation.id = std::move(entry.key());
+        }
         std::vector<Conversation> out;
         out.reserve(threads_.size());
         for (Thread& thread : threads_) {
@@ -109,7 +78,7 @@ private:
         std::string key = normalizeAddress(address);
         const auto [entry, isNew] = indices_.try_emplace(std::move(key), threads_.size());
         if (isNew) {
-            threads_.push_back({.conversation = {.id = entry->first}});
+            threads_.emplace_back();
         }
         return threads_[entry->second];
     }
@@ -171,6 +140,21 @@ private:
     bool isAsciiQuery_;
 };
 
+/// The key of an address, unless it is longer than all of `keys`, which saves lowering the case of an address
+/// of megabytes. Lower case makes at most one byte of three.
+template <class Keys, class KeyOf>
+std::optional<std::string> keyAmong(const Keys& keys, KeyOf keyOf, std::string_view address) {
+    std::string digits = lastDigits(address, keyDigits);
+    if (!digits.empty()) {
+        return digits;
+    }
+    const auto mayBeEqual = [&](const auto& each) { return keyOf(each).size() >= address.size() / 3; };
+    if (address.size() > longestName && std::none_of(keys.begin(), keys.end(), mayBeEqual)) {
+        return std::nullopt;
+    }
+    return lowerCased(address);
+}
+
 std::string_view firstCharacter(std::string_view text) {
     const bool standsAlone = !text.empty() && text[0] != '\r' && isAscii(text.substr(0, 2));
     return standsAlone ? text.substr(0, 1) : firstGrapheme(text);
@@ -230,17 +214,13 @@ DateContext dateContext(const Host& host) {
 } // namespace
 
 std::string normalizeAddress(std::string_view address) {
-    if (isAscii(address)) {
-        std::string key = lastAsciiDigits(address);
-        return key.empty() ? lowerCased(address) : key;
-    }
-    std::string digits = digitsOnly(address);
-    return digits.empty() ? lowerCased(address) : lastCharacters(std::move(digits), keyDigits);
+    std::string digits = lastDigits(address, keyDigits);
+    return digits.empty() ? lowerCased(address) : digits;
 }
 
 CallNames::CallNames(const std::vector<CallRecord>& callLog) {
     for (const CallRecord& call : callLog) {
-        names_.try_emplace(normalizeAddress(call.number), call.name.value_or(""));
+        names_.try_emplace(normalizeAddress(call.number), call.name ? std::string_view(*call.name) : "");
     }
 }
 
@@ -250,7 +230,9 @@ std::string_view CallNames::shownName(std::string_view address,
         return *providedName;
     }
     if (!names_.empty()) {
-        const auto found = names_.find(normalizeAddress(address));
+        const auto key = keyAmong(
+            names_, [](const auto& name) { return std::string_view(name.first); }, address);
+        const auto found = key ? names_.find(*key) : names_.end();
         if (found != names_.end() && !found->second.empty()) {
             return found->second;
         }
@@ -294,7 +276,8 @@ std::vector<const SmsRecord*> activeMessages(const std::vector<Conversation>& al
     if (!activeRecipient) {
         return {};
     }
-    const std::string key = normalizeAddress(*activeRecipient);
+    const auto key = keyAmong(
+        all, [](const Conversation& each) { return std::string_view(each.id); }, *activeRecipient);
     const auto thread = std::find_if(all.begin(), all.end(),
                                      [&](const Conversation& conversation) { return conversation.id == key; });
     return thread == all.end() ? std::vector<const SmsRecord*>() : thread->messages;

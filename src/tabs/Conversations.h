@@ -34,7 +34,8 @@ struct Conversation {
     const SmsRecord* lastMessage() const { return messages.empty() ? nullptr : messages.back(); }
 };
 
-/// The names that the call log knows, ready for many questions. It copies what it needs.
+/// The names that the call log knows, ready for many questions. They point into the log, which must live
+/// unchanged as long as this.
 class CallNames {
 public:
     CallNames() = default;
@@ -46,13 +47,13 @@ public:
                             std::optional<std::string_view> providedName = std::nullopt) const {
         return std::string(shownName(address, providedName));
     }
-    /// The same without a copy; valid as long as the arguments and this.
+    /// The same without a copy; valid as long as the arguments and the log.
     std::string_view shownName(std::string_view address,
                                std::optional<std::string_view> providedName = std::nullopt) const;
 
 private:
     /// By key. The first call with a number decides, also when it has no name; that is kept as an empty text.
-    std::unordered_map<std::string, std::string> names_;
+    std::unordered_map<std::string, std::string_view> names_;
 };
 
 /// Newest thread first.

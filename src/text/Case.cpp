@@ -3,8 +3,11 @@
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
 #include <unicode/stringpiece.h>
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
 
 #include <algorithm>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -43,6 +46,34 @@ void flipCase(std::string& asciiText, char first) {
     }
 }
 
+constexpr std::size_t planeSize = 0x10000;
+
+/// The characters of the first plane that are not lower-case already.
+const std::bitset<planeSize>& notLowerCase() {
+    static const std::bitset<planeSize> characters = [] {
+        std::bitset<planeSize> changed;
+        for (std::size_t c = 0; c < planeSize; ++c) {
+            changed[c] = u_tolower(static_cast<UChar32>(c)) != static_cast<UChar32>(c);
+        }
+        return changed;
+    }();
+    return characters;
+}
+
+/// Whether a text is its own lower-case form. Many times as fast as the full mapping.
+bool isLowerCase(std::string_view text) {
+    const std::bitset<planeSize>& changed = notLowerCase();
+    for (std::size_t at = 0; at < text.size();) {
+        UChar32 c = 0;
+        U8_NEXT(text.data(), at, text.size(), c);
+        if (c < 0 ||
+            (c < static_cast<UChar32>(planeSize) ? changed[static_cast<std::size_t>(c)] : u_tolower(c) != c)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 std::string mapped(std::string_view text, char (*ascii)(char), Mapping map) {
     constexpr auto longest = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
     std::string out;
@@ -66,9 +97,14 @@ std::string mapped(std::string_view text, char (*ascii)(char), Mapping map) {
 } // namespace
 
 bool isAscii(std::string_view text) {
+    constexpr std::size_t block = 64;
     std::size_t at = 0;
-    for (; at + 8 <= text.size(); at += 8) {
-        if ((eightBytes(text.data() + at) & highBits) != 0) {
+    for (; at + block <= text.size(); at += block) {
+        std::uint64_t bytes = 0;
+        for (std::size_t i = at; i < at + block; i += 8) {
+            bytes |= eightBytes(text.data() + i);
+        }
+        if ((bytes & highBits) != 0) {
             return false;
         }
     }
@@ -81,7 +117,8 @@ std::string upperCased(std::string_view text) {
 }
 
 std::string lowerCased(std::string_view text) {
-    return mapped(text, lowerAscii, &icu::CaseMap::utf8ToLower);
+    return !isAscii(text) && isLowerCase(text) ? std::string(text)
+                                               : mapped(text, lowerAscii, &icu::CaseMap::utf8ToLower);
 }
 
 } // namespace velloway

@@ -24,6 +24,11 @@ char32_t takeCodePoint(std::string_view& text) {
 }
 
 char32_t takeLastCodePoint(std::string_view& text) {
+    if (U8_IS_SINGLE(static_cast<std::uint8_t>(text.back()))) {
+        const auto ascii = static_cast<char32_t>(text.back());
+        text.remove_suffix(1);
+        return ascii;
+    }
     constexpr std::size_t longest = U8_MAX_LENGTH;
     const std::string_view end = text.substr(text.size() - std::min(text.size(), longest));
     auto start = static_cast<std::int32_t>(end.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,9 @@ namespace velloway {
 /// What is left of `text` when everything but decimal digits is taken out. Digits of any script stay, as they
 /// are.
 std::string digitsOnly(std::string_view text);
+
+/// The end of that, with at most `count` digits. Reads `text` from its end and no further than needed.
+std::string lastDigits(std::string_view text, std::size_t count);
 
 /// Of any script.
 bool isDecimalDigit(char32_t codePoint);

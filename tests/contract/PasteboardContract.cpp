@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -104,6 +105,17 @@ protected:
         owner.waitForFinished();
     }
 
+    /// Selects text in another process.
+    void otherSelects(const QByteArray& text) {
+        QClipboard* const clipboard = QGuiApplication::clipboard();
+        clipboard->setText("until somebody else comes", QClipboard::Selection);
+        ASSERT_TRUE(clipboard->ownsSelection());
+        owner.start("xclip", {"-quiet", "-selection", "primary", "-in"});
+        owner.write(text);
+        owner.closeWriteChannel();
+        ASSERT_TRUE(waitFor([&] { return !clipboard->ownsSelection(); }));
+    }
+
     /// Puts text on the clipboard from another process, which then owns it.
     void otherOwns(const QByteArray& text, const QStringList& extra = {}) {
         QClipboard* const clipboard = QGuiApplication::clipboard();
@@ -132,9 +144,10 @@ protected:
         return reader.readAllStandardOutput();
     }
 
-    std::optional<std::string> read() {
+    std::optional<std::string>
+    read(void (Pasteboard::*from)(std::function<void(std::optional<std::string>)>) = &Pasteboard::readString) {
         std::vector<std::optional<std::string>> answers;
-        pasteboard.readString([&](auto text) { answers.push_back(std::move(text)); });
+        (pasteboard.*from)([&](auto text) { answers.push_back(std::move(text)); });
         EXPECT_TRUE(answers.empty()) << "answered inside the call";
         EXPECT_TRUE(waitFor([&] { return !answers.empty(); }));
         return answers.empty() ? std::nullopt : answers.at(0);
@@ -206,6 +219,26 @@ TEST_F(LinuxPasteboardTest, WhatIsReadIsTextWithItsByteOrderMark) {
         owner.kill();
         owner.waitForFinished();
     }
+}
+
+TEST_F(LinuxPasteboardTest, TheTextSelectedInAnotherProgramIsReadForItself) {
+    pasteboard.clearContents();
+    pasteboard.setString("clipboard");
+    const QByteArray large(1024 * 1024, 'y');
+    for (const QByteArray& text : {QByteArray("von außen 👋"), large}) {
+        otherSelects(text);
+        EXPECT_TRUE(read(&Pasteboard::readSelection) == text.toStdString()) << text.size();
+        owner.kill();
+        owner.waitForFinished();
+    }
+    EXPECT_TRUE(waitFor([this] { return !read(&Pasteboard::readSelection); }));
+}
+
+TEST_F(LinuxPasteboardTest, TheTextSelectedInAnOwnWindowIsReadAtOnce) {
+    QGuiApplication::clipboard()->setText("selected", QClipboard::Selection);
+    std::optional<std::string> text;
+    pasteboard.readSelection([&](auto answer) { text = std::move(answer); });
+    EXPECT_EQ(text, "selected");
 }
 
 TEST_F(LinuxPasteboardTest, AnOwnerThatDoesNotAnswerHoldsNothingUp) {

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QGuiApplication>
+#include <QApplication>
 
 #include <memory>
 #include <optional>
@@ -85,7 +85,7 @@ TEST_F(LinuxStatusItemTest, ComesBackOnceWhenTheTrayRestarts) {
     }
 }
 
-TEST_F(LinuxStatusItemTest, TellsOfEachChangeOfItsReachability) {
+TEST_F(LinuxStatusItemTest, ReportsEachChangeOfItsReachability) {
     std::vector<bool> heard;
     QObject::connect(item.get(), &LinuxStatusItem::reachabilityChanged,
                      [&] { heard.push_back(item->isReachable()); });
@@ -159,6 +159,22 @@ TEST_F(LinuxStatusItemTest, HasANameAndAnIconThatIsNotBlank) {
     for (const QJsonValue& opaque : shown["opaque"].toArray()) {
         EXPECT_TRUE(opaque.toBool());
     }
+}
+
+TEST_F(LinuxStatusItemTest, ANewImageShowsAtOnceAndInTheColourOfThePanel) {
+    startTray();
+    ASSERT_TRUE(isShown());
+    const auto image = [this]() -> QJsonValue { return tray->ask("item").toObject()["sums"]; };
+    const QJsonValue first = image();
+    EXPECT_FALSE(first.toArray().isEmpty());
+    item->setImage({.kind = StatusImage::Kind::symbol, .name = "antenna.radiowaves.left.and.right"});
+    EXPECT_TRUE(waitFor([&] { return image() != first; }));
+    const QJsonValue second = image();
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(QPalette(QColor(0x2a, 0x2a, 0x2a), QColor(0x2a, 0x2a, 0x2a)));
+    EXPECT_TRUE(waitFor([&] { return image() != second; }));
+    QApplication::setPalette(before);
+    EXPECT_TRUE(waitFor([&] { return image() == second; }));
 }
 
 TEST_F(LinuxStatusItemTest, KnowsWhichImagesThereAre) {

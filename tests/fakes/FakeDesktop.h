@@ -57,22 +57,46 @@ public:
         return true;
     }
     void readString(std::function<void(std::optional<std::string>)> done) override {
-        done(isLocked ? std::nullopt : content);
+        answer(std::move(done), content);
+    }
+    void readSelection(std::function<void(std::optional<std::string>)> done) override {
+        answer(std::move(done), selection);
     }
     bool isReadable() const override { return !isLocked; }
+    /// Answers what was asked while `isSlow`.
+    void answerOpen() {
+        for (const auto& each : std::exchange(open_, {})) {
+            each();
+        }
+    }
 
     std::optional<std::string> content;
+    /// The text that is selected in some window.
+    std::optional<std::string> selection;
+    /// As while the owner of the clipboard does not answer.
+    bool isSlow = false;
     /// As on a desktop that lets only the program in front use its clipboard.
     bool isLocked = false;
 
 private:
+    using Done = std::function<void(std::optional<std::string>)>;
+
     void note(std::string entry) {
         if (journal_) {
             journal_->note(std::move(entry));
         }
     }
+    void answer(Done done, const std::optional<std::string>& text) {
+        const auto step = [this, done = std::move(done), &text] { done(isLocked ? std::nullopt : text); };
+        if (isSlow) {
+            open_.emplace_back(step);
+        } else {
+            step();
+        }
+    }
 
     Journal* journal_;
+    std::vector<std::function<void()>> open_;
 };
 
 class FakeMemory : public Memory {

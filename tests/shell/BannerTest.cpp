@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
+
 namespace velloway::test {
 namespace {
 
@@ -19,7 +21,9 @@ class RingingTextTest : public testing::TestWithParam<RingingCase> {};
 
 TEST_P(RingingTextTest, ShowsWhoIsCalling) {
     const IncomingCallBanner banner(
-        {.number = GetParam().number, .name = GetParam().name}, [] {}, [] {});
+        std::make_shared<const IncomingCallInfo>(
+            IncomingCallInfo{.number = GetParam().number, .name = GetParam().name}),
+        [] {}, [] {});
     EXPECT_EQ(banner.text(), (BannerText{GetParam().firstLine, GetParam().secondLine, "Incoming Call"}));
 }
 
@@ -37,7 +41,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(IncomingCallBannerTest, TheLeftButtonDeclinesAndTheRightOneAccepts) {
     std::string pressed;
     IncomingCallBanner banner(
-        {.number = "1"}, [&] { pressed += "answer "; }, [&] { pressed += "hangup "; });
+        std::make_shared<const IncomingCallInfo>(IncomingCallInfo{.number = "1"}),
+        [&] { pressed += "answer "; }, [&] { pressed += "hangup "; });
     CallPanelContent& content = banner;
     content.pressLeft();
     content.pressRight();

@@ -258,8 +258,8 @@ TEST_F(CallWindowsTest, TheEndOfACallClearsTheStoreAlsoWhenNothingRings) {
 }
 
 TEST_F(CallWindowsTest, AButtonStillWorksWhenNobodyElseHoldsTheWindows) {
-    const IncomingCallInfo info{.number = "1"};
-    store->incomingCallInfo.set(info);
+    const auto info = std::make_shared<const IncomingCallInfo>(IncomingCallInfo{.number = "1"});
+    store->incomingCallInfo.set(*info);
     const auto banner = windows->createBannerView(info);
     windows.reset();
     banner->onHangup();

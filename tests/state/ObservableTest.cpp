@@ -24,6 +24,19 @@ TEST(Observable, RunsObserversInTheirOrderWithTheNewValue) {
     EXPECT_EQ(seen, (std::vector<int>{2, -2, 5, -5}));
 }
 
+TEST(Observable, GivesItsObserversTheValueItselfAndNoCopies) {
+    Observable<std::string> value;
+    AppNotificationCenter center;
+    std::vector<const void*> seen;
+    const auto ofValue = value.observe([&](const std::string& now) { seen.push_back(&now); });
+    const auto ofCenter = center.observe(AppNotification::smsHistoryUpdated,
+                                         [&](const AppNotificationObject& now) { seen.push_back(&now); });
+    value.set("a");
+    const AppNotificationObject object = std::string("b");
+    center.post(AppNotification::smsHistoryUpdated, object);
+    EXPECT_EQ(seen, (std::vector<const void*>{&value.get(), &object}));
+}
+
 TEST(Observable, GivesTheCurrentValueOnlyWhenAsked) {
     Observable<int> value{1};
     std::vector<int> seen;

@@ -1,6 +1,7 @@
 #include "text/Case.h"
 
 #include <gtest/gtest.h>
+#include <unicode/unistr.h>
 
 namespace velloway::test {
 
@@ -40,6 +41,18 @@ TEST(Case, KnowsAsciiByItsHighestBit) {
     }
     for (const std::string_view text : {"\x80", "a\x80", "\u00E9", "\xFF"}) {
         EXPECT_FALSE(isAscii(text));
+    }
+}
+
+TEST(Case, EveryCharacterBecomesWhatTheFullMappingMakesOfIt) {
+    for (char32_t c = 0x80; c < 0x110000; ++c) {
+        if (c >= 0xD800 && c < 0xE000) {
+            continue;
+        }
+        std::string text;
+        icu::UnicodeString(static_cast<UChar32>(c)).toUTF8String(text);
+        // The capital before it keeps the whole from being lower-case already.
+        EXPECT_EQ("a " + lowerCased(text), lowerCased("A " + text)) << static_cast<unsigned>(c);
     }
 }
 

@@ -122,41 +122,6 @@ TEST_F(FieldTextTest, APartIsCopiedWithWhatItStandsFor) {
     EXPECT_EQ(pasteboard.content, text.substr(text.size() - 5, 3));
 }
 
-TEST_F(FieldTextTest, AShortTextOfTheClipboardIsLeftToTheField) {
-    std::vector<std::string> arrived;
-    QObject::connect(&field, &FieldText::arrived,
-                     [&](const QString& text) { arrived.push_back(text.toStdString()); });
-    QObject::connect(&field, &FieldText::longTextArrived, [&] { arrived.emplace_back("(long)"); });
-    field.readClipboard();
-    pasteboard.content = "";
-    field.readClipboard();
-    EXPECT_THAT(arrived, IsEmpty());
-    pasteboard.content = "short";
-    field.readClipboard();
-    value.set(longText());
-    field.readClipboard();
-    EXPECT_THAT(arrived, ElementsAre("short", "(long)"));
-}
-
-TEST_F(FieldTextTest, ALongTextOfTheClipboardTakesThePlaceOfASelection) {
-    const std::string text = longText();
-    value.set("before after");
-    pasteboard.content = text;
-    int cursor = -1;
-    QObject::connect(&field, &FieldText::longTextArrived, [&] { cursor = field.insertArrived(7, 9); });
-    field.readClipboard();
-    EXPECT_EQ(value.get(), "before " + text + "ter");
-    EXPECT_EQ(field.shown().mid(cursor), "ter");
-    QObject::disconnect(&field, &FieldText::longTextArrived, nullptr, nullptr);
-
-    pasteboard.content = "more";
-    QObject::connect(&field, &FieldText::longTextArrived,
-                     [&] { cursor = field.insertArrived(0, static_cast<int>(field.shown().size())); });
-    field.readClipboard();
-    EXPECT_EQ(value.get(), "more");
-    EXPECT_EQ(cursor, 4);
-}
-
 TEST_F(FieldTextTest, LineBreaksAreFoundWhereverTheyAre) {
     for (const char* mark : {"\n", "\r", "\u2028", "\u2029"}) {
         std::string text = longText();
@@ -176,18 +141,14 @@ TEST_F(FieldTextTest, WhatIsTypedWithoutEndIsShortenedAtLast) {
     EXPECT_EQ(value.get(), std::string(30'000, 'x'));
 }
 
-TEST_F(FieldTextTest, AClipboardThatAnswersAfterTheFieldHasGoneIsIgnored) {
-    class Late : public FakePasteboard {
-    public:
-        void readString(std::function<void(std::optional<std::string>)> done) override {
-            waiting = std::move(done);
-        }
-        std::function<void(std::optional<std::string>)> waiting;
-    } late;
-    auto gone = std::make_unique<FieldText>(value, late);
-    gone->readClipboard();
+TEST_F(FieldTextTest, AClipboardThatAnswersWhenTheTextHasGoneIsIgnored) {
+    pasteboard.isSlow = true;
+    pasteboard.content = "text";
+    QObject view;
+    auto gone = std::make_unique<FieldText>(value, pasteboard);
+    gone->pasteClipboard(&view);
     gone.reset();
-    late.waiting("text");
+    pasteboard.answerOpen();
     EXPECT_EQ(value.get(), "");
 }
 
@@ -256,10 +217,136 @@ TEST_F(LongFieldTest, AShortTextIsPastedAtTheCursorAndCanBeUndone) {
 
 TEST_F(LongFieldTest, OnlyTheFieldThatAskedTakesTheText) {
     on.pasteboard.content = "found";
+    on.pasteboard.isSlow = true;
     part("search")->forceActiveFocus();
     control(Qt::Key_V);
+    part("composer")->forceActiveFocus();
+    on.pasteboard.answerOpen();
     EXPECT_EQ(state().sms.contactQuery.get(), "found");
     EXPECT_EQ(typed(), "");
+}
+
+TEST_F(LongFieldTest, AFieldThatHasGoneLeavesNothingToTheNextOneOfItsText) {
+    open(1);
+    for (const char* person : {"Ada", "Bob"}) {
+        program.historyStore().add(
+            {.app = "Chat", .title = person, .body = "hello", .time = 1.7e9, .key = person});
+    }
+    settle();
+    for (const std::string& text : {std::string("found"), longText()}) {
+        on.pasteboard.content = text;
+        on.pasteboard.isSlow = true;
+        state().notifications.replyText.set("");
+        click(all("reply").at(0));
+        control(Qt::Key_V);
+        key(Qt::Key_Escape);
+        click(all("reply").at(1));
+        on.pasteboard.answerOpen();
+        settle();
+        EXPECT_EQ(state().notifications.replyText.get(), "");
+        on.pasteboard.isSlow = false;
+        control(Qt::Key_V);
+        EXPECT_TRUE(state().notifications.replyText.get() == text);
+        key(Qt::Key_Escape);
+    }
+}
+
+TEST_F(LongFieldTest, TypingGoesOnWhileTheOwnerOfTheClipboardIsSilent) {
+    on.pasteboard.content = "2";
+    on.pasteboard.isSlow = true;
+    type("1");
+    control(Qt::Key_V);
+    control(Qt::Key_V);
+    type("3");
+    EXPECT_EQ(typed(), "13");
+    on.pasteboard.answerOpen();
+    EXPECT_EQ(typed(), "1322");
+    on.pasteboard.isSlow = false;
+    on.pasteboard.content = "";
+    control(Qt::Key_V);
+    on.pasteboard.content.reset();
+    control(Qt::Key_V);
+    EXPECT_EQ(typed(), "1322");
+}
+
+TEST_F(LongFieldTest, ALongTextTakesThePlaceOfASelection) {
+    on.pasteboard.content = longText();
+    type("before after");
+    QMetaObject::invokeMethod(part("composer"), "select", Q_ARG(int, 7), Q_ARG(int, 9));
+    control(Qt::Key_V);
+    EXPECT_TRUE(typed() == "before " + longText() + "ter");
+    type("!");
+    EXPECT_TRUE(typed() == "before " + longText() + "!ter");
+    on.pasteboard.content = "more";
+    control(Qt::Key_A);
+    control(Qt::Key_V);
+    EXPECT_EQ(typed(), "more");
+    EXPECT_EQ(part("composer")->property("cursorPosition").toInt(), 4);
+}
+
+TEST_F(LongFieldTest, TheMiddleButtonPastesTheSelectedTextWhereItIsPressed) {
+    QQuickItem* const field = part("composer");
+    on.pasteboard.content = "clipboard";
+    const auto pressMiddle = [&](double x) {
+        const QPointF at = field->mapToScene({x, field->height() / 2});
+        QTest::mouseClick(&openWindow(), Qt::MiddleButton, {}, at.toPoint());
+        settle();
+    };
+    type("ab");
+    control(Qt::Key_A);
+    part("search")->forceActiveFocus();
+    pressMiddle(field->width() - 10);
+    EXPECT_EQ(typed(), "ab") << "nothing is selected";
+    on.pasteboard.selection = "c";
+    pressMiddle(field->width() - 10);
+    EXPECT_EQ(typed(), "abc");
+    EXPECT_TRUE(field->hasActiveFocus());
+    on.pasteboard.selection = longText();
+    pressMiddle(1);
+    EXPECT_TRUE(typed() == longText() + "abc");
+    EXPECT_LT(ViewHarness::text("composer").size(), 10'000);
+}
+
+TEST_F(LongFieldTest, AKeyPastesTheSelectedTextToo) {
+    on.pasteboard.content = "clipboard";
+    on.pasteboard.selection = "selected";
+    key(Qt::Key_Insert, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(typed(), "selected");
+    key(Qt::Key_Insert, Qt::ShiftModifier);
+    EXPECT_EQ(typed(), "selectedclipboard");
+}
+
+class PortFieldTest : public ViewTest {
+protected:
+    PortFieldTest() {
+        open(0);
+        part("port")->forceActiveFocus();
+        key(Qt::Key_A, Qt::ControlModifier);
+    }
+    void paste(const std::string& text) {
+        on.pasteboard.content = text;
+        key(Qt::Key_V, Qt::ControlModifier);
+    }
+};
+
+TEST_F(PortFieldTest, APortIsPastedWithoutWaitingForTheOwnerOfTheClipboard) {
+    on.pasteboard.isSlow = true;
+    paste("9000");
+    EXPECT_EQ(text("port"), "8765");
+    on.pasteboard.answerOpen();
+    EXPECT_EQ(text("port"), "9000");
+    EXPECT_EQ(state().settings.port.get(), 8765);
+    key(Qt::Key_Return);
+    EXPECT_EQ(state().settings.port.get(), 9000);
+}
+
+TEST_F(PortFieldTest, ALongTextIsShownByItsEndsAndIsNoPort) {
+    paste(longText());
+    EXPECT_TRUE(text("port").contains(ellipsis));
+    EXPECT_LT(text("port").size(), 10'000);
+    key(Qt::Key_Return);
+    EXPECT_EQ(text("port"), "8765");
+    EXPECT_EQ(state().settings.port.get(), 8765);
 }
 
 TEST_F(LongFieldTest, NothingSelectedIsNotCopied) {

@@ -1,6 +1,7 @@
-// How the SMS tab copes with a long history. Prints what it measured; fails only on gross slowness, since
-// machines that run tests are shared. A frame is timed from the change that asks for it to the moment in which
-// it is swapped; the processor time is that of this process over the same stretch.
+// How the SMS tab copes with a long history. Prints what it measured. A change is to be on screen within a
+// frame; since machines that run tests are shared and differ, it may take two of processor time here, and five
+// once. A frame is timed from the change that asks for it to the moment in which it is swapped; the processor
+// time is that of this process over the same stretch.
 #include "ui/ViewTest.h"
 
 #include <QElapsedTimer>
@@ -14,6 +15,13 @@ namespace {
 
 constexpr int threadCount = 500;
 constexpr int messageCount = 10'000;
+
+/// Milliseconds.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr double frame = 16 * 30;
+#else
+constexpr double frame = 16;
+#endif
 
 double processorMilliseconds() {
     timespec now{};
@@ -79,11 +87,12 @@ protected:
         std::sort(values.begin(), values.end());
         return values[values.size() / 2];
     }
-    static double report(const char* what, const Times& times) {
+    static void report(const char* what, const Times& times) {
         const double worst = *std::max_element(times.processor.begin(), times.processor.end());
         std::printf("%-28s %6.1f ms to the frame, %6.1f ms of processor time (worst %.1f), %zu times\n", what,
                     median(times.wall), median(times.processor), worst, times.wall.size());
-        return median(times.processor);
+        EXPECT_LT(median(times.processor), 2 * frame) << what;
+        EXPECT_LT(worst, 5 * frame) << what;
     }
 
     double now() const {
@@ -132,10 +141,10 @@ TEST_F(SpeedTest, TenThousandMessagesInFiveHundredThreads) {
     }
 
     report("an empty change", nothing);
-    EXPECT_LT(report("opening the tab", openings), 400);
-    EXPECT_LT(report("a letter in the search", letters), 200);
-    EXPECT_LT(report("switching the chat", switches), 200);
-    EXPECT_LT(report("sending", sendings), 200);
+    report("opening the tab", openings);
+    report("a letter in the search", letters);
+    report("switching the chat", switches);
+    report("sending", sendings);
 }
 
 TEST_F(SpeedTest, MemoryWithFiveThousandMessages) {

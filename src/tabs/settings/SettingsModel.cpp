@@ -1,5 +1,6 @@
 #include "tabs/settings/SettingsModel.h"
 
+#include "text/Utf8.h"
 #include "text/WholeNumber.h"
 
 #include <utility>
@@ -32,11 +33,14 @@ StatusRow statusRow(const HistoryStore& store) {
                 .detail = "Download 'Velloway Android' and enter this IP and Port in the app settings to link "
                           "your devices."};
     }
+    const auto& device = store.connectedDeviceName.get();
+    const auto& wifi = store.connectedWifiName.get();
     return {.isConnected = true,
             .symbol = "checkmark.circle.fill",
             .color = ColorRole::green,
-            .headline = store.connectedDeviceName.get(),
-            .detail = store.connectedWifiName.get().value_or("IP: " + *address),
+            .headline = device ? std::optional(std::string(head(*device, rowBytes))) : std::nullopt,
+            .detail =
+                wifi ? std::string(head(*wifi, rowBytes)) : "IP: " + std::string(head(*address, rowBytes)),
             .battery = batteryLabel(store)};
 }
 

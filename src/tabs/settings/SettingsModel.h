@@ -22,7 +22,7 @@ struct BatteryLabel {
     bool operator==(const BatteryLabel&) const = default;
 };
 
-/// The row "Status".
+/// The row "Status". Texts are given as far as a row could show them.
 struct StatusRow {
     bool isConnected = false;
     std::string_view symbol;
@@ -63,6 +63,8 @@ public:
     const Computed<NotificationPermissionRow> notificationPermission;
     /// Searched anew at each reading, and worth reading with every other value.
     const Computed<std::string> localIP;
+
+    Pasteboard& pasteboard() const { return with_.pasteboard; }
 
     /// The tab came on screen.
     void appears() { refreshNotifStatus(); }

@@ -4,6 +4,7 @@
 #include "text/Links.h"
 #include "text/Utf8.h"
 
+#include <memory>
 #include <utility>
 
 namespace velloway {
@@ -40,7 +41,15 @@ SmsModel::SmsModel(const TabDependencies& dependencies, PhoneState& phone)
       canSend([this] { return !chatText.get().empty(); }, chatText),
       with_(dependencies),
       phone_(phone),
-      subscriptions_{phone.phoneSmsLog.observe([this](const auto&) { threadRows_.reset(); }),
+      subscriptions_{phone.phoneSmsLog.observe([this, alive = std::make_shared<bool>(true)](const auto&) {
+                         threadRows_.reset();
+                         // Ahead of the opening of the tab, which is not to take longer than a frame.
+                         with_.main.async([this, weak = std::weak_ptr(alive)] {
+                             if (!weak.expired()) {
+                                 threadRows();
+                             }
+                         });
+                     }),
                      phone.phoneCallLog.observe([this](const auto&) { threadRows_.reset(); }),
                      contactQuery.observe([this](const std::string& query) { readSearchText(query); })} {}
 

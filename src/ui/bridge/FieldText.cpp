@@ -134,26 +134,37 @@ qsizetype FieldText::positionOf(std::size_t offset) const {
     return offset >= text.size() - behind_ ? shown_.size() - unitsOf(text.substr(offset)) : rest_ + 1;
 }
 
-void FieldText::readClipboard() {
-    pasteboard_.readString([field = QPointer(this)](std::optional<std::string> text) {
-        if (!field || !text || text->empty()) {
-            return;
-        }
-        if (field->rest_ < 0 && field->text_.get().size() + text->size() <= wholeBytes) {
-            emit field->arrived(toQt(*text));
-            return;
-        }
-        field->arrived_ = std::move(*text);
-        emit field->longTextArrived();
-        field->arrived_ = {};
-    });
+void FieldText::pasteClipboard(QObject* field) {
+    pasteboard_.readString(pasteInto(field));
 }
 
-int FieldText::insertArrived(int start, int end) {
-    const std::size_t from = offsetOf(start);
-    const std::size_t to = std::max(from, offsetOf(end));
-    text_.modify([&](std::string& text) { text.replace(from, to - from, arrived_); });
-    return static_cast<int>(positionOf(from + arrived_.size()));
+void FieldText::pasteSelection(QObject* field) {
+    pasteboard_.readSelection(pasteInto(field));
+}
+
+FieldText::TextArrives FieldText::pasteInto(QObject* field) {
+    return [self = QPointer(this), field = QPointer(field)](std::optional<std::string> text) {
+        if (self && field && text && !text->empty()) {
+            self->insert(*field, std::move(*text));
+        }
+    };
+}
+
+void FieldText::insert(QObject& field, std::string text) {
+    if (rest_ < 0 && text_.get().size() + text.size() <= wholeBytes) {
+        // By the field itself, which can undo it.
+        QMetaObject::invokeMethod(&field, "replaceSelection", Q_ARG(QString, toQt(text)));
+        return;
+    }
+    const std::size_t from = offsetOf(field.property("selectionStart").toInt());
+    const std::size_t to = std::max(from, offsetOf(field.property("selectionEnd").toInt()));
+    const std::size_t end = from + text.size();
+    if (to - from == text_.get().size()) {
+        text_.set(std::move(text));
+    } else {
+        text_.modify([&](std::string& whole) { whole.replace(from, to - from, text); });
+    }
+    field.setProperty("cursorPosition", static_cast<int>(positionOf(end)));
 }
 
 void FieldText::copy(int start, int end) {

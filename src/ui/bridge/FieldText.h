@@ -9,6 +9,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -40,20 +41,16 @@ public:
 
     /// The user changed what is shown.
     Q_INVOKABLE void edit(const QString& shown);
-    /// Asks for the text of the clipboard, without waiting for it; one of the `arrived` signals follows unless
-    /// there is none.
-    Q_INVOKABLE void readClipboard();
-    /// Puts the long text that arrived in place of a part, while its signal is emitted. Returns where the
-    /// cursor stands afterwards.
-    Q_INVOKABLE int insertArrived(int start, int end);
+    /// Asks for the text of the clipboard, without waiting for it, and puts it in place of what is selected
+    /// then in `field`, a Field with this text. Does nothing when there is no text or `field` has gone.
+    Q_INVOKABLE void pasteClipboard(QObject* field);
+    /// The same with the text that is selected in any window.
+    Q_INVOKABLE void pasteSelection(QObject* field);
     /// Copies a part with all that it stands for.
     Q_INVOKABLE void copy(int start, int end);
 
 signals:
     void shownChanged();
-    /// A text that the field can insert by itself.
-    void arrived(const QString& text);
-    void longTextArrived();
 
 private:
     struct Shortened {
@@ -64,7 +61,11 @@ private:
         std::string text;
     };
 
+    using TextArrives = std::function<void(std::optional<std::string>)>;
+
     void read();
+    TextArrives pasteInto(QObject* field);
+    void insert(QObject& field, std::string text);
     void editAroundRest(const QString& shown);
     void bringBack();
     /// Where the ellipsis is after a change of what is shown; -1 when it is gone.
@@ -80,7 +81,6 @@ private:
     /// The bytes of the text before and behind the rest.
     std::size_t before_ = 0;
     std::size_t behind_ = 0;
-    std::string arrived_;
     /// As it was when the ellipsis was deleted, in case that is undone.
     std::optional<Shortened> undone_;
     bool isEditing_ = false;

@@ -3,13 +3,17 @@
 namespace velloway {
 
 SettingsBridge::SettingsBridge(SettingsModel& model)
-    : TabBridge(QStringLiteral("SettingsTab.qml")), model_(model) {
+    : TabBridge(QStringLiteral("SettingsTab.qml")), model_(model), port_(editedPort_, model.pasteboard()) {
     follow(model.serverRestartNeeded, &SettingsBridge::serverRestartNeededChanged);
     follow(model.launchAtLogin, &SettingsBridge::launchAtLoginChanged);
     follow(model.status, [this] { readStatus(); });
     follow(model.localIP,
            [this] { show(localIP_, toQt(model_.localIP.get()), &SettingsBridge::localIPChanged); });
-    follow(model.portText, [this] { readPort(); });
+    follow(model.portText, [this] {
+        if (portText_ != model_.portText.get()) {
+            readPort();
+        }
+    });
     follow(model.notificationPermission, [this] { readPermission(); });
 }
 
@@ -31,7 +35,8 @@ void SettingsBridge::readStatus() {
 }
 
 void SettingsBridge::readPort() {
-    show(portText_, toQt(model_.portText.get()), &SettingsBridge::portTextChanged);
+    portText_ = model_.portText.get();
+    editedPort_.set(portText_);
 }
 
 void SettingsBridge::readPermission() {
@@ -39,9 +44,15 @@ void SettingsBridge::readPermission() {
     show(permission_, static_cast<Permission>(row), &SettingsBridge::permissionChanged);
 }
 
-void SettingsBridge::commitPort(const QString& text) {
-    model_.commitPort(fromQt(text));
+void SettingsBridge::commitPort() {
+    model_.commitPort(editedPort_.get());
     readPort();
+}
+
+void SettingsBridge::commitEditedPort() {
+    if (editedPort_.get() != portText_) {
+        commitPort();
+    }
 }
 
 } // namespace velloway

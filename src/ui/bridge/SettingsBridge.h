@@ -1,8 +1,11 @@
 #pragma once
 
 #include "bridge/Convert.h"
+#include "bridge/FieldText.h"
 #include "bridge/TabBridge.h"
 #include "tabs/settings/SettingsModel.h"
+
+#include <string>
 
 namespace velloway {
 
@@ -41,7 +44,8 @@ class SettingsBridge : public TabBridge {
     QML_UNCREATABLE("The window has it.")
     Q_PROPERTY(velloway::StatusState status READ status NOTIFY statusChanged)
     Q_PROPERTY(QString localIP READ localIP NOTIFY localIPChanged)
-    Q_PROPERTY(QString portText READ portText NOTIFY portTextChanged)
+    /// The port as it is being edited.
+    Q_PROPERTY(velloway::FieldText* port READ port CONSTANT)
     Q_PROPERTY(bool serverRestartNeeded READ serverRestartNeeded NOTIFY serverRestartNeededChanged)
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
     Q_PROPERTY(Permission permission READ permission NOTIFY permissionChanged)
@@ -55,14 +59,17 @@ public:
 
     StatusState status() const { return status_; }
     QString localIP() const { return localIP_; }
-    QString portText() const { return portText_; }
+    FieldText* port() { return &port_; }
     bool serverRestartNeeded() const { return model_.serverRestartNeeded.get(); }
     bool launchAtLogin() const { return model_.launchAtLogin.get(); }
     void setLaunchAtLogin(bool enabled) { model_.launchAtLogin.set(enabled); }
     Permission permission() const { return permission_; }
 
     Q_INVOKABLE void copyLocalIP() { model_.copyLocalIP(); }
-    Q_INVOKABLE void commitPort(const QString& text);
+    /// Editing the port ended. The field then shows the port that holds.
+    Q_INVOKABLE void commitPort();
+    /// The same if the field was edited.
+    Q_INVOKABLE void commitEditedPort();
     Q_INVOKABLE void restartServer() { model_.restartServer(); }
     Q_INVOKABLE void requestNotificationPermission() { model_.requestNotificationPermission(); }
     Q_INVOKABLE void openNotificationSettings() { model_.openNotificationSettings(); }
@@ -70,7 +77,6 @@ public:
 signals:
     void statusChanged();
     void localIPChanged();
-    void portTextChanged();
     void serverRestartNeededChanged();
     void launchAtLoginChanged();
     void permissionChanged();
@@ -83,7 +89,10 @@ private:
     SettingsModel& model_;
     StatusState status_;
     QString localIP_;
-    QString portText_;
+    /// As the model last gave it.
+    std::string portText_;
+    Observable<std::string> editedPort_;
+    FieldText port_;
     Permission permission_ = NoPermissionRow;
 };
 

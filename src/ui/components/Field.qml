@@ -5,9 +5,8 @@ import Velloway
 TextField {
     id: field
 
-    /// What the field edits, unless it has a text of its own.
-    property FieldText whole: null
-    property bool awaitsText: false
+    /// What the field edits.
+    required property FieldText whole
     property real corner: 6
     property color outline: Theme.fieldOutline
 
@@ -22,14 +21,15 @@ TextField {
     bottomPadding: 0
     implicitHeight: 26
     verticalAlignment: TextInput.AlignVCenter
-    text: whole ? whole.shown : ""
-    onTextEdited: if (whole) whole.edit(text)
+    text: whole.shown
+    onTextEdited: whole.edit(text)
     Keys.onPressed: event => {
-        if (!whole)
-            return
         if (event.matches(StandardKey.Paste)) {
-            awaitsText = true
-            whole.readClipboard()
+            const ofSelection = event.key === Qt.Key_Insert && (event.modifiers & Qt.ControlModifier)
+            if (ofSelection)
+                whole.pasteSelection(field)
+            else
+                whole.pasteClipboard(field)
             event.accepted = true
         } else if (whole.isShortened && selectedText) {
             const cuts = event.matches(StandardKey.Cut)
@@ -50,17 +50,15 @@ TextField {
         whole.edit(text)
     }
 
-    Connections {
-        target: field.whole
-        enabled: field.awaitsText
-        function onArrived(text) {
-            field.awaitsText = false
-            field.replaceSelection(text)
+    // By itself the toolkit waits for the program in which the text is selected.
+    MouseArea {
+        anchors.fill: parent
+        acceptedButtons: Qt.MiddleButton
+        onPressed: event => {
+            field.forceActiveFocus(Qt.MouseFocusReason)
+            field.cursorPosition = field.positionAt(event.x, event.y)
         }
-        function onLongTextArrived() {
-            field.awaitsText = false
-            field.cursorPosition = field.whole.insertArrived(field.selectionStart, field.selectionEnd)
-        }
+        onClicked: field.whole.pasteSelection(field)
     }
 
     background: Rectangle {

@@ -118,26 +118,15 @@ FocusScope {
                 title: SettingsTexts.port
                 last: true
                 Field {
-                    id: port
-
                     objectName: "port"
                     implicitWidth: 80
                     placeholderText: SettingsTexts.portPrompt
                     horizontalAlignment: TextInput.AlignRight
-                    // More than a number can have.
-                    maximumLength: 100
-                    text: tab.bridge.portText
+                    whole: tab.bridge.port
                     Accessible.name: SettingsTexts.port
-                    property bool isEdited: false
-
-                    onTextEdited: isEdited = true
-                    onEditingFinished: {
-                        isEdited = false
-                        tab.bridge.commitPort(text)
-                        text = Qt.binding(() => tab.bridge.portText)
-                    }
+                    onEditingFinished: tab.bridge.commitPort()
                     // A change of tab ends editing too, and takes the field away at once.
-                    Component.onDestruction: if (isEdited) tab.bridge.commitPort(text)
+                    Component.onDestruction: tab.bridge.commitEditedPort()
                 }
                 PushButton {
                     objectName: "restart"

@@ -140,9 +140,9 @@ protected:
         close(ends[0]);
         return isWhole ? std::optional(text) : std::nullopt;
     }
-    std::optional<std::string> readText() {
+    std::optional<std::string> readText(QClipboard::Mode of = QClipboard::Clipboard) {
         std::optional<std::optional<std::string>> answer;
-        control_->read([&](auto text) { answer = std::move(text); });
+        control_->read(of, [&](auto text) { answer = std::move(text); });
         EXPECT_TRUE(waitFor([&] { return answer.has_value(); }));
         return answer.value_or(std::nullopt);
     }
@@ -290,6 +290,18 @@ TEST_F(DataControlTest, SelectedTextIsNotTheClipboard) {
     EXPECT_EQ(readText(), "clipboard");
 }
 
+TEST_F(DataControlTest, TheTextSelectedInAWindowIsReadForItself) {
+    EXPECT_TRUE(control_->knows(QClipboard::Selection));
+    EXPECT_EQ(readText(QClipboard::Selection), std::nullopt);
+    EXPECT_TRUE(control_->setText("clipboard"));
+    text_ = "selected";
+    offer({"text/plain"}, primarySelection);
+    EXPECT_EQ(readText(QClipboard::Selection), "selected");
+    EXPECT_EQ(readText(), "clipboard");
+    offer({"image/png"}, primarySelection);
+    EXPECT_EQ(readText(QClipboard::Selection), std::nullopt);
+}
+
 TEST_F(DataControlTest, ALongTextOfAnotherProgramComesWhole) {
     text_ = std::string(5'000'000, 'y') + "end";
     offer({"text/plain"});
@@ -308,7 +320,7 @@ TEST_F(DataControlTest, AProgramThatHandsNothingOverIsWaitedForFiveSeconds) {
     const auto start = std::chrono::steady_clock::now();
     bool isInTime = true;
     int answers = 0;
-    control_->read([&](const auto& text) {
+    control_->read(QClipboard::Clipboard, [&](const auto& text) {
         ++answers;
         EXPECT_EQ(text, std::nullopt);
         isInTime = std::chrono::steady_clock::now() - start >= 4700ms;
@@ -325,7 +337,7 @@ TEST_F(DataControlTest, AProgramThatHandsNothingOverIsWaitedForFiveSeconds) {
 TEST_F(DataControlTest, WhatComesInPiecesWithinFiveSecondsEachIsRead) {
     offer({"text/plain"});
     std::optional<std::optional<std::string>> answer;
-    control_->read([&](auto text) { answer = std::move(text); });
+    control_->read(QClipboard::Clipboard, [&](auto text) { answer = std::move(text); });
     ASSERT_TRUE(waitFor([&] {
         int file = -1;
         compositor_.perform([&] { file = silent_; });

@@ -82,6 +82,48 @@ TEST_F(DesktopColorsTest, FollowsTheChoiceOfTheUser) {
     EXPECT_TRUE(waitFor([] { return !isDark(); }));
 }
 
+TEST_F(DesktopColorsTest, ADarkDesktopKeepsItsOwnDarkColours) {
+    for (const auto& [lightness, isKept] : {std::pair(0x2a, true), {127, true}, {128, false}, {0xef, false}}) {
+        const QColor ground(lightness, lightness, lightness);
+        QApplication::setPalette(QPalette(ground, ground));
+        FakeSettingsPortal portal;
+        DesktopColors colors;
+        ASSERT_TRUE(waitFor([&] { return portal.reads == 1; }));
+        processPending();
+        portal.choose(1);
+        ASSERT_TRUE(waitFor(isDark));
+        EXPECT_EQ(QApplication::palette().color(QPalette::Window) == ground, isKept) << lightness;
+        portal.choose(2);
+        EXPECT_TRUE(waitFor([] { return !isDark(); })) << lightness;
+    }
+}
+
+TEST_F(DesktopColorsTest, TheDarkColoursCanBeReadOnEachOther) {
+    FakeSettingsPortal portal;
+    portal.scheme = 1;
+    DesktopColors colors;
+    ASSERT_TRUE(waitFor(isDark));
+    const QPalette palette = QApplication::palette();
+    const auto lightness = [&](QPalette::ColorRole role, QPalette::ColorGroup group = QPalette::Active) {
+        return palette.color(group, role).lightness();
+    };
+    for (const auto role :
+         {QPalette::Window, QPalette::Base, QPalette::AlternateBase, QPalette::Button, QPalette::ToolTipBase}) {
+        EXPECT_LT(lightness(role), 70) << role;
+    }
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText,
+                            QPalette::HighlightedText, QPalette::BrightText}) {
+        EXPECT_GT(lightness(role), 230) << role;
+    }
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        EXPECT_NEAR(lightness(role, QPalette::Disabled), 136, 20) << role;
+    }
+    EXPECT_NEAR(lightness(QPalette::PlaceholderText), 136, 20);
+    EXPECT_EQ(palette.color(QPalette::Highlight), QColor(0x0a, 0x84, 0xff));
+    EXPECT_GT(lightness(QPalette::Link), 150);
+    EXPECT_GT(palette.color(QPalette::Link).blue(), palette.color(QPalette::Link).red());
+}
+
 TEST_F(DesktopColorsTest, OtherSettingsChangeNothing) {
     FakeSettingsPortal portal;
     DesktopColors colors;

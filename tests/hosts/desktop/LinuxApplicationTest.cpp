@@ -55,7 +55,7 @@ public:
 };
 
 // The first of the cases: it needs a process that is not in front yet.
-TEST_F(LinuxApplicationTest, TellsItsDelegateWhenItComesToTheFront) {
+TEST_F(LinuxApplicationTest, ReportsThatItHasComeToTheFront) {
     CountingDelegate delegate;
     application.setDelegate(&delegate);
     QWidget window;
@@ -64,7 +64,16 @@ TEST_F(LinuxApplicationTest, TellsItsDelegateWhenItComesToTheFront) {
     ASSERT_TRUE(waitFor([&] { return window.windowHandle()->isExposed(); }));
     QProcess::execute("xdotool", {"windowfocus", QString::number(window.winId())});
     EXPECT_TRUE(waitFor([&] { return delegate.activations > 0; }));
+    const int activations = delegate.activations;
+    window.hide();
+    ASSERT_TRUE(waitFor([] { return QGuiApplication::applicationState() != Qt::ApplicationActive; }));
+    EXPECT_EQ(delegate.activations, activations) << "it has left the front";
     application.setDelegate(nullptr);
+    window.show();
+    ASSERT_TRUE(waitFor([&] { return window.windowHandle()->isExposed(); }));
+    QProcess::execute("xdotool", {"windowfocus", QString::number(window.winId())});
+    EXPECT_TRUE(waitFor([] { return QGuiApplication::applicationState() == Qt::ApplicationActive; }));
+    EXPECT_EQ(delegate.activations, activations) << "nobody asks any more";
 }
 
 TEST_F(LinuxApplicationTest, AnAlertShowsItsTextsAsTheyAre) {

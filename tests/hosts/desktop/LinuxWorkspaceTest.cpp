@@ -163,24 +163,29 @@ TEST_F(LinuxWorkspaceTest, OpensTheFolderOfAFileThatHasGone) {
 TEST_F(LinuxWorkspaceTest, OpensThePageOfTheSettingsThatThisDesktopHas) {
     const struct {
         const char* desktop;
-        const char* program;
-        SettingsPane pane;
-        const char* started;
+        std::string notifications;
+        std::string accessibility;
     } cases[] = {
-        {"ubuntu:GNOME", "gnome-control-center", SettingsPane::notifications,
-         "gnome-control-center\nnotifications\n"},
-        {"KDE", "systemsettings", SettingsPane::notifications, "systemsettings\nkcm_notifications\n"},
-        {"KDE", "systemsettings5", SettingsPane::accessibility, "systemsettings5\nkcm_access\n"},
-        {"XFCE", "xfce4-notifyd-config", SettingsPane::notifications, "xfce4-notifyd-config\n"},
-        {"X-Cinnamon", "cinnamon-settings", SettingsPane::accessibility, "cinnamon-settings\naccessibility\n"},
+        {"ubuntu:GNOME", "gnome-control-center\nnotifications\n", "gnome-control-center\nuniversal-access\n"},
+        {"Budgie", "budgie-control-center\nnotifications\n", "budgie-control-center\nuniversal-access\n"},
+        {"KDE", "systemsettings\nkcm_notifications\n", "systemsettings\nkcm_access\n"},
+        {"KDE", "systemsettings5\nkcm_notifications\n", "systemsettings5\nkcm_access\n"},
+        {"X-Cinnamon", "cinnamon-settings\nnotifications\n", "cinnamon-settings\naccessibility\n"},
+        {"XFCE", "xfce4-notifyd-config\n", "xfce4-accessibility-settings\n"},
+        {"MATE", "mate-notification-properties\n", "mate-at-properties\n"},
+        {"LXQt", "lxqt-config-notificationd\n", "lxqt-config-input\n"},
     };
     for (const auto& each : cases) {
         ::setenv("XDG_CURRENT_DESKTOP", each.desktop, 1);
-        install(each.program);
-        workspace.openSettings(each.pane);
-        EXPECT_EQ(whatStarted(), each.started);
-        std::filesystem::remove(started());
-        std::filesystem::remove(folder.path() / "bin" / each.program);
+        for (const auto& [pane, expected] : {std::pair(SettingsPane::notifications, each.notifications),
+                                             {SettingsPane::accessibility, each.accessibility}}) {
+            const std::string program = expected.substr(0, expected.find('\n'));
+            install(program.c_str());
+            workspace.openSettings(pane);
+            EXPECT_EQ(whatStarted(), expected);
+            std::filesystem::remove(started());
+            std::filesystem::remove(folder.path() / "bin" / program);
+        }
     }
 }
 

@@ -111,9 +111,9 @@ void FakePortal::answer(unsigned code) {
                 : QVariantMap());
 }
 
-void FakePortal::closeSession() {
+void FakePortal::closeSession(const QString& session) {
     QDBusMessage signal =
-        QDBusMessage::createTargetedSignal(client_, session_, "org.freedesktop.portal.Session", "Closed");
+        QDBusMessage::createTargetedSignal(client_, session, "org.freedesktop.portal.Session", "Closed");
     signal.setArguments({QVariantMap()});
     bus_.send(signal);
 }

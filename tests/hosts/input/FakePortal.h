@@ -28,7 +28,10 @@ public:
     void answer(unsigned code);
     bool isAsking() const { return question_.has_value(); }
     /// As when the user stops the sharing.
-    void closeSession();
+    void closeSession() { closeSession(session_); }
+    /// Also of one that has ended already.
+    void closeSession(const QString& session);
+    const QString& session() const { return session_; }
     void leaveTheBus();
     std::vector<std::function<void()>> takeHeld();
 

@@ -100,6 +100,22 @@ TEST_F(Portal, SessionClosedByTheUserEndsTrustAndInput) {
     EXPECT_EQ(portal_.selectOptions.value("restore_token").toString(), QString("token1"));
 }
 
+TEST_F(Portal, ASessionThatHasEndedCannotEndTheNextOne) {
+    ASSERT_TRUE(opensSession());
+    const QString former = portal_.session();
+    portal_.closeSession();
+    ASSERT_TRUE(becomesTrusted(false));
+    ASSERT_TRUE(opensSession());
+    portal_.closeSession(former);
+    // Brings the news to our side, by the connection of the portal and by our own.
+    portal_.takeHeld();
+    QDBusConnection::sessionBus().interface()->isServiceRegistered("org.freedesktop.portal.Desktop");
+    processPending();
+    EXPECT_TRUE(input_.isTrusted());
+    portal_.closeSession();
+    EXPECT_TRUE(becomesTrusted(false));
+}
+
 TEST_F(Portal, ADesktopThatGoesAwayEndsTrust) {
     ASSERT_TRUE(opensSession());
     portal_.leaveTheBus();

@@ -86,6 +86,7 @@ public:
         perform([&] { found = latest_.lock(); });
         return found;
     }
+    void cancelListener() { listener_->cancel(); }
     void cancelLatest() {
         perform([&] { latest_.lock()->cancel(); });
     }

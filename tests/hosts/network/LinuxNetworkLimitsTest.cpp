@@ -6,13 +6,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <future>
 #include <string>
 #include <vector>
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace velloway::test {
 namespace {
@@ -220,6 +223,28 @@ TEST_F(LinuxNetworkLimitsTest, APortThatOnlyIpv6HasTakenIsTaken) {
     EXPECT_EQ(result.get_future().get(), "Address already in use");
     EXPECT_TRUE(queue.end(10s));
     close(taken);
+}
+
+TEST_F(LinuxNetworkLimitsTest, APhoneThatWaitsForADescriptorIsLetGoWithTheListener) {
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit few{128, before.rlim_max};
+    // The last quarter is spared.
+    std::vector<int> taken;
+    while (taken.empty() || taken.back() < 100) {
+        taken.push_back(dup(0));
+    }
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    RawPhone phone(host->port);
+    phone.write(RawPhone::request());
+    // Taken from the system, and not served.
+    EXPECT_FALSE(phone.waitForEnd(300ms));
+    EXPECT_EQ(host->accepted, 1);
+    host->cancelListener();
+    EXPECT_TRUE(phone.waitForEnd());
+    setrlimit(RLIMIT_NOFILE, &before);
+    std::for_each(taken.begin(), taken.end(), close);
+    EXPECT_EQ(host->accepted, 1);
 }
 
 TEST_F(LinuxNetworkLimitsTest, OnlyOneVersionOfTheProtocolIsServed) {

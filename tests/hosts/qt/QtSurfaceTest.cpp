@@ -40,8 +40,9 @@ protected:
 
     std::shared_ptr<WindowContent> ringing(
         std::string number, std::function<void()> onAnswer = [] {}) {
-        return std::make_shared<IncomingCallBanner>(IncomingCallInfo{std::move(number), std::nullopt},
-                                                    std::move(onAnswer), [this] { ++hangups; });
+        return std::make_shared<IncomingCallBanner>(
+            std::make_shared<const IncomingCallInfo>(IncomingCallInfo{std::move(number), std::nullopt}),
+            std::move(onAnswer), [this] { ++hangups; });
     }
 
     static ContentView* viewOf(ContentSurface& surface) {

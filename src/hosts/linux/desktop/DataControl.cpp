@@ -149,21 +149,18 @@ struct DataControl::Listeners {
         .data_offer = [](void* data, zwlr_data_control_device_v1*,
                          zwlr_data_control_offer_v1* offer) { self(data).addOffer(offer); },
         .selection = [](void* data, zwlr_data_control_device_v1*,
-                        zwlr_data_control_offer_v1* offer) { self(data).select(offer); },
+                        zwlr_data_control_offer_v1* offer) { self(data).select(QClipboard::Clipboard, offer); },
         .finished =
             [](void* data, zwlr_data_control_device_v1* device) {
-                self(data).select(nullptr);
+                for (const auto of : {QClipboard::Clipboard, QClipboard::Selection}) {
+                    self(data).select(of, nullptr);
+                }
                 zwlr_data_control_device_v1_destroy(device);
                 self(data).device_ = nullptr;
             },
         .primary_selection =
             [](void* data, zwlr_data_control_device_v1*, zwlr_data_control_offer_v1* offer) {
-                // The other clipboard, of selected text, does not concern us.
-                DataControl& to = self(data);
-                std::erase_if(to.offers_, [&](const auto& each) { return each->proxy == offer; });
-                if (offer != nullptr) {
-                    zwlr_data_control_offer_v1_destroy(offer);
-                }
+                self(data).select(QClipboard::Selection, offer);
             }};
 
     static constexpr zwlr_data_control_offer_v1_listener offer{
@@ -212,7 +209,6 @@ DataControl::~DataControl() {
     notifier_.reset();
     // With the connection goes all that the compositor holds for it; the proxies are freed one by one.
     dropSource();
-    select(nullptr);
     for (const auto& offer : offers_) {
         zwlr_data_control_offer_v1_destroy(offer->proxy);
     }
@@ -232,6 +228,12 @@ DataControl::~DataControl() {
 
 bool DataControl::isUsable() const {
     return device_ != nullptr && wl_display_get_error(display_) == 0;
+}
+
+bool DataControl::knows(QClipboard::Mode of) const {
+    constexpr std::uint32_t firstWithSelection = ZWLR_DATA_CONTROL_DEVICE_V1_PRIMARY_SELECTION_SINCE_VERSION;
+    return of == QClipboard::Clipboard || isManagerExt_ ||
+           zwlr_data_control_manager_v1_get_version(manager_) >= firstWithSelection;
 }
 
 /// Everything asked for so far has been done.
@@ -254,14 +256,15 @@ void DataControl::addOffer(zwlr_data_control_offer_v1* proxy) {
     zwlr_data_control_offer_v1_add_listener(proxy, &Listeners::offer, offers_.back().get());
 }
 
-void DataControl::select(zwlr_data_control_offer_v1* proxy) {
-    if (selected_ != nullptr && selected_->proxy != proxy) {
-        zwlr_data_control_offer_v1_destroy(selected_->proxy);
-        std::erase_if(offers_, [this](const auto& each) { return each.get() == selected_; });
+void DataControl::select(QClipboard::Mode of, zwlr_data_control_offer_v1* proxy) {
+    Offer*& selected = selected_.at(of);
+    if (selected != nullptr && selected->proxy != proxy) {
+        zwlr_data_control_offer_v1_destroy(selected->proxy);
+        std::erase_if(offers_, [&](const auto& each) { return each.get() == selected; });
     }
     const auto found =
         std::find_if(offers_.begin(), offers_.end(), [&](const auto& each) { return each->proxy == proxy; });
-    selected_ = found != offers_.end() ? found->get() : nullptr;
+    selected = found != offers_.end() ? found->get() : nullptr;
 }
 
 void DataControl::dropSource() {
@@ -298,24 +301,25 @@ bool DataControl::setText(std::string_view text) {
     return answered() && source_ != nullptr;
 }
 
-const char* DataControl::textType() const {
+const char* DataControl::textType(const Offer& offer) {
     for (const char* type : {utf8Text, plainText}) {
-        if (selected_ != nullptr && selected_->types.count(type) != 0) {
+        if (offer.types.count(type) != 0) {
             return type;
         }
     }
     return nullptr;
 }
 
-void DataControl::read(std::function<void(std::optional<std::string>)> done) {
+void DataControl::read(QClipboard::Mode of, std::function<void(std::optional<std::string>)> done) {
     if (!isUsable() || !answered()) {
         return done(std::nullopt);
     }
-    if (source_ != nullptr) {
+    if (of == QClipboard::Clipboard && source_ != nullptr) {
         return done(*ownText_);
     }
-    const char* type = textType();
-    const int file = type ? receive(*selected_, type) : -1;
+    const Offer* offer = selected_.at(of);
+    const char* type = offer ? textType(*offer) : nullptr;
+    const int file = type ? receive(*offer, type) : -1;
     if (file < 0) {
         return done(std::nullopt);
     }

@@ -60,18 +60,26 @@ bool LinuxPasteboard::setString(std::string_view text) {
 }
 
 void LinuxPasteboard::readString(Done done) {
-    waiting_.push_back(std::move(done));
+    ask({QClipboard::Clipboard, std::move(done)});
+}
+
+void LinuxPasteboard::readSelection(Done done) {
+    ask({QClipboard::Selection, std::move(done)});
+}
+
+void LinuxPasteboard::ask(Question question) {
+    waiting_.push_back(std::move(question));
     if (waiting_.size() == 1) {
         answerNext();
     }
 }
 
 /// The text as the toolkit reads it: of this process, or where nothing else can read it.
-std::optional<std::string> LinuxPasteboard::toolkitText() const {
+std::optional<std::string> LinuxPasteboard::toolkitText(QClipboard::Mode of) const {
     if (dataControl() == nullptr && !isToolkitInTouch()) {
         return std::nullopt;
     }
-    const QMimeData* contents = QGuiApplication::clipboard()->mimeData();
+    const QMimeData* contents = QGuiApplication::clipboard()->mimeData(of);
     if (contents != nullptr && contents->hasFormat(utf8Text())) {
         return clipboardText(contents->data(utf8Text())).toStdString();
     }
@@ -84,9 +92,11 @@ std::optional<std::string> LinuxPasteboard::toolkitText() const {
 
 void LinuxPasteboard::answerNext() {
     // What was copied in a window of this process is handed over by this thread, which must not wait for it.
-    const bool isOwn = QGuiApplication::clipboard()->ownsClipboard();
-    if (DataControl* control = isOwn ? nullptr : dataControl()) {
-        control->read([this](std::optional<std::string> text) { answer(std::move(text)); });
+    const QClipboard::Mode of = waiting_.front().of;
+    const QClipboard& clipboard = *QGuiApplication::clipboard();
+    const bool isOwn = of == QClipboard::Selection ? clipboard.ownsSelection() : clipboard.ownsClipboard();
+    if (DataControl* control = isOwn ? nullptr : dataControl(); control && control->knows(of)) {
+        control->read(of, [this](std::optional<std::string> text) { answer(std::move(text)); });
         return;
     }
     if (!isOwn && QGuiApplication::platformName() == QLatin1String("xcb")) {
@@ -94,15 +104,15 @@ void LinuxPasteboard::answerNext() {
             selection_ = SelectionReader::connect();
         }
         if (selection_) {
-            selection_->read([this](std::optional<std::string> text) { answer(std::move(text)); });
+            selection_->read(of, [this](std::optional<std::string> text) { answer(std::move(text)); });
             return;
         }
     }
-    answer(toolkitText());
+    answer(toolkitText(of));
 }
 
 void LinuxPasteboard::answer(std::optional<std::string> text) {
-    const Done done = std::move(waiting_.front());
+    const Done done = std::move(waiting_.front().done);
     // Until it returns, the place in front keeps what it asks for from being answered inside it.
     done(std::move(text));
     waiting_.pop_front();

@@ -83,8 +83,9 @@ void SelectionReader::readAtoms() {
     });
 }
 
-void SelectionReader::read(Done done) {
+void SelectionReader::read(QClipboard::Mode of, Done done) {
     done_ = std::move(done);
+    selection_ = of == QClipboard::Selection ? static_cast<std::uint32_t>(XCB_ATOM_PRIMARY) : atoms_[clipboard];
     silence_.start();
     if (xcb_connection_has_error(connection_)) {
         silence_.start(0);
@@ -103,7 +104,7 @@ void SelectionReader::read(Done done) {
 
 void SelectionReader::convert(std::uint32_t type) {
     asked_ = type;
-    xcb_convert_selection(connection_, window_, atoms_[clipboard], type, atoms_[answer], XCB_CURRENT_TIME);
+    xcb_convert_selection(connection_, window_, selection_, type, atoms_[answer], XCB_CURRENT_TIME);
     xcb_flush(connection_);
 }
 

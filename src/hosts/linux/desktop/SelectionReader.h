@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QClipboard>
 #include <QObject>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -18,8 +19,8 @@ struct xcb_selection_notify_event_t;
 
 namespace velloway {
 
-/// Asks the owner of the X server's clipboard for its text, over a connection of its own, and goes on with the
-/// event loop until the answer comes. Main thread.
+/// Asks the owner of the X server's clipboard, or of the text selected in a window, for its text, over a
+/// connection of its own, and goes on with the event loop until the answer comes. Main thread.
 class SelectionReader : public QObject {
 public:
     using Done = std::function<void(std::optional<std::string> text)>;
@@ -33,7 +34,7 @@ public:
 
     /// Calls `done` once, never inside the call: absent when there is no plain text, or when the owner is
     /// silent for 5 seconds. One question at a time.
-    void read(Done done);
+    void read(QClipboard::Mode of, Done done);
 
 private:
     explicit SelectionReader(xcb_connection_t* connection);
@@ -54,6 +55,7 @@ private:
     Done done_;
     /// One for each question, so that a late answer to an earlier one reaches nobody.
     std::uint32_t window_ = 0;
+    std::uint32_t selection_ = 0;
     std::uint32_t asked_ = 0;
     bool isInPieces_ = false;
     std::string text_;
