@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace velloway {
 
@@ -22,7 +23,10 @@ public:
     virtual void readString(std::function<void(std::optional<std::string>)> done) = 0;
     /// The same for the text that is selected in any window, on desktops where the middle button of the mouse
     /// pastes it; elsewhere there is none.
-    virtual void readSelection(std::function<void(std::optional<std::string>)> done) { done(std::nullopt); }
+    virtual void readSelection(std::function<void(std::optional<std::string>)> done) {
+        const auto answer = std::move(done);
+        answer(std::nullopt);
+    }
     /// False while the desktop keeps what lies on the pasteboard from this program.
     virtual bool isReadable() const { return true; }
 };
