@@ -61,7 +61,7 @@ void DeviceHandset::linkIsUp() {
     sendIntroduction();
     if (!isPolling_) {
         isPolling_ = true;
-        pollSms();
+        poll();
     }
 }
 
@@ -146,22 +146,38 @@ void DeviceHandset::sendBattery() {
 
 // ---- What is new on the phone: one look after the other, then a pause
 
-void DeviceHandset::pollSms() {
+void DeviceHandset::poll() {
     if (!isUp_) {
         pollLater();
         return;
     }
+    // A message is in the log before the phone notifies of it: read in this order, the log has every message
+    // that the notifications repeat.
+    caller_.poll(
+        NotificationList::words(), [this](const json::value& answer) { pollSms(answer); },
+        [this] { pollSms(std::nullopt); });
+    if (round_++ % roundsPerSlowLook == 0) {
+        pollBattery();
+        pollCalls();
+    }
+}
+
+void DeviceHandset::pollSms(std::optional<json::value> notifications) {
+    const auto finish = [this, notifications = std::move(notifications)] {
+        if (isUp_ && notifications) {
+            showNewNotifications(*notifications);
+        }
+        pollLater();
+    };
     caller_.poll(
         SmsList::words(newestCount),
-        [this](const json::value& answer) {
-            if (!isUp_) {
-                pollLater();
-                return;
+        [this, finish](const json::value& answer) {
+            if (isUp_) {
+                showNewSms(readSms(answer));
             }
-            showNewSms(readSms(answer));
-            pollNotifications();
+            finish();
         },
-        [this] { pollNotifications(); });
+        finish);
 }
 
 void DeviceHandset::showNewSms(const std::vector<Sms>& list) {
@@ -185,41 +201,27 @@ bool DeviceHandset::isBodyOfNewSms(const std::string& body) const {
                        [&](const auto& shown) { return shown.second == body; });
 }
 
-void DeviceHandset::pollNotifications() {
+void DeviceHandset::showNewNotifications(const json::value& answer) {
     while (!shownSms_.empty() && std::chrono::steady_clock::now() - shownSms_.front().first > repeatedWithin) {
         shownSms_.pop_front();
     }
-    caller_.poll(
-        NotificationList::words(),
-        [this](const json::value& answer) {
-            if (!isUp_) {
-                pollLater();
-                return;
-            }
-            for (const NotificationList::Entry& entry : notifications_.takeNew(answer)) {
-                if (isBodyOfNewSms(entry.body)) {
-                    continue;
-                }
-                messages::Notification message{entry.app, entry.title, entry.body, std::nullopt, std::nullopt};
-                if (!entry.key.empty()) {
-                    message.key = entry.key;
-                }
-                if (entry.time) {
-                    message.time = static_cast<double>(*entry.time / 1000);
-                }
-                say(messages::notification(message));
-            }
-            pollLater();
-        },
-        [this] { pollLater(); });
-    if (round_++ % roundsPerSlowLook == 0) {
-        pollBattery();
-        pollCalls();
+    for (const NotificationList::Entry& entry : notifications_.takeNew(answer)) {
+        if (isBodyOfNewSms(entry.body)) {
+            continue;
+        }
+        messages::Notification message{entry.app, entry.title, entry.body, std::nullopt, std::nullopt};
+        if (!entry.key.empty()) {
+            message.key = entry.key;
+        }
+        if (entry.time) {
+            message.time = static_cast<double>(*entry.time / 1000);
+        }
+        say(messages::notification(message));
     }
 }
 
 void DeviceHandset::pollLater() {
-    timer_ = services_.after(options_.pollInterval, [this] { pollSms(); });
+    timer_ = services_.after(options_.pollInterval, [this] { poll(); });
 }
 
 void DeviceHandset::pollBattery() {

@@ -44,12 +44,13 @@ public:
 private:
     void sendName();
     void say(std::string message);
-    void pollSms();
-    void pollNotifications();
+    void poll();
+    void pollSms(std::optional<boost::json::value> notifications);
     void pollBattery();
     void pollCalls();
     void pollLater();
     void showNewSms(const std::vector<Sms>& list);
+    void showNewNotifications(const boost::json::value& answer);
     bool isBodyOfNewSms(const std::string& body) const;
     void cannot(const std::string& what);
     std::vector<Sms> readSms(const boost::json::value& answer);
