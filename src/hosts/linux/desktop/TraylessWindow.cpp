@@ -2,6 +2,7 @@
 
 #include "hosts/linux/desktop/LinuxStatusItem.h"
 #include "hosts/linux/desktop/StatusIcons.h"
+#include "hosts/linux/windows/PresentColor.h"
 #include "hosts/linux/windows/WindowSpaces.h"
 #include "tabs/Style.h"
 
@@ -37,12 +38,6 @@ const char* const sheet = R"(
     QPushButton:focus { border-color: %5; }
     QPushButton:pressed { background: %5; color: %6; }
 )";
-
-/// The colour of the views, as light or dark as the desktop.
-QColor present(const PaletteColor& color) {
-    const bool isDark = QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
-    return QColor::fromRgba(isDark ? color.dark : color.light);
-}
 
 QString buttonText(const MenuItem& item) {
     return QString::fromStdString(item.title).replace('&', QLatin1String("&&"));

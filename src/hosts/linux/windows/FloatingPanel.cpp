@@ -1,6 +1,7 @@
 #include "hosts/linux/windows/FloatingPanel.h"
 
 #include "hosts/linux/windows/Compositing.h"
+#include "hosts/linux/windows/PresentColor.h"
 #include "hosts/linux/windows/RoundedRegion.h"
 #include "hosts/linux/windows/WindowSpaces.h"
 #include "tabs/Style.h"
@@ -49,12 +50,6 @@ protected:
         painter.drawLine(cross.topRight(), cross.bottomLeft());
     }
 };
-
-/// The colour that the views use under that name.
-QColor present(const PaletteColor& color) {
-    const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
-    return QColor::fromRgba(isDark ? color.dark : color.light);
-}
 
 /// Without the last family some emoji would come from a text font, in black and white. The first must be a real
 /// one: behind a mere alias, the emoji font would give the blanks and digits of every text, far too wide.
